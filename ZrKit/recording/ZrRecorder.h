@@ -1,0 +1,104 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/records/ZrNmeaDecoder.h"
+#include "ZrUtil/ZrLogger.h"
+#include "ZrUtil/ZrTypes.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class QTimer;
+
+/// A recording session: lines go in, a data log grows, and the recording ends cleanly before the disk is
+/// full.
+///
+/// Every line is logged as serial text exactly as it came, damaged ones too; a sound NMEA sentence is
+/// followed by the records decoded from it (position fix, depth, motion, environment). Item times are the
+/// times of arrival.
+///
+/// \code
+/// ZrRecorder::Options options;
+/// options.dir = QStringLiteral("/data/logs");
+/// ZrRecorder recorder(options, nullptr);
+/// QString error;
+/// if (!recorder.Start(&error)) …
+/// QObject::connect(&source, &ZrLineSource::Line, &recorder, &ZrRecorder::AddLine);
+/// \endcode
+///
+/// Lives on one thread with an event loop.
+class ZR_KIT_EXPORT ZrRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Options
+    {
+        QString dir; ///< where the log is created; made when missing
+        QString prefix; ///< prefix of the log's name, may be empty
+        u16 source = 1; ///< source identifier of every item
+        qint64 stopBelow = 100 * 1024 * 1024; ///< bytes: recording ends when fewer are free
+        qint64 warnBelow = 1024 * 1024 * 1024; ///< bytes: a warning is given once when fewer are free
+        std::function<qint64()> freeSpace; ///< asks for the free bytes; empty: the volume of `dir`
+    };
+
+    struct Status
+    {
+        QString file; ///< path of the log
+        u64 items = 0;
+        u64 bytes = 0;
+        u64 lines = 0;
+        u64 damagedLines = 0; ///< not a sound NMEA sentence; logged all the same
+        u64 fixes = 0; ///< positions decoded
+        qint64 freeBytes = -1; ///< -1 when the volume does not tell
+        double seconds = 0.0; ///< since the start
+        double bytesPerSecond = 0.0; ///< over the last seconds
+        double itemsPerSecond = 0.0; ///< over the last seconds
+        double secondsLeft = -1.0; ///< until `stopBelow` is reached at this rate; -1 when not known
+    };
+
+    ZrRecorder(const Options& options, QObject* parent);
+    ~ZrRecorder() override;
+
+    /// Creates the log. False with a sentence in \p error when it cannot be created or too little space is
+    /// free.
+    bool Start(QString* error);
+
+    /// Ends the recording and closes the log; harmless when it has ended already.
+    void Stop();
+
+    bool IsRecording() const;
+    /// Counts and rates at this moment.
+    Status CurrentStatus() const;
+
+    /// Logs one line (without its end).
+    void AddLine(const QByteArray& line);
+
+Q_SIGNALS:
+    /// About once a second while recording.
+    void StatusChanged();
+    /// Something a person should know; the recording goes on.
+    void Warning(const QString& message);
+    /// The recording had to end; the log is closed and sound up to here.
+    void Failed(const QString& message);
+
+private:
+    void OnTick();
+    void CheckDisk();
+    void Fail(const QString& message);
+
+    Options m_options;
+    ZrLogger m_logger;
+    ZrNmeaDecoder m_decoder;
+    QTimer* m_tick;
+    QElapsedTimer m_clock;
+    Status m_status;
+    double m_lastTick = 0.0;
+    u64 m_lastBytes = 0;
+    u64 m_lastItems = 0;
+    u64 m_bytesAtCheck = 0;
+    bool m_warned = false;
+};

@@ -1,0 +1,57 @@
+#include "ZrKit/review/ZrUnpack.h"
+
+#include <QtEndian>
+
+namespace {
+
+constexpr u64 prefixSize = 4; ///< big-endian length in front of the zlib stream
+constexpr u64 bestRatio = 1032; ///< a deflate stream spends at least 2 bits on 258 bytes
+constexpr u64 largestArray = 0x7FFFFFFF;
+
+/// Why \p stored cannot be a payload of \p announced bytes; empty when it may be one.
+QString Implausible(const ZrLogItem& item, u64 announced, u64 storedSize)
+{
+    if (announced != item.dataSize) {
+        return QStringLiteral("The compressed payload announces %1 bytes, the item header %2")
+            .arg(announced)
+            .arg(item.dataSize);
+    }
+    if (announced > (storedSize - prefixSize) * bestRatio) {
+        return QStringLiteral("The compressed payload announces %1 bytes, more than its %2 bytes can hold")
+            .arg(announced)
+            .arg(storedSize);
+    }
+    return QString();
+}
+
+} // namespace
+
+bool zr::unpack_payload(const ZrLogItem& item, zr::span<u8> stored, QByteArray* data, QString* error)
+{
+    const auto refuse = [error](const QString& sentence) {
+        *error = sentence;
+        return false;
+    };
+    if (stored.size() > largestArray || item.dataSize > largestArray)
+        return refuse(QStringLiteral("The payload is larger than 2 GiB"));
+    if (item.compressed == 0) {
+        *data = zr::to_byte_array(stored);
+        return true;
+    }
+    if (stored.size() < prefixSize)
+        return refuse(QStringLiteral("The compressed payload is shorter than its length field"));
+    const u64 announced = qFromBigEndian<quint32>(stored.data());
+    const QString reason = Implausible(item, announced, stored.size());
+    if (!reason.isEmpty())
+        return refuse(reason);
+    // Nothing compressed is the length field alone.
+    if (stored.size() == prefixSize) {
+        *data = QByteArray("");
+        return true;
+    }
+    const QByteArray unpacked = qUncompress(stored.data(), static_cast<int>(stored.size()));
+    if (static_cast<u64>(unpacked.size()) != announced)
+        return refuse(QStringLiteral("The compressed payload is damaged"));
+    *data = unpacked;
+    return true;
+}

@@ -1,0 +1,74 @@
+# Shared by run.sh and test.sh: installing what is missing, configuring and building. Sourced, not run.
+
+zr_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+zr_say() { printf '%s\n' "$*"; }
+
+zr_fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+zr_build_packages=(g++ cmake ninja-build ccache pkg-config python3 qtbase5-dev libfmt-dev libspdlog-dev libcli11-dev)
+zr_test_packages=(libbenchmark-dev xvfb xauth)
+
+# zr_install PACKAGE...: installs what is missing; says nothing when all is there.
+zr_install() {
+    local package missing=()
+    command -v dpkg-query >/dev/null || zr_fail "this script installs packages with apt; on other systems install: $*"
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || zr_fail "missing packages: ${missing[*]} (neither root nor sudo to install them)"
+        as_root=(sudo)
+    fi
+    zr_say "Installing: ${missing[*]}"
+    local log
+    log=$(mktemp)
+    if ! { "${as_root[@]}" apt-get update -q && "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -q --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 </dev/null; then
+        tail -n 20 "$log" >&2
+        rm -f "$log"
+        zr_fail "installing failed: ${missing[*]}"
+    fi
+    rm -f "$log"
+}
+
+# zr_build PRESET [TARGET...]: configures once and builds. A terminal sees one moving line, a file a line per tenth;
+# everything goes to build/PRESET.log, its end is shown when the build fails.
+zr_build() {
+    local preset=$1 log targets=()
+    shift
+    [ $# -gt 0 ] && targets=(--target "$@")
+    log=$zr_root/build/$preset.log
+    mkdir -p "$zr_root/build"
+    # Without a home the compiler cache has no place of its own.
+    [ -n "${HOME:-}" ] || export CCACHE_DIR=$zr_root/build/ccache
+    if ! (cd "$zr_root" && cmake --preset "$preset") >"$log" 2>&1; then
+        tail -n 30 "$log" >&2
+        zr_fail "configuring failed, see $log"
+    fi
+    local status=0
+    if [ -t 1 ]; then
+        NINJA_STATUS="Building $preset [%f/%t] " cmake --build "$zr_root/build/$preset" "${targets[@]}" || status=$?
+    else
+        NINJA_STATUS='[%f/%t] ' cmake --build "$zr_root/build/$preset" "${targets[@]}" 2>&1 | tee -a "$log" \
+            | awk -v preset="$preset" '
+                match($0, /^\[[0-9]+\/[0-9]+\]/) {
+                    split(substr($0, 2, RLENGTH - 2), part, "/")
+                    tenth = int(part[1] * 10 / part[2])
+                    if (tenth > last) {
+                        last = tenth
+                        printf "Building %s: %d of %d\n", preset, part[1], part[2]
+                        fflush()
+                    }
+                }'
+        status=${PIPESTATUS[0]}
+        [ "$status" -eq 0 ] || grep -v '^\[' "$log" | tail -n 60 >&2
+    fi
+    [ "$status" -eq 0 ] || zr_fail "building failed, see $log"
+}

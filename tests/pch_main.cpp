@@ -1,0 +1,5 @@
+// Carries the precompiled header that every test program reuses.
+int main()
+{
+    return 0;
+}
