@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -24,7 +25,7 @@ constexpr u64 maxCompressible = (maxPayload - 64) / 101 * 100;
 
 double SecondsNow()
 {
-    return QDateTime::currentMSecsSinceEpoch() / 1000.0;
+    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
 }
 
 /// Bytes of all parts together; saturates, so that no lengths can wrap round to a small sum.
@@ -247,8 +248,8 @@ void ZrLogger::RawWrite(char* data, unsigned size)
 
 void ZrLogger::Decorate(QString newPrefix, QString newExt)
 {
-    prefix = newPrefix;
-    ext = newExt;
+    prefix = std::move(newPrefix);
+    ext = std::move(newExt);
 }
 
 void ZrLogger::SetLogDirectory(QString dir)
@@ -294,7 +295,8 @@ QString ZrLogger::SpaceStr(u64 bytes)
         return tr("Empty");
     if (bytes <= 0x400)
         return QString::number(bytes) + tr("b");
-    const auto inUnits = [bytes](double unit) { return QString::number(bytes / unit, 'f', 1); };
+    const auto inUnits
+        = [bytes](double unit) { return QString::number(static_cast<double>(bytes) / unit, 'f', 1); };
     if (bytes <= 0x100000)
         return inUnits(0x400) + tr("Kb");
     if (bytes <= 0x40000000)

@@ -35,6 +35,9 @@ class IZrProgress;
 /// resynchronisation: go on by `SeekTo` a later item whose position is known. A payload size that the file
 /// cannot hold is refused before anything is allocated.
 ///
+/// The file is read in blocks ahead of `pos`: move by `SeekTo`, not through `file`. A log may be played while
+/// it is being written; what it holds is what it held when it was opened.
+///
 /// Threads: one thread at a time, no locks; receivers run on that thread before the call returns. A receiver
 /// may read, seek or close the player during a signal; the span it was given stays intact until its signals
 /// are done. The static exports use objects of their own and run on any thread, several at once on different

@@ -17,7 +17,7 @@
 namespace {
 
 /// Items are gathered into blocks of this size before they are handed to the output file.
-constexpr std::size_t gatherSize = 1024 * 1024;
+constexpr std::size_t gatherSize = std::size_t(1024) * 1024;
 
 void Report(IZrProgress* progress, u64 percent)
 {

@@ -63,10 +63,11 @@ private:
     bool Fill(QIODevice& device, std::size_t atLeast);
     bool MoveTo(QIODevice& device, u64 pos);
 
-    static constexpr std::size_t firstFill = 16 * 1024;
-    static constexpr std::size_t fillBesideLarge = 4 * 1024; ///< headers between pieces that bypass the block
-    static constexpr std::size_t greatestFill = 256 * 1024;
-    static constexpr std::size_t bypassSize = 16 * 1024;
+    static constexpr std::size_t firstFill = std::size_t(16) * 1024;
+    static constexpr std::size_t fillBesideLarge
+        = std::size_t(4) * 1024; ///< headers between pieces that bypass the block
+    static constexpr std::size_t greatestFill = std::size_t(256) * 1024;
+    static constexpr std::size_t bypassSize = std::size_t(16) * 1024;
 
     std::vector<u8> m_block;
     std::size_t m_at = 0; ///< where the bytes that wait begin in the block

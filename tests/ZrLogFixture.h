@@ -204,7 +204,7 @@ inline QByteArray FromHex(const QByteArray& text)
 {
     QByteArray digits;
     for (const QByteArray& line : text.split('\n'))
-        digits += line.left(line.indexOf('#'));
+        digits += line.split('#').first();
     return QByteArray::fromHex(digits);
 }
 

@@ -55,7 +55,8 @@ constexpr int toolPatience = 50000; ///< milliseconds
 inline ToolResult Finish(QProcess& process)
 {
     ToolResult result;
-    if (process.waitForFinished(toolPatience) && process.exitStatus() == QProcess::NormalExit)
+    const bool ended = process.state() == QProcess::NotRunning || process.waitForFinished(toolPatience);
+    if (ended && process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit)
         result.code = process.exitCode();
     process.kill();
     process.waitForFinished(toolPatience);

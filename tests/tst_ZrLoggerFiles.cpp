@@ -258,7 +258,8 @@ void tst_ZrLoggerFiles::statesFollowOpeningAndClosing()
     QCOMPARE(log.LogState(), lsClosed);
     QVERIFY(!log.IsActive());
     QVERIFY(!log.file.isOpen());
-    for (elogState between : {lsOpening, lsClosing}) {
+    log.OpenFile(Path("a.log"));
+    for (elogState between : {lsOpening, lsClosing, lsClosed}) {
         log.state = between;
         QVERIFY(!log.IsActive());
         log.LogSerStr(QStringLiteral("x"));

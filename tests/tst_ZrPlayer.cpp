@@ -511,6 +511,12 @@ void tst_ZrPlayer::readFailedClosesAndTells()
     QVERIFY(!player.ReadFailed(QStringLiteral("just so")));
     QVERIFY(!player.file.isOpen());
     QCOMPARE(signalLog.Take(), (QStringList{QStringLiteral("message just so"), endClosed}));
+
+    QVERIFY(player.SeekTo(48));
+    bool openAtTheMessage = false;
+    m_messages->onMessage = [&](const QString&) { openAtTheMessage = player.file.isOpen(); };
+    QVERIFY(!player.ReadFailed(QStringLiteral("again")));
+    QVERIFY(openAtTheMessage); // first the message, then the closing, then the signal
 }
 
 QTEST_GUILESS_MAIN(tst_ZrPlayer)

@@ -56,6 +56,35 @@ QVector<quint8> Filter(int length, const QVector<int>& types)
     return table;
 }
 
+/// Writes \p bytes into a file, at \p offset, when the first item is reported.
+class WriterMeanwhile final : public IZrProgress
+{
+public:
+    WriterMeanwhile(const QString& path, qint64 offset, const QByteArray& bytes)
+        : m_file(path)
+        , m_offset(offset)
+        , m_bytes(bytes)
+    {
+    }
+
+    void UpdateProgress(int percent) override
+    {
+        if (percent == 0 || m_file.isOpen())
+            return;
+        const bool ok = m_file.open(QIODevice::ReadWrite) && m_file.seek(m_offset);
+        written = ok && m_file.write(m_bytes) == m_bytes.size() && m_file.flush();
+    }
+
+    int GetProgress() override { return 0; }
+
+    bool written = false;
+
+private:
+    QFile m_file;
+    qint64 m_offset;
+    QByteArray m_bytes;
+};
+
 constexpr quint64 outOfRange = quint64(1) << 63;
 
 } // namespace
@@ -88,6 +117,8 @@ private Q_SLOTS:
     void messagesOfASuccess();
     void emptyLogs_data();
     void emptyLogs();
+    void largeItemsKeepTheirPlace();
+    void itemCompletedMeanwhileIsCopiedWhole();
     void concurrentExportsOfDifferentFiles();
 
 private:
@@ -417,6 +448,27 @@ void tst_ZrPlayerExport::emptyLogs()
     QCOMPARE(OutputItems(), expected);
     QVERIFY(ZrPlayer::ExportFilteredFile(m_in, m_out, filter.data(), 5, false, nullptr));
     QCOMPARE(ReadWhole(m_out), expected.mid(40));
+}
+
+void tst_ZrPlayerExport::largeItemsKeepTheirPlace()
+{
+    LogBytes log;
+    for (int size : {10, 2000000, 20, 30, 1048576, 1048575, 5000000, 3000000, 40})
+        log.Add(MakeItem(1, QByteArray(size, static_cast<char>('a' + size % 23))));
+    QVERIFY(WriteWhole(m_in, log.Bytes()));
+    QVERIFY(ZrPlayer::ExportFileSegment(m_in, m_out, 48, log.Size(), nullptr));
+    QVERIFY(OutputItems() == log.Bytes().mid(48));
+}
+
+/// The last item's header is the writer's placeholder when the export begins and complete when it gets there.
+void tst_ZrPlayerExport::itemCompletedMeanwhileIsCopiedWhole()
+{
+    const QByteArray complete = SampleLog().Bytes();
+    QVERIFY(WriteWhole(m_in, Patched(complete, 279 + 28, QByteArray(8, '\0'))));
+    WriterMeanwhile writer(m_in, 279, complete.mid(279));
+    QVERIFY(ZrPlayer::ExportFileSegment(m_in, m_out, 48, 320, &writer));
+    QVERIFY(writer.written);
+    QCOMPARE(OutputItems().toHex(), ItemBytes({0, 1, 2, 3, 4, 5}).toHex());
 }
 
 void tst_ZrPlayerExport::concurrentExportsOfDifferentFiles()

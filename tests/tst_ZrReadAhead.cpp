@@ -72,6 +72,7 @@ private Q_SLOTS:
     void nothingMoreThanThere();
     void emptyPieceAsksNothing();
     void placeholderIsReadAgain();
+    void emptyItemsCostSmallReads();
     void headerIsNotPutTogether();
     void completeHeaderIsTakenFromTheBlock();
 };
@@ -190,6 +191,23 @@ void tst_ZrReadAhead::placeholderIsReadAgain()
         QByteArray(reinterpret_cast<const char*>(header), 40).toHex(), MakeItem(2, "two").Header().toHex());
     QCOMPARE(ReadPiece(ahead, device, 3), QByteArray("two"));
     QCOMPARE(device.reads.size(), 2);
+}
+
+/// An empty item looks like a placeholder and is read again, but not with a block of full size.
+void tst_ZrReadAhead::emptyItemsCostSmallReads()
+{
+    LogBytes log;
+    log.Add(MakeItem(1, QByteArray(400000, 'x')))
+        .Add(MakeItem(2, ""))
+        .Add(MakeItem(3, QByteArray(400000, 'x')));
+    Device device(log.Bytes());
+    ZrReadAhead ahead;
+    for (u64 i = 0; i < log.Start(1); i += 8)
+        QVERIFY(ahead.Take(device, 8));
+    QCOMPARE(device.reads.last(), qint64(262144));
+    QVERIFY(TakeHeader(ahead, device, log.Start(1)));
+    QCOMPARE(device.reads.last(), qint64(16384));
+    QVERIFY(TakeHeader(ahead, device, log.Start(2)));
 }
 
 void tst_ZrReadAhead::headerIsNotPutTogether()

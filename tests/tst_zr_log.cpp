@@ -4,7 +4,7 @@
 
 namespace {
 
-const char* const verbs[] = {"info", "items", "dump", "census", "cut", "filter", "import"};
+const char* const verbs[] = {"info", "items", "dump", "census", "cut", "filter", "import", "record"};
 
 /// Words of \p text that begin with "--", as they stand in a help text or a document.
 QStringList LongOptions(const QString& text)
@@ -134,6 +134,10 @@ void tst_zr_log::helpNamesEveryOption_data()
                             << all
             + QStringList{
                 S("--format"), S("--date"), S("--compress"), S("--report"), S("--issues"), S("--force")};
+    QTest::newRow("record") << S("record")
+                            << QStringList{S("--help"), S("--verbose"), S("--json"), S("--prefix"),
+                                   S("--stdin"), S("--udp"), S("--tcp"), S("--nmea-file"), S("--speed"),
+                                   S("--source"), S("--min-free")};
 }
 
 void tst_zr_log::helpNamesEveryOption()

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void dumpDecoded();
     void dumpOfWhatCannotBeDecoded();
     void dumpRefusesDamagedCompression();
+    void dumpOfMoreThanTheMemoryHolds();
     void dumpAtAWrongPlace_data();
     void dumpAtAWrongPlace();
 
@@ -158,6 +159,21 @@ void tst_zr_log_dump::dumpRefusesDamagedCompression()
         // As stored it can be had all the same.
         QCOMPARE(RunLog({S("dump"), Path("a.log"), S("--at"), at, S("--raw")}).code, 0);
     }
+}
+
+void tst_zr_log_dump::dumpOfMoreThanTheMemoryHolds()
+{
+    if (underSanitizer)
+        QSKIP("a sanitizer needs more address space than the test allows");
+    QVERIFY(WriteSparseLog(Path("a.log"), 1, 0xC0000000u));
+    QProcess process;
+    process.start(S("/bin/sh"),
+        {S("-c"), S("ulimit -v 1500000; exec \"$@\""), S("sh"), ToolPath(), S("log"), S("dump"),
+            Path("a.log"), S("--at"), S("48"), S("--raw")});
+    const ToolResult result = Finish(process);
+    QVERIFY2(result.code == 2, result.Text());
+    QCOMPARE(result.err, QByteArray("zr: There is not enough memory for this\n"));
+    QCOMPARE(result.out, QByteArray());
 }
 
 void tst_zr_log_dump::dumpAtAWrongPlace_data()

@@ -120,7 +120,7 @@ bool WaitForSize(const QTemporaryDir& dir, qint64 bytes)
 u16 FreeUdpPort()
 {
     QUdpSocket probe;
-    probe.bind(QHostAddress::Any, 0);
+    probe.bind(QHostAddress(QHostAddress::Any), 0);
     return probe.localPort();
 }
 

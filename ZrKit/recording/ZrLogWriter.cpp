@@ -58,10 +58,16 @@ bool ZrLogWriter::Private::IsReady()
 
 bool ZrLogWriter::Private::WriteOut(zr::span<u8> data)
 {
-    const qint64 size = static_cast<qint64>(data.size());
-    if (file->write(reinterpret_cast<const char*>(data.data()), size) == size)
-        return true;
-    return FailForGood(QStringLiteral("Cannot write %1: %2.").arg(path, file->errorString()));
+    // A disk that fills up takes part of a block without saying why; the reason comes with the next attempt.
+    std::size_t written = 0;
+    while (written < data.size()) {
+        const qint64 count = file->write(
+            reinterpret_cast<const char*>(data.data() + written), static_cast<qint64>(data.size() - written));
+        if (count <= 0)
+            return FailForGood(QStringLiteral("Cannot write %1: %2.").arg(path, file->errorString()));
+        written += static_cast<std::size_t>(count);
+    }
+    return true;
 }
 
 bool ZrLogWriter::Private::Flush()

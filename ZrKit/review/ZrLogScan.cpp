@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr u64 firstWindow = 64 * 1024;
-constexpr u64 largestWindow = 1024 * 1024;
-constexpr u64 smallestWindow = 4 * 1024;
+constexpr u64 firstWindow = u64(64) * 1024;
+constexpr u64 largestWindow = u64(1024) * 1024;
+constexpr u64 smallestWindow = u64(4) * 1024;
 /// A gap from which skipping pays: below it, reading on is faster than the disk's answer to a seek.
-constexpr u64 skipFrom = 256 * 1024;
+constexpr u64 skipFrom = u64(256) * 1024;
 
 } // namespace
 

@@ -89,7 +89,7 @@ public:
 
     std::string make_option_usage(const CLI::Option* option) const override
     {
-        const std::string text = option->get_option_text();
+        const std::string& text = option->get_option_text();
         return text.empty() ? option->get_name(true, false) : text;
     }
 

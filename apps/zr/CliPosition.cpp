@@ -65,8 +65,12 @@ CliPosition CliPosition::FromOption(const std::string& text)
 int CliPosition::Resolve(const QString& log, const std::vector<CliPosition*>& positions)
 {
     std::vector<CliPosition*> open;
-    std::copy_if(positions.begin(), positions.end(), std::back_inserter(open),
-        [](const CliPosition* position) { return position->share; });
+    for (CliPosition* position : positions) {
+        if (position->share && position->percent > 0.0)
+            open.push_back(position);
+        else if (position->share)
+            position->bytes = ZrLogHeader::Size; // where the first item starts, without reading anything
+    }
     if (open.empty())
         return exDone;
 

@@ -26,7 +26,7 @@ struct CliPosition
     /// The position of an option value that `Check` has accepted.
     static CliPosition FromOption(const std::string& text);
 
-    /// Finds the items that shares stand for by walking \p log once; nothing is read when there are none.
-    /// Returns the exit code, and complains unless it is 0.
+    /// Finds the items that shares stand for by walking \p log once; nothing is read when there are none
+    /// but 0%. Returns the exit code, and complains unless it is 0.
     static int Resolve(const QString& log, const std::vector<CliPosition*>& positions);
 };

@@ -39,7 +39,7 @@ QString cli::duration_text(double seconds)
                              .arg(minutes / 60 % 24)
                              .arg(minutes % 60, 2, 10, zero)
                              .arg(rest.rightJustified(6, zero));
-    const qint64 days = minutes / (24 * 60);
+    const qint64 days = minutes / 60 / 24;
     return days == 0 ? time : QStringLiteral("%1 d ").arg(days) + time;
 }
 

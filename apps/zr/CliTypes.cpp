@@ -1,6 +1,7 @@
 #include "CliTypes.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 

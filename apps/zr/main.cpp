@@ -19,6 +19,7 @@
 #include <QTextCodec>
 
 #include <clocale>
+#include <new>
 
 namespace {
 
@@ -81,6 +82,16 @@ QString MissingVerb(const CLI::App& app)
     return QStringLiteral("No verb is given; %1 --help lists them").arg(command);
 }
 
+/// Carries out the verb. Only memory can run short unexpectedly, for a payload of gigabytes.
+int Carry(const CliRun& run)
+{
+    try {
+        return run.action();
+    } catch (const std::bad_alloc&) {
+        return cli::fail(exBadInput, QStringLiteral("There is not enough memory for this"));
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -106,5 +117,5 @@ int main(int argc, char** argv)
     if (!run.action)
         return cli::fail(exUsage, MissingVerb(app));
     cli::install_message_handler(run.verbose);
-    return CliOutput::Get().Finish(run.action());
+    return CliOutput::Get().Finish(Carry(run));
 }
