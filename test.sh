@@ -56,7 +56,11 @@ zr_ctest() {
 cd "$zr_root"
 status=0
 for preset in "${presets[@]}"; do
-    zr_build "$preset"
+    if [ "$preset" = tsan ]; then
+        zr_build tsan thread_tests
+    else
+        zr_build "$preset"
+    fi
     zr_say "== Tests, $preset build"
     zr_ctest "$preset" "$@" || status=1
 done

@@ -11,6 +11,7 @@
 ///
 /// Whether the payload is compressed is not part of it: the receiver gets the payload as it is stored and
 /// knows from the record type what to expect.
+/// Comparing two of these compares their record types alone, as the base does.
 struct ZrLogItemInf : CRecType
 {
     u16 source = 0; ///< the 16-bit source identifier given to `ZrLogger::LogData`

@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrLogHeader.h"
 #include "ZrUtil/ZrLogItem.h"
+#include "ZrUtil/ZrSameFile.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -37,11 +38,11 @@ u64 TotalSize(const std::initializer_list<zr::span<u8>>& parts)
     return total;
 }
 
-/// Creates \p dir with all folders above it. Qt complains aloud about an empty path, which must not happen
-/// while the lock is held.
+/// Creates \p dir with all folders above it. Qt complains aloud about an impossible path, which must not
+/// happen while the lock is held.
 void MakePath(const QString& dir)
 {
-    if (!dir.isEmpty())
+    if (zr::is_possible_path(dir))
         QDir().mkpath(dir);
 }
 
@@ -94,8 +95,8 @@ void ZrLogger::OpenFile(QString path)
         m_writeErrors = 0;
         file.setFileName(path);
         // Unbuffered: every write below reaches the operating system before its call returns. Qt complains
-        // aloud about an empty name, which must not happen while the lock is held.
-        opened = !path.isEmpty() && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+        // aloud about an impossible name, which must not happen while the lock is held.
+        opened = zr::is_possible_path(path) && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
         if (opened) {
             m_seekable = !file.isSequential();
             const auto bytes = header.Encode();
@@ -147,25 +148,33 @@ bool ZrLogger::Seek(qint64 position)
     return m_seekable && file.seek(position);
 }
 
+/// \p parts one after the other, compressed; empty when the memory does not suffice.
+QByteArray ZrLogger::Pack(std::initializer_list<zr::span<u8>> parts)
+{
+    scratch.clear();
+    for (const zr::span<u8>& part : parts)
+        scratch.insert(scratch.end(), part.begin(), part.end());
+    return qCompress(scratch.data(), static_cast<int>(scratch.size()), 1);
+}
+
 /// Writes the payload and fills the sizes of \p item; counters advance by what was asked for.
 bool ZrLogger::WritePayload(ZrLogItem& item, std::initializer_list<zr::span<u8>> parts)
 {
     bool ok = true;
-    if (item.compressed == 0) {
-        for (const zr::span<u8>& part : parts) {
-            if (part.empty())
-                continue;
-            ok = WriteBytes(part.data(), part.size()) && ok;
-            item.dataSize += static_cast<u32>(part.size());
-            bytesWritten += part.size();
-        }
-        item.storedSize = item.dataSize;
-        return ok;
+    for (const zr::span<u8>& part : parts) {
+        if (part.empty())
+            continue;
+        ok = WriteBytes(part.data(), part.size()) && ok;
+        item.dataSize += static_cast<u32>(part.size());
+        bytesWritten += part.size();
     }
-    scratch.clear();
-    for (const zr::span<u8>& part : parts)
-        scratch.insert(scratch.end(), part.begin(), part.end());
-    const QByteArray packed = qCompress(scratch.data(), static_cast<int>(scratch.size()), 1);
+    item.storedSize = item.dataSize;
+    return ok;
+}
+
+/// The same with the output of `Pack`, made of the bytes in `scratch`.
+bool ZrLogger::WritePacked(ZrLogItem& item, const QByteArray& packed)
+{
     item.dataSize = static_cast<u32>(scratch.size());
     item.storedSize = static_cast<u32>(packed.size());
     bytesWritten += item.storedSize;
@@ -175,13 +184,22 @@ bool ZrLogger::WritePayload(ZrLogItem& item, std::initializer_list<zr::span<u8>>
 /// Writes one item at the end of the file: header, payload, and the header again with its sizes.
 void ZrLogger::WriteItem(ZrLogItem& item, std::initializer_list<zr::span<u8>> parts)
 {
+    // Whatever may want of memory comes first: an item is begun only when it can be completed.
+    QByteArray packed;
+    if (item.compressed != 0) {
+        packed = Pack(parts);
+        if (packed.isEmpty()) {
+            ++m_writeErrors;
+            return;
+        }
+    }
     // The header goes out with both sizes 0 first and is rewritten behind the payload: a reader that meets
     // sizes of 0 followed by something that is no header knows that the writer was interrupted right here.
     const qint64 itemStart = file.pos();
     const auto placeholder = item.Encode();
     bool ok = WriteBytes(placeholder.data(), placeholder.size());
     bytesWritten += ZrLogItem::Size;
-    ok = WritePayload(item, parts) && ok;
+    ok = (item.compressed != 0 ? WritePacked(item, packed) : WritePayload(item, parts)) && ok;
     // Reckoned, not asked: after a write that the disk did not take whole the next item still starts where
     // this header says that its payload ends.
     const qint64 itemEnd = itemStart + ZrLogItem::Size + item.storedSize;

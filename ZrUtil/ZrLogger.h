@@ -37,9 +37,11 @@ enum elogState : int
 /// \endcode
 ///
 /// Threads: any thread may call `LogData`, `LogSerStr`, `OpenLog`, `OpenFile`, `CloseLog`, `DiskSpace` and
-/// `SetLogDirectory`; each holds `mutex` for its whole duration, so items are never interleaved. `LogState`,
-/// `IsActive`, `ToggleLogging` and `WriteErrors` read atomics. `RawWrite`, `Decorate`, `LogDir` and `CurFile`
-/// take no lock and belong to the owning thread.
+/// `SetLogDirectory`; each holds `mutex` for its whole duration, so items are never interleaved; what it has
+/// to print comes after the lock is released, so that a message handler may itself log here (`OpenLog` also
+/// releases it between finding the name and `OpenFile`). `LogState`, `IsActive`, `ToggleLogging` and
+/// `WriteErrors` read atomics. `RawWrite`, `Decorate`, `LogDir` and `CurFile` take no lock and belong to the
+/// owning thread.
 ///
 /// Durability: the file is written without a buffer of its own. When `LogData` returns the whole item is with
 /// the operating system, so the death of the process loses no item whose call had returned.
@@ -54,7 +56,7 @@ class ZR_UTIL_EXPORT ZrLogger : public QObject
 public:
     using elogState = ::elogState;
 
-    QString logDir; ///< where `OpenLog` creates files; initially the user's documents
+    QString logDir; ///< where `OpenLog` creates files; initially the user's documents; empty: the root
     QString ext; ///< extension with its dot, initially ".log"
     QString prefix; ///< file-name prefix, initially empty
     QString curFile; ///< full path of the file being (or last) written
@@ -124,7 +126,8 @@ public:
     static QString SpaceStr(u64 bytes);
 
     /// Items, raw writes and file header of the current file that the operating system did not take whole (a
-    /// full or vanished disk, or something that cannot seek, so that no item's header can be completed).
+    /// full or vanished disk, or something that cannot seek, so that no item's header can be completed), and
+    /// items that were left out because the memory did not suffice to compress them.
     /// Readable from any thread.
     u64 WriteErrors() const;
 
@@ -133,10 +136,14 @@ public Q_SLOTS:
     void SetLogDirectory(QString dir);
 
 private:
+    friend class tst_ZrLogger;
+
     void SetupEncryption(u16 cipherId, u64 key);
     bool WriteBytes(const void* data, u64 size);
     bool Seek(qint64 position);
+    QByteArray Pack(std::initializer_list<zr::span<u8>> parts);
     bool WritePayload(ZrLogItem& item, std::initializer_list<zr::span<u8>> parts);
+    bool WritePacked(ZrLogItem& item, const QByteArray& packed);
     void WriteItem(ZrLogItem& item, std::initializer_list<zr::span<u8>> parts);
 
     bool m_seekable = false; ///< guarded by `mutex`

@@ -1,6 +1,7 @@
 #include "ZrUtil/ZrPlayer.h"
 
 #include "ZrUtil/ZrLogHeader.h"
+#include "ZrUtil/ZrSameFile.h"
 
 #include <QDebug>
 
@@ -19,7 +20,7 @@ bool ZrPlayer::OpenFile(QString path)
     fileName = path;
     file.setFileName(path);
     // Unbuffered: reading ahead is done here, where it is known which bytes may be old.
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (!zr::is_possible_path(path) || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     fileSize = static_cast<u64>(file.size());
     pos = 0;

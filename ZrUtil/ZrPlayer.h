@@ -28,7 +28,7 @@ class IZrProgress;
 /// \endcode
 ///
 /// Payloads are delivered as stored: a compressed one is still the output of `qCompress`. The span points
-/// into the player's buffer and is valid only during the signal.
+/// into the player's memory and is valid only during the signal; `buffer` itself is empty meanwhile.
 ///
 /// Errors: the first damaged header or short read ends the playback. The reason goes to the debug output, the
 /// file is closed, `EndOfFile` is emitted and the call returns false; see `ReadFailed`. There is no
@@ -51,7 +51,7 @@ public:
     QString fileName; ///< path last given to `OpenFile`
     u64 fileSize = 0; ///< bytes, taken when the file was opened
     u64 pos = 0; ///< reading position: advanced by every successful read, the file is never asked
-    std::vector<u8> buffer; ///< payload buffer, reused; grows to the largest item seen
+    std::vector<u8> buffer; ///< payload buffer, reused; grows to the largest item seen; empty during signals
 
     ZrPlayer();
     ~ZrPlayer() override;
@@ -83,7 +83,8 @@ public:
     /// fails.
     bool SeekTo(u64 pos);
 
-    /// `pos` x 100 / `fileSize`, the playback progress in percent; NaN before any file was opened.
+    /// `pos` x 100 / `fileSize`, the playback progress in percent; NaN before any file was opened, and for an
+    /// empty one.
     double PosPercent() const;
 
     /// The common exit of every failure: \p message on the debug output, file closed, `EndOfFile`; always
@@ -95,7 +96,8 @@ public:
     /// \p from is the start of an item; an item that starts before \p to is copied whole. The output gets a
     /// fresh file header. Returns false, and leaves the output as far as written, when the input cannot be
     /// read, is damaged inside the range, or a write fails. \p in and \p out naming one file are refused
-    /// before anything is touched.
+    /// before anything is touched. An output that cannot be opened at all is not noticed: the export then
+    /// writes nothing and returns true (the debug output says "Cannot open file: ").
     static bool ExportFileSegment(QString in, QString out, u64 from, u64 to, IZrProgress* progress);
 
     /// The same, limited to the items whose type is below \p filterLen and has a non-zero entry in \p

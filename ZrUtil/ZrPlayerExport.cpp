@@ -53,7 +53,8 @@ public:
     explicit Input(const QString& path)
         : m_file(path)
     {
-        m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        if (zr::is_possible_path(path))
+            m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
 
     u64 Size() const { return m_size; }
@@ -188,7 +189,7 @@ class PlainOutput : public Output
 public:
     explicit PlainOutput(const QString& path)
         : m_file(path)
-        , m_open(m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        , m_open(zr::is_possible_path(path) && m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
     {
     }
 
@@ -362,7 +363,7 @@ void ZrPlayer::ExportIndexInf(const QString& in, const QString& out)
     qDebug() << "Number of items read:" << total;
 
     QFile file(out);
-    if (zr::is_same_file(in, out) || !file.open(QIODevice::WriteOnly)) {
+    if (zr::is_same_file(in, out) || !zr::is_possible_path(out) || !file.open(QIODevice::WriteOnly)) {
         ZrConsole::Debug(0, "Cannot open index information file: %s", qUtf8Printable(out));
         return;
     }
@@ -372,5 +373,6 @@ void ZrPlayer::ExportIndexInf(const QString& in, const QString& out)
             text += QByteArray::number(static_cast<int>(type)) + ", " + QByteArray::number(counts[type])
                 + "\r\n";
     }
-    file.write(text);
+    if (file.write(text) != text.size() || !file.flush())
+        ZrConsole::Debug(0, "Cannot write index information file: %s", qUtf8Printable(out));
 }

@@ -62,5 +62,6 @@ int main(int argc, char** argv)
             "  type %-3u %-14s %llu\n", type, qPrintable(zr::rec_type_name(CRecType(0, type))), count);
     if (!std::isnan(seen.deepest))
         std::printf("  deepest position of the vehicle: %.2f m\n", static_cast<double>(seen.deepest));
-    return player.pos == player.fileSize ? 0 : 2;
+    // Damage closes the file; the position alone does not tell, since a header that was read counts.
+    return player.file.isOpen() ? 0 : 2;
 }

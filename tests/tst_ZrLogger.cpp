@@ -165,6 +165,7 @@ void tst_ZrLogger::itemWithoutSpansIsEmpty()
 void tst_ZrLogger::compressedItem_data()
 {
     QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("nothing") << QByteArray();
     QTest::newRow("one byte") << QByteArray("x");
     QTest::newRow("text") << QByteArray("depth 12.5 depth 12.5 depth 12.5");
     QTest::newRow("zeros") << QByteArray(100000, '\0');
@@ -355,19 +356,19 @@ void tst_ZrLogger::logDataWhileClosedDoesNothing()
 void tst_ZrLogger::encryptionSettingsChangeNothing()
 {
     const OneItem one = Log([](ZrLogger& log) {
-        log.cipherId = 7;
-        log.cipherKey = 0x0123456789ABCDEFu;
+        log.SetupEncryption(7, 0x0123456789ABCDEFu);
         log.LogData(CRecType(0, 5), 0, 0, false, {Span("plain")});
     });
     QCOMPARE(one.bytes.toHex(), MakeItem(5, "plain").Bytes().toHex());
 
     ZrLogger log(nullptr);
-    log.cipherId = 7;
+    log.SetupEncryption(7, 0x0123456789ABCDEFu);
     log.OpenFile(Path("b.log"));
     log.CloseLog();
     const QByteArray header = ReadWhole(Path("b.log"));
     QCOMPARE(header, FileHeader(DoubleAt(header, 40)));
     QCOMPARE(log.cipherId, u16(7)); // travels with the writer
+    QCOMPARE(log.cipherKey, u64(0x0123456789ABCDEFu));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrLogger)

@@ -1,6 +1,7 @@
 // ZrPlayer on sound files: opening, the three ways of reading, seeking, positions.
 
 #include "ZrLogFixture.h"
+#include "ZrUtil/ZrLogger.h"
 
 #include <QtTest/QtTest>
 
@@ -70,6 +71,10 @@ private Q_SLOTS:
     void seekMovesToAnItem();
     void seekReopensAClosedFile();
     void seekOnAPlayerThatNeverOpened();
+    void impossiblePathsAreRefusedSilently();
+    void fileCutWhileItIsOpen_data();
+    void fileCutWhileItIsOpen();
+    void fileShorterThanItsSizeSays();
     void seekIntoAnItemFailsThere();
     void seekBeyondTheEnd_data();
     void seekBeyondTheEnd();
@@ -411,9 +416,69 @@ void tst_ZrPlayer::seekReopensAClosedFile()
 void tst_ZrPlayer::seekOnAPlayerThatNeverOpened()
 {
     ZrPlayer player;
-    SignalLog signalLog(player);
+    SignalLog signalLog(player, m_messages.data());
     QVERIFY(!player.SeekTo(48));
     QCOMPARE(signalLog.Take(), QStringList());
+}
+
+void tst_ZrPlayer::impossiblePathsAreRefusedSilently()
+{
+    ZrPlayer player;
+    SignalLog signalLog(player, m_messages.data());
+    QVERIFY(!player.OpenFile(QString()));
+    QVERIFY(!player.OpenFile(QString(QChar(0))));
+    QVERIFY(!player.OpenFile(m_dir->path()));
+    QCOMPARE(signalLog.Take(), QStringList());
+}
+
+/// The file shrinks behind the player's back: sizes said that the bytes are there, reading finds that they
+/// are not.
+void tst_ZrPlayer::fileCutWhileItIsOpen_data()
+{
+    QTest::addColumn<int>("leftOfTheItem");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("nothing left") << 0 << QStringLiteral("message Cannot read the item header");
+    QTest::newRow("within the header") << 39 << QStringLiteral("message Cannot read the item header");
+    QTest::newRow("behind the header") << 40 << QStringLiteral("message Unable to read item payload");
+    QTest::newRow("within the payload") << 1000 << QStringLiteral("message Unable to read item payload");
+}
+
+void tst_ZrPlayer::fileCutWhileItIsOpen()
+{
+    QFETCH(int, leftOfTheItem);
+    QFETCH(QString, message);
+    // Two items far larger than what the player reads ahead.
+    const QByteArray payload(300000, 'x');
+    ZrLogger log(nullptr);
+    log.OpenFile(Path("cut.log"));
+    log.LogData(rtSerialText, 0, {zr::bytes_of(payload)});
+    log.LogData(rtSerialText, 0, {zr::bytes_of(payload)});
+    log.CloseLog();
+    m_messages->Take();
+
+    ZrPlayer player;
+    SignalLog signalLog(player, m_messages.data());
+    QVERIFY(player.OpenFile(Path("cut.log")));
+    const u64 second = 48 + 40 + 300000;
+    QVERIFY(player.SeekTo(second));
+    QVERIFY(QFile::resize(Path("cut.log"), qint64(second) + leftOfTheItem));
+    QVERIFY(!player.ReadNextItem(true));
+    QCOMPARE(signalLog.Take(), (QStringList{message, endClosed}));
+    QCOMPARE(player.pos, second + (leftOfTheItem < 40 ? 0 : 40));
+}
+
+void tst_ZrPlayer::fileShorterThanItsSizeSays()
+{
+    // The kernel's own files claim a page and hold a few bytes.
+    const QString path = QStringLiteral("/sys/devices/system/cpu/online");
+    if (QFileInfo(path).size() < 48)
+        QSKIP("no such file on this system");
+    ZrPlayer player;
+    SignalLog signalLog(player, m_messages.data());
+    QVERIFY(!player.OpenFile(path));
+    QCOMPARE(
+        signalLog.Take(), (QStringList{QStringLiteral("message Cannot read the file header"), endClosed}));
+    QCOMPARE(player.pos, u64(0));
 }
 
 void tst_ZrPlayer::seekIntoAnItemFailsThere()
