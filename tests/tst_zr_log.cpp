@@ -4,7 +4,8 @@
 
 namespace {
 
-const char* const verbs[] = {"info", "items", "dump", "census", "cut", "filter", "import", "record"};
+const char* const verbs[]
+    = {"info", "items", "dump", "census", "cut", "filter", "import", "record", "check", "recover"};
 
 /// Words of \p text that begin with "--", as they stand in a help text or a document.
 QStringList LongOptions(const QString& text)
@@ -138,6 +139,8 @@ void tst_zr_log::helpNamesEveryOption_data()
                             << QStringList{S("--help"), S("--verbose"), S("--json"), S("--prefix"),
                                    S("--stdin"), S("--udp"), S("--tcp"), S("--nmea-file"), S("--speed"),
                                    S("--source"), S("--min-free")};
+    QTest::newRow("check") << S("check") << all;
+    QTest::newRow("recover") << S("recover") << all + QStringList{S("--strict"), S("--force")};
 }
 
 void tst_zr_log::helpNamesEveryOption()

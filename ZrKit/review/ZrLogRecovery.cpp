@@ -68,7 +68,7 @@ bool IsRemainsOfFileHeader(const ZrLogHeader& header)
 struct ZrLogRecovery::Private
 {
     ZrLogRecovery& owner;
-    const QString outPath;
+    const QString outPath; ///< empty: nothing is written
     ZrDamagedLog log;
     ZrLogWriter out;
     bool open = false; ///< the new log has begun
@@ -113,7 +113,7 @@ struct ZrLogRecovery::Private
 
 bool ZrLogRecovery::Private::Begin(double created)
 {
-    open = out.Open(outPath, created);
+    open = outPath.isEmpty() || out.Open(outPath, created);
     writeFailed = !open;
     return open;
 }
@@ -200,7 +200,7 @@ void ZrLogRecovery::Private::Keep()
     const ZrLogItem header = ZrLogItem::Decode(item.data());
     if (!open && !Begin(header.time))
         return;
-    if (!out.WriteRaw(item)) {
+    if (!outPath.isEmpty() && !out.WriteRaw(item)) {
         writeFailed = true;
         return;
     }
@@ -363,11 +363,24 @@ bool ZrLogRecovery::Fail(eState state, const QString& error)
 
 bool ZrLogRecovery::Run(const QString& in, const QString& out)
 {
-    m_state = Idle;
-    m_error.clear();
     m_report = Result();
     if (zr::is_same_file(in, out))
         return Fail(Refused, QStringLiteral("%1 and %2 are the same file.").arg(in, out));
+    if (!zr::is_possible_path(out))
+        return Fail(NotWritten, QStringLiteral("There is no name to write the new log to."));
+    return Process(in, out);
+}
+
+bool ZrLogRecovery::Examine(const QString& in)
+{
+    return Process(in, QString());
+}
+
+bool ZrLogRecovery::Process(const QString& in, const QString& out)
+{
+    m_state = Idle;
+    m_error.clear();
+    m_report = Result();
     Private run(*this, out);
     if (!run.log.Open(in))
         return Fail(Unreadable, QStringLiteral("Cannot read %1: %2.").arg(in, run.log.Error()));
@@ -385,7 +398,7 @@ bool ZrLogRecovery::Run(const QString& in, const QString& out)
         return Fail(Cancelled, QStringLiteral("The recovery was cancelled."));
     if (!run.writeFailed && !run.open)
         return Fail(NothingFound, QStringLiteral("%1 holds neither a log header nor an item.").arg(in));
-    if (run.writeFailed || !run.out.Commit())
+    if (run.writeFailed || (!out.isEmpty() && !run.out.Commit()))
         return Fail(NotWritten, run.out.Error());
     run.ReportProgress();
     m_state = Done;

@@ -121,6 +121,9 @@ public:
     /// Recovers \p in into \p out, which is replaced. True when \p out is there, with however many items.
     bool Run(const QString& in, const QString& out);
 
+    /// The same without writing anything: what `Run` would find and keep.
+    bool Examine(const QString& in);
+
     eState State() const { return m_state; }
 
     /// Why the last `Run` failed, a sentence; empty when it did not.
@@ -136,6 +139,7 @@ private:
     struct Private;
 
     bool Fail(eState state, const QString& error);
+    bool Process(const QString& in, const QString& out);
 
     eState m_state = Idle;
     QString m_error;

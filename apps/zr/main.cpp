@@ -7,6 +7,7 @@
 #include "CliRun.h"
 #include "CliSignals.h"
 #include "CmdLogCensus.h"
+#include "CmdLogCheck.h"
 #include "CmdLogCut.h"
 #include "CmdLogDump.h"
 #include "CmdLogFilter.h"
@@ -14,6 +15,7 @@
 #include "CmdLogInfo.h"
 #include "CmdLogItems.h"
 #include "CmdLogRecord.h"
+#include "CmdLogRecover.h"
 
 #include <QCoreApplication>
 #include <QTextCodec>
@@ -40,6 +42,8 @@ void AddLog(CLI::App& app, CliRun& run)
     AddLogFilter(*log, run);
     AddLogImport(*log, run);
     AddLogRecord(*log, run);
+    AddLogCheck(*log, run);
+    AddLogRecover(*log, run);
 }
 
 void Describe(CLI::App& app)
@@ -54,6 +58,7 @@ void Describe(CLI::App& app)
                "  1    wrong usage\n"
                "  2    the input cannot be read or is damaged\n"
                "  3    the output cannot be written\n"
+               "  4    recover: done, but something was lost\n"
                "  130  interrupted (128 and the number of the signal)\n"
                "\n"
                "Example:\n"
