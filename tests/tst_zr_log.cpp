@@ -4,8 +4,8 @@
 
 namespace {
 
-const char* const verbs[]
-    = {"info", "items", "dump", "census", "cut", "filter", "import", "record", "check", "recover"};
+const char* const verbs[] = {"info", "items", "dump", "census", "cut", "filter", "import", "record", "check",
+    "recover", "index", "events", "track", "seek", "plan"};
 
 /// Words of \p text that begin with "--", as they stand in a help text or a document.
 QStringList LongOptions(const QString& text)
@@ -141,6 +141,13 @@ void tst_zr_log::helpNamesEveryOption_data()
                                    S("--source"), S("--min-free")};
     QTest::newRow("check") << S("check") << all;
     QTest::newRow("recover") << S("recover") << all + QStringList{S("--strict"), S("--force")};
+    QTest::newRow("index") << S("index")
+                           << all + QStringList{S("--index-type"), S("--coord-types"), S("--rebuild")};
+    QTest::newRow("events") << S("events")
+                            << all + QStringList{S("--add"), S("--time"), S("--detail"), S("--remove")};
+    QTest::newRow("track") << S("track") << all + QStringList{S("--first"), S("--last"), S("--force")};
+    QTest::newRow("seek") << S("seek") << all + QStringList{S("--time"), S("--record")};
+    QTest::newRow("plan") << S("plan") << all + QStringList{S("--force")};
 }
 
 void tst_zr_log::helpNamesEveryOption()

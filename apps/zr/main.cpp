@@ -10,12 +10,17 @@
 #include "CmdLogCheck.h"
 #include "CmdLogCut.h"
 #include "CmdLogDump.h"
+#include "CmdLogEvents.h"
 #include "CmdLogFilter.h"
 #include "CmdLogImport.h"
+#include "CmdLogIndex.h"
 #include "CmdLogInfo.h"
 #include "CmdLogItems.h"
+#include "CmdLogPlan.h"
 #include "CmdLogRecord.h"
 #include "CmdLogRecover.h"
+#include "CmdLogSeek.h"
+#include "CmdLogTrack.h"
 
 #include <QCoreApplication>
 #include <QTextCodec>
@@ -44,6 +49,11 @@ void AddLog(CLI::App& app, CliRun& run)
     AddLogRecord(*log, run);
     AddLogCheck(*log, run);
     AddLogRecover(*log, run);
+    AddLogIndex(*log, run);
+    AddLogEvents(*log, run);
+    AddLogTrack(*log, run);
+    AddLogSeek(*log, run);
+    AddLogPlan(*log, run);
 }
 
 void Describe(CLI::App& app)

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/review/ZrIndexStamp.h"
+#include "ZrUtil/ZrTypes.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <atomic>
+#include <vector>
+
+class IZrProgress;
+class QFile;
+class ZrDataset;
+class ZrEventFile;
+class ZrLogEvt;
+class ZrLogScan;
+struct ZrLogItem;
+
+/// Loads a dataset as `ZrDataset::ReadFile` does, but knows when an index is out of date, can be cancelled,
+/// and loses nothing.
+///
+/// An index is used when its stamp (see `ZrIndexStamp`) says that it was made from this very log by this
+/// class of dataset, and the positions of its first, middle and last record hold items of its type. Else the
+/// log is scanned. Then, all in one step each and only when the scan is through:
+/// - the events that the log holds are merged into the event file, whose own events all stay
+///   (`ZrEventFile::Merge`);
+/// - index and stamp are written anew. Without any record there is no index; one of the same record types is
+///   removed, since a reader without stamps would take it for that of the log;
+/// - a mission plan that the log holds, the last one of several, is restored to log path + ".xml", unless
+///   such a file is there: it may have been edited.
+/// A cancelled or failed scan changes no file. Files that cannot be written are told in `WriteError`, and the
+/// dataset is loaded all the same.
+///
+/// Of a damaged log the items in front of the damage are used; `Complete`, `Error` and `ErrorPos` tell, also
+/// when the index is used. The signals of the dataset are not emitted. Compressed events and plans are
+/// understood; the payload handed to `FillRec` is as stored.
+///
+/// \code
+/// ZrSurveyDataset dataset;
+/// ZrDatasetReader reader;
+/// if (reader.Read(path, dataset) == ZrDatasetReader::Unreadable)
+///     qInfo() << reader.Error();
+/// \endcode
+///
+/// One thread at a time; `cancel` may be set from another or by a signal handler.
+class ZR_KIT_EXPORT ZrDatasetReader
+{
+public:
+    enum eResult : int
+    {
+        FromIndex, ///< the index was up to date
+        Built, ///< the log was scanned
+        Unreadable, ///< the log cannot be opened or has no sound file header; the dataset is empty
+        Cancelled ///< `cancel` was set; the dataset is empty
+    };
+
+    IZrProgress* progress = nullptr; ///< told each whole percent of a scan; may be null
+    std::atomic<bool> cancel{false}; ///< ends the work at the next item; `Read` never clears it
+    bool rebuild = false; ///< scan even if the index is up to date
+    bool writeIndex = true; ///< keep index and events beside the log
+    bool restorePlan = true; ///< write a mission plan beside the log
+
+    /// Replaces everything in \p dataset, whose record types decide what becomes a record.
+    eResult Read(const QString& logPath, ZrDataset& dataset);
+
+    /// Why the log was scanned, e.g. "there is no index yet"; empty when the index was used.
+    QString Reason() const { return m_reason; }
+
+    bool Complete() const { return m_stamp.complete; } ///< the log ends cleanly
+
+    QString Error() const { return m_stamp.error; } ///< why it is unreadable or damaged; else empty
+
+    u64 ErrorPos() const { return m_stamp.errorPos; } ///< position of the item that cannot be read
+
+    /// The first file that could not be written, and why; empty when all went well.
+    QString WriteError() const { return m_writeError; }
+
+private:
+    QString WhyOutdated(const QString& logPath, ZrDataset& dataset, const ZrEventFile& events);
+    eResult Scan(const QString& logPath, ZrDataset& dataset);
+    bool TakeItems(ZrLogScan& scan, QFile& payloads, ZrDataset& dataset);
+    bool TakeItem(const ZrLogItem& item, u64 pos, QFile& payloads, ZrDataset& dataset);
+    void TakeEvent(const ZrLogItem& item);
+    void TakePlan(const ZrLogItem& item);
+    bool WriteEvents(const QString& logPath, ZrEventFile& events);
+    void WriteIndex(const QString& logPath, const ZrDataset& dataset);
+    void WriteTable(const QString& logPath, const ZrDataset& dataset);
+    void WritePlan(const QString& logPath);
+    void Note(const QString& writeError);
+
+    QString m_reason;
+    QString m_writeError;
+    ZrIndexStamp m_stamp;
+    std::vector<ZrLogEvt> m_events; ///< found in the log
+    QByteArray m_plan; ///< the last one in the log
+    std::array<u64, 8> m_crdPos{}; ///< latest position of each coordinate type
+    std::vector<u8> m_payload; ///< of the item at hand
+};

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrLogEvt.h"
+
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+class ZrDataset;
+
+/// The event file beside a log (log path + ".evt"), changed so that no event is ever lost.
+///
+/// It is replaced in one step, or not at all. One that breaks off or cannot be understood to its end is first
+/// copied to a name of its own, log path + ".evt.damaged" (with a number from the second on); one that cannot
+/// be read is not replaced.
+///
+/// \code
+/// if (!ZrEventFile::Update(log, [&evt](ZrEventFile& file) { file.Add(evt); return true; }, &error))
+///     …
+/// \endcode
+///
+/// One thread at a time. Programs that change the file by `Update` at the same time wait for each other.
+class ZR_KIT_EXPORT ZrEventFile
+{
+public:
+    enum eState : int
+    {
+        Missing,
+        Whole,
+        Damaged, ///< `events` holds those in front of the damage
+        Unreadable ///< there, but it cannot be opened or read
+    };
+
+    std::vector<ZrLogEvt> events; ///< in the order of the file
+
+    static QString PathOf(const QString& logPath);
+
+    /// Replaces `events` by those of the file of \p logPath.
+    eState Read(const QString& logPath);
+
+    /// How the file was found.
+    eState State() const { return m_state; }
+
+    /// Adds \p evt in front of events of the same time.
+    void Add(const ZrLogEvt& evt);
+
+    /// Adds those of \p found, the events that the log itself holds, in its order, which are not among
+    /// `events`. Two are the same when their uids are, or, of two without, their times and texts; the one in
+    /// the file stays, since it may have been edited. Of several equal ones as many are kept as the richer
+    /// side has.
+    void Merge(const std::vector<ZrLogEvt>& found);
+
+    /// Removes all events with \p uid; how many there were.
+    int Remove(const QUuid& uid);
+
+    /// Whether `events` differ from what the file holds.
+    bool IsChanged() const;
+
+    /// Puts `events` into the file, if they differ. False with the reason in \p error, and the file is as
+    /// before.
+    bool Write(QString* error);
+
+    /// Reads the file of \p logPath, has \p change change the list, and writes it unless that returns false,
+    /// all under a lock (a file of its own while it lasts). False with the reason in \p error when the file
+    /// cannot be locked or written.
+    static bool Update(
+        const QString& logPath, const std::function<bool(ZrEventFile&)>& change, QString* error);
+
+    /// Replaces the list of \p dataset by copies that know their records.
+    void Fill(ZrDataset& dataset) const;
+
+private:
+    QByteArray Encoded() const;
+    bool KeepDamaged(QString* error) const;
+
+    QString m_path;
+    eState m_state = Missing;
+    QByteArray m_bytes; ///< of the file
+};
