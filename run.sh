@@ -14,7 +14,9 @@ main job on the real side-scan line in data/sidescan-xtf:
   2. prints what the log holds,
   3. plays it through a ZrPlayer,
   4. writes the census of its record types as CSV,
-  5. cuts its middle third into a log of its own.
+  5. cuts its middle third into a log of its own,
+  6. indexes it, marks an event, and writes its track as CSV, GPX and KML,
+  7. makes one log of the glider mission in data/glider-nav (several files), indexes it and writes its track.
 
 Options:
   --out DIR   where the results go (default: out/ beside this script)
@@ -58,7 +60,23 @@ zr_say; zr_say "== Census and middle third"
 "$bin/zr" log census "$log" "$out/iver2-scotsman-census.csv" --force
 "$bin/zr" log cut "$log" "$out/iver2-scotsman-middle.log" --from 33.3% --to 66.7% --force
 
+zr_say; zr_say "== Index, events and track"
+rm -f "$log".*
+"$bin/zr" log index "$log"
+"$bin/zr" log events "$log" --add "Line begins" --time 2013-09-10T21:13:08.130Z >/dev/null
+"$bin/zr" log events "$log"
+"$bin/zr" log track "$log" "$out/iver2-scotsman-track.csv" --force
+"$bin/zr" log track "$log" "$out/iver2-scotsman-track.gpx" --force
+"$bin/zr" log track "$log" "$out/iver2-scotsman-track.kml" --force
+zr_say; zr_say "== A glider mission of several files"
+glider=$out/glider-mission.log
+rm -f "$glider".*
+"$bin/zr" log import "$zr_root"/data/glider-nav/*.csv "$glider" --force | tail -n 1
+"$bin/zr" log index "$glider"
+"$bin/zr" log track "$glider" "$out/glider-track.csv" --force
+"$bin/zr" log track "$glider" "$out/glider-track.geojson" --simplify 5 --force
+
 zr_say; zr_say "Results in $out:"
-(cd "$out" && for f in iver2-scotsman.log iver2-scotsman-census.csv iver2-scotsman-middle.log; do
+(cd "$out" && for f in *; do
     printf '  %-30s %9d bytes\n' "$f" "$(stat -c %s "$f")"
 done)

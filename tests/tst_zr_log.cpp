@@ -145,7 +145,8 @@ void tst_zr_log::helpNamesEveryOption_data()
                            << all + QStringList{S("--index-type"), S("--coord-types"), S("--rebuild")};
     QTest::newRow("events") << S("events")
                             << all + QStringList{S("--add"), S("--time"), S("--detail"), S("--remove")};
-    QTest::newRow("track") << S("track") << all + QStringList{S("--first"), S("--last"), S("--force")};
+    QTest::newRow("track") << S("track")
+                           << all + QStringList{S("--first"), S("--last"), S("--force"), S("--simplify")};
     QTest::newRow("seek") << S("seek") << all + QStringList{S("--time"), S("--record")};
     QTest::newRow("plan") << S("plan") << all + QStringList{S("--force")};
 }

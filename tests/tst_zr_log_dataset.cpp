@@ -85,6 +85,9 @@ private Q_SLOTS:
     void eventsWrongUsage();
 
     void trackIsWritten();
+    void trackInOtherFormats_data();
+    void trackInOtherFormats();
+    void csvIsNeverSimplified();
     void trackOfSomeRecords();
     void trackOfRecordsThatAreNotThere_data();
     void trackOfRecordsThatAreNotThere();
@@ -522,6 +525,46 @@ void tst_zr_log_dataset::trackIsWritten()
     QCOMPARE(ReadWhole(Path("out.CSV")), expected);
     QCOMPARE(QString::fromUtf8(result.out),
         S("%1: 3 records, %2 bytes\n").arg(Path("out.CSV")).arg(expected.size()));
+}
+
+/// What the formats hold is tested with the exporters; here, that the right one is taken, with track and
+/// events.
+void tst_zr_log_dataset::trackInOtherFormats_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("mark");
+    QTest::newRow("gpx") << S("out.gpx") << QByteArray("<trkpt ");
+    QTest::newRow("kml") << S("out.KML") << QByteArray("<kml ");
+    QTest::newRow("geojson") << S("out.geojson") << QByteArray("\"FeatureCollection\"");
+}
+
+void tst_zr_log_dataset::trackInOtherFormats()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, mark);
+    QVERIFY(WriteLog(SurveyLog(10)));
+    const QString out = m_folder.Path() + QLatin1Char('/') + name;
+    QCOMPARE(RunLog({S("events"), m_log, S("--add"), S("A wreck"), S("--time"), S("1614780310")}).code, 0);
+    const ToolResult result = RunLog({S("track"), m_log, out});
+    QVERIFY2(result.code == 0, result.Text());
+    const QByteArray whole = ReadWhole(out);
+    QVERIFY2(whole.contains(mark), whole.left(500));
+    QVERIFY2(whole.contains("A wreck"), whole.left(2000));
+
+    // A tolerance as large as the world leaves the ends of the track only.
+    const ToolResult few = RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("1e6")});
+    QVERIFY2(few.code == 0, few.Text());
+    QVERIFY(ReadWhole(out).size() <= whole.size());
+    const ToolResult wrong = RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("-1")});
+    QVERIFY2(wrong.code == 1, wrong.Text());
+}
+
+void tst_zr_log_dataset::csvIsNeverSimplified()
+{
+    QVERIFY(WriteLog(SurveyLog(10)));
+    const ToolResult result = RunLog({S("track"), m_log, Path("out.csv"), S("--simplify"), S("5")});
+    QVERIFY2(result.code == 1, result.Text());
+    QVERIFY(!QFile::exists(Path("out.csv")));
 }
 
 void tst_zr_log_dataset::trackOfSomeRecords()

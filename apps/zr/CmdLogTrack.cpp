@@ -12,6 +12,8 @@
 #include "CliTarget.h"
 #include "CliText.h"
 #include "CliTypes.h"
+#include "ZrKit/export/ZrTrackExport.h"
+#include "ZrKit/export/ZrTrackSimplify.h"
 
 #include <QFileInfo>
 #include <QJsonObject>
@@ -24,6 +26,7 @@ struct Options
     std::string out;
     std::string first;
     std::string last;
+    double simplify = 0.0; ///< metres; 0 keeps every record
     bool force = false;
     bool json = false;
 };
@@ -33,16 +36,86 @@ struct Format
 {
     const char* ending; ///< of the file name, with the dot, lower case
     /// Writes the records from \p first up to, not including, \p end.
-    bool (*write)(ZrDataset& dataset, const QString& path, int first, int end, IZrProgress* progress);
+    bool (*write)(ZrDataset& dataset, const QString& path, const Options& options, int first, int end,
+        IZrProgress* progress);
 };
 
-bool WriteCsv(ZrDataset& dataset, const QString& path, int first, int end, IZrProgress* progress)
+bool WriteCsv(
+    ZrDataset& dataset, const QString& path, const Options&, int first, int end, IZrProgress* progress)
 {
     return dataset.ExportTrack(path, first, end, progress);
 }
 
+ZrTrackPoint PointOf(const ZrLogRec& rec)
+{
+    ZrTrackPoint point;
+    point.time = rec.time;
+    point.latitude = rec.latitude;
+    point.longitude = rec.longitude;
+    point.depth = static_cast<double>(rec.depth);
+    point.altitude = static_cast<double>(rec.altitude);
+    point.heading = static_cast<double>(rec.heading);
+    point.pitch = static_cast<double>(rec.pitch);
+    point.roll = static_cast<double>(rec.roll);
+    return point;
+}
+
+/// The events that belong to the records from \p first up to, not including, \p end, where the vehicle was
+/// then.
+std::vector<ZrTrackEvent> EventsOf(const ZrDataset& dataset, int first, int end)
+{
+    std::vector<ZrTrackEvent> events;
+    for (ZrListPos* pos = dataset.events.GetHeadPos(); pos;) {
+        const ZrLogEvt* const from = dataset.events.GetNext(pos);
+        if (from->rec < first || from->rec >= end)
+            continue;
+        const ZrLogRec& rec = dataset.recs[static_cast<std::size_t>(from->rec)];
+        ZrTrackEvent event;
+        event.time = from->time;
+        event.latitude = rec.latitude;
+        event.longitude = rec.longitude;
+        event.text = from->text;
+        event.detail = from->detail;
+        events.push_back(event);
+    }
+    return events;
+}
+
+/// Track and events in the format that \p format names.
+bool WriteTrack(ZrTrackExport::eFormat format, const ZrDataset& dataset, const QString& path,
+    const Options& options, int first, int end)
+{
+    std::vector<ZrTrackPoint> points;
+    points.reserve(static_cast<std::size_t>(end - first));
+    for (int i = first; i < end; ++i)
+        points.push_back(PointOf(dataset.recs[static_cast<std::size_t>(i)]));
+    const std::vector<ZrTrackEvent> events = EventsOf(dataset, first, end);
+    ZrTrackData data;
+    data.name = QFileInfo(dataset.fileName).completeBaseName();
+    if (options.simplify > 0.0) {
+        std::vector<ZrTrackPoint> kept;
+        for (const std::size_t i : ZrTrackSimplify::Kept(points, options.simplify, data.maxGap))
+            kept.push_back(points[i]);
+        points.swap(kept);
+    }
+    data.points = points;
+    data.events = events;
+    ZrTrackExport out;
+    return out.Write(path, format, data);
+}
+
+template <ZrTrackExport::eFormat format>
+bool WriteAs(
+    ZrDataset& dataset, const QString& path, const Options& options, int first, int end, IZrProgress*)
+{
+    return WriteTrack(format, dataset, path, options, first, end);
+}
+
 constexpr Format formats[] = {
     {".csv", &WriteCsv},
+    {".gpx", &WriteAs<ZrTrackExport::Gpx>},
+    {".kml", &WriteAs<ZrTrackExport::Kml>},
+    {".geojson", &WriteAs<ZrTrackExport::GeoJson>},
 };
 
 /// The format that the name of \p out asks for; null when none does.
@@ -101,7 +174,7 @@ int Write(
     bool ok = false;
     {
         CliProgress progress(QStringLiteral("Writing"));
-        ok = format.write(log.dataset, target.TemporaryPath(), static_cast<int>(range.first),
+        ok = format.write(log.dataset, target.TemporaryPath(), options, static_cast<int>(range.first),
             static_cast<int>(range.last + 1), &progress);
     }
     if (!ok)
@@ -135,6 +208,9 @@ int Run(const Options& options)
     const Format* const format = FormatOf(out);
     if (!format)
         return FailFormat(out);
+    if (options.simplify > 0.0 && format->write == &WriteCsv)
+        return cli::fail(
+            exUsage, QStringLiteral("--simplify does not go with .csv, which holds every record"));
     CliTarget target;
     if (const int code = cli::check_input(in))
         return code;
@@ -161,7 +237,8 @@ void AddLogTrack(CLI::App& log, CliRun& run)
     CLI::App* verb = cli::add_verb(log, run, "track",
         "Write the track of the vehicle as a file for other programs\n"
         "\n"
-        "The ending of OUT tells the format: .csv, one line for each record of the index.",
+        "The ending of OUT tells the format: .csv, one line for each record of the index;\n"
+        ".gpx, .kml or .geojson, the track with the events of the log.",
         "Units: records are counted from 0. In the CSV times are local times of this\n"
         "computer (TZ=UTC in the environment gives UTC), dive time is hours since the\n"
         "first record, latitude and longitude are degrees, depths metres, angles degrees;\n"
@@ -169,12 +246,18 @@ void AddLogTrack(CLI::App& log, CliRun& run)
         "\n"
         "Examples:\n"
         "  zr log track dive.log dive.csv\n"
-        "  zr log track dive.log start.csv --first 0 --last 99");
+        "  zr log track dive.log start.csv --first 0 --last 99\n"
+        "  zr log track dive.log dive.gpx --simplify 2");
     cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "File to write, a name ending in .csv");
+    cli::add_argument(
+        *verb, "OUT", options->out, "File to write, a name ending in .csv, .gpx, .kml or .geojson");
     cli::add_value(*verb, "--first", options->first, "N", cli::check_count, "First record; 0 unless given");
     cli::add_value(*verb, "--last", options->last, "N", cli::check_count,
         "Last record, which is included; that of the log unless given");
+    verb->add_option("--simplify", options->simplify,
+            "Leave out points that lie within this many metres of the line without them")
+        ->option_text("METRES")
+        ->check(CLI::Range(0.0, 1e6));
     verb->add_flag("--force", options->force, "Replace OUT when it exists");
     verb->add_flag("--json", options->json, "Print the result as one JSON object");
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
