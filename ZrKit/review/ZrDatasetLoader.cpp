@@ -18,9 +18,7 @@ public:
     void UpdateProgress(int percent) override
     {
         m_percent = percent;
-        QMetaObject::invokeMethod(
-            &m_loader, [&loader = m_loader, percent] { Q_EMIT loader.Progress(percent); },
-            Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&m_loader, "Progress", Qt::QueuedConnection, Q_ARG(int, percent));
     }
 
     int GetProgress() override { return m_percent; }
@@ -63,8 +61,7 @@ void ZrDatasetLoader::Run(const QString& logPath)
     m_reader->progress = &relay;
     m_result = m_reader->Read(logPath, *m_dataset);
     m_reader->progress = nullptr;
-    QMetaObject::invokeMethod(
-        this, [this] { Conclude(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "Conclude", Qt::QueuedConnection);
 }
 
 void ZrDatasetLoader::Conclude()

@@ -70,7 +70,7 @@ private:
     class Relay;
 
     void Run(const QString& logPath);
-    void Conclude();
+    Q_INVOKABLE void Conclude();
     void Join();
 
     bool m_loading = false;
