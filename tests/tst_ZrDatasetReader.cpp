@@ -110,6 +110,8 @@ private Q_SLOTS:
     void whatWasInTheDatasetIsGone();
     void indexIsOutOfDate_data();
     void indexIsOutOfDate();
+    void changesOfALongLogAreNoticed_data();
+    void changesOfALongLogAreNoticed();
     void indexOfAnotherClassIsNotUsed();
     void indexOfOtherTypesIsNotUsed();
     void rebuildOnDemand();
@@ -273,6 +275,7 @@ void tst_ZrDatasetReader::indexIsOutOfDate_data()
                                    << S("the index does not say which log it was made from");
     QTest::newRow("cut index") << S("cut index") << S("the index is damaged or of other record types");
     QTest::newRow("empty index") << S("empty index") << S("the index is damaged or of other record types");
+    QTest::newRow("index without navigation") << S("plain") << S("the index does not fit the log");
     QTest::newRow("index of zeros") << S("zeros") << S("the index does not fit the log");
     QTest::newRow("index with fewer records") << S("fewer") << S("the index does not fit the log");
 }
@@ -307,8 +310,13 @@ void tst_ZrDatasetReader::indexIsOutOfDate()
         QVERIFY(WriteWhole(m_log + S(".zri"), index.left(index.size() - 1)));
     } else if (change == S("empty index")) {
         QVERIFY(WriteWhole(m_log + S(".zri"), ""));
+    } else if (change == S("plain")) {
+        // As an application writes that does not decode navigation; everything else is right.
+        QVERIFY(QFile::remove(m_log + S(".zri")));
+        ZrDataset plain(ZrSurveyDataset::DefaultIdxType(), ZrSurveyDataset::DefaultCrdTypes());
+        plain.ReadFile(m_log);
+        QCOMPARE(Bytes(".zri").size(), index.size());
     } else if (change == S("zeros")) {
-        // As a dataset would write that does not decode navigation.
         ZrDataset plain(ZrSurveyDataset::DefaultIdxType(), ZrSurveyDataset::DefaultCrdTypes());
         plain.recs.resize(9);
         plain.WriteIndex(m_log);
@@ -325,6 +333,39 @@ void tst_ZrDatasetReader::indexIsOutOfDate()
     QCOMPARE(dataset.meanLongitude, -63.0 - 0.001 * static_cast<double>(records - 1) / 2.0);
     // The index that stands there now is used.
     QCOMPARE(Load(), ZrDatasetReader::FromIndex);
+}
+
+void tst_ZrDatasetReader::changesOfALongLogAreNoticed_data()
+{
+    // Of a log of several times 64 KiB the ends are digested, and three records looked at.
+    constexpr int count = 3000;
+    const LogBytes log = SurveyLog(count);
+    const int middle = static_cast<int>(log.Start(count / 2 + count / 6 + 1));
+    QTest::addColumn<int>("at");
+    QTest::addColumn<int>("mask");
+    QTest::addColumn<QString>("reason");
+    const QString changed = S("the log has changed since the index was made");
+    QTest::newRow("file header") << 40 << 1 << changed;
+    QTest::newRow("last byte of the first part") << 64 * 1024 - 1 << 1 << changed;
+    QTest::newRow("first byte of the last part") << log.Bytes().size() - 64 * 1024 << 1 << changed;
+    QTest::newRow("last byte") << log.Bytes().size() - 1 << 1 << changed;
+    QTest::newRow("type of the middle item") << middle + 8 << 1 << S("the index does not fit the log");
+}
+
+void tst_ZrDatasetReader::changesOfALongLogAreNoticed()
+{
+    QFETCH(int, at);
+    QFETCH(int, mask);
+    QFETCH(QString, reason);
+    const LogBytes log = SurveyLog(3000);
+    QVERIFY(log.Bytes().size() > 3 * 64 * 1024);
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QCOMPARE(Load(), ZrDatasetReader::FromIndex);
+    QVERIFY(WriteWhole(m_log, Flipped(log.Bytes(), at, mask)));
+    QString found;
+    QCOMPARE(Load(&found), ZrDatasetReader::Built);
+    QCOMPARE(found, reason);
 }
 
 void tst_ZrDatasetReader::indexOfAnotherClassIsNotUsed()
