@@ -69,13 +69,28 @@ private:
 #endif
 };
 
+/// Ends \p text, \p size bytes long, before its last UTF-8 character if only the first bytes of it are there.
+void DropPartOfCharacter(char* text, int size)
+{
+    int first = size - 1;
+    while (first > 0 && (text[first] & 0xC0) == 0x80)
+        --first;
+    const auto lead = static_cast<unsigned char>(text[first]);
+    const int whole = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    if (size - first < whole)
+        text[first] = 0;
+}
+
 /// The text of \p fmt and its arguments, cut at the size of the buffer.
 QString FormatText(const char* fmt, va_list args)
 {
     char text[ZrXmlObj::TextSize] = "";
     const CLocale locale;
-    if (!fmt || std::vsnprintf(text, sizeof text, fmt, args) < 0)
+    const int length = fmt ? std::vsnprintf(text, sizeof text, fmt, args) : -1;
+    if (length < 0)
         return QString();
+    if (length >= ZrXmlObj::TextSize)
+        DropPartOfCharacter(text, ZrXmlObj::TextSize - 1);
     return QString::fromUtf8(text);
 }
 

@@ -60,7 +60,8 @@ public:
     void Add(const QString& itemName, const QString& value);
 
     /// Appends an item whose value is formatted as by printf; `%s` takes UTF-8. What does not fit into
-    /// `TextSize` bytes is cut. A null format gives an empty value.
+    /// `TextSize` bytes is cut, between two characters. A null format, or one that the C library refuses,
+    /// gives an empty value.
     void Add(const QString& itemName, const char* fmt, ...) Q_ATTRIBUTE_FORMAT_PRINTF(3, 4);
 
     /// Appends a data line, formatted and cut as by `Add`.

@@ -123,6 +123,7 @@ private Q_SLOTS:
     void matrixLookupMovesTheCursor();
     void pointerBothWays();
     void missingItemLeavesTheVariable();
+    void unreadableItemsAreSilent();
     void missingFloatIsReported();
     void processLocaleIsIgnored();
     void processLocaleIsIgnoredByEveryThread();
@@ -168,6 +169,7 @@ void tst_ZrXmlItem::characterLoads_data()
     QTest::newRow("leading blank counts") << QStringLiteral(" B") << ' ';
     QTest::newRow("empty") << QString() << 'x';
     QTest::newRow("zero character") << QString(QChar(0)) << 'x';
+    QTest::newRow("beyond Latin-1, as a file would hold it") << QString(QChar(0x20AC)) << '?';
 }
 
 void tst_ZrXmlItem::characterLoads()
@@ -552,6 +554,8 @@ void tst_ZrXmlItem::colourStored()
 {
     QCOMPARE(Stored(QColor(255, 255, 0)), QStringLiteral("#ffff00"));
     QCOMPARE(Stored(QColor(1, 2, 3, 4)), QStringLiteral("#010203"));
+    QCOMPARE(Stored(QColor(0xAB, 0xCD, 0xEF)), QStringLiteral("#abcdef"));
+    QCOMPARE(Stored(QColor()), QStringLiteral("#000000"));
 }
 
 void tst_ZrXmlItem::colourLoads_data()
@@ -562,6 +566,7 @@ void tst_ZrXmlItem::colourLoads_data()
     QTest::newRow("capitals") << QStringLiteral("#ABCDEF") << 0xFFABCDEFU;
     QTest::newRow("name") << QStringLiteral("yellow") << 0xFFFFFF00U;
     QTest::newRow("alpha is not taken over") << QStringLiteral("#80010203") << 0xFF010203U;
+    QTest::newRow("a name without colour is opaque black") << QStringLiteral("transparent") << 0xFF000000U;
     QTest::newRow("unknown name") << QStringLiteral("deep sea") << 0x11223344U;
     QTest::newRow("wrong digits") << QStringLiteral("#01020") << 0x11223344U;
     QTest::newRow("empty") << QString() << 0x11223344U;
@@ -631,6 +636,29 @@ void tst_ZrXmlItem::missingItemLeavesTheVariable()
     QCOMPARE(Missing(QStringLiteral("former")), QStringLiteral("former"));
     QCOMPARE(Missing(QChar(QLatin1Char('x'))), QChar(QLatin1Char('x')));
     QCOMPARE(Missing(QColor(1, 2, 3, 4)), QColor(1, 2, 3, 4));
+    QCOMPARE(Missing(QMatrix4x4(), 2), QMatrix4x4());
+    QCOMPARE(Missing(static_cast<void*>(&convertedObject), &Convert), static_cast<void*>(&convertedObject));
+    QCOMPARE(lines.Get(), QStringList());
+}
+
+void tst_ZrXmlItem::unreadableItemsAreSilent()
+{
+    const QString none;
+    const QString word = QStringLiteral("unreadable");
+    const DebugLines lines;
+    QCOMPARE(Loaded(none, 'x'), 'x');
+    QCOMPARE(Loaded<unsigned char>(word, 9), static_cast<unsigned char>(9));
+    QCOMPARE(Loaded<unsigned char>(word, 9, true), static_cast<unsigned char>(9));
+    QCOMPARE(Loaded<short>(word, -9), short(-9));
+    QCOMPARE(Loaded<unsigned short>(word, 9), static_cast<unsigned short>(9));
+    QCOMPARE(Loaded<unsigned short>(word, 9, true), static_cast<unsigned short>(9));
+    QCOMPARE(Loaded(word, -9), -9);
+    QCOMPARE(Loaded(word, 9U), 9U);
+    QCOMPARE(Loaded(word, 9U, true), 9U);
+    QCOMPARE(Loaded(word, 9.5F), 9.5F);
+    QCOMPARE(Loaded(word, 9.5), 9.5);
+    QCOMPARE(Loaded(word, QVector3D(7, 8, 9)), QVector3D(7, 8, 9));
+    QCOMPARE(Loaded(none, QChar(QLatin1Char('x'))), QChar(QLatin1Char('x')));
     QCOMPARE(lines.Get(), QStringList());
 }
 

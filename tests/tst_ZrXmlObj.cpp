@@ -40,6 +40,9 @@ private Q_SLOTS:
     void addNullFormat();
     void formattedTextIsCut_data();
     void formattedTextIsCut();
+    void formattedTextIsCutBetweenCharacters_data();
+    void formattedTextIsCutBetweenCharacters();
+    void refusedFormat();
     void dataLines();
     void storedTextIsNoFormat();
     void getItmIsExact();
@@ -161,6 +164,56 @@ void tst_ZrXmlObj::formattedTextIsCut()
     // A text that is not formatted has no limit.
     obj.Add(QStringLiteral("B"), QString::fromLatin1(text));
     QCOMPARE(obj.GetTail()->value.size(), length);
+}
+
+void tst_ZrXmlObj::formattedTextIsCutBetweenCharacters_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<QByteArray>("character");
+    QTest::addColumn<bool>("kept");
+    const QByteArray two = "\xC3\xBC";
+    const QByteArray three = "\xE2\x82\xAC";
+    const QByteArray four = "\xF0\x9F\x90\x9F";
+    QTest::newRow("two bytes fit") << 4093 << two << true;
+    QTest::newRow("one of two") << 4094 << two << false;
+    QTest::newRow("none of two") << 4095 << two << false;
+    QTest::newRow("three bytes fit") << 4092 << three << true;
+    QTest::newRow("two of three") << 4093 << three << false;
+    QTest::newRow("one of three") << 4094 << three << false;
+    QTest::newRow("four bytes fit") << 4091 << four << true;
+    QTest::newRow("three of four") << 4092 << four << false;
+    QTest::newRow("two of four") << 4093 << four << false;
+    QTest::newRow("one of four") << 4094 << four << false;
+}
+
+void tst_ZrXmlObj::formattedTextIsCutBetweenCharacters()
+{
+    QFETCH(int, before);
+    QFETCH(QByteArray, character);
+    QFETCH(bool, kept);
+    const QByteArray text = QByteArray(before, 'x') + character + "more";
+    const QString expected
+        = QString(before, QLatin1Char('x')) + (kept ? QString::fromUtf8(character) : QString());
+    ZrXmlObj obj;
+    obj.Add(QStringLiteral("A"), "%s", text.constData());
+    obj.Data("%s", text.constData());
+    QCOMPARE(obj.GetHead()->value, expected);
+    QCOMPARE(*obj.data.GetHead(), expected);
+    // Bytes that are no UTF-8, to the end of the buffer: replaced one by one, and no way back beyond its
+    // start.
+    const QByteArray wrong(5000, '\xBF');
+    obj.Data("%s", wrong.constData());
+    QCOMPARE(*obj.data.GetTail(), QString(4095, QChar::ReplacementCharacter));
+}
+
+void tst_ZrXmlObj::refusedFormat()
+{
+    // The C locale has no byte for the euro sign.
+    ZrXmlObj obj;
+    obj.Add(QStringLiteral("A"), "12 %ls", L"\u20AC");
+    obj.Data("12 %ls", L"\u20AC");
+    QCOMPARE(Items(obj), QStringList(QStringLiteral("A=")));
+    QCOMPARE(DataLines(obj), QStringList(QString()));
 }
 
 void tst_ZrXmlObj::dataLines()

@@ -267,6 +267,7 @@ void tst_ZrXmlStoreFile::saveMessages_data()
     QTest::newRow("no such directory") << Path("missing/settings.xml") << false;
     QTest::newRow("a directory") << m_dir.path() << false;
     QTest::newRow("a directory, with slash") << m_dir.path() + QLatin1Char('/') << false;
+    QTest::newRow("where no file can be made") << QStringLiteral("/proc/settings.xml") << false;
     QTest::newRow("below a file") << QStringLiteral("/dev/null/settings.xml") << false;
     QTest::newRow("name too long") << m_dir.filePath(QString(5000, QLatin1Char('x'))) << false;
 }
@@ -312,6 +313,7 @@ void tst_ZrXmlStoreFile::loadMessages_data()
     Write(declaration);
     QTest::newRow("ordinary") << Path() << true;
     QTest::newRow("empty device") << QStringLiteral("/dev/null") << true;
+    QTest::newRow("opens, but cannot be read") << QStringLiteral("/proc/self/mem") << true;
     QTest::newRow("missing") << Path("missing.xml") << false;
     QTest::newRow("missing, with conversions") << Path("%s%n.xml") << false;
     QTest::newRow("missing directory") << Path("missing/settings.xml") << false;
@@ -386,6 +388,7 @@ void tst_ZrXmlStoreFile::linesOutsideSets_data()
     row("<Settingsname=\"S\">", opened);
     row("<Settings \t name=\"S\">", opened);
     row("<Settings\v\fname=\"S\">", opened);
+    row("\v\f<Settings name=\"S\">", opened);
     row("<Settings name=\"a b <c>\">", List({"set a b <c>"}));
     row("<Settings name=\"S", none);
     row("<Settings name=\"\">", none);
@@ -431,6 +434,7 @@ void tst_ZrXmlStoreFile::linesInSets_data()
     row("<Object  name=\"O\" \t type=\"T\">", opened);
     row("<Object name=\"a b\" type=\"<>\">", List({"set S", "object a b of <>"}));
     row("<Object name=\"\" type=\"T\">", ignored);
+    row("\v<Object name=\"O\" type=\"T\">", ignored);
     row("<Object name=\"O\" type=\"\">", ignored);
     row("<Object name=\"O\">", ignored);
     row("<Object name=\"O\" type=\"T", ignored);
@@ -443,6 +447,7 @@ void tst_ZrXmlStoreFile::linesInSets_data()
     row("<Data>x</Data>", ignored);
     row("</Settings >", ignored);
     row("</Settings>x", ignored);
+    row("</Settings>\v", ignored);
     row("</settings>", ignored);
     row("</Settings>", List({"set S", "set Y"}));
     row(" \t</Settings> \t\r", List({"set S", "set Y"}));
@@ -488,6 +493,8 @@ void tst_ZrXmlStoreFile::linesInObjects_data()
     row("<K Val=\"v\"/>");
     row("<K other=\"w\" val=\"v\"/>");
     row("<Kval=\"v\"/>");
+    row("<a name val=\"v\"/>");
+    row("\v<K val=\"v\"/>");
     row("K val=\"v\"/>");
     row("< val=\"v\"/>");
     row("<");
@@ -512,6 +519,7 @@ void tst_ZrXmlStoreFile::linesInObjects_data()
     row("<Object name=\"P\" type=\"T\">");
     row("</Object>x");
     row("</object>");
+    row("</Object>\f");
 }
 
 void tst_ZrXmlStoreFile::linesInObjects()
@@ -554,6 +562,8 @@ void tst_ZrXmlStoreFile::longLines_data()
     QTest::newRow("1,024: the quote is still read") << item(1024) + "\n" << found(1024);
     QTest::newRow("1,025: the quote is still read") << item(1025) + "\n" << found(1025);
     QTest::newRow("1,026: the quote is beyond the limit") << item(1026) + "\n" << QStringList();
+    QTest::newRow("1,022 and CR LF") << item(1022) + "\r\n" << found(1022);
+    QTest::newRow("1,023 and CR LF") << item(1023) + "\r\n" << found(1023);
     QTest::newRow("1,100") << item(1100) + "\n" << QStringList();
     QTest::newRow("data of 1,100") << "<Data>" + QByteArray(1087, 'd') + "</Data>\n" << QStringList();
     QTest::newRow("the second piece forms an item") << QByteArray(1023, 'x') + "<L val=\"w\"/>\n"

@@ -152,6 +152,8 @@ void tst_ZrXmlStoreLines::noOtherEncodingIsGuessed()
     // The bytes "FF FE" open a text of UTF-16; as UTF-8 they are two wrong characters of an ordinary line.
     QCOMPARE(Loaded("\xFF\xFE\n" + objectOpen + "K=v\n"), emptyObject + List({"item K=v"}));
     QCOMPARE(Loaded(objectOpen + "K=\xFC\n"), emptyObject + List({"item K=\xEF\xBF\xBD"}));
+    // The mark with which some editors begin a UTF-8 text is no part of it.
+    QCOMPARE(Loaded("\xEF\xBB\xBF" + objectOpen + "K=v\n"), emptyObject + List({"item K=v"}));
 }
 
 void tst_ZrXmlStoreLines::loadedLines_data()
