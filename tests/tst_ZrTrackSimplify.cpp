@@ -5,9 +5,9 @@
 #include "ZrKit/export/ZrTrackSimplify.h"
 #include "ZrUtil/ZrUtil.h"
 
-#include <QElapsedTimer>
 #include <QtTest/QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <random>
@@ -387,17 +387,16 @@ void tst_ZrTrackSimplify::longTracks_data()
 }
 
 /// No recursion that could exhaust the stack, no time that grows with the square: 4.5e10 distances would take
-/// minutes.
+/// longer than a test program may run.
 void tst_ZrTrackSimplify::longTracks()
 {
     QFETCH(Track, track);
     QFETCH(double, tolerance);
-    QElapsedTimer timer;
-    timer.start();
     const Indices kept = ZrTrackSimplify::Kept(track, tolerance);
-    QVERIFY2(timer.elapsed() < 15000, qPrintable(QString::number(timer.elapsed())));
     QVERIFY(kept.size() >= 2);
-    qInfo("%zu of %zu points, %lld ms", kept.size(), track.size(), timer.elapsed());
+    QCOMPARE(kept.front(), Indices::value_type(0));
+    QCOMPARE(kept.back(), Indices::value_type(track.size() - 1));
+    QVERIFY(std::is_sorted(kept.begin(), kept.end()));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrTrackSimplify)
