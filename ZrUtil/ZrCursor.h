@@ -24,7 +24,7 @@ public:
     std::atomic<float> timeSpan{0.0f}; ///< seconds
     std::atomic<double> time{-1.0}; ///< seconds since 1970-01-01T00:00:00 UTC, -1 before it was set
     std::atomic<i32> rec{0}; ///< record index of the dataset
-    mutable std::mutex mutex; ///< guards `owner`
+    std::mutex mutex; ///< guards `owner`
     ZrGlSurface* owner = nullptr;
 
     ZrCursor() = default;
@@ -37,7 +37,7 @@ public:
         owner = surface;
     }
 
-    ZrGlSurface* GetOwner() const
+    ZrGlSurface* GetOwner()
     {
         const std::lock_guard<std::mutex> guard(mutex);
         return owner;

@@ -184,8 +184,8 @@ void ZrDataset::RecoverPlan(const QString& logPath, zr::span<u8> payload)
     store.Save(logPath + QLatin1String(".xml"));
 }
 
-/// The event file is written once when the scan ends, not after each event: rewriting it every time would
-/// cost the square of their number.
+/// The event file is rewritten after each event, so that it holds every event found so far when the scan ends
+/// early.
 void ZrDataset::RecoverEvent(zr::span<u8> payload)
 {
     if (!FitsByteArray(payload))
@@ -194,7 +194,7 @@ void ZrDataset::RecoverEvent(zr::span<u8> payload)
     QByteArray bytes = zr::to_byte_array(payload);
     ZrLogEvt evt;
     evt.Load(bytes);
-    InsertEvent(evt);
+    AddEvent(evt);
 }
 
 void ZrDataset::ClearData()
@@ -214,14 +214,14 @@ const ZrLogRec* ZrDataset::GetRec() const
     return &recs[static_cast<std::size_t>(curRec)];
 }
 
-u64 ZrDataset::GetRecFp(int i) const
+u64 ZrDataset::GetRecFp(int i)
 {
     if (i < 0 || static_cast<std::size_t>(i) >= recs.size())
         return 0;
     return recs[static_cast<std::size_t>(i)].pos;
 }
 
-u64 ZrDataset::GetNextFp() const
+u64 ZrDataset::GetNextFp()
 {
     return GetRecFp(curRec);
 }
@@ -242,7 +242,7 @@ bool ZrDataset::SeekToTime(double t)
     return false;
 }
 
-int ZrDataset::PosFromTime(double t) const
+int ZrDataset::PosFromTime(double t)
 {
     if (recs.empty() || t < recs.front().time)
         return 0;

@@ -93,7 +93,7 @@ public:
     virtual void SeekTo(ZrPlayer& player, const ZrLogRec& rec);
 
     /// Loads the dataset of \p logPath: from its index and event files when the index is current, else by
-    /// scanning the log, which also writes both files.
+    /// scanning the log, which also writes both files (the event file after each event that is found).
     void ReadFile(QString logPath);
 
     /// Replaces the record table by the index file of \p logPath. False, with the reason on the debug output,
@@ -125,10 +125,10 @@ public:
     const ZrLogRec* GetRec() const;
 
     /// File position of the item of record \p i; 0 when there is no such record.
-    u64 GetRecFp(int i) const;
+    u64 GetRecFp(int i);
 
     /// The same of the current record.
-    u64 GetNextFp() const;
+    u64 GetNextFp();
 
     /// Makes the record of exactly the time \p t current, looking from the current one onwards. False, and
     /// nothing changed, when it meets a later time or the end: callers pass times taken from records.
@@ -139,7 +139,7 @@ public:
     /// It starts at a linear estimate and walks one record at a time. Exactly at the time of the last record
     /// the estimate lies behind the table, and the result is 0; applications rely on it. Also 0 for an empty
     /// table and for times that are not numbers.
-    int PosFromTime(double t) const;
+    int PosFromTime(double t);
 
     /// Moves the event cursor to the next event, if there is one. A null cursor is first put on the first
     /// event.
@@ -176,6 +176,5 @@ private:
     void ScanLog(ZrPlayer& player, const QString& logPath);
     static void RecoverPlan(const QString& logPath, zr::span<u8> payload);
     void RecoverEvent(zr::span<u8> payload);
-    void InsertEvent(const ZrLogEvt& evt);
     void ClearEvents();
 };

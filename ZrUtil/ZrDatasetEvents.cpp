@@ -27,12 +27,6 @@ void ZrDataset::ClearEvents()
 
 void ZrDataset::AddEvent(const ZrLogEvt& evt)
 {
-    InsertEvent(evt);
-    WriteEvents(fileName);
-}
-
-void ZrDataset::InsertEvent(const ZrLogEvt& evt)
-{
     auto copy = std::make_unique<ZrLogEvt>(evt);
     copy->rec = PosFromTime(copy->time);
     // 13 digits: milliseconds of the present time.
@@ -45,6 +39,7 @@ void ZrDataset::InsertEvent(const ZrLogEvt& evt)
     else
         events.AddTail(copy.get());
     static_cast<void>(copy.release());
+    WriteEvents(fileName);
 }
 
 void ZrDataset::WriteEvents(const QString& logPath) const

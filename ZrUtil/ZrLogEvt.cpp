@@ -27,7 +27,7 @@ void ZrLogEvt::Load(QByteArray& bytes)
     ReadFrom(stream);
 }
 
-void ZrLogEvt::Save(QByteArray& bytes) const
+void ZrLogEvt::Save(QByteArray& bytes)
 {
     bytes.clear();
     QDataStream stream(&bytes, QIODevice::WriteOnly);
@@ -35,7 +35,7 @@ void ZrLogEvt::Save(QByteArray& bytes) const
     WriteTo(stream);
 }
 
-void ZrLogEvt::WriteTo(QDataStream& stream) const
+void ZrLogEvt::WriteTo(QDataStream& stream)
 {
     stream << code << time << static_cast<qint32>(src) << text << detail << uid;
 }

@@ -61,9 +61,9 @@ public:
     virtual void Load(QByteArray& bytes);
 
     /// Replaces \p bytes by the serial form.
-    virtual void Save(QByteArray& bytes) const;
+    virtual void Save(QByteArray& bytes);
 
-    virtual void WriteTo(QDataStream& stream) const;
+    virtual void WriteTo(QDataStream& stream);
 
     /// Takes everything but `rec` from \p stream.
     virtual void ReadFrom(QDataStream& stream);

@@ -14,6 +14,8 @@
 static_assert(std::
                   is_same_v<decltype(ZrCursor::x), std::atomic<double>> && std::is_same_v<decltype(ZrCursor::y), std::atomic<double>> && std::is_same_v<decltype(ZrCursor::size), std::atomic<float>> && std::is_same_v<decltype(ZrCursor::timeSpan), std::atomic<float>> && std::is_same_v<decltype(ZrCursor::time), std::atomic<double>> && std::is_same_v<decltype(ZrCursor::rec), std::atomic<i32>> && std::is_same_v<decltype(ZrCursor::mutex), std::mutex> && std::is_same_v<decltype(ZrCursor::owner), ZrGlSurface*>,
     "types of the members");
+static_assert(std::is_same_v<decltype(&ZrCursor::SetOwner), void (ZrCursor::*)(ZrGlSurface*)>);
+static_assert(std::is_same_v<decltype(&ZrCursor::GetOwner), ZrGlSurface* (ZrCursor::*)()>);
 static_assert(!std::is_copy_constructible_v<ZrCursor>, "there is one cursor, which everybody shares");
 
 namespace {
@@ -55,7 +57,7 @@ private Q_SLOTS:
 
 void tst_ZrCursor::startsNowhere()
 {
-    const ZrCursor cursor;
+    ZrCursor cursor;
     QCOMPARE(Text(cursor), QStringLiteral("0 0 size 0 span 0 time -1 rec 0"));
     QVERIFY(!cursor.GetOwner());
 }

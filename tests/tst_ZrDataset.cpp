@@ -1,11 +1,46 @@
-// ZrDataset: scanning a log, what the records remember, replaying through a player, extents and plots.
+// ZrDataset: its operations, scanning a log, what the records remember, the signals.
 
 #include "ZrDatasetFixture.h"
 #include "ZrUtil/ZrXmlStore.h"
 
 #include <QMetaMethod>
 
-#include <cmath>
+#include <thread>
+#include <type_traits>
+
+// The operations as applications take their addresses and override them.
+static_assert(std::is_same_v<decltype(&ZrDataset::UpdCrdPos),
+    void (ZrDataset::*)(std::array<u64, 8>&, const ZrLogItemInf&, u64)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::FillRec),
+    void (ZrDataset::*)(ZrLogRec&, const ZrLogItemInf&, zr::span<u8>)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::Preroll), void (ZrDataset::*)(ZrPlayer&)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::SeekTo), void (ZrDataset::*)(ZrPlayer&, const ZrLogRec&)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::ReadFile), void (ZrDataset::*)(QString)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::ReadIndex), bool (ZrDataset::*)(const QString&)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::WriteIndex), void (ZrDataset::*)(const QString&) const>);
+static_assert(std::is_same_v<decltype(&ZrDataset::ReadEvents), bool (ZrDataset::*)(const QString&)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::WriteEvents), void (ZrDataset::*)(const QString&) const>);
+static_assert(std::is_same_v<decltype(&ZrDataset::AddEvent), void (ZrDataset::*)(const ZrLogEvt&)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::ClearData), void (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::IdxType), CRecType (ZrDataset::*)() const>);
+static_assert(std::is_same_v<decltype(&ZrDataset::CrdTypes), std::array<CRecType, 8> (ZrDataset::*)() const>);
+static_assert(std::is_same_v<decltype(&ZrDataset::GetRec), const ZrLogRec* (ZrDataset::*)() const>);
+static_assert(std::is_same_v<decltype(&ZrDataset::GetRecFp), u64 (ZrDataset::*)(int)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::GetNextFp), u64 (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::SeekToTime), bool (ZrDataset::*)(double)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::PosFromTime), int (ZrDataset::*)(double)>);
+static_assert(std::is_same_v<decltype(&ZrDataset::GoNextEvt), void (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::GoPrevEvt), void (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::HasNextEvt), bool (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::HasPrevEvt), bool (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(&ZrDataset::UpdateExtents), void (ZrDataset::*)()>);
+static_assert(std::is_same_v<decltype(static_cast<bool (ZrDataset::*)(QString, int, int, IZrProgress*)>(
+                                 &ZrDataset::ExportTrack)),
+    bool (ZrDataset::*)(QString, int, int, IZrProgress*)>);
+static_assert(
+    std::is_same_v<decltype(static_cast<bool (ZrDataset::*)(QString, IZrProgress*)>(&ZrDataset::ExportTrack)),
+        bool (ZrDataset::*)(QString, IZrProgress*)>);
+static_assert(std::is_constructible_v<ZrDataset, CRecType, std::array<CRecType, 8>>);
 
 namespace {
 
@@ -71,33 +106,28 @@ private Q_SLOTS:
     void secondReadUsesTheIndex();
     void playableRangeNeedsThreeRecords_data();
     void playableRangeNeedsThreeRecords();
+    void playableRangeIsSetLast();
+    void formerDatasetIsThereAtZeroPercent();
+    void indexIsWrittenAfterNewDataset();
+    void signalsComeOnTheReadingThread();
     void emptyIndexTypeMatchesEmptyItems();
     void itemOfTheIndexTypeIsARecordWhateverItIs();
     void missionPlanIsRestored();
     void lastMissionPlanWins();
+    void missionPlanOfAnyBytes_data();
+    void missionPlanOfAnyBytes();
+    void missionPlanThatCannotBeWritten();
     void onlySubTypeZeroIsPlanOrEvent();
     void damagedLogGivesTheRecordsBefore();
     void logThatCannotBeOpened_data();
     void logThatCannotBeOpened();
+    void folderIsNoLog();
     void readingAnotherLogForgetsTheFirst();
     void unicodePath();
     void grownLogKeepsPercentagesInRange();
 
     void currentRecordIsChecked();
     void clearDataEmpties();
-    void prerollReplaysTheFirstOfEachType();
-    void prerollWithoutRecordsDoesNothing();
-    void seekReplaysTheLatestOfEachType();
-    void replayReopensAClosedPlayer();
-    void replayOfAMissingLogIsQuiet();
-    void replaySurvivesReceiversThatReload();
-    void replayTakesAnyPosition_data();
-    void replayTakesAnyPosition();
-
-    void extentsOfRecords();
-    void extentsWithoutRecords();
-    void extentsLeaveOutWhatIsNoNumber();
-    void extentsOfNegativeValues();
 
 private:
     QString Path(const char* name) const { return m_dir->filePath(QString::fromUtf8(name)); }
@@ -395,6 +425,93 @@ void tst_ZrDataset::playableRangeNeedsThreeRecords()
     QCOMPARE(QFile::exists(Path("a.log.zri")), records > 0);
 }
 
+void tst_ZrDataset::playableRangeIsSetLast()
+{
+    // Whoever hears a signal of the reading finds no range yet, scanned or from the index.
+    LogBytes log;
+    for (int i = 0; i < 4; ++i)
+        log.Add(TimedItem(16, i));
+    NavDataset dataset(navType, crdTypes);
+    int heard = 0;
+    bool range = false;
+    const auto look = [&] {
+        ++heard;
+        range = range || dataset.firstRec != -1 || dataset.lastRec != -1;
+    };
+    connect(&dataset, &ZrDataset::PercentLoad, this, [&](int percent) {
+        if (percent > 0) // at 0 the former dataset is still there
+            look();
+    });
+    connect(&dataset, &ZrDataset::NewDataset, this, look);
+    ReadLog(dataset, log);
+    QCOMPARE(heard, 6); // four items, the dataset, the end
+    dataset.ReadFile(Path("a.log"));
+    QCOMPARE(heard, 8);
+    QVERIFY(!range);
+    QCOMPARE(dataset.firstRec, 0);
+    QCOMPARE(dataset.lastRec, 3);
+}
+
+void tst_ZrDataset::formerDatasetIsThereAtZeroPercent()
+{
+    LogBytes log;
+    for (int i = 0; i < 3; ++i)
+        log.Add(TimedItem(16, i));
+    NavDataset dataset(navType, crdTypes);
+    ReadLog(dataset, log, "a.log");
+    QStringList heard;
+    connect(&dataset, &ZrDataset::PercentLoad, this, [&](int percent) {
+        heard << QStringLiteral("%1: %2, %3").arg(percent).arg(dataset.fileName).arg(dataset.recs.size());
+    });
+    dataset.ReadFile(Path("missing.log"));
+    QCOMPARE(heard,
+        (QStringList{QStringLiteral("0: %1, 3").arg(Path("a.log")),
+            QStringLiteral("100: %1, 0").arg(Path("missing.log"))}));
+}
+
+void tst_ZrDataset::indexIsWrittenAfterNewDataset()
+{
+    LogBytes log;
+    log.Add(TimedItem(16, 1.0)).Add(TimedItem(16, 2.0));
+    NavDataset dataset(navType, crdTypes);
+    QVector<bool> written;
+    connect(&dataset, &ZrDataset::NewDataset, this, [&] {
+        written << QFile::exists(Path("a.log.zri"));
+        dataset.recs.pop_back(); // what is written is the table as its first users leave it
+    });
+    ReadLog(dataset, log);
+    QCOMPARE(written, QVector<bool>{false});
+    QCOMPARE(QFileInfo(Path("a.log.zri")).size(), qint64(46 + 160));
+    dataset.ReadFile(Path("a.log"));
+    QCOMPARE(written, (QVector<bool>{false, true}));
+    QCOMPARE(QFileInfo(Path("a.log.zri")).size(), qint64(46 + 160)); // an index that was taken stays
+}
+
+void tst_ZrDataset::signalsComeOnTheReadingThread()
+{
+    LogBytes log;
+    log.Add(TimedItem(16, 1.0)).Add(TimedItem(16, 2.0));
+    QVERIFY(WriteWhole(Path("a.log"), log.Bytes()));
+    int heard = 0;
+    int elsewhere = 0;
+    std::size_t records = 0;
+    std::thread reader([&] {
+        NavDataset dataset(navType, crdTypes);
+        const auto look = [&, own = std::this_thread::get_id()] {
+            ++heard;
+            elsewhere += std::this_thread::get_id() != own;
+        };
+        connect(&dataset, &ZrDataset::PercentLoad, &dataset, look);
+        connect(&dataset, &ZrDataset::NewDataset, &dataset, look);
+        dataset.ReadFile(Path("a.log"));
+        records = dataset.recs.size();
+    });
+    reader.join();
+    QCOMPARE(heard, 5);
+    QCOMPARE(elsewhere, 0);
+    QCOMPARE(records, std::size_t(2));
+}
+
 void tst_ZrDataset::emptyIndexTypeMatchesEmptyItems()
 {
     LogBytes log;
@@ -458,6 +575,44 @@ void tst_ZrDataset::lastMissionPlanWins()
     ReadLog(dataset, log);
     QVERIFY(!ReadWhole(Path("a.log.xml")).contains("first"));
     QVERIFY(ReadWhole(Path("a.log.xml")).contains("second"));
+}
+
+void tst_ZrDataset::missionPlanOfAnyBytes_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no lines") << QByteArray("no plan at all");
+    QTest::newRow("object without a set") << QByteArray("<OBJ>=Wpt 0=ZrWpt\nName=Start\n");
+    QTest::newRow("zeros") << QByteArray(300, '\0');
+    QTest::newRow("greatest bytes") << QByteArray(300, '\xff');
+    QTest::newRow("cut off") << QByteArray("<SET>=Mission\n<OBJ>=Wpt");
+    QTest::newRow("one long line") << QByteArray(2000000, 'x');
+}
+
+void tst_ZrDataset::missionPlanOfAnyBytes()
+{
+    QFETCH(QByteArray, payload);
+    LogBytes log;
+    log.Add(TimedItem(16, 1.0)).Add(TimedItem(70, 2.0, payload)).Add(TimedItem(16, 3.0));
+    NavDataset dataset(navType, crdTypes);
+    ReadLog(dataset, log);
+    QVERIFY(m_messages->Take().contains(QStringLiteral("Recovering mission plan")));
+    QCOMPARE(dataset.recs.size(), std::size_t(2)); // the scan goes on behind it
+    QVERIFY(QFile::exists(Path("a.log.xml")));
+    ZrXmlStore store(false);
+    QVERIFY(store.Load(Path("a.log.xml"))); // whatever it held, the file is one of a store
+}
+
+void tst_ZrDataset::missionPlanThatCannotBeWritten()
+{
+    QVERIFY(QDir().mkdir(Path("a.log.xml")));
+    LogBytes log;
+    log.Add(TimedItem(70, 1.0, "<SET>=s\n")).Add(TimedItem(16, 2.0));
+    NavDataset dataset(navType, crdTypes);
+    ReadLog(dataset, log);
+    QCOMPARE(dataset.recs.size(), std::size_t(1));
+    QVERIFY(QFileInfo(Path("a.log.xml")).isDir());
+    QVERIFY(QFile::exists(Path("a.log.zri")));
 }
 
 void tst_ZrDataset::onlySubTypeZeroIsPlanOrEvent()
@@ -534,6 +689,16 @@ void tst_ZrDataset::logThatCannotBeOpened()
     QVERIFY(!dataset.SeekToTime(3.0));
     QVERIFY(!QFile::exists(path + QStringLiteral(".zri")));
     QCOMPARE(dataset.fileName, path);
+}
+
+void tst_ZrDataset::folderIsNoLog()
+{
+    QVERIFY(QDir().mkdir(Path("folder.log")));
+    NavDataset dataset(navType, crdTypes);
+    dataset.ReadFile(Path("folder.log"));
+    QCOMPARE(m_messages->Take().last(), Line("Unable to open log file: ", Path("folder.log")));
+    QVERIFY(dataset.recs.empty());
+    QCOMPARE(dataset.curRec, -1);
 }
 
 void tst_ZrDataset::readingAnotherLogForgetsTheFirst()
@@ -648,255 +813,6 @@ void tst_ZrDataset::clearDataEmpties()
     QCOMPARE(dataset.lastRec, -1);
     QVERIFY(!dataset.GetRec());
     QCOMPARE(dataset.fileName, Path("a.log"));
-}
-
-void tst_ZrDataset::prerollReplaysTheFirstOfEachType()
-{
-    const QVector<Item> items{TimedItem(16, 0.0), TimedItem(40, 1.0, "first a"), TimedItem(16, 2.0),
-        SubItem(7, 41, 3.0, "first b"), TimedItem(40, 4.0, "second a"), TimedItem(16, 5.0)};
-    LogBytes log;
-    for (const Item& item : items)
-        log.Add(item);
-    NavDataset dataset(navType, {crdB, CRecType(0, 99), crdA, CRecType()});
-    ReadLog(dataset, log);
-    ZrPlayer player;
-    QVERIFY(player.OpenFile(Path("a.log")));
-    SignalLog signalLog(player);
-    dataset.Preroll(player);
-    // In the order of the slots.
-    QCOMPARE(signalLog.Take(),
-        DeliveryLines(items[3], log.Start(3), true) + DeliveryLines(items[1], log.Start(1), true));
-    // A slot that the last record does not know is passed over, whatever stands before.
-    CrdPositions none{};
-    std::memcpy(reinterpret_cast<char*>(&dataset.recs.back()) + 92, &none, sizeof none);
-    dataset.Preroll(player);
-    QCOMPARE(signalLog.Take(), QStringList());
-}
-
-void tst_ZrDataset::prerollWithoutRecordsDoesNothing()
-{
-    QVERIFY(WriteWhole(Path("a.log"), LogBytes().Add(TimedItem(40, 1.0)).Bytes()));
-    ZrDataset dataset(navType, crdTypes);
-    ZrPlayer player;
-    SignalLog signalLog(player);
-    dataset.Preroll(player);
-    QVERIFY(player.OpenFile(Path("a.log")));
-    dataset.Preroll(player);
-    QCOMPARE(signalLog.Take(), QStringList());
-    QCOMPARE(player.pos, u64(48));
-}
-
-void tst_ZrDataset::seekReplaysTheLatestOfEachType()
-{
-    const QVector<Item> items{TimedItem(40, 1.0, "a1"), TimedItem(16, 2.0), SubItem(7, 41, 3.0, "b1"),
-        TimedItem(40, 4.0, "a2"), TimedItem(16, 5.0, "nav"), TimedItem(40, 6.0, "a3")};
-    LogBytes log;
-    for (const Item& item : items)
-        log.Add(item);
-    NavDataset dataset(navType, crdTypes);
-    ReadLog(dataset, log);
-    ZrPlayer player;
-    QVERIFY(player.OpenFile(Path("a.log")));
-    SignalLog signalLog(player);
-    dataset.SeekTo(player, dataset.recs.at(1));
-    QCOMPARE(signalLog.Take(),
-        DeliveryLines(items[3], log.Start(3), true) + DeliveryLines(items[2], log.Start(2), true));
-    // Playing goes on from the record itself.
-    QVERIFY(player.SeekTo(dataset.recs[1].pos));
-    QVERIFY(player.ReadNextItem(true));
-    QCOMPARE(signalLog.Take(), DeliveryLines(items[4], log.Start(4), false));
-    dataset.SeekTo(player, dataset.recs.at(0));
-    QCOMPARE(signalLog.Take(), DeliveryLines(items[0], log.Start(0), true));
-    dataset.SeekTo(player, ZrLogRec());
-    QCOMPARE(signalLog.Take(), QStringList());
-}
-
-void tst_ZrDataset::replayReopensAClosedPlayer()
-{
-    LogBytes log;
-    log.Add(TimedItem(40, 1.0, "a")).Add(SubItem(7, 41, 2.0, "b")).Add(TimedItem(16, 3.0));
-    NavDataset dataset(navType, crdTypes);
-    ReadLog(dataset, log);
-    ZrPlayer player;
-    QVERIFY(player.OpenFile(Path("a.log")));
-    SignalLog signalLog(player);
-    const QStringList expected = DeliveryLines(TimedItem(40, 1.0, "a"), log.Start(0), true)
-        + DeliveryLines(SubItem(7, 41, 2.0, "b"), log.Start(1), true);
-    player.CloseFile();
-    dataset.SeekTo(player, dataset.recs.at(0));
-    QCOMPARE(signalLog.Take(), expected);
-    player.CloseFile();
-    dataset.Preroll(player);
-    QCOMPARE(signalLog.Take(), expected);
-
-    // A damaged item closes the file; the next slot opens it again.
-    QVERIFY(WriteWhole(Path("a.log"), Flipped(log.Bytes(), int(log.Start(0)), 0xff)));
-    QVERIFY(player.OpenFile(Path("a.log")));
-    m_messages->Take();
-    dataset.SeekTo(player, dataset.recs.at(0));
-    QCOMPARE(signalLog.Take(),
-        QStringList(QStringLiteral("EndOfFile, closed"))
-            + DeliveryLines(SubItem(7, 41, 2.0, "b"), log.Start(1), true));
-    QCOMPARE(m_messages->Take(), QStringList(QStringLiteral("Not a valid item header:aabbcc22")));
-}
-
-void tst_ZrDataset::replayOfAMissingLogIsQuiet()
-{
-    LogBytes log;
-    log.Add(TimedItem(40, 1.0, "a")).Add(TimedItem(16, 3.0));
-    NavDataset dataset(navType, crdTypes);
-    ReadLog(dataset, log);
-    ZrPlayer player; // never opened: it has no file name
-    SignalLog signalLog(player);
-    m_messages->Take();
-    dataset.SeekTo(player, dataset.recs.at(0));
-    dataset.Preroll(player);
-    QCOMPARE(signalLog.Take(), QStringList());
-    QVERIFY(!player.file.isOpen());
-    QVERIFY(QFile::remove(Path("a.log")));
-    QVERIFY(!player.OpenFile(Path("a.log")));
-    dataset.SeekTo(player, dataset.recs.at(0));
-    dataset.Preroll(player);
-    QCOMPARE(signalLog.Take(), QStringList());
-}
-
-void tst_ZrDataset::replaySurvivesReceiversThatReload()
-{
-    LogBytes log;
-    log.Add(TimedItem(40, 1.0, "a")).Add(SubItem(7, 41, 2.0, "b")).Add(TimedItem(16, 3.0));
-    NavDataset dataset(navType, crdTypes);
-    ReadLog(dataset, log);
-    ZrPlayer player;
-    QVERIFY(player.OpenFile(Path("a.log")));
-    int delivered = 0;
-    connect(&player, &ZrPlayer::NewPayload, this, [&] {
-        ++delivered;
-        dataset.ClearData();
-        std::vector<ZrLogRec>().swap(dataset.recs); // frees the table that the position came from
-    });
-    dataset.SeekTo(player, dataset.recs.at(0));
-    QCOMPARE(delivered, 2);
-    dataset.ReadFile(Path("a.log"));
-    dataset.Preroll(player);
-    QCOMPARE(delivered, 4);
-}
-
-void tst_ZrDataset::replayTakesAnyPosition_data()
-{
-    QTest::addColumn<quint64>("pos");
-    QTest::addColumn<QString>("message");
-    const QString incomplete = QStringLiteral("Incomplete item header found. FS:%1 BR:");
-    QTest::newRow("inside the file header")
-        << quint64(1) << QStringLiteral("Not a valid item header:30112233");
-    QTest::newRow("far behind the end") << (quint64(1) << 40) << incomplete + QStringLiteral("1099511627776");
-    QTest::newRow("2^63") << (quint64(1) << 63) << incomplete + QStringLiteral("9223372036854775808");
-    QTest::newRow("2^64 - 1") << ~quint64(0) << incomplete + QStringLiteral("18446744073709551615");
-}
-
-void tst_ZrDataset::replayTakesAnyPosition()
-{
-    QFETCH(quint64, pos);
-    QFETCH(QString, message);
-    LogBytes log;
-    log.Add(TimedItem(40, 1.0, "a"));
-    QVERIFY(WriteWhole(Path("a.log"), log.Bytes()));
-    NavDataset dataset(navType, crdTypes);
-    dataset.recs.push_back(ZrLogRec(ZrLogItemInf(), 48, {pos}));
-    ZrPlayer player;
-    QVERIFY(player.OpenFile(Path("a.log")));
-    SignalLog signalLog(player);
-    const QString text = message.contains(QLatin1String("%1")) ? message.arg(log.Size()) : message;
-    dataset.SeekTo(player, dataset.recs.at(0));
-    dataset.Preroll(player);
-    QCOMPARE(m_messages->Take(), (QStringList{text, text}));
-    QCOMPARE(signalLog.Take(),
-        (QStringList{QStringLiteral("EndOfFile, closed"), QStringLiteral("EndOfFile, closed")}));
-}
-
-void tst_ZrDataset::extentsOfRecords()
-{
-    ZrDataset dataset;
-    const double latitudes[] = {60.0, 58.5, 61.0, 60.5};
-    const double longitudes[] = {-5.0, 7.0, 3.0, -6.0};
-    const float altitudes[] = {5.0f, 2.5f, 100.0f, 0.0f};
-    const float depths[] = {10.0f, 20.0f, 1.0f, 50.0f};
-    for (int i = 0; i < 4; ++i) {
-        ZrLogRec rec;
-        rec.latitude = latitudes[i];
-        rec.longitude = longitudes[i];
-        rec.altitude = altitudes[i];
-        rec.depth = depths[i];
-        dataset.recs.push_back(rec);
-    }
-    dataset.curRec = 3;
-    dataset.UpdateExtents();
-    QCOMPARE(dataset.minLatitude, 58.5);
-    QCOMPARE(dataset.maxLatitude, 61.0);
-    QCOMPARE(dataset.minLongitude, -6.0);
-    QCOMPARE(dataset.maxLongitude, 7.0);
-    QCOMPARE(dataset.meanLatitude, 60.0);
-    QCOMPARE(dataset.meanLongitude, -0.25);
-    QCOMPARE(dataset.maxSeabed, 111.1f); // 101 x 1.1
-    QCOMPARE(dataset.curRec, 0);
-    const std::vector<float> altitudePlot{0, 5, 1, 2.5, 2, 100, 3, 0};
-    const std::vector<float> seabedPlot{0, 0, 0, 15, 1, 0, 1, 22.5, 2, 0, 2, 101, 3, 0, 3, 50};
-    QVERIFY(dataset.altitudePlot == altitudePlot);
-    QVERIFY(dataset.seabedPlot == seabedPlot);
-    dataset.UpdateExtents(); // built anew, not added to
-    QVERIFY(dataset.altitudePlot == altitudePlot);
-    QVERIFY(dataset.seabedPlot == seabedPlot);
-}
-
-void tst_ZrDataset::extentsWithoutRecords()
-{
-    ZrDataset dataset;
-    SetTimes(dataset, {1.0});
-    dataset.recs[0].latitude = 5.0;
-    dataset.recs[0].depth = 5.0f;
-    dataset.UpdateExtents();
-    QCOMPARE(dataset.curRec, 0);
-    dataset.recs.clear();
-    dataset.UpdateExtents();
-    QCOMPARE(dataset.curRec, -1);
-    QVERIFY(dataset.altitudePlot.empty() && dataset.seabedPlot.empty());
-    for (double extent : {dataset.minLatitude, dataset.maxLatitude, dataset.minLongitude,
-             dataset.maxLongitude, dataset.meanLatitude, dataset.meanLongitude, double(dataset.maxSeabed)})
-        QCOMPARE(extent, 0.0);
-}
-
-void tst_ZrDataset::extentsLeaveOutWhatIsNoNumber()
-{
-    ZrDataset dataset;
-    SetTimes(dataset, {1.0, 2.0, 3.0});
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double latitudes[] = {nan, 10.0, 20.0};
-    for (std::size_t i = 0; i < 3; ++i) {
-        dataset.recs[i].latitude = latitudes[i];
-        dataset.recs[i].longitude = nan;
-        dataset.recs[i].depth = i == 1 ? std::numeric_limits<float>::quiet_NaN() : float(i);
-    }
-    dataset.UpdateExtents();
-    QCOMPARE(dataset.minLatitude, 10.0);
-    QCOMPARE(dataset.maxLatitude, 20.0);
-    QCOMPARE(dataset.meanLatitude, 15.0);
-    QCOMPARE(dataset.minLongitude, 0.0);
-    QCOMPARE(dataset.meanLongitude, 0.0);
-    QCOMPARE(dataset.maxSeabed, 2.2f);
-    QVERIFY(std::isnan(dataset.seabedPlot[7])); // the plots show what is there
-}
-
-void tst_ZrDataset::extentsOfNegativeValues()
-{
-    ZrDataset dataset;
-    SetTimes(dataset, {1.0, 2.0});
-    dataset.recs[0].latitude = -10.0;
-    dataset.recs[1].latitude = -20.0;
-    dataset.recs[0].depth = -4.0f;
-    dataset.recs[1].depth = -2.0f;
-    dataset.UpdateExtents();
-    QCOMPARE(dataset.minLatitude, -20.0);
-    QCOMPARE(dataset.maxLatitude, -10.0);
-    QCOMPARE(dataset.maxSeabed, -2.2f);
 }
 
 QTEST_GUILESS_MAIN(tst_ZrDataset)

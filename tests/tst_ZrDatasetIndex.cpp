@@ -7,6 +7,7 @@
 #include <thread>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
 #include <sys/resource.h>
 #endif
 
@@ -125,6 +126,8 @@ private Q_SLOTS:
     void manyRecordsRoundTrip_data();
     void manyRecordsRoundTrip();
     void indexThatCannotBeWritten();
+    void indexCutByAFullDiskIsRejected_data();
+    void indexCutByAFullDiskIsRejected();
     void eachCheckHasItsMessage_data();
     void eachCheckHasItsMessage();
     void checksComeInOrder();
@@ -251,6 +254,46 @@ void tst_ZrDatasetIndex::indexThatCannotBeWritten()
     dataset.WriteIndex(Log());
     QCOMPARE(m_messages->Take(), QStringList());
     QVERIFY(QFileInfo(Index()).isDir());
+}
+
+void tst_ZrDatasetIndex::indexCutByAFullDiskIsRejected_data()
+{
+    QTest::addColumn<int>("room");
+    QTest::addColumn<QByteArray>("message");
+    const QByteArray magic("Index file \"%s\" magic number corrupted");
+    const QByteArray size("Index file \"%s\" has wrong size");
+    QTest::newRow("nothing") << 0 << magic;
+    QTest::newRow("the header") << 46 << size;
+    QTest::newRow("whole records") << 46 + 2 * 160 << size;
+    QTest::newRow("all but a byte") << 46 + 3 * 160 - 1 << size;
+}
+
+void tst_ZrDatasetIndex::indexCutByAFullDiskIsRejected()
+{
+#ifdef Q_OS_UNIX
+    QFETCH(int, room);
+    QFETCH(QByteArray, message);
+    LogBytes log;
+    for (int i = 0; i < 3; ++i)
+        log.Add(SubItem(navType, i));
+    QVERIFY(WriteWhole(Log(), log.Bytes()));
+    // In a process of its own, which may write so many bytes to a file and no more.
+    const int result = RunInChild([&] {
+        const rlimit limit{rlim_t(room), rlim_t(room)};
+        if (std::signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return 2;
+        ZrDataset dataset(navType, SampleTypes());
+        dataset.ReadFile(Log());
+        return dataset.recs.size() == 3 && dataset.lastRec == 2 ? 0 : 3;
+    });
+    QCOMPARE(result, 0);
+    QCOMPARE(QFileInfo(Index()).size(), qint64(room));
+    ZrDataset dataset(navType, SampleTypes());
+    dataset.ReadFile(Log());
+    QCOMPARE(m_messages->Take().first(), Message(message.constData()));
+    QCOMPARE(dataset.recs.size(), std::size_t(3));
+    QCOMPARE(QFileInfo(Index()).size(), qint64(46 + 3 * 160));
+#endif
 }
 
 void tst_ZrDatasetIndex::eachCheckHasItsMessage_data()

@@ -20,6 +20,12 @@ static_assert(
             is_same_v<
                 decltype(ZrLogEvt::code), i16> && std::is_same_v<decltype(ZrLogEvt::time), double> && std::is_same_v<decltype(ZrLogEvt::src), eEvtSrc> && std::is_same_v<decltype(ZrLogEvt::text), QString> && std::is_same_v<decltype(ZrLogEvt::detail), QString> && std::is_same_v<decltype(ZrLogEvt::uid), QUuid> && std::is_same_v<decltype(ZrLogEvt::rec), i32>,
     "types of the members");
+// Events of applications override these as they stand.
+static_assert(std::is_same_v<decltype(&ZrLogEvt::Load), void (ZrLogEvt::*)(QByteArray&)>);
+static_assert(std::is_same_v<decltype(&ZrLogEvt::Save), void (ZrLogEvt::*)(QByteArray&)>);
+static_assert(std::is_same_v<decltype(&ZrLogEvt::WriteTo), void (ZrLogEvt::*)(QDataStream&)>);
+static_assert(std::is_same_v<decltype(&ZrLogEvt::ReadFrom), void (ZrLogEvt::*)(QDataStream&)>);
+static_assert(std::is_constructible_v<ZrLogEvt, double, eEvtSrc, QString>);
 
 namespace {
 
@@ -63,9 +69,9 @@ public:
 
     void Load(QByteArray& bytes) override { text = QString::fromLatin1(bytes); }
 
-    void Save(QByteArray& bytes) const override { bytes = text.toLatin1(); }
+    void Save(QByteArray& bytes) override { bytes = text.toLatin1(); }
 
-    void WriteTo(QDataStream& stream) const override { stream << qint8(5); }
+    void WriteTo(QDataStream& stream) override { stream << qint8(5); }
 
     void ReadFrom(QDataStream& stream) override
     {

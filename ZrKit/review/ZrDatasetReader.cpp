@@ -23,8 +23,7 @@ bool PointsAtItem(ZrLogScan& scan, const ZrDataset& dataset, std::size_t i)
 {
     ZrLogItem item;
     u64 pos = 0;
-    return scan.SeekTo(dataset.GetRecFp(static_cast<int>(i))) && scan.Next(item, pos)
-        && item.RecType() == dataset.idxType;
+    return scan.SeekTo(dataset.recs[i].pos) && scan.Next(item, pos) && item.RecType() == dataset.idxType;
 }
 
 bool PointsAtItems(const QString& logPath, const ZrDataset& dataset)

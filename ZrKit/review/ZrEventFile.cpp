@@ -112,7 +112,7 @@ QByteArray ZrEventFile::Encoded() const
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_5_15);
     stream << static_cast<qint32>(events.size());
-    for (const ZrLogEvt& evt : events)
+    for (ZrLogEvt evt : events) // a copy, whose texts are shared: an event being written is not constant
         evt.WriteTo(stream);
     return bytes;
 }

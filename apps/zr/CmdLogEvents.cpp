@@ -96,7 +96,7 @@ void List(const ZrDataset& dataset, bool json)
         CliOutput::Get().Line(line);
 }
 
-int Add(const Options& options, const CliDataset& log)
+int Add(const Options& options, CliDataset& log)
 {
     ZrLogEvt evt(
         *cli::parse_time(QString::fromStdString(options.time)), esUser, QString::fromStdString(options.add));
