@@ -4,16 +4,45 @@
 // like, written from the file layouts with none of the library's own writers.
 
 #include "ZrLogFixture.h"
+#include "ZrUtil/ZrXmlStore.h"
 
 #include <QDataStream>
 #include <QDir>
 #include <QUuid>
 
 #include <cmath>
+#include <memory>
 
 namespace survey {
 
 constexpr double startTime = 1614780309.0; ///< 2021-03-03T14:05:09Z
+
+inline QString S(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// What each test function begins with: an empty folder with the name of a log in it, and the debug output
+/// caught.
+class LogFolder
+{
+protected:
+    void Begin()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_log = m_folder->filePath(S("dive äß.log"));
+        m_messages = std::make_unique<MessageCatcher>();
+    }
+
+    void End() { m_messages.reset(); }
+
+    /// Everything beside the log.
+    QStringList Names() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_log;
+    std::unique_ptr<MessageCatcher> m_messages; ///< what the library says on the debug output
+};
 
 /// The numbers of a navigation payload; what is not given is not known.
 struct Nav
@@ -148,11 +177,27 @@ inline LogBytes SurveyLog(int count)
     return log;
 }
 
+/// The payload of a mission plan with \p note in it.
+inline QByteArray PlanText(const char* note)
+{
+    ZrXmlStore store(true);
+    QString text = S(note);
+    store.AddSet(S("Missions"))->AddObj(S("Bay"), S("Mission"))->Item(S("Note"), text);
+    QByteArray bytes;
+    store.Save(bytes);
+    return bytes;
+}
+
 /// The names in the folder of \p path, hidden ones too.
 inline QStringList NamesBeside(const QString& path)
 {
     return QFileInfo(path).dir().entryList(
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+inline QStringList LogFolder::Names() const
+{
+    return NamesBeside(m_log);
 }
 
 } // namespace survey

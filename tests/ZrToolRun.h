@@ -19,6 +19,13 @@ inline QString S(const char* text)
     return QString::fromUtf8(text);
 }
 
+/// A size below 1 MiB as the tool prints it.
+inline QString SizeText(int bytes)
+{
+    return bytes < 1024 ? S("%1 bytes").arg(bytes)
+                        : S("%1 KiB (%2 bytes)").arg(bytes / 1024.0, 0, 'f', 1).arg(bytes);
+}
+
 /// How one call of the tool has ended.
 struct ToolResult
 {

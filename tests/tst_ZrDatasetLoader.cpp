@@ -15,16 +15,12 @@ namespace {
 using survey::EventFile;
 using survey::EventItem;
 using survey::EventTexts;
+using survey::S;
 using survey::startTime;
 using survey::SurveyLog;
 using survey::Uid;
 
 constexpr int patience = 20000; ///< milliseconds
-
-QString S(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// Holds a worker at a record until it is let go.
 class Gate
@@ -85,20 +81,15 @@ private:
 
 } // namespace
 
-class tst_ZrDatasetLoader : public QObject
+class tst_ZrDatasetLoader : public QObject, private survey::LogFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
 
-    void init()
-    {
-        m_folder = std::make_unique<QTemporaryDir>();
-        m_log = m_folder->filePath(S("dive äß.log"));
-        m_messages = std::make_unique<MessageCatcher>();
-    }
+    void init() { Begin(); }
 
-    void cleanup() { m_messages.reset(); }
+    void cleanup() { End(); }
 
     void datasetIsLoadedElsewhere();
     void indexIsUsedTheSecondTime();
@@ -122,10 +113,6 @@ private:
         QSignalSpy spy(&loader, &ZrDatasetLoader::Finished);
         return spy.wait(patience) && spy.size() == 1;
     }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_log;
-    std::unique_ptr<MessageCatcher> m_messages; ///< what the library says on the debug output
 };
 
 void tst_ZrDatasetLoader::datasetIsLoadedElsewhere()

@@ -7,6 +7,11 @@
 #include "ZrSurveyLog.h"
 #include "ZrUtil/ZrXmlStore.h"
 
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <sys/resource.h>
@@ -18,26 +23,14 @@ using survey::EventFile;
 using survey::EventItem;
 using survey::EventTexts;
 using survey::NavItem;
+using survey::PlanText;
+using survey::S;
 using survey::startTime;
 using survey::SurveyLog;
 using survey::TimedItem;
 using survey::Uid;
 
-QString S(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
-QByteArray PlanText()
-{
-    ZrXmlStore store(true);
-    ZrXmlObj* obj = store.AddSet(S("Missions"))->AddObj(S("Bay"), S("Mission"));
-    QString text = S("survey of the bay");
-    obj->Item(S("Note"), text);
-    QByteArray bytes;
-    store.Save(bytes);
-    return bytes;
-}
+constexpr const char* planNote = "survey of the bay";
 
 /// A dataset that fills its records in a way of its own.
 class OtherDataset : public ZrSurveyDataset
@@ -88,20 +81,15 @@ QStringList Texts(const ZrDataset& dataset)
 
 } // namespace
 
-class tst_ZrDatasetReader : public QObject
+class tst_ZrDatasetReader : public QObject, private survey::LogFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
 
-    void init()
-    {
-        m_folder = std::make_unique<QTemporaryDir>();
-        m_log = m_folder->filePath(S("dive äß.log"));
-        m_messages = std::make_unique<MessageCatcher>();
-    }
+    void init() { Begin(); }
 
-    void cleanup() { m_messages.reset(); }
+    void cleanup() { End(); }
 
     void firstLoadScansAndWrites();
     void secondLoadTakesTheIndex();
@@ -132,19 +120,21 @@ private Q_SLOTS:
     void failedWriteChangesNothing();
     void nothingIsWrittenUnlessAskedTo();
     void folderThatCannotBeWrittenIsNoObstacle();
+    void foldersInPlaceOfFilesAreNoObstacle_data();
+    void foldersInPlaceOfFilesAreNoObstacle();
     void planIsRestored();
     void planOfTheUserStays();
     void compressedEventsAndPlansAreUnderstood();
     void damagedPlanWritesNothing();
     void progressIsReported();
+    void stampIsTheDocumentedOne_data();
+    void stampIsTheDocumentedOne();
     void stampRoundTrip();
     void stampThatIsNotUnderstood_data();
     void stampThatIsNotUnderstood();
     void typesOfAnIndexFile();
 
 private:
-    QStringList Names() const { return survey::NamesBeside(m_log); }
-
     QByteArray Bytes(const char* ending) const { return ReadWhole(m_log + S(ending)); }
 
     /// Loads into a fresh dataset and forgets it.
@@ -157,10 +147,6 @@ private:
             *reason = reader.Reason();
         return result;
     }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_log;
-    std::unique_ptr<MessageCatcher> m_messages; ///< what the library says on the debug output
 };
 
 void tst_ZrDatasetReader::firstLoadScansAndWrites()
@@ -654,7 +640,7 @@ void tst_ZrDatasetReader::cancelledScanChangesNothing()
 {
     LogBytes log = SurveyLog(300);
     log.Add(EventItem({startTime + 3, S("of the log"), Uid(1)}));
-    log.Add(TimedItem(70, 0, startTime, PlanText()));
+    log.Add(TimedItem(70, 0, startTime, PlanText(planNote)));
     QVERIFY(WriteWhole(m_log, SurveyLog(5).Bytes()));
     QCOMPARE(Load(), ZrDatasetReader::Built);
     const QByteArray events = EventFile({{startTime + 1, S("of the user"), Uid(2)}});
@@ -722,7 +708,7 @@ void tst_ZrDatasetReader::nothingIsWrittenUnlessAskedTo()
 {
     LogBytes log = SurveyLog(5);
     log.Add(EventItem({startTime + 3, S("of the log"), Uid(1)}));
-    log.Add(TimedItem(70, 0, startTime, PlanText()));
+    log.Add(TimedItem(70, 0, startTime, PlanText(planNote)));
     QVERIFY(WriteWhole(m_log, log.Bytes()));
     ZrSurveyDataset dataset;
     ZrDatasetReader reader;
@@ -743,7 +729,7 @@ void tst_ZrDatasetReader::folderThatCannotBeWrittenIsNoObstacle()
     // Below /proc nobody can make a file, the superuser included: the log is read through a descriptor.
     LogBytes log = SurveyLog(5);
     log.Add(EventItem({startTime + 3, S("of the log"), Uid(1)}));
-    log.Add(TimedItem(70, 0, startTime, PlanText()));
+    log.Add(TimedItem(70, 0, startTime, PlanText(planNote)));
     QVERIFY(WriteWhole(m_log, log.Bytes()));
     QFile open(m_log);
     QVERIFY(open.open(QIODevice::ReadOnly));
@@ -757,13 +743,48 @@ void tst_ZrDatasetReader::folderThatCannotBeWrittenIsNoObstacle()
     QCOMPARE(Names(), QStringList{S("dive äß.log")});
 }
 
+void tst_ZrDatasetReader::foldersInPlaceOfFilesAreNoObstacle_data()
+{
+    QTest::addColumn<QString>("ending");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<QString>("error");
+    const QString unknown = S("the index does not say which log it was made from");
+    QTest::newRow("index") << S(".zri") << unknown << S(": Is a directory");
+    QTest::newRow("stamp") << S(".zri.json") << unknown << S(": ");
+    QTest::newRow("events") << S(".evt") << S("there is no index yet")
+                            << S(": The event file cannot be read, so it is not replaced");
+}
+
+void tst_ZrDatasetReader::foldersInPlaceOfFilesAreNoObstacle()
+{
+    QFETCH(QString, ending);
+    QFETCH(QString, reason);
+    QFETCH(QString, error);
+    LogBytes log = SurveyLog(10);
+    log.Add(EventItem({startTime, S("in the log"), Uid(1)}));
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QVERIFY(QDir().mkpath(m_log + ending + S("/inside")));
+    QString found;
+    for (int i = 0; i < 2; ++i) {
+        ZrSurveyDataset dataset;
+        ZrDatasetReader reader;
+        QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::Built);
+        QCOMPARE(dataset.recs.size(), std::size_t(10));
+        QCOMPARE(Texts(dataset), QStringList{S("in the log")});
+        QVERIFY2(reader.WriteError().startsWith(m_log + ending + error), qPrintable(reader.WriteError()));
+        found = reader.Reason();
+    }
+    QCOMPARE(found, reason);
+    QVERIFY(QFileInfo(m_log + ending + S("/inside")).isDir());
+}
+
 void tst_ZrDatasetReader::planIsRestored()
 {
     LogBytes log = SurveyLog(3);
-    QByteArray earlier = PlanText();
+    QByteArray earlier = PlanText(planNote);
     earlier.replace("bay", "cove");
     log.Add(TimedItem(70, 0, startTime, earlier));
-    log.Add(TimedItem(70, 0, startTime, PlanText()));
+    log.Add(TimedItem(70, 0, startTime, PlanText(planNote)));
     log.Add(TimedItem(70, 1, startTime, "another sub-type"));
     QVERIFY(WriteWhole(m_log, log.Bytes()));
     QCOMPARE(Load(), ZrDatasetReader::Built);
@@ -778,7 +799,7 @@ void tst_ZrDatasetReader::planIsRestored()
 void tst_ZrDatasetReader::planOfTheUserStays()
 {
     LogBytes log = SurveyLog(3);
-    log.Add(TimedItem(70, 0, startTime, PlanText()));
+    log.Add(TimedItem(70, 0, startTime, PlanText(planNote)));
     QVERIFY(WriteWhole(m_log, log.Bytes()));
     QVERIFY(WriteWhole(m_log + S(".xml"), "edited by hand"));
     QCOMPARE(Load(), ZrDatasetReader::Built);
@@ -795,9 +816,9 @@ void tst_ZrDatasetReader::compressedEventsAndPlansAreUnderstood()
     log.Add(item);
     item.dataSize += 1; // the sizes do not fit: damaged
     log.Add(item);
-    Item plan = TimedItem(70, 0, startTime, qCompress(PlanText()));
+    Item plan = TimedItem(70, 0, startTime, qCompress(PlanText(planNote)));
     plan.compressed = true;
-    plan.dataSize = static_cast<quint32>(PlanText().size());
+    plan.dataSize = static_cast<quint32>(PlanText(planNote).size());
     log.Add(plan);
     QVERIFY(WriteWhole(m_log, log.Bytes()));
     QCOMPARE(Load(), ZrDatasetReader::Built);
@@ -825,6 +846,54 @@ void tst_ZrDatasetReader::progressIsReported()
     QCOMPARE(progress.values.size(), 101);
     for (int i = 0; i <= 100; ++i)
         QCOMPARE(progress.values[i], i);
+}
+
+void tst_ZrDatasetReader::stampIsTheDocumentedOne_data()
+{
+    QTest::addColumn<int>("records");
+    for (const int records : {1, 2, 63, 64, 65, 1000}) // one item has 80 bytes
+        QTest::newRow(qPrintable(QString::number(records))) << records;
+}
+
+/// The stamp made by hand as docs/file-formats.md says, from the bytes of the log and of the index.
+void tst_ZrDatasetReader::stampIsTheDocumentedOne()
+{
+    QFETCH(int, records);
+    LogBytes log = SurveyLog(records);
+    log.Add(EventItem({startTime, S("in the log"), Uid(1)}));
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+
+    const auto digest = [](quint64 number, const QVector<QByteArray>& parts) {
+        QByteArray bytes;
+        AppendLe(bytes, number);
+        for (const QByteArray& part : parts)
+            bytes += part;
+        return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex());
+    };
+    constexpr int end = 64 * 1024;
+    const QByteArray table = Bytes(".zri").mid(46);
+    QVector<QByteArray> sampled;
+    for (int i = 0; i < std::min(records, 64); ++i)
+        sampled << table.mid((records <= 64 ? i : i * (records - 1) / 63) * 160, 160);
+    const QJsonObject expected{
+        {S("version"), 1},
+        {S("log_size"), log.Bytes().size()},
+        {S("log_digest"), digest(log.Size(), {log.Bytes().left(end), log.Bytes().right(end)})},
+        {S("records"), records},
+        {S("table_digest"), digest(static_cast<quint64>(records), sampled)},
+        {S("filler"), S("ZrSurveyDataset 1")},
+        {S("log_events"), 1},
+        {S("complete"), true},
+        {S("error"), QJsonValue()},
+        {S("error_pos"), QJsonValue()},
+    };
+    const QJsonObject stamp = QJsonDocument::fromJson(Bytes(".zri.json")).object();
+    QCOMPARE(stamp, expected);
+
+    const QByteArray document = ReadWhole(S(ZR_SOURCE_DIR "/docs/file-formats.md"));
+    for (const QString& key : stamp.keys())
+        QVERIFY2(document.contains('`' + key.toUtf8() + '`'), qPrintable(key));
 }
 
 void tst_ZrDatasetReader::stampRoundTrip()

@@ -15,12 +15,8 @@ namespace {
 using survey::Event;
 using survey::EventFile;
 using survey::EventTexts;
+using survey::S;
 using survey::Uid;
-
-QString S(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 ZrLogEvt Evt(double time, const char* text, const QUuid& uid = QUuid())
 {
@@ -39,7 +35,7 @@ QStringList Texts(const ZrEventFile& file)
 
 } // namespace
 
-class tst_ZrEventFile : public QObject
+class tst_ZrEventFile : public QObject, private survey::LogFolder
 {
     Q_OBJECT
 
@@ -47,10 +43,11 @@ private Q_SLOTS:
 
     void init()
     {
-        m_folder = std::make_unique<QTemporaryDir>();
-        m_log = m_folder->filePath(S("dive äß.log"));
+        Begin();
         m_file = m_log + S(".evt");
     }
+
+    void cleanup() { End(); }
 
     void missingFileIsEmpty();
     void everythingIsReadAndWritten();
@@ -77,10 +74,6 @@ private Q_SLOTS:
     void updatesAtTheSameTimeAreAllKept();
 
 private:
-    QStringList Names() const { return survey::NamesBeside(m_log); }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_log;
     QString m_file;
 };
 

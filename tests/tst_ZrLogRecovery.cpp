@@ -1,8 +1,8 @@
 // A small log with one item of every kind is damaged in every way at every place. What must be left of it
 // follows from which of its bytes were touched, and is compared item by item.
 
+#include "PlayerDamages.h"
 #include "ZrKit/review/ZrLogRecovery.h"
-#include "ZrLogFixture.h"
 
 #include <QDir>
 
@@ -130,6 +130,8 @@ QString At(const char* what, int offset)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Damages)
+
 class tst_ZrLogRecovery : public QObject
 {
     Q_OBJECT
@@ -161,7 +163,12 @@ private Q_SLOTS:
     void manyDamages_data();
     void manyDamages();
 
+    void itemBetweenTwoDamages();
+    void damagesOfThePlayer_data();
+    void damagesOfThePlayer();
+
     void reportTellsRanges();
+    void listenersAreTold();
     void rangesAreBounded();
     void reasonsHaveWords();
 
@@ -735,6 +742,119 @@ void tst_ZrLogRecovery::manyDamages()
     }
 }
 
+/// A broken header before it and garbage behind it: no run of items leads there or from there.
+void tst_ZrLogRecovery::itemBetweenTwoDamages()
+{
+    const QVector<Item> items = SmallLog();
+    const QVector<int> starts = Starts(items);
+    int tried = 0;
+    for (int i = 0; i + 2 < items.size(); ++i) {
+        if (items.at(i).payload.isEmpty() || items.at(i + 1).payload.isEmpty())
+            continue;
+        ++tried;
+        const QByteArray damaged
+            = Flipped(Join(items), starts.at(i), 0x01).insert(starts.at(i + 2), "garbage");
+        QVERIFY(Recover(damaged));
+        QVERIFY(HoldsExactly(Join(Without(items, i)), At("broken item", i)));
+        QCOMPARE(m_recovery->Report().bytesLost, u64(starts.at(i + 1) - starts.at(i) + 7));
+    }
+    QCOMPARE(tried, 3);
+}
+
+void tst_ZrLogRecovery::damagesOfThePlayer_data()
+{
+    QTest::addColumn<Damages>("damages");
+    QTest::newRow("cutAtEveryOffset") << CutAtEveryOffset();
+    QTest::newRow("everyHeaderByteChanged") << EveryHeaderByteChanged();
+    QTest::newRow("everySizeOfTheLastPayload") << EverySizeOfTheLastPayload();
+    QTest::newRow("zerosAndNoiseBehindTheItems") << ZerosAndNoiseBehindTheItems();
+    QTest::newRow("claimOf4GibibytesAllocatesNothing") << ClaimOf4Gibibytes();
+}
+
+/// Every log that tst_ZrPlayerDamage plays: all items of which no byte was touched are there, byte by byte
+/// and in order, and nothing else but the touched one with what the damaged log has in its place.
+void tst_ZrLogRecovery::damagesOfThePlayer()
+{
+    QFETCH(Damages, damages);
+    const QVector<int> starts = Starts(damages.items);
+    int intactItems = 0;
+    for (int number = 0; number < damages.logs.size(); ++number) {
+        const QByteArray& damaged = damages.logs.at(number);
+        const QString what = QStringLiteral("damage %1").arg(number);
+        QVector<QByteArray> intact;
+        QVector<QByteArray> all;
+        for (int i = 0; i < damages.items.size(); ++i) {
+            const QByteArray here = damaged.mid(starts.at(i), starts.at(i + 1) - starts.at(i));
+            if (here == damages.items.at(i).Bytes())
+                intact << here;
+            all << here;
+        }
+        intactItems += intact.size();
+        // A log that ends within its header holds nothing.
+        if (damaged.size() < fileHeaderSize) {
+            QVERIFY2(!Recover(damaged) && intact.isEmpty(), qPrintable(what));
+            continue;
+        }
+        QVERIFY2(Recover(damaged), qPrintable(what));
+        QVERIFY2(Plays(), qPrintable(what));
+        bool sound = false;
+        QVector<QByteArray> found = Split(m_result, sound);
+        QVERIFY2(sound, qPrintable(what));
+        if (damaged.size() > starts.last() && found.size() == all.size() && found.last() != all.last()) {
+            // An empty item with unknown bytes behind it is what an interrupted writer leaves.
+            QCOMPARE(found.last().left(28), all.last().left(28));
+            QCOMPARE(found.last().mid(itemHeaderSize), damaged.mid(starts.last()));
+            QCOMPARE(m_recovery->Report().repaired, u64(1));
+            found.last() = all.last();
+        }
+        QVERIFY2(found == intact || (found == all && intact.size() + 1 == all.size()), qPrintable(what));
+    }
+    QVERIFY(intactItems > 0 || damages.items.size() == 1);
+}
+
+/// Those who listen learn what the report counts, also the ranges that it does not list.
+void tst_ZrLogRecovery::listenersAreTold()
+{
+    const QVector<Item> items = SmallLog();
+    const QVector<int> starts = Starts(items);
+    QByteArray damaged = Flipped(Join(items), starts.at(1), 0x01); // lost
+    damaged = damaged.insert(starts.at(4), "garbage"); // the item before it is doubtful
+    damaged.replace(starts.at(8) + 7 + 28, 8, QByteArray(8, '\0')); // interrupted
+    QVERIFY(WriteWhole(m_in, damaged));
+    ZrLogRecovery recovery;
+    QStringList told;
+    QByteArray kept = FileHeader(1234.5);
+    recovery.itemKept = [&](const ZrLogRecovery::Kept& item) {
+        told << QStringLiteral("item %1%2")
+                    .arg(item.pos)
+                    .arg(item.repaired ? QStringLiteral(" repaired") : QString());
+        const auto header = item.header.Encode();
+        kept
+            += QByteArray(reinterpret_cast<const char*>(header.data()), itemHeaderSize) + Bytes(item.payload);
+    };
+    recovery.rangeFound = [&](const ZrLogRecovery::Range& range) {
+        told << QStringLiteral("range %1 %2")
+                    .arg(range.offset)
+                    .arg(range.lost ? QStringLiteral("lost") : QStringLiteral("kept"));
+    };
+    QVERIFY(recovery.Run(m_in, m_out));
+    QCOMPARE(kept, ReadWhole(m_out));
+    QCOMPARE(kept, Join(Without(items, 1)));
+    QCOMPARE(told,
+        (QStringList{QStringLiteral("item %1").arg(starts.at(0)),
+            QStringLiteral("range %1 lost").arg(starts.at(1)), QStringLiteral("item %1").arg(starts.at(2)),
+            QStringLiteral("range %1 kept").arg(starts.at(3)), QStringLiteral("item %1").arg(starts.at(3)),
+            QStringLiteral("range %1 lost").arg(starts.at(4)),
+            QStringLiteral("item %1").arg(starts.at(4) + 7), QStringLiteral("item %1").arg(starts.at(5) + 7),
+            QStringLiteral("item %1").arg(starts.at(6) + 7), QStringLiteral("item %1").arg(starts.at(7) + 7),
+            QStringLiteral("item %1 repaired").arg(starts.at(8) + 7)}));
+    // The same without writing.
+    const QStringList before = told;
+    told.clear();
+    QVERIFY(recovery.Examine(m_in));
+    QCOMPARE(told, before);
+}
+
 void tst_ZrLogRecovery::reportTellsRanges()
 {
     const QVector<Item> items = SmallLog();
@@ -782,6 +902,10 @@ void tst_ZrLogRecovery::rangesAreBounded()
     }
     QVERIFY(Recover(damaged));
     QVERIFY(HoldsExactly(expected, QStringLiteral("every second")));
+    int told = 0;
+    m_recovery->rangeFound = [&told](const ZrLogRecovery::Range&) { ++told; };
+    QVERIFY(m_recovery->Examine(m_in));
+    QCOMPARE(told, 1500);
     QCOMPARE(m_recovery->Report().rangeCount, u64(1500));
     QCOMPARE(m_recovery->Report().ranges.size(), ZrLogRecovery::MaxRanges);
     QCOMPARE(m_recovery->Report().bytesLost, u64(1500 * 47));

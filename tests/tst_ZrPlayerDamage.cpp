@@ -1,7 +1,7 @@
 // Damaged logs: cut at every offset, every header byte changed. What must happen is computed by a small model
 // of the reading rules that works on the bytes in memory and shares nothing with the player.
 
-#include "ZrLogFixture.h"
+#include "PlayerDamages.h"
 
 #include <QtTest/QtTest>
 
@@ -20,19 +20,6 @@ enum eReader
 constexpr CRecType typeA(0, 4);
 constexpr CRecType typeB(2, 300);
 constexpr quint16 wantedSource = 5;
-
-/// Plain, compressed, empty, plain from another source, empty at the end.
-LogBytes SmallLog()
-{
-    Item packed = MakeItem(300, qCompress(QByteArray("zzzzzzzz"), 1), 5);
-    packed.sub = 2;
-    packed.compressed = true;
-    packed.dataSize = 8;
-    LogBytes log;
-    log.Add(MakeItem(4, "first", 5)).Add(packed).Add(MakeItem(4, "", 5));
-    log.Add(MakeItem(4, "abc", 3)).Add(MakeItem(9, "", 5));
-    return log;
-}
 
 QString Result(bool result, quint64 pos)
 {
@@ -211,6 +198,7 @@ private Q_SLOTS:
 
 private:
     QStringList Play(const QByteArray& bytes, eReader reader);
+    void PlayAll(const Damages& damages);
 
     QTemporaryDir m_dir;
     QString m_path;
@@ -252,15 +240,15 @@ QStringList tst_ZrPlayerDamage::Play(const QByteArray& bytes, eReader reader)
 
 void tst_ZrPlayerDamage::modelKnowsTheSoundFile()
 {
-    const LogBytes log = SmallLog();
-    const QStringList ofType = Model(log.Bytes(), ItemOfType).Run();
+    const QByteArray log = Damages{SmallItems(), {}}.Whole();
+    const QStringList ofType = Model(log, ItemOfType).Run();
     QCOMPARE(ofType.filter(QStringLiteral("NewPayload ")).size(), 3);
-    QCOMPARE(ofType.last(), QStringLiteral("false at %1").arg(log.Size()));
-    const QStringList next = Model(log.Bytes(), NextItem).Run();
+    QCOMPARE(ofType.last(), QStringLiteral("false at %1").arg(log.size()));
+    const QStringList next = Model(log, NextItem).Run();
     QCOMPARE(next.filter(QStringLiteral("SeekLog")).size(), 5);
     QCOMPARE(next.at(next.size() - 2), QStringLiteral("EndOfFile, open"));
     for (eReader reader : {NextItem, NextItemPlaying, ItemOfType, UntilType})
-        QCOMPARE(Play(log.Bytes(), reader), Model(log.Bytes(), reader).Run());
+        QCOMPARE(Play(log, reader), Model(log, reader).Run());
 }
 
 void tst_ZrPlayerDamage::cutAtEveryOffset_data()
@@ -272,14 +260,18 @@ void tst_ZrPlayerDamage::cutAtEveryOffset_data()
     QTest::newRow("PlayUntilType") << int(UntilType);
 }
 
-void tst_ZrPlayerDamage::cutAtEveryOffset()
+/// Compares what the reader of the row at hand does with what it must do.
+void tst_ZrPlayerDamage::PlayAll(const Damages& damages)
 {
     QFETCH(int, reader);
-    const QByteArray whole = SmallLog().Bytes();
-    for (int size = 0; size < whole.size(); ++size) {
-        const QByteArray bytes = whole.left(size);
+    QVERIFY(!damages.logs.isEmpty());
+    for (const QByteArray& bytes : damages.logs)
         QCOMPARE(Play(bytes, eReader(reader)), Model(bytes, eReader(reader)).Run());
-    }
+}
+
+void tst_ZrPlayerDamage::cutAtEveryOffset()
+{
+    PlayAll(CutAtEveryOffset());
 }
 
 void tst_ZrPlayerDamage::everyHeaderByteChanged_data()
@@ -289,21 +281,7 @@ void tst_ZrPlayerDamage::everyHeaderByteChanged_data()
 
 void tst_ZrPlayerDamage::everyHeaderByteChanged()
 {
-    QFETCH(int, reader);
-    const LogBytes log = SmallLog();
-    QVector<int> offsets;
-    for (int i = 0; i < 48; ++i)
-        offsets << i;
-    for (int item = 0; item < 5; ++item) {
-        for (int i = 0; i < 40; ++i)
-            offsets << static_cast<int>(log.Start(item)) + i;
-    }
-    for (int offset : offsets) {
-        for (int mask : {0x01, 0x02, 0x10, 0x80, 0xFF}) {
-            const QByteArray bytes = Flipped(log.Bytes(), offset, mask);
-            QCOMPARE(Play(bytes, eReader(reader)), Model(bytes, eReader(reader)).Run());
-        }
-    }
+    PlayAll(EveryHeaderByteChanged());
 }
 
 void tst_ZrPlayerDamage::everySizeOfTheLastPayload_data()
@@ -311,22 +289,9 @@ void tst_ZrPlayerDamage::everySizeOfTheLastPayload_data()
     cutAtEveryOffset_data();
 }
 
-/// The size field claims every number around what is there, and the greatest ones.
 void tst_ZrPlayerDamage::everySizeOfTheLastPayload()
 {
-    QFETCH(int, reader);
-    const QByteArray payload(100, 'p');
-    const QByteArray whole = LogBytes().Add(MakeItem(4, payload, 5)).Bytes();
-    QVector<quint32> sizes;
-    for (quint32 size = 0; size <= 150; ++size)
-        sizes << size;
-    sizes << 0x7FFFFFFFu << 0x80000000u << 0xFFFFFFD7u << 0xFFFFFFD8u << 0xFFFFFFD9u << 0xFFFFFFFFu;
-    for (quint32 size : sizes) {
-        QByteArray field;
-        AppendLe(field, size);
-        const QByteArray bytes = Patched(whole, 48 + 32, field);
-        QCOMPARE(Play(bytes, eReader(reader)), Model(bytes, eReader(reader)).Run());
-    }
+    PlayAll(EverySizeOfTheLastPayload());
 }
 
 void tst_ZrPlayerDamage::zerosAndNoiseBehindTheItems_data()
@@ -336,20 +301,12 @@ void tst_ZrPlayerDamage::zerosAndNoiseBehindTheItems_data()
 
 void tst_ZrPlayerDamage::zerosAndNoiseBehindTheItems()
 {
-    QFETCH(int, reader);
-    const QByteArray whole = SmallLog().Bytes();
-    for (int size : {1, 39, 40, 41, 1000, 300000}) {
-        for (char byte : {'\0', '\xDD', 'x'}) {
-            const QByteArray bytes = whole + QByteArray(size, byte);
-            QCOMPARE(Play(bytes, eReader(reader)), Model(bytes, eReader(reader)).Run());
-        }
-    }
+    PlayAll(ZerosAndNoiseBehindTheItems());
 }
 
 void tst_ZrPlayerDamage::claimOf4GibibytesAllocatesNothing()
 {
-    QByteArray bytes = LogBytes().Add(MakeItem(4, "xy")).Bytes();
-    bytes.replace(48 + 32, 4, QByteArray(4, '\xFF'));
+    const QByteArray bytes = ClaimOf4Gibibytes().logs.first();
     QCOMPARE(bytes.size(), 90);
     QVERIFY(WriteWhole(m_path, bytes));
     const auto body = [this] {

@@ -13,6 +13,7 @@ using survey::EventFile;
 using survey::EventItem;
 using survey::EventTexts;
 using survey::NavItem;
+using survey::PlanText;
 using survey::startTime;
 using survey::SurveyLog;
 using survey::TimedItem;
@@ -21,16 +22,6 @@ using survey::Uid;
 QString UidText(int number)
 {
     return Uid(number).toString(QUuid::WithoutBraces);
-}
-
-QByteArray PlanText(const char* note)
-{
-    ZrXmlStore store(true);
-    QString text = S(note);
-    store.AddSet(S("Missions"))->AddObj(S("Bay"), S("Mission"))->Item(S("Note"), text);
-    QByteArray bytes;
-    store.Save(bytes);
-    return bytes;
 }
 
 /// Five navigation items, fixes before the first and the fourth, two events, a text at the end.
@@ -87,6 +78,12 @@ private Q_SLOTS:
     void trackIsWritten();
     void trackInOtherFormats_data();
     void trackInOtherFormats();
+    void tolerancesThatAreNone();
+    void eventsStandWhereTheVehicleWas();
+    void trackInterrupted_data();
+    void trackInterrupted();
+    void trackOnAFullDisk_data();
+    void trackOnAFullDisk();
     void csvIsNeverSimplified();
     void trackOfSomeRecords();
     void trackOfRecordsThatAreNotThere_data();
@@ -99,6 +96,7 @@ private Q_SLOTS:
     void seekListsWhatIsReplayed();
     void seekByTimeTakesTheNearest_data();
     void seekByTimeTakesTheNearest();
+    void seekByTimeWithoutTimes();
     void seekJson();
     void seekWrongUsage_data();
     void seekWrongUsage();
@@ -551,12 +549,130 @@ void tst_zr_log_dataset::trackInOtherFormats()
     QVERIFY2(whole.contains(mark), whole.left(500));
     QVERIFY2(whole.contains("A wreck"), whole.left(2000));
 
+    QCOMPARE(
+        QString::fromUtf8(result.out), S("%1: 10 records, 10 points, %2\n").arg(out, SizeText(whole.size())));
+
     // A tolerance as large as the world leaves the ends of the track only.
     const ToolResult few = RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("1e6")});
     QVERIFY2(few.code == 0, few.Text());
-    QVERIFY(ReadWhole(out).size() <= whole.size());
-    const ToolResult wrong = RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("-1")});
-    QVERIFY2(wrong.code == 1, wrong.Text());
+    const QByteArray small = ReadWhole(out);
+    QVERIFY(small.size() < whole.size());
+    QVERIFY2(small.contains("44.00000000") && small.contains("44.00900000"), small);
+    QVERIFY2(!small.contains("44.00500000"), small);
+    QCOMPARE(
+        QString::fromUtf8(few.out), S("%1: 10 records, 2 points, %2\n").arg(out, SizeText(small.size())));
+    const QJsonObject json
+        = RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("1e6"), S("--json")}).Json();
+    QCOMPARE(json.value(S("records")).toInt(), 10);
+    QCOMPARE(json.value(S("points")).toInt(), 2);
+    QCOMPARE(json.value(S("bytes")).toInt(), small.size());
+    QCOMPARE(json.size(), 7);
+    QVERIFY(
+        RunLog({S("track"), m_log, out, S("--force"), S("--simplify"), S("0")}).out.contains("10 points"));
+}
+
+void tst_zr_log_dataset::tolerancesThatAreNone()
+{
+    QVERIFY(WriteLog(SurveyLog(10)));
+    for (const char* metres : {"-1", "-0.001", "1000000.1", "nan", "inf", "", "two", "2m", "1,5", "0x10"}) {
+        const ToolResult result = RunLog({S("track"), m_log, Path("out.gpx"), S("--simplify=") + S(metres)});
+        QVERIFY2(result.code == 1, metres + result.Text());
+        QCOMPARE(NamesHere(), QStringList{S("dive äß.log")});
+    }
+}
+
+/// Events stand where the vehicle was then: also at the very time of the last record, before the first and
+/// behind the last one, and after the clock was set back.
+void tst_zr_log_dataset::eventsStandWhereTheVehicleWas()
+{
+    LogBytes log;
+    for (const int number : {0, 1, 2, 7, 8, 9, 3, 4, 5}) // the clock was set back behind 9
+        log.Add(NavItem(number));
+    QVERIFY(WriteLog(log));
+    QVector<Event> events;
+    for (const double time : {-100.0, 0.0, 2.25, 4.0, 5.0, 9.0, 1000.0})
+        events << Event{startTime + time, S("at %1").arg(time), Uid(events.size() + 1)};
+    events << Event{std::nan(""), S("at no time"), Uid(99)};
+    QVERIFY(WriteWhole(m_log + S(".evt"), EventFile(events)));
+    const auto positions = [this](const QStringList& range) {
+        const QString out = Path("out.geojson");
+        const ToolResult result = RunLog(QStringList{S("track"), m_log, out, S("--force")} + range);
+        QStringList texts;
+        if (result.code != 0)
+            return QStringList{QString::fromUtf8(result.Text())};
+        for (const QJsonValue feature :
+            QJsonDocument::fromJson(ReadWhole(out)).object().value(S("features")).toArray()) {
+            const QJsonObject properties = feature.toObject().value(S("properties")).toObject();
+            if (properties.value(S("kind")).toString() != S("event"))
+                continue;
+            const QJsonValue geometry = feature.toObject().value(S("geometry"));
+            const double latitude = geometry.toObject().value(S("coordinates")).toArray().at(1).toDouble();
+            texts << properties.value(S("text")).toString()
+                    + (geometry.isNull() ? QString() : S(": %1").arg(latitude, 0, 'f', 3));
+        }
+        return texts;
+    };
+    QCOMPARE(positions({}),
+        (QStringList{S("at -100: 44.000"), S("at 0: 44.000"), S("at 2.25: 44.002"), S("at 4: 44.004"),
+            S("at 5: 44.005"), S("at 9: 44.009"), S("at 1000: 44.009"), S("at no time")}));
+    QCOMPARE(positions({S("--first"), S("1"), S("--last"), S("7")}),
+        (QStringList{S("at 2.25: 44.002"), S("at 4: 44.004"), S("at 9: 44.009"), S("at 1000: 44.009")}));
+}
+
+/// Ctrl-C while the track is being written leaves nothing behind, whatever the format.
+void tst_zr_log_dataset::trackInterrupted_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"out.csv", "out.gpx", "out.kml", "out.geojson"})
+        QTest::newRow(name) << S(name);
+}
+
+void tst_zr_log_dataset::trackInterrupted()
+{
+    QFETCH(QString, name);
+    QVERIFY(WriteLog(SurveyLog(400000)));
+    QCOMPARE(RunLog({S("index"), m_log}).code, 0);
+    const QStringList names = NamesHere();
+    QProcess process;
+    process.start(ToolPath(), {S("log"), S("track"), m_log, m_folder.Path() + QLatin1Char('/') + name});
+    QVERIFY(process.waitForStarted(toolPatience));
+    const auto writes = [this] {
+        for (const QFileInfo& info :
+            QDir(m_folder.Path()).entryInfoList({S(".zr-*")}, QDir::Files | QDir::Hidden))
+            if (info.size() > 0)
+                return true;
+        return false;
+    };
+    QElapsedTimer waited;
+    waited.start();
+    while (!writes() && process.state() == QProcess::Running && waited.elapsed() < toolPatience)
+        process.waitForFinished(1);
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    const ToolResult result = Finish(process);
+    QVERIFY2(result.code == 130, result.Text());
+    QCOMPARE(result.out, QByteArray());
+    QCOMPARE(NamesHere(), names);
+}
+
+/// What cannot be written completely leaves nothing in any format.
+void tst_zr_log_dataset::trackOnAFullDisk_data()
+{
+    trackInterrupted_data();
+}
+
+void tst_zr_log_dataset::trackOnAFullDisk()
+{
+    QFETCH(QString, name);
+    QVERIFY(WriteLog(SurveyLog(100)));
+    QCOMPARE(RunLog({S("index"), m_log}).code, 0);
+    const QStringList names = NamesHere();
+    for (const int size : {512, 4096}) { // while points are written, and when the last of them are
+        const ToolResult result
+            = RunLogLimited({S("track"), m_log, m_folder.Path() + QLatin1Char('/') + name}, size);
+        QVERIFY2(result.code == 3, result.Text());
+        QVERIFY2(result.err.contains("File too large"), result.Text());
+        QCOMPARE(NamesHere(), names);
+    }
 }
 
 void tst_zr_log_dataset::csvIsNeverSimplified()
@@ -717,6 +833,18 @@ void tst_zr_log_dataset::seekByTimeTakesTheNearest_data()
     QTest::newRow("between, nearer to the second") << S("2021-03-03T14:05:09.501Z") << 1;
     QTest::newRow("the last") << S("1614780313") << 4;
     QTest::newRow("behind") << S("2038-01-01") << 4;
+}
+
+void tst_zr_log_dataset::seekByTimeWithoutTimes()
+{
+    LogBytes log;
+    survey::Nav nav;
+    log.Add(NavItem(std::nan(""), nav)).Add(NavItem(std::numeric_limits<double>::infinity(), nav));
+    QVERIFY(WriteLog(log));
+    const ToolResult result = RunLog({S("seek"), m_log, S("--time"), S("5")});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(QString::fromUtf8(result.err), S("zr: %1: No record has a time\n").arg(m_log));
+    QCOMPARE(RunLog({S("seek"), m_log, S("--record"), S("1")}).code, 0);
 }
 
 void tst_zr_log_dataset::seekByTimeTakesTheNearest()
@@ -898,10 +1026,22 @@ void tst_zr_log_dataset::damagedLogsAreUsedUpToTheDamage()
     QCOMPARE(events.code, 2);
     QCOMPARE(events.Lines().size(), 2);
     QCOMPARE(QString::fromUtf8(events.err), message);
+    // What was asked for is done; of the damage it is only told.
+    const QString warning = S("zr: warning: ") + message.mid(4);
     const ToolResult added = RunLog({S("events"), m_log, S("--add"), S("x"), S("--time"), S("1")});
-    QCOMPARE(added.code, 2);
+    QVERIFY2(added.code == 0, added.Text());
     QCOMPARE(added.out.size(), 37);
+    QCOMPARE(QString::fromUtf8(added.err), warning);
     QCOMPARE(EventTexts(m_log), (QStringList{S("x"), S("late")}));
+    const QString uid = QString::fromLatin1(added.out.trimmed());
+    const ToolResult removed = RunLog({S("events"), m_log, S("--remove"), uid});
+    QVERIFY2(removed.code == 0, removed.Text());
+    QCOMPARE(QString::fromUtf8(removed.err), warning);
+    QCOMPARE(EventTexts(m_log), QStringList{S("late")});
+    // What could not be done is a failure as ever, and the only thing told.
+    const ToolResult again = RunLog({S("events"), m_log, S("--remove"), uid});
+    QCOMPARE(again.code, 2);
+    QCOMPARE(QString::fromUtf8(again.err), S("zr: %1: There is no event %2\n").arg(m_log, uid));
     const ToolResult track = RunLog({S("track"), m_log, Path("out.csv")});
     QCOMPARE(track.code, 2);
     QCOMPARE(ReadWhole(Path("out.csv")).count('\n'), 6);

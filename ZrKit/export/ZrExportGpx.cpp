@@ -2,8 +2,7 @@
 
 #include "ZrKit/export/ZrTrackSegments.h"
 #include "ZrKit/export/ZrTrackText.h"
-
-#include <QXmlStreamWriter>
+#include "ZrKit/export/ZrTrackXml.h"
 
 namespace {
 
@@ -11,38 +10,25 @@ class Writer
 {
 public:
     explicit Writer(QIODevice& out)
-        : m_xml(&out)
+        : m_xml(out, QStringLiteral("gpx"), QStringLiteral("http://www.topografix.com/GPX/1/1"))
     {
-        m_xml.setAutoFormatting(true);
-        m_xml.setAutoFormattingIndent(1);
     }
 
     bool Run(const ZrTrackData& data)
     {
-        m_xml.writeStartDocument();
-        m_xml.writeStartElement(QStringLiteral("gpx"));
-        m_xml.writeDefaultNamespace(QStringLiteral("http://www.topografix.com/GPX/1/1"));
         m_xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.1"));
         m_xml.writeAttribute(QStringLiteral("creator"), QStringLiteral("ZrKit"));
         for (const ZrTrackEvent& event : data.events)
             Waypoint(event);
         m_xml.writeStartElement(QStringLiteral("trk"));
-        Text("name", data.name);
+        m_xml.Text("name", data.name);
         ZrTrackSegments segments(data.points, data.maxGap);
         while (segments.Next())
             Segment(segments.Points());
-        m_xml.writeEndDocument();
-        return !m_xml.hasError();
+        return m_xml.End();
     }
 
 private:
-    /// An element with \p text; none when there is nothing to say.
-    void Text(const char* element, const QString& text)
-    {
-        if (!text.isEmpty())
-            m_xml.writeTextElement(QLatin1String(element), ZrTrackText::Clean(text));
-    }
-
     void Position(double latitude, double longitude)
     {
         m_xml.writeAttribute(QStringLiteral("lat"), ZrTrackText::Latitude(latitude));
@@ -57,9 +43,9 @@ private:
             return;
         m_xml.writeStartElement(QStringLiteral("wpt"));
         Position(event.latitude, event.longitude);
-        Text("time", m_text.Time(event.time));
-        Text("name", event.text);
-        Text("desc", event.detail);
+        m_xml.Text("time", m_text.Time(event.time));
+        m_xml.Text("name", event.text);
+        m_xml.Text("desc", event.detail);
         m_xml.writeEndElement();
     }
 
@@ -69,14 +55,14 @@ private:
         for (const ZrTrackPoint& point : points) {
             m_xml.writeStartElement(QStringLiteral("trkpt"));
             Position(point.latitude, point.longitude);
-            Text("ele", ZrTrackText::Elevation(point.depth));
-            Text("time", m_text.Time(point.time));
+            m_xml.Text("ele", ZrTrackText::Elevation(point.depth));
+            m_xml.Text("time", m_text.Time(point.time));
             m_xml.writeEndElement();
         }
         m_xml.writeEndElement();
     }
 
-    QXmlStreamWriter m_xml;
+    ZrTrackXml m_xml;
     ZrTrackText m_text;
 };
 

@@ -2,8 +2,7 @@
 
 #include "ZrKit/export/ZrTrackSegments.h"
 #include "ZrKit/export/ZrTrackText.h"
-
-#include <QXmlStreamWriter>
+#include "ZrKit/export/ZrTrackXml.h"
 
 #include <algorithm>
 
@@ -13,20 +12,15 @@ class Writer
 {
 public:
     explicit Writer(QIODevice& out)
-        : m_xml(&out)
+        : m_xml(out, QStringLiteral("kml"), QStringLiteral("http://www.opengis.net/kml/2.2"))
     {
-        m_xml.setAutoFormatting(true);
-        m_xml.setAutoFormattingIndent(1);
     }
 
     bool Run(const ZrTrackData& data)
     {
-        m_xml.writeStartDocument();
-        m_xml.writeStartElement(QStringLiteral("kml"));
-        m_xml.writeDefaultNamespace(QStringLiteral("http://www.opengis.net/kml/2.2"));
         m_xml.writeNamespace(m_gx, QStringLiteral("gx"));
         m_xml.writeStartElement(QStringLiteral("Document"));
-        Text("name", data.name);
+        m_xml.Text("name", data.name);
         Folder("Events");
         for (const ZrTrackEvent& event : data.events)
             Event(event);
@@ -35,22 +29,14 @@ public:
         ZrTrackSegments segments(data.points, data.maxGap);
         for (int number = 1; segments.Next(); ++number)
             Segment(segments.Points(), number);
-        m_xml.writeEndDocument();
-        return !m_xml.hasError();
+        return m_xml.End();
     }
 
 private:
-    /// An element with \p text; none when there is nothing to say.
-    void Text(const char* element, const QString& text)
-    {
-        if (!text.isEmpty())
-            m_xml.writeTextElement(QLatin1String(element), ZrTrackText::Clean(text));
-    }
-
     void Folder(const char* name)
     {
         m_xml.writeStartElement(QStringLiteral("Folder"));
-        Text("name", QLatin1String(name));
+        m_xml.Text("name", QLatin1String(name));
     }
 
     static QString Coordinates(const ZrTrackPoint& point, QChar separator)
@@ -63,12 +49,12 @@ private:
     void Event(const ZrTrackEvent& event)
     {
         m_xml.writeStartElement(QStringLiteral("Placemark"));
-        Text("name", event.text);
-        Text("description", event.detail);
+        m_xml.Text("name", event.text);
+        m_xml.Text("description", event.detail);
         TimeStamp(event.time);
         if (event.HasPosition()) {
             m_xml.writeStartElement(QStringLiteral("Point"));
-            Text("coordinates",
+            m_xml.Text("coordinates",
                 ZrTrackText::Longitude(event.longitude) + QLatin1Char(',')
                     + ZrTrackText::Latitude(event.latitude));
             m_xml.writeEndElement();
@@ -82,14 +68,14 @@ private:
         if (text.isEmpty())
             return;
         m_xml.writeStartElement(QStringLiteral("TimeStamp"));
-        Text("when", text);
+        m_xml.Text("when", text);
         m_xml.writeEndElement();
     }
 
     void Segment(zr::span<const ZrTrackPoint> points, int number)
     {
         m_xml.writeStartElement(QStringLiteral("Placemark"));
-        Text("name", QStringLiteral("Segment %1").arg(number));
+        m_xml.Text("name", QStringLiteral("Segment %1").arg(number));
         const bool timed = std::all_of(points.begin(), points.end(),
             [this](const ZrTrackPoint& point) { return !m_text.Time(point.time).isEmpty(); });
         if (points.size() == 1)
@@ -105,17 +91,17 @@ private:
     {
         TimeStamp(point.time);
         m_xml.writeStartElement(QStringLiteral("Point"));
-        Text("altitudeMode", QStringLiteral("absolute"));
-        Text("coordinates", Coordinates(point, QLatin1Char(',')));
+        m_xml.Text("altitudeMode", QStringLiteral("absolute"));
+        m_xml.Text("coordinates", Coordinates(point, QLatin1Char(',')));
         m_xml.writeEndElement();
     }
 
     void Track(zr::span<const ZrTrackPoint> points)
     {
         m_xml.writeStartElement(m_gx, QStringLiteral("Track"));
-        Text("altitudeMode", QStringLiteral("absolute"));
+        m_xml.Text("altitudeMode", QStringLiteral("absolute"));
         for (const ZrTrackPoint& point : points)
-            Text("when", m_text.Time(point.time));
+            m_xml.Text("when", m_text.Time(point.time));
         for (const ZrTrackPoint& point : points)
             m_xml.writeTextElement(m_gx, QStringLiteral("coord"), Coordinates(point, QLatin1Char(' ')));
         m_xml.writeEndElement();
@@ -124,7 +110,7 @@ private:
     void LineString(zr::span<const ZrTrackPoint> points)
     {
         m_xml.writeStartElement(QStringLiteral("LineString"));
-        Text("altitudeMode", QStringLiteral("absolute"));
+        m_xml.Text("altitudeMode", QStringLiteral("absolute"));
         m_xml.writeStartElement(QStringLiteral("coordinates"));
         for (std::size_t i = 0; i < points.size(); ++i) {
             if (i > 0)
@@ -136,7 +122,7 @@ private:
     }
 
     const QString m_gx = QStringLiteral("http://www.google.com/kml/ext/2.2");
-    QXmlStreamWriter m_xml;
+    ZrTrackXml m_xml;
     ZrTrackText m_text;
 };
 

@@ -8,25 +8,6 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-namespace {
-
-bool WriteTo(QIODevice& out, ZrTrackExport::eFormat format, const ZrTrackData& data)
-{
-    switch (format) {
-    case ZrTrackExport::Gpx:
-        return ZrExportGpx::Write(out, data);
-    case ZrTrackExport::Kml:
-        return ZrExportKml::Write(out, data);
-    case ZrTrackExport::GeoJson:
-        return ZrExportGeoJson::Write(out, data);
-    case ZrTrackExport::Csv:
-        break;
-    }
-    return ZrExportCsv::Write(out, data);
-}
-
-} // namespace
-
 ZrTrackExport::eFormat ZrTrackExport::FormatOf(const QString& path)
 {
     const QString suffix = QFileInfo(path).suffix().toLower();
@@ -37,6 +18,21 @@ ZrTrackExport::eFormat ZrTrackExport::FormatOf(const QString& path)
     if (suffix == QStringLiteral("geojson") || suffix == QStringLiteral("json"))
         return GeoJson;
     return Csv;
+}
+
+bool ZrTrackExport::WriteTo(QIODevice& out, eFormat format, const ZrTrackData& data)
+{
+    switch (format) {
+    case Gpx:
+        return ZrExportGpx::Write(out, data);
+    case Kml:
+        return ZrExportKml::Write(out, data);
+    case GeoJson:
+        return ZrExportGeoJson::Write(out, data);
+    case Csv:
+        break;
+    }
+    return ZrExportCsv::Write(out, data);
 }
 
 bool ZrTrackExport::Write(const QString& path, eFormat format, const ZrTrackData& data)

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+class QIODevice;
+
 /// Writes a track and its events into a file that other programs read.
 ///
 /// \code
@@ -37,6 +39,10 @@ public:
 
     /// Replaces \p path. False, with the reason in `Error`, when it cannot be written.
     bool Write(const QString& path, eFormat format, const ZrTrackData& data);
+
+    /// Writes to \p out, which is open for writing; for whoever has a place of their own for the file. False
+    /// when it did not take everything. Flushing it is left to the caller. Any thread.
+    static bool WriteTo(QIODevice& out, eFormat format, const ZrTrackData& data);
 
     /// Why the last `Write` failed, a sentence; empty when it did not.
     QString Error() const { return m_error; }

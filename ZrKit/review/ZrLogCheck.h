@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/review/ZrLogRecovery.h"
 #include "ZrUtil/ZrTypes.h"
 
 #include <QString>
@@ -14,12 +15,15 @@ class IZrProgress;
 ///
 /// Found are: what `ZrLogRecovery` could not bring into a clean log or would have to repair, compressed
 /// payloads that do not decompress, times that are no numbers, and payloads that do not fit the record type
-/// that the library or the kit knows. A clock that was set back is counted and is no problem. The log is only
-/// read; memory holds a block, one item, and at most `MaxProblems` problems.
+/// that the library or the kit knows. Of one place one problem is told. A clock that was set back is counted
+/// and is no problem. The log is only read, once; memory holds what the recovery needs, one item
+/// decompressed, and at most `MaxProblems` problems.
 ///
 /// One thread at a time; `cancel` may be set from another thread or a signal handler.
 class ZR_KIT_EXPORT ZrLogCheck
 {
+    ZrLogRecovery m_recovery;
+
 public:
     static constexpr std::size_t MaxProblems = 1000; ///< kept in words; all are counted
 
@@ -30,8 +34,12 @@ public:
         QString text;
     };
 
-    IZrProgress* progress = nullptr; ///< told how far the check is; may be null
-    std::atomic<bool> cancel{false};
+    IZrProgress* progress = nullptr; ///< told each whole percent of the log; may be null
+    std::atomic<bool>& cancel = m_recovery.cancel; ///< set to end `Run` soon
+
+    ZrLogCheck() = default;
+    ZrLogCheck(const ZrLogCheck&) = delete;
+    ZrLogCheck& operator=(const ZrLogCheck&) = delete;
 
     /// Checks \p path. False when it cannot be read or `cancel` was set: then `Error` says why.
     bool Run(const QString& path);
@@ -40,22 +48,21 @@ public:
 
     u64 ProblemCount() const { return m_count; }
 
-    u64 Items() const { return m_items; } ///< items looked at
+    u64 Items() const { return m_items; } ///< items that can be read, with problems inside or not
 
     u64 BackwardJumps() const { return m_jumps; } ///< items earlier than the one before them
 
     QString Error() const { return m_error; } ///< a sentence; empty after success
 
 private:
-    bool CheckStructure(const QString& path);
-    bool CheckContents(const QString& path);
-    u64 EndOfDamageAt(u64 pos) const;
     void Add(u64 pos, u64 length, const QString& text);
+    void TakeItem(const ZrLogRecovery::Kept& item);
 
     std::vector<Problem> m_problems;
-    std::vector<Problem> m_damage; ///< as the recovery found it, to know where to go on
     u64 m_count = 0;
     u64 m_items = 0;
     u64 m_jumps = 0;
+    u64 m_lastProblem = 0; ///< its position
+    double m_lastTime = 0.0; ///< of the last item that has a time; NaN before the first
     QString m_error;
 };

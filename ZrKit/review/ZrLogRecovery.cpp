@@ -104,7 +104,7 @@ struct ZrLogRecovery::Private
 
     bool Load(const ZrLogItem& header);
     zr::span<u8> Payload();
-    void Keep();
+    void Keep(bool repaired = false);
     void KeepAt(const ZrLogItem& header);
     void AddRange(u64 from, u64 to, eReason reason, bool lost);
     void Lose(u64 to, eReason reason);
@@ -157,8 +157,11 @@ void ZrLogRecovery::Private::AddRange(u64 from, u64 to, eReason reason, bool los
     ++report.rangeCount;
     if (lost)
         report.bytesLost += to - from;
+    const Range range{from, to - from, reason, lost};
     if (report.ranges.size() < MaxRanges)
-        report.ranges.push_back({from, to - from, reason, lost});
+        report.ranges.push_back(range);
+    if (owner.rangeFound)
+        owner.rangeFound(range);
 }
 
 /// Gives up everything from `pos` up to \p to, where an item is expected again.
@@ -195,7 +198,7 @@ zr::span<u8> ZrLogRecovery::Private::Payload()
 }
 
 /// Writes the item that was loaded.
-void ZrLogRecovery::Private::Keep()
+void ZrLogRecovery::Private::Keep(bool repaired)
 {
     const ZrLogItem header = ZrLogItem::Decode(item.data());
     if (!open && !Begin(header.time))
@@ -205,6 +208,9 @@ void ZrLogRecovery::Private::Keep()
         return;
     }
     ++Report().kept;
+    Report().repaired += repaired ? 1 : 0;
+    if (owner.itemKept)
+        owner.itemKept({pos, header, Payload(), repaired});
     pos += item.size();
 }
 
@@ -294,9 +300,7 @@ void ZrLogRecovery::Private::Repair(ZrLogItem header, u64 end)
         if (!ProvesItself(header, Payload()))
             return Lose(end, LostPlaceholder);
     }
-    Keep();
-    if (!writeFailed)
-        ++Report().repaired;
+    Keep(true);
 }
 
 /// A header in every field, but the file ends within its payload.
@@ -318,7 +322,8 @@ void ZrLogRecovery::Private::TakeBroken()
         return;
     if (end == ZrDamagedLog::NoPos)
         return LoseAndSearch(pos + 1, BrokenHeader);
-    LoseAndSearch(end, BrokenHeader);
+    // What stands there is sound and in the right place, so it need not lead to others.
+    Lose(end, BrokenHeader);
 }
 
 /// Goes to the next run of items.

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrLogItem.h"
+#include "ZrUtil/ZrSpan.h"
 #include "ZrUtil/ZrTypes.h"
 
 #include <QString>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -26,10 +29,11 @@ class IZrProgress;
 /// 1. *Header.* A place may be an item when all it says agrees: magic, header size 40, `compressed` 0 or 1,
 ///    reserved fields 0, a payload within the file and below 2 GiB, `dataSize` equal to `storedSize` unless
 ///    compressed, a compressed payload whose leading length is `dataSize` and whose sizes zlib can produce.
-/// 2. *Place.* An item is expected behind the file header and behind each item kept. Items inside the payload
-///    of an item kept are never looked at. Elsewhere a header counts only as the first of a run: three
-///    headers each of which ends where the next begins, or fewer when the last ends at the end of the file,
-///    at a file header, at a placeholder (rule 5) or at the remains of a header.
+/// 2. *Place.* An item is expected behind the file header, behind each item kept, and where a broken header
+///    leads (rule 7). Items inside the payload of an item kept are never looked at. Elsewhere a header counts
+///    only as the first of a run: three headers each of which ends where the next begins, or fewer when the
+///    last ends at the end of the file, at a file header, at a placeholder (rule 5) or at the remains of a
+///    header.
 /// 3. *Compressed items* prove themselves: the payload must decompress to exactly `dataSize` bytes, and end
 ///    with the checksum of these. Otherwise the item is left out.
 /// 4. *Plain items* are kept when their end is confirmed: by the end of the file, a file header, another
@@ -47,7 +51,8 @@ class IZrProgress;
 ///    what follows it. An item found in there that is older than the claiming one is taken for a part of its
 ///    payload, unless the one behind it is older too: what an item contains was made before it.
 /// 7. *Broken headers.* When a size in a damaged header still leads to a confirmed end, all up to
-///    there is its item, look-alikes included; when the two sizes differ, rule 6 holds for what lies there.
+///    there is its item, look-alikes included, and the next one is expected there; when the two sizes differ,
+///    rule 6 holds for what lies there.
 ///
 /// Hence what cannot be known: bytes of a payload changed in place stay unnoticed unless it is compressed;
 /// missing bytes stay so when they are as many as the items behind them have; when a header is lost without a
@@ -108,6 +113,20 @@ public:
         std::vector<Range> ranges; ///< in the order of the file
         bool fileHeaderSound = false;
     };
+
+    /// An item on its way into the new log.
+    struct Kept
+    {
+        u64 pos; ///< in the source
+        ZrLogItem header; ///< as it is written
+        zr::span<u8> payload; ///< as stored; valid during the call
+        bool repaired;
+    };
+
+    /// Told, in the order of the file and on the thread of `Run`, each item that is kept and each range, also
+    /// those that the report does not list; the range of a doubtful item before the item. May be empty.
+    std::function<void(const Kept&)> itemKept;
+    std::function<void(const Range&)> rangeFound;
 
     IZrProgress* progress = nullptr; ///< told each whole percent of the source; may be null
     std::atomic<bool> cancel{false}; ///< set to end `Run` soon, nothing being written

@@ -10,10 +10,9 @@
 
 namespace {
 
-int FailDamaged(const QString& path, const ZrDatasetReader& reader)
+QString DamageText(const QString& path, const ZrDatasetReader& reader)
 {
-    return cli::fail(exBadInput,
-        QStringLiteral("%1: %2 (at position %3)").arg(path, reader.Error()).arg(reader.ErrorPos()));
+    return QStringLiteral("%1: %2 (at position %3)").arg(path, reader.Error()).arg(reader.ErrorPos());
 }
 
 } // namespace
@@ -36,7 +35,8 @@ int CliDataset::Load(const QString& path)
     fromIndex = result == ZrDatasetReader::FromIndex;
     if (result == ZrDatasetReader::Cancelled)
         return cli::interrupt_code();
-    return result == ZrDatasetReader::Unreadable ? FailDamaged(path, reader) : int(exDone);
+    return result == ZrDatasetReader::Unreadable ? cli::fail(exBadInput, DamageText(path, reader))
+                                                 : int(exDone);
 }
 
 int CliDataset::RequireRecords() const
@@ -51,7 +51,13 @@ int CliDataset::RequireRecords() const
 
 int CliDataset::EndCode() const
 {
-    return reader.Complete() ? int(exDone) : FailDamaged(dataset.fileName, reader);
+    return reader.Complete() ? int(exDone) : cli::fail(exBadInput, DamageText(dataset.fileName, reader));
+}
+
+void CliDataset::WarnOfDamage() const
+{
+    if (!reader.Complete())
+        cli::complain(QStringLiteral("warning: ") + DamageText(dataset.fileName, reader));
 }
 
 QString cli::type_text(CRecType type)

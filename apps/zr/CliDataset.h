@@ -26,6 +26,9 @@ struct CliDataset
 
     /// The exit code when all is done: complains about a log that was damaged.
     int EndCode() const;
+
+    /// Tells of a log that was damaged, when that keeps nothing from being done.
+    void WarnOfDamage() const;
 };
 
 namespace cli {

@@ -5,6 +5,7 @@
 #include "CliExit.h"
 #include "CliExport.h"
 #include "CliHelp.h"
+#include "CliInOut.h"
 #include "CliInput.h"
 #include "CliMessages.h"
 #include "CliOutput.h"
@@ -20,14 +21,6 @@
 #include <map>
 
 namespace {
-
-struct Options
-{
-    std::string log;
-    std::string out;
-    bool force = false;
-    bool json = false;
-};
 
 /// The counts that the census must come to.
 struct Counts
@@ -83,9 +76,9 @@ int CheckTable(const QString& in, const CliTarget& target, const QByteArray& exp
             + (complained ? said.first() : QStringLiteral("The log has changed while it was read")));
 }
 
-void Print(const Options& options, const ZrLogScan& scan, const Counts& counts, u64 bytes)
+void Print(const CliInOut& options, const ZrLogScan& scan, const Counts& counts, u64 bytes)
 {
-    const QString out = QString::fromStdString(options.out);
+    const QString out = options.Out();
     if (!options.json) {
         CliOutput::Get().Line(
             QStringLiteral("%1: %2 of %3, %4")
@@ -95,7 +88,7 @@ void Print(const Options& options, const ZrLogScan& scan, const Counts& counts, 
     }
     const bool complete = scan.State() == ZrLogScan::AtEnd;
     const QJsonObject details{
-        {QStringLiteral("in"), QString::fromStdString(options.log)},
+        {QStringLiteral("in"), options.In()},
         {QStringLiteral("types"), cli::json_count(counts.byType.size())},
         {QStringLiteral("complete"), complete},
         {QStringLiteral("error"), complete ? QJsonValue() : QJsonValue(scan.Error())},
@@ -104,13 +97,11 @@ void Print(const Options& options, const ZrLogScan& scan, const Counts& counts, 
     cli::print_written(out, counts.total, bytes, details, true);
 }
 
-int Run(const Options& options)
+int Run(const CliInOut& options)
 {
-    const QString in = QString::fromStdString(options.log);
-    if (const int code = cli::check_input(in))
-        return code;
+    const QString in = options.In();
     CliTarget target;
-    if (const int code = target.Prepare(QString::fromStdString(options.out), options.force, {in}))
+    if (const int code = options.Prepare(target))
         return code;
     ZrLogScan scan;
     const Counts counts = Count(in, scan);
@@ -134,7 +125,7 @@ int Run(const Options& options)
 
 void AddLogCensus(CLI::App& log, CliRun& run)
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CliInOut>();
     CLI::App* verb = cli::add_verb(log, run, "census",
         "Write the number of items of each type as a CSV file\n"
         "\n"
@@ -146,9 +137,7 @@ void AddLogCensus(CLI::App& log, CliRun& run)
         "\n"
         "Example:\n"
         "  zr log census dive.log dive.csv");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "CSV file to write");
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+    options->AddArguments(*verb, "CSV file to write");
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

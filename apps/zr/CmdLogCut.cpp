@@ -5,6 +5,7 @@
 #include "CliExit.h"
 #include "CliExport.h"
 #include "CliHelp.h"
+#include "CliInOut.h"
 #include "CliInput.h"
 #include "CliMessages.h"
 #include "CliPosition.h"
@@ -16,16 +17,12 @@
 
 namespace {
 
-struct Options
+struct Options : CliInOut
 {
-    std::string log;
-    std::string out;
     std::string from;
     std::string to;
     std::string lead; ///< empty: none
     std::vector<std::string> types;
-    bool force = false;
-    bool json = false;
 };
 
 /// Whether an item starts at \p pos, or, with \p orEnd, the log ends there. Returns the exit code, and
@@ -79,7 +76,7 @@ struct Range
 QJsonObject Details(const Options& options, const Range& range)
 {
     QJsonObject details{
-        {QStringLiteral("in"), QString::fromStdString(options.log)},
+        {QStringLiteral("in"), options.In()},
         {QStringLiteral("from"), cli::json_count(range.from.bytes)},
         {QStringLiteral("to"), cli::json_count(range.to.bytes)},
     };
@@ -90,11 +87,9 @@ QJsonObject Details(const Options& options, const Range& range)
 
 int Run(const Options& options)
 {
-    const QString in = QString::fromStdString(options.log);
-    if (const int code = cli::check_input(in))
-        return code;
+    const QString in = options.In();
     CliTarget target;
-    if (const int code = target.Prepare(QString::fromStdString(options.out), options.force, {in}))
+    if (const int code = options.Prepare(target))
         return code;
     Range range(options);
     if (const int code = range.Resolve(in))
@@ -109,7 +104,7 @@ int Run(const Options& options)
 
     cli::Export job;
     job.in = in;
-    job.out = QString::fromStdString(options.out);
+    job.out = options.Out();
     job.from = from;
     job.to = to;
     job.json = options.json;
@@ -143,8 +138,7 @@ void AddLogCut(CLI::App& log, CliRun& run)
         "  zr log cut dive.log first.log --from 0% --to 33%\n"
         "  zr log cut dive.log sonar.log --from 48 --to 100% --types 16,17\n"
         "  zr log cut dive.log clip.log --from 70311 --to 91200 --lead 48");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "Log to write");
+    options->AddArguments(*verb, "Log to write");
     cli::add_value(*verb, "--from", options->from, "POS", CliPosition::Check, "Start of the first item")
         ->required();
     cli::add_value(*verb, "--to", options->to, "POS", CliPosition::Check,
@@ -156,7 +150,6 @@ void AddLogCut(CLI::App& log, CliRun& run)
         "Copy the item at this position first, the key frame of a video; its size counts towards the "
         "part that is copied, which ends that much earlier; not together with --types");
     types->excludes(lead);
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

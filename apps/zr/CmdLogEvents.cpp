@@ -141,14 +141,15 @@ int Run(const Options& options)
     // would write the event file anew.
     if (const int code = log.Load(path))
         return code;
-    int code = exDone;
-    if (!options.add.empty())
-        code = Add(options, log);
-    else if (!options.remove.empty())
-        code = Remove(options, log);
-    else
+    if (options.add.empty() && options.remove.empty()) {
         List(log.dataset, options.json);
-    return code ? code : log.EndCode();
+        return log.EndCode();
+    }
+    if (const int code = options.add.empty() ? Remove(options, log) : Add(options, log))
+        return code;
+    // What was asked for is done, whatever the log suffers from: a script must not try it again.
+    log.WarnOfDamage();
+    return exDone;
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #include "CliExit.h"
 #include "CliExport.h"
 #include "CliHelp.h"
-#include "CliInput.h"
+#include "CliInOut.h"
 #include "CliTarget.h"
 #include "CliTypes.h"
 #include "ZrUtil/ZrLogHeader.h"
@@ -15,23 +15,17 @@
 
 namespace {
 
-struct Options
+struct Options : CliInOut
 {
-    std::string log;
-    std::string out;
     std::vector<std::string> types;
     bool payloadOnly = false;
-    bool force = false;
-    bool json = false;
 };
 
 int Run(const Options& options)
 {
-    const QString in = QString::fromStdString(options.log);
-    if (const int code = cli::check_input(in))
-        return code;
+    const QString in = options.In();
     CliTarget target;
-    if (const int code = target.Prepare(QString::fromStdString(options.out), options.force, {in}))
+    if (const int code = options.Prepare(target))
         return code;
 
     std::vector<cli::TypeChoice> types;
@@ -41,7 +35,7 @@ int Run(const Options& options)
 
     cli::Export job;
     job.in = in;
-    job.out = QString::fromStdString(options.out);
+    job.out = options.Out();
     job.from = ZrLogHeader::Size;
     job.to = static_cast<u64>(QFileInfo(in).size());
     job.isLog = !options.payloadOnly;
@@ -68,13 +62,11 @@ void AddLogFilter(CLI::App& log, CliRun& run)
         "Examples:\n"
         "  zr log filter dive.log sonar.log --types 17\n"
         "  zr log filter dive.log nmea.txt --types 2 --payload-only");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "File to write");
+    options->AddArguments(*verb, "File to write");
     cli::add_list(
         *verb, "--types", options->types, "T,...", cli::check_export_type, "Types of the items to copy")
         ->required();
     verb->add_flag("--payload-only", options->payloadOnly, "Write the payloads alone, without any headers");
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

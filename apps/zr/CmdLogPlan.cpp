@@ -4,6 +4,7 @@
 
 #include "CliExit.h"
 #include "CliHelp.h"
+#include "CliInOut.h"
 #include "CliInput.h"
 #include "CliMessages.h"
 #include "CliOutput.h"
@@ -22,14 +23,6 @@
 #include <limits>
 
 namespace {
-
-struct Options
-{
-    std::string log;
-    std::string out;
-    bool force = false;
-    bool json = false;
-};
 
 /// The plans of a log.
 struct Plans
@@ -75,7 +68,7 @@ int Restore(const QString& path, const Plans& plans, ZrXmlStore& store)
     return store.IsEmpty() ? refuse(QStringLiteral("The mission plan is empty or damaged")) : int(exDone);
 }
 
-int Write(const Options& options, ZrXmlStore& store, const Plans& plans, CliTarget& target)
+int Write(const CliInOut& options, ZrXmlStore& store, const Plans& plans, CliTarget& target)
 {
     if (const int code = target.CreateTemporary())
         return code;
@@ -84,7 +77,7 @@ int Write(const Options& options, ZrXmlStore& store, const Plans& plans, CliTarg
     const u64 bytes = static_cast<u64>(QFileInfo(target.TemporaryPath()).size());
     if (const int code = target.Commit())
         return code;
-    const QString out = QString::fromStdString(options.out);
+    const QString out = options.Out();
     if (!options.json) {
         CliOutput::Get().Line(
             QStringLiteral("%1: %2, %3")
@@ -94,7 +87,7 @@ int Write(const Options& options, ZrXmlStore& store, const Plans& plans, CliTarg
         return exDone;
     }
     CliOutput::Get().Json({
-        {QStringLiteral("in"), QString::fromStdString(options.log)},
+        {QStringLiteral("in"), options.In()},
         {QStringLiteral("out"), out},
         {QStringLiteral("pos"), cli::json_count(plans.pos)},
         {QStringLiteral("plans"), cli::json_count(plans.count)},
@@ -103,13 +96,11 @@ int Write(const Options& options, ZrXmlStore& store, const Plans& plans, CliTarg
     return exDone;
 }
 
-int Run(const Options& options)
+int Run(const CliInOut& options)
 {
-    const QString path = QString::fromStdString(options.log);
-    if (const int code = cli::check_input(path))
-        return code;
+    const QString path = options.In();
     CliTarget target;
-    if (const int code = target.Prepare(QString::fromStdString(options.out), options.force, {path}))
+    if (const int code = options.Prepare(target))
         return code;
     ZrLogScan scan;
     Plans plans;
@@ -137,7 +128,7 @@ int Run(const Options& options)
 
 void AddLogPlan(CLI::App& log, CliRun& run)
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CliInOut>();
     CLI::App* verb = cli::add_verb(log, run, "plan",
         "Restore the mission plan that a log holds\n"
         "\n"
@@ -146,9 +137,7 @@ void AddLogPlan(CLI::App& log, CliRun& run)
         "\n"
         "Examples:\n"
         "  zr log plan dive.log plan.xml");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "File to write, as applications load plans");
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+    options->AddArguments(*verb, "File to write, as applications load plans");
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

@@ -4,7 +4,7 @@
 
 #include "CliExit.h"
 #include "CliHelp.h"
-#include "CliInput.h"
+#include "CliInOut.h"
 #include "CliMessages.h"
 #include "CliOutput.h"
 #include "CliProgress.h"
@@ -21,13 +21,9 @@ namespace {
 /// Damaged ranges shown to a person; JSON has all that the report holds.
 constexpr std::size_t mostShown = 20;
 
-struct Options
+struct Options : CliInOut
 {
-    std::string log;
-    std::string out;
     bool strict = false;
-    bool force = false;
-    bool json = false;
 };
 
 void PrintJson(const QString& in, const QString& out, const ZrLogRecovery::Result& report)
@@ -99,12 +95,10 @@ int ExitCode(const ZrLogRecovery& recovery)
 
 int Run(const Options& options)
 {
-    const QString in = QString::fromStdString(options.log);
-    const QString out = QString::fromStdString(options.out);
-    if (const int code = cli::check_input(in))
-        return code;
+    const QString in = options.In();
+    const QString out = options.Out();
     CliTarget target;
-    if (const int code = target.Prepare(out, options.force, {in}))
+    if (const int code = options.Prepare(target))
         return code;
     ZrLogRecovery recovery;
     recovery.keepDoubtful = !options.strict;
@@ -140,10 +134,8 @@ void AddLogRecover(CLI::App& log, CliRun& run)
         "\n"
         "Example:\n"
         "  zr log recover damaged.log clean.log");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(*verb, "OUT", options->out, "Log to write");
+    options->AddArguments(*verb, "Log to write");
     verb->add_flag("--strict", options->strict, "Leave out items whose end is in doubt");
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

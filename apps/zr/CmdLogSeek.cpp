@@ -12,13 +12,12 @@
 #include "CliTime.h"
 #include "CliTypes.h"
 #include "ZrKit/records/ZrKitTypes.h"
+#include "ZrKit/review/ZrRecordTimes.h"
 #include "ZrUtil/ZrPlayer.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include <cmath>
-#include <limits>
 #include <vector>
 
 namespace {
@@ -38,22 +37,6 @@ struct Item
     u64 pos;
     u64 storedSize;
 };
-
-/// The record nearest in time to \p t, the first one of equals. The clock of a log may be set back, so all
-/// are looked at.
-std::size_t NearestRecord(const std::vector<ZrLogRec>& recs, double t)
-{
-    std::size_t nearest = 0;
-    double smallest = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < recs.size(); ++i) {
-        const double difference = std::fabs(recs[i].time - t);
-        if (difference < smallest) {
-            smallest = difference;
-            nearest = i;
-        }
-    }
-    return nearest;
-}
 
 /// The items that are replayed for \p rec, in order, then that of the record itself. Returns the exit code,
 /// and complains unless it is 0.
@@ -143,8 +126,10 @@ int Run(const Options& options)
         return code;
     const std::vector<ZrLogRec>& recs = log.dataset.recs;
     const u64 number = options.record.empty()
-        ? NearestRecord(recs, *cli::parse_time(QString::fromStdString(options.time)))
+        ? ZrRecordTimes(recs).Nearest(*cli::parse_time(QString::fromStdString(options.time)))
         : std::stoull(options.record);
+    if (options.record.empty() && number >= recs.size())
+        return cli::fail(exBadInput, QStringLiteral("%1: No record has a time").arg(path));
     if (number >= recs.size()) {
         return cli::fail(exUsage,
             QStringLiteral("There is no record %1; the last one is %2").arg(number).arg(recs.size() - 1));

@@ -5,7 +5,7 @@
 #include "CliDataset.h"
 #include "CliExit.h"
 #include "CliHelp.h"
-#include "CliInput.h"
+#include "CliInOut.h"
 #include "CliMessages.h"
 #include "CliOutput.h"
 #include "CliProgress.h"
@@ -14,36 +14,57 @@
 #include "CliTypes.h"
 #include "ZrKit/export/ZrTrackExport.h"
 #include "ZrKit/export/ZrTrackSimplify.h"
+#include "ZrKit/review/ZrRecordTimes.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
-struct Options
+struct Options : CliInOut
 {
-    std::string log;
-    std::string out;
     std::string first;
     std::string last;
     double simplify = 0.0; ///< metres; 0 keeps every record
-    bool force = false;
-    bool json = false;
 };
+
+/// What goes into the file.
+struct Job
+{
+    ZrDataset& dataset;
+    QString path; ///< to write to
+    int first; ///< record
+    int end; ///< behind the last record
+    double simplify;
+    IZrProgress* progress;
+    u64 points = 0; ///< of the track that were written
+};
+
+/// Metres up to a thousand kilometres; not a number is refused too.
+std::string CheckTolerance(const std::string& text)
+{
+    constexpr double largest = 1e6;
+    bool ok = false;
+    const double metres = QString::fromStdString(text).toDouble(&ok);
+    if (ok && metres >= 0.0 && metres <= largest)
+        return {};
+    return "\"" + text + "\" is not a number of metres from 0 to 1000000";
+}
 
 /// A kind of file that the track is written as.
 struct Format
 {
     const char* ending; ///< of the file name, with the dot, lower case
-    /// Writes the records from \p first up to, not including, \p end.
-    bool (*write)(ZrDataset& dataset, const QString& path, const Options& options, int first, int end,
-        IZrProgress* progress);
+    bool (*write)(Job& job);
 };
 
-bool WriteCsv(
-    ZrDataset& dataset, const QString& path, const Options&, int first, int end, IZrProgress* progress)
+bool WriteCsv(Job& job)
 {
-    return dataset.ExportTrack(path, first, end, progress);
+    job.points = static_cast<u64>(job.end - job.first);
+    return job.dataset.ExportTrack(job.path, job.first, job.end, job.progress);
 }
 
 ZrTrackPoint PointOf(const ZrLogRec& rec)
@@ -60,20 +81,27 @@ ZrTrackPoint PointOf(const ZrLogRec& rec)
     return point;
 }
 
-/// The events that belong to the records from \p first up to, not including, \p end, where the vehicle was
-/// then.
-std::vector<ZrTrackEvent> EventsOf(const ZrDataset& dataset, int first, int end)
+/// The events whose nearest record is one of the job's, where the vehicle was then. One without a time has
+/// no place; it belongs to the whole track only.
+std::vector<ZrTrackEvent> EventsOf(const Job& job)
 {
+    const std::vector<ZrLogRec>& recs = job.dataset.recs;
+    const ZrRecordTimes times(recs);
+    const std::size_t first = static_cast<std::size_t>(job.first);
+    const std::size_t end = static_cast<std::size_t>(job.end);
     std::vector<ZrTrackEvent> events;
-    for (ZrListPos* pos = dataset.events.GetHeadPos(); pos;) {
-        const ZrLogEvt* const from = dataset.events.GetNext(pos);
-        if (from->rec < first || from->rec >= end)
+    for (ZrListPos* pos = job.dataset.events.GetHeadPos(); pos;) {
+        const ZrLogEvt* const from = job.dataset.events.GetNext(pos);
+        const std::size_t nearest = times.Nearest(from->time);
+        const bool placed = nearest < recs.size();
+        if (placed ? nearest < first || nearest >= end : end - first < recs.size())
             continue;
-        const ZrLogRec& rec = dataset.recs[static_cast<std::size_t>(from->rec)];
         ZrTrackEvent event;
         event.time = from->time;
-        event.latitude = rec.latitude;
-        event.longitude = rec.longitude;
+        if (placed) {
+            event.latitude = recs[nearest].latitude;
+            event.longitude = recs[nearest].longitude;
+        }
         event.text = from->text;
         event.detail = from->detail;
         events.push_back(event);
@@ -81,34 +109,29 @@ std::vector<ZrTrackEvent> EventsOf(const ZrDataset& dataset, int first, int end)
     return events;
 }
 
-/// Track and events in the format that \p format names.
-bool WriteTrack(ZrTrackExport::eFormat format, const ZrDataset& dataset, const QString& path,
-    const Options& options, int first, int end)
+/// Track and events. Straight into the temporary file of the target, which a signal knows to remove.
+template <ZrTrackExport::eFormat format> bool WriteAs(Job& job)
 {
     std::vector<ZrTrackPoint> points;
-    points.reserve(static_cast<std::size_t>(end - first));
-    for (int i = first; i < end; ++i)
-        points.push_back(PointOf(dataset.recs[static_cast<std::size_t>(i)]));
-    const std::vector<ZrTrackEvent> events = EventsOf(dataset, first, end);
+    points.reserve(static_cast<std::size_t>(job.end - job.first));
+    for (int i = job.first; i < job.end; ++i)
+        points.push_back(PointOf(job.dataset.recs[static_cast<std::size_t>(i)]));
     ZrTrackData data;
-    data.name = QFileInfo(dataset.fileName).completeBaseName();
-    if (options.simplify > 0.0) {
+    data.name = QFileInfo(job.dataset.fileName).completeBaseName();
+    if (job.simplify > 0.0) {
         std::vector<ZrTrackPoint> kept;
-        for (const std::size_t i : ZrTrackSimplify::Kept(points, options.simplify, data.maxGap))
+        for (const std::size_t i : ZrTrackSimplify::Kept(points, job.simplify, data.maxGap))
             kept.push_back(points[i]);
         points.swap(kept);
     }
+    const auto placed = std::count_if(
+        points.begin(), points.end(), [](const ZrTrackPoint& point) { return point.HasPosition(); });
+    job.points = static_cast<u64>(placed);
+    const std::vector<ZrTrackEvent> events = EventsOf(job);
     data.points = points;
     data.events = events;
-    ZrTrackExport out;
-    return out.Write(path, format, data);
-}
-
-template <ZrTrackExport::eFormat format>
-bool WriteAs(
-    ZrDataset& dataset, const QString& path, const Options& options, int first, int end, IZrProgress*)
-{
-    return WriteTrack(format, dataset, path, options, first, end);
+    QFile file(job.path);
+    return file.open(QIODevice::WriteOnly) && ZrTrackExport::WriteTo(file, format, data) && file.flush();
 }
 
 constexpr Format formats[] = {
@@ -166,28 +189,39 @@ struct Range
     }
 };
 
+/// "12 records", for all but CSV with the points that the file shows.
+QString CountsText(const Format& format, u64 records, u64 points)
+{
+    const QString text = cli::count_text(records, "record", "records");
+    return format.write == &WriteCsv
+        ? text
+        : text + QStringLiteral(", ") + cli::count_text(points, "point", "points");
+}
+
 int Write(
     const Options& options, CliDataset& log, const Format& format, const Range& range, CliTarget& target)
 {
     if (const int code = target.CreateTemporary())
         return code;
     bool ok = false;
+    u64 points = 0;
     {
         CliProgress progress(QStringLiteral("Writing"));
-        ok = format.write(log.dataset, target.TemporaryPath(), options, static_cast<int>(range.first),
-            static_cast<int>(range.last + 1), &progress);
+        Job job{log.dataset, target.TemporaryPath(), static_cast<int>(range.first),
+            static_cast<int>(range.last + 1), options.simplify, &progress};
+        ok = format.write(job);
+        points = job.points;
     }
     if (!ok)
         return target.FailWriting();
     const u64 bytes = static_cast<u64>(QFileInfo(target.TemporaryPath()).size());
     if (const int code = target.Commit())
         return code;
-    const QString out = QString::fromStdString(options.out);
+    const QString out = options.Out();
     const u64 records = range.last - range.first + 1;
     if (!options.json) {
-        CliOutput::Get().Line(
-            QStringLiteral("%1: %2, %3")
-                .arg(out, cli::count_text(records, "record", "records"), cli::size_text_both(bytes)));
+        CliOutput::Get().Line(QStringLiteral("%1: %2, %3")
+                                  .arg(out, CountsText(format, records, points), cli::size_text_both(bytes)));
         return exDone;
     }
     CliOutput::Get().Json({
@@ -196,6 +230,7 @@ int Write(
         {QStringLiteral("first"), cli::json_count(range.first)},
         {QStringLiteral("last"), cli::json_count(range.last)},
         {QStringLiteral("records"), cli::json_count(records)},
+        {QStringLiteral("points"), cli::json_count(points)},
         {QStringLiteral("bytes"), cli::json_count(bytes)},
     });
     return exDone;
@@ -203,22 +238,18 @@ int Write(
 
 int Run(const Options& options)
 {
-    const QString in = QString::fromStdString(options.log);
-    const QString out = QString::fromStdString(options.out);
-    const Format* const format = FormatOf(out);
+    const Format* const format = FormatOf(options.Out());
     if (!format)
-        return FailFormat(out);
+        return FailFormat(options.Out());
     if (options.simplify > 0.0 && format->write == &WriteCsv)
         return cli::fail(
             exUsage, QStringLiteral("--simplify does not go with .csv, which holds every record"));
     CliTarget target;
-    if (const int code = cli::check_input(in))
-        return code;
-    if (const int code = target.Prepare(out, options.force, {in}))
+    if (const int code = options.Prepare(target))
         return code;
     CliDataset log;
-    log.FollowIndex(in);
-    if (const int code = log.Load(in))
+    log.FollowIndex(options.In());
+    if (const int code = log.Load(options.In()))
         return code;
     if (const int code = log.RequireRecords())
         return code;
@@ -248,17 +279,14 @@ void AddLogTrack(CLI::App& log, CliRun& run)
         "  zr log track dive.log dive.csv\n"
         "  zr log track dive.log start.csv --first 0 --last 99\n"
         "  zr log track dive.log dive.gpx --simplify 2");
-    cli::add_argument(*verb, "LOG", options->log, "Log to read");
-    cli::add_argument(
-        *verb, "OUT", options->out, "File to write, a name ending in .csv, .gpx, .kml or .geojson");
+    options->AddArguments(*verb, "File to write, a name ending in .csv, .gpx, .kml or .geojson");
     cli::add_value(*verb, "--first", options->first, "N", cli::check_count, "First record; 0 unless given");
     cli::add_value(*verb, "--last", options->last, "N", cli::check_count,
         "Last record, which is included; that of the log unless given");
     verb->add_option("--simplify", options->simplify,
             "Leave out points that lie within this many metres of the line without them")
         ->option_text("METRES")
-        ->check(CLI::Range(0.0, 1e6));
-    verb->add_flag("--force", options->force, "Replace OUT when it exists");
-    verb->add_flag("--json", options->json, "Print the result as one JSON object");
+        ->check(CheckTolerance);
+    options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }
