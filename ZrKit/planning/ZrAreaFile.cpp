@@ -1,0 +1,60 @@
+#include "ZrKit/planning/ZrAreaFile.h"
+
+#include "ZrKit/planning/ZrGeoShapes.h"
+#include "ZrKit/planning/ZrRouteFile.h"
+
+#include <QFileInfo>
+
+namespace {
+
+    ZrArea AreaOf(const QString& name, const std::vector<ZrShapePoint>& points)
+    {
+        ZrArea area;
+        area.name = name;
+        for (const ZrShapePoint& point : points)
+            area.ring.push_back(point.position);
+        if (area.ring.size() > 1 && area.ring.front() == area.ring.back())
+            area.ring.pop_back();
+        return area;
+    }
+
+    std::vector<ZrArea> AreasOf(const ZrGeoShapes& shapes)
+    {
+        std::vector<ZrArea> areas = shapes.areas;
+        if (areas.empty())
+            for (const ZrShapeLine& line : shapes.lines)
+                areas.push_back(AreaOf(line.name, line.points));
+        if (areas.empty())
+            areas.push_back(AreaOf({}, shapes.points));
+        return areas;
+    }
+
+} // namespace
+
+bool ZrAreaFile::Read(const QString& path, std::vector<ZrArea>& areas)
+{
+    m_error.clear();
+    m_warnings.clear();
+    ZrRouteFile file;
+    ZrGeoShapes shapes;
+    if (!file.ReadShapes(path, shapes)) {
+        m_error = file.Error();
+        return false;
+    }
+    m_warnings = file.Warnings();
+    std::vector<ZrArea> found = AreasOf(shapes);
+    const QString base = QFileInfo(path).completeBaseName();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        ZrArea& area = found[i];
+        if (area.name.isEmpty())
+            area.name = found.size() == 1 ? base : QStringLiteral("%1 %2").arg(base).arg(i + 1);
+        if (area.ring.size() < 3) {
+            m_error = QStringLiteral("%1: area \"%2\" has %3 corners, at least 3 are needed")
+                          .arg(path, area.name)
+                          .arg(area.ring.size());
+            return false;
+        }
+    }
+    areas = found;
+    return true;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ZrKit/planning/ZrArea.h"
+#include "ZrKit/planning/ZrGeoPoint.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+/// A point of a file, with what the file says about it.
+struct ZrShapePoint
+{
+    ZrGeoPoint position;
+    QString name;
+    QJsonObject fields; ///< fields of a waypoint by their settings keys, see `ZrRouteFields`
+};
+
+/// A line of a file.
+struct ZrShapeLine
+{
+    QString name;
+    std::vector<ZrShapePoint> points;
+};
+
+/// What a file of geographic shapes holds, before it is decided what it means: the common ground of the
+/// readers of GPX, KML, GeoJSON and lists of positions. In the order of the file.
+struct ZrGeoShapes
+{
+    QJsonObject route; ///< fields of a route by their settings keys; empty when the file has none
+    std::vector<ZrShapePoint> points;
+    std::vector<ZrShapeLine> lines;
+    std::vector<ZrArea> areas; ///< outer rings of polygons
+    QStringList warnings; ///< what was left out, a sentence each
+
+    /// Whether \p point is a position on the earth; if not, \p error says so.
+    static bool Check(const ZrGeoPoint& point, QString& error)
+    {
+        if (!(std::fabs(point.lat) <= 90.0)) {
+            error = QStringLiteral("latitude %1 is not within 90 degrees of the equator").arg(point.lat);
+            return false;
+        }
+        if (!(std::fabs(point.lng) <= 180.0)) {
+            error = QStringLiteral("longitude %1 is not within 180 degrees of Greenwich").arg(point.lng);
+            return false;
+        }
+        return true;
+    }
+};

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+class ZrWpts;
+struct ZrGeoShapes;
+
+/// Reads and writes routes in the forms that applications, chart plotters and people use.
+///
+/// \code
+/// ZrRouteFile file;
+/// ZrWpts route;
+/// if (!file.Read(path, route))
+///     return file.Error(); // "harbour.gpx: line 12: latitude 95 is not within 90 degrees of the equator"
+/// \endcode
+///
+/// Positions survive a round trip to 1e-7 degrees in every form, all other fields of waypoints in all forms but
+/// the list (see `ZrRouteTab`) and the tag-structured store (six digits, Latin-1).
+///
+/// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`):
+/// the user-interface thread.
+class ZR_KIT_EXPORT ZrRouteFile
+{
+public:
+    enum eFormat : int {
+        Settings, ///< JSON settings of `ZrWpts`, with every field
+        Store, ///< tag-structured store, sets "Route" and "Waypoints"
+        Gpx,
+        Kml,
+        GeoJson,
+        List, ///< a waypoint a line, columns parted by tabs
+    };
+
+    /// Files larger than this are refused: they are no routes.
+    static constexpr long long MaxSize = 64 * 1024 * 1024;
+
+    /// By the suffix of \p path, in any case: json, xml, gpx, kml, geojson; the list for every other.
+    static eFormat FormatOf(const QString& path);
+
+    /// Replaces \p route by that of the file; a failure leaves it as it was.
+    ///
+    /// The form is told by the content. Of several routes in a file the first is taken; a file with points
+    /// only gives a route that is not linked. False, with the reason in `Error`, when the file cannot be read,
+    /// is damaged or holds no waypoint.
+    bool Read(const QString& path, ZrWpts& route);
+
+    /// Replaces the file in one step. False, with the reason in `Error`, when it cannot be written, and for
+    /// all forms but the settings and the store when a waypoint has no valid position.
+    bool Write(const QString& path, eFormat format, const ZrWpts& route);
+
+    /// Why the last call failed, a sentence with the path; empty when it did not.
+    QString Error() const { return m_error; }
+
+    /// What the last call left out or could not keep, a sentence each.
+    QStringList Warnings() const { return m_warnings; }
+
+    /// Reads whatever shapes the file holds, without deciding what they mean; a settings file and a store give
+    /// their waypoints as points.
+    bool ReadShapes(const QString& path, ZrGeoShapes& shapes);
+
+private:
+    bool ReadBytes(const QString& path, QByteArray& bytes);
+    bool Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute, QString& error);
+    bool StoreBytes(const ZrWpts& route, QByteArray& bytes);
+    bool FromShapes(const ZrGeoShapes& shapes, ZrWpts& route);
+    bool Fail(const QString& path, const QString& reason);
+
+    QString m_error;
+    QStringList m_warnings;
+};
