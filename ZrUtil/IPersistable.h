@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZrUtil/ZrExport.h"
+
 namespace zr {
 
 class ZrSetModule;
@@ -7,7 +9,7 @@ class ZrSetModule;
 /// What an object implements to have its settings loaded and stored.
 ///
 /// The interface has this one virtual function and no virtual destructor: it is implemented, never owned.
-class IPersistable
+class ZR_UTIL_EXPORT IPersistable
 {
 public:
     /// Binds every value of the object to its key in \p module: reads them when the module is loading, writes

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "ZrUtil/ZrExport.h"
+
 namespace zr {
 
 class ZrSetModule;
 
 /// What an object implements beside `IPersistable` when some of its settings depend on others that have been
 /// loaded by then.
-class IPersistableLinked
+class ZR_UTIL_EXPORT IPersistableLinked
 {
 public:
     virtual ~IPersistableLinked() = default;

@@ -11,31 +11,36 @@
 namespace zr {
 namespace {
 
-    /// Built from its bits: `quiet_NaN()` has the other sign.
-    template <class Number, class Bits> Number FromBits(Bits bits)
-    {
-        static_assert(sizeof(Number) == sizeof(Bits));
-        Number number;
-        std::memcpy(&number, &bits, sizeof number);
-        return number;
-    }
+/// Built from its bits: `quiet_NaN()` has the other sign.
+template <class Number, class Bits> Number FromBits(Bits bits)
+{
+    static_assert(sizeof(Number) == sizeof(Bits));
+    Number number;
+    std::memcpy(&number, &bits, sizeof number);
+    return number;
+}
 
-    float ToFloat(double value)
-    {
-        if (std::isfinite(value) && std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
-            return std::copysign(std::numeric_limits<float>::infinity(), static_cast<float>(std::signbit(value) ? -1 : 1));
+/// Rounded to nearest; beyond the range of `float`, where the conversion of the language is undefined, to
+/// its largest number or, from half a step above that on, an infinity.
+float ToFloat(double value)
+{
+    using Limits = std::numeric_limits<float>;
+    constexpr double halfStepAbove = 0x1.ffffffp127;
+    if (!(std::fabs(value) > static_cast<double>(Limits::max())))
         return static_cast<float>(value);
-    }
+    const float size = std::fabs(value) < halfStepAbove ? Limits::max() : Limits::infinity();
+    return std::signbit(value) ? -size : size;
+}
 
-    std::string ToLatin1(const QJsonValue& value)
-    {
-        return value.toString().toLatin1().toStdString();
-    }
+std::string ToLatin1(const QJsonValue& value)
+{
+    return value.toString().toLatin1().toStdString();
+}
 
-    QJsonValue FromLatin1(const std::string& text)
-    {
-        return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
-    }
+QJsonValue FromLatin1(const std::string& text)
+{
+    return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
+}
 
 } // namespace
 
@@ -86,12 +91,12 @@ template <> unsigned long long from_json<unsigned long long>(const QJsonValue& v
 
 template <> float from_json<float>(const QJsonValue& value)
 {
-    return value.isNull() ? FromBits<float>(u32 {0xFFC00000}) : ToFloat(value.toDouble(0.0));
+    return value.isNull() ? FromBits<float>(u32{0xFFC00000}) : ToFloat(value.toDouble(0.0));
 }
 
 template <> double from_json<double>(const QJsonValue& value)
 {
-    return value.isNull() ? FromBits<double>(u64 {0xFFF8000000000000}) : value.toDouble(0.0);
+    return value.isNull() ? FromBits<double>(u64{0xFFF8000000000000}) : value.toDouble(0.0);
 }
 
 template <> QString from_json<QString>(const QJsonValue& value)

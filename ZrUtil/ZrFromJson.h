@@ -24,20 +24,23 @@ class QColor;
 /// | `QJsonArray` | array | empty |
 ///
 /// Integers travel as strings so that 64-bit values survive JSON's double-precision numbers; the small types
-/// do as the large ones. JSON has no NaN and no infinities: both are stored as null. `std::string` and paths
-/// are Latin-1 bytes; characters beyond it become "?".
+/// do as the large ones. JSON text has no NaN and no infinities: it holds null in their
+/// place (Qt's binary form keeps them). `std::string` and paths are Latin-1 bytes; characters beyond it become "?".
 ///
 /// All functions may be called from any thread.
 
 namespace zr {
 
-/// The value of type \a T that \p value holds. Never fails: what does not convert gives the value of the table.
+/// The value of type \a T that \p value holds. Never fails: what does not convert gives the value of the
+/// table.
 ///
 /// 8-bit integers are parsed as 16-bit ones and cut to their low byte ("300" reads 44 as `unsigned char`); a
 /// number outside the range of the parse and a negative one for an unsigned type read 0. A JSON null gives
-/// the quiet NaN 0xFFF8000000000000 as `double` and 0xFFC00000 as `float`; numbers beyond the range of `float`
-/// read as an infinity.
-template <class T> T from_json(const QJsonValue& value);
+/// the quiet NaN 0xFFF8000000000000 as `double` and 0xFFC00000 as `float`; numbers that round beyond the
+/// range of `float` read as an infinity.
+///
+/// Defined for the types below; others do not compile.
+template <class T> T from_json(const QJsonValue& value) = delete;
 
 template <> ZR_UTIL_EXPORT bool from_json<bool>(const QJsonValue& value);
 template <> ZR_UTIL_EXPORT signed char from_json<signed char>(const QJsonValue& value);
@@ -73,5 +76,7 @@ ZR_UTIL_EXPORT QJsonValue to_json(const std::string& value);
 ZR_UTIL_EXPORT QJsonValue to_json(const std::filesystem::path& value);
 ZR_UTIL_EXPORT QJsonValue to_json(const QColor& value);
 ZR_UTIL_EXPORT QJsonValue to_json(const QJsonArray& value);
+/// Pointers would turn into `bool`, character literals among them.
+template <class T> QJsonValue to_json(const T* value) = delete;
 
 } // namespace zr

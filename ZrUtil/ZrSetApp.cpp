@@ -10,20 +10,27 @@
 namespace zr {
 namespace {
 
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
 
-    QJsonDocument FromBinary(const QByteArray& bytes)
-    {
-        return QJsonDocument::fromBinaryData(bytes);
-    }
+QJsonDocument FromBinary(const QByteArray& bytes)
+{
+    return QJsonDocument::fromBinaryData(bytes);
+}
 
-    QByteArray ToBinary(const QJsonDocument& document)
-    {
-        return document.toBinaryData();
-    }
+QByteArray ToBinary(const QJsonDocument& document)
+{
+    return document.toBinaryData();
+}
 
-    QT_WARNING_POP
+QT_WARNING_POP
+
+QByteArray Encoded(const QJsonDocument& document, ZrSetApp::eFmt fmt)
+{
+    if (fmt == ZrSetApp::eFmtBinary)
+        return ToBinary(document);
+    return document.toJson(fmt == ZrSetApp::eFmtCompact ? QJsonDocument::Compact : QJsonDocument::Indented);
+}
 
 } // namespace
 
@@ -35,7 +42,8 @@ ZrSetApp::ZrSetApp(ePersistMode passMode)
 bool ZrSetApp::load_from_file(const QString& path, eFmt fmt)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    // Qt writes a message about an empty name.
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     const QByteArray bytes = file.readAll();
     const QJsonDocument document = fmt == eFmtBinary ? FromBinary(bytes) : QJsonDocument::fromJson(bytes);
@@ -52,14 +60,11 @@ bool ZrSetApp::save_to_file(const QString& path, eFmt fmt) const
     QIODevice::OpenMode open = QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered;
     if (fmt != eFmtBinary)
         open |= QIODevice::Text;
-    if (!file.open(open))
+    if (path.isEmpty() || !file.open(open))
         return false;
-    const QJsonDocument document(root);
-    if (fmt == eFmtBinary)
-        file.write(ToBinary(document));
-    else
-        file.write(document.toJson(fmt == eFmtCompact ? QJsonDocument::Compact : QJsonDocument::Indented));
-    return file.error() == QFileDevice::NoError;
+    const QByteArray bytes = Encoded(QJsonDocument(root), fmt);
+    // A disk that fills up takes a part; that is all it reports.
+    return file.write(bytes) == bytes.size();
 }
 
 void ZrSetApp::synchronise(IPersistable& p)

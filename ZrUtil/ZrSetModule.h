@@ -43,8 +43,8 @@ public:
     bool is_storing() const { return mode == ePersistStoring; }
 
     /// Binds \p value to \p key. Storing replaces what the key held. Loading assigns what the key holds, in
-    /// the form that `from_json` gives it, and leaves \p value as it is when there is no such key: that is how
-    /// defaults work. A key whose value is of the wrong kind overwrites \p value all the same.
+    /// the form that `from_json` gives it, and leaves \p value as it is when there is no such key: that is
+    /// how defaults work. A key whose value is of the wrong kind overwrites \p value all the same.
     ///
     /// \a T is one of the types of ZrFromJson.h.
     template <class T> void item(const QString& key, T& value)

@@ -23,3 +23,23 @@ truncate -s 88 "$log"
 status=0
 "$bin/ex_play_log" "$log" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 2 ] || { echo "a log cut behind a header gave exit code $status"; exit 1; }
+
+# Settings stay from run to run, also when the file is damaged in between.
+settings=$dir/config/settings.json
+shows() {
+    local expected=$1 shown
+    shift
+    shown=$("$bin/ex_settings" "$settings" "$@" 2>"$dir/errors") || { echo "ex_settings failed"; exit 1; }
+    [ "$shown" = "$expected" ] || { echo "ex_settings printed: $shown"; exit 1; }
+}
+shows 'port on, 1024 samples, range 50.0 m, sea floor #ffa000' 75.5
+shows 'port on, 1024 samples, range 75.5 m, sea floor #ffa000' 120
+shows 'port on, 1024 samples, range 120.0 m, sea floor #ffa000'
+[ ! -s "$dir/errors" ] || { echo "ex_settings complained: $(cat "$dir/errors")"; exit 1; }
+truncate -s 20 "$settings"
+shows 'port on, 1024 samples, range 75.5 m, sea floor #ffa000'
+grep -q "The settings are those of its last good copy, $settings.bak" "$dir/errors"
+shows 'port on, 1024 samples, range 75.5 m, sea floor #ffa000'
+status=0
+"$bin/ex_settings" "$dir" >/dev/null 2>&1 || status=$?
+[ "$status" -eq 3 ] || { echo "a folder gave exit code $status"; exit 1; }

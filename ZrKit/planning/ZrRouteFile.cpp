@@ -1,12 +1,12 @@
 #include "ZrKit/planning/ZrRouteFile.h"
 
+#include "ZrKit/files/ZrReplaceFile.h"
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFields.h"
 #include "ZrKit/planning/ZrRouteGeoJson.h"
 #include "ZrKit/planning/ZrRouteGpx.h"
 #include "ZrKit/planning/ZrRouteKml.h"
 #include "ZrKit/planning/ZrRouteTab.h"
-#include "ZrKit/review/ZrReplaceFile.h"
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrWpts.h"
 #include "ZrUtil/ZrXmlStore.h"

@@ -1,6 +1,6 @@
 #include "ZrKit/review/ZrIndexStamp.h"
 
-#include "ZrKit/review/ZrReplaceFile.h"
+#include "ZrKit/files/ZrReplaceFile.h"
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrEndian.h"
 

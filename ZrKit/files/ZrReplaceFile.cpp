@@ -1,4 +1,4 @@
-#include "ZrKit/review/ZrReplaceFile.h"
+#include "ZrKit/files/ZrReplaceFile.h"
 
 #include <QSaveFile>
 
