@@ -5,31 +5,31 @@
 
 namespace {
 
-    constexpr int Decimals = 10; // of positions in the tag-structured form
+constexpr int Decimals = 10; // of positions in the tag-structured form
 
-    void SyncUuid(ZrXmlObj& obj, const QString& key, QUuid& uuid)
-    {
-        QString text = uuid.toString();
-        obj.Item(key, text);
-        if (obj.IsLoading())
-            uuid = QUuid(text);
-    }
+void SyncUuid(ZrXmlObj& obj, const QString& key, QUuid& uuid)
+{
+    QString text = uuid.toString();
+    obj.Item(key, text);
+    if (obj.IsLoading())
+        uuid = QUuid(text);
+}
 
-    void SyncUuid(zr::ZrSetModule& module, const QString& key, QUuid& uuid)
-    {
-        QString text = uuid.toString();
-        module.item(key, text);
-        if (module.is_loading())
-            uuid = QUuid(text);
-    }
+void SyncUuid(zr::ZrSetModule& module, const QString& key, QUuid& uuid)
+{
+    QString text = uuid.toString();
+    module.item(key, text);
+    if (module.is_loading())
+        uuid = QUuid(text);
+}
 
-    void SyncLetter(zr::ZrSetModule& module, const QString& key, QChar& letter)
-    {
-        QString text(letter);
-        module.item(key, text);
-        if (module.is_loading() && !text.isEmpty())
-            letter = text.front();
-    }
+void SyncLetter(zr::ZrSetModule& module, const QString& key, QChar& letter)
+{
+    QString text(letter);
+    module.item(key, text);
+    if (module.is_loading() && !text.isEmpty())
+        letter = text.front();
+}
 
 } // namespace
 

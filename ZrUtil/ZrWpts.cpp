@@ -8,7 +8,9 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <vector>
 
 template class ZrLstMgd<ZrWpt>;
 
@@ -18,22 +20,21 @@ float ZrWpts::s_msFast = 1.0F;
 
 namespace {
 
-    QColor ColourOf(int type)
-    {
-        switch (type) {
-        case eZrWptBlue:
-            return QColor(Qt::blue);
-        case eZrWptRed:
-            return QColor(Qt::red);
-        default:
-            return ZrWpt().colour;
-        }
-    }
+/// Kinds without a colour of their own keep \p colour.
+void SetColour(QColor& colour, eZrWptType type)
+{
+    if (type == eZrWptBlue)
+        colour = QColor(Qt::blue);
+    else if (type == eZrWptRed)
+        colour = QColor(Qt::red);
+    else if (type == eZrWptYellow)
+        colour = QColor(Qt::yellow);
+}
 
-    bool SamePosition(const ZrWpt& a, const ZrWpt& b)
-    {
-        return a.lat == b.lat && a.lng == b.lng;
-    }
+bool SamePosition(const ZrWpt& a, const ZrWpt& b)
+{
+    return a.lat == b.lat && a.lng == b.lng;
+}
 
 } // namespace
 
@@ -74,7 +75,7 @@ ZrWpt* ZrWpts::Add(double lat, double lng, eZrWptType type, int where)
     added->lng = lng;
     added->z = 0.0;
     added->type = static_cast<u8>(type);
-    added->colour = ColourOf(type);
+    SetColour(added->colour, type);
 
     if (IsEmpty() || where == eAddTail) {
         AddTail(added.get());
@@ -186,7 +187,8 @@ ZrListPos* ZrWpts::NearestTo(double lat, double lng) const
         const double dLat = wpt->lat - lat;
         const double dLng = wpt->lng - lng;
         const double distance = dLat * dLat + dLng * dLng;
-        if (!nearest || distance < best) {
+        // A position that is no number is nearest only where all are so.
+        if (!nearest || distance < best || (std::isnan(best) && !std::isnan(distance))) {
             nearest = at;
             best = distance;
         }
@@ -269,10 +271,14 @@ void ZrWpts::settings(zr::ZrSetModule& module)
 void ZrWpts::SyncXml(ZrXmlSet& set)
 {
     if (set.IsStoring()) {
+        const QString type = QStringLiteral("Waypoint");
+        const bool fresh = set.IsEmpty(); // no name can be there already, and none needs to be searched
         int i = 0;
         for (ZrListPos* pos = GetHeadPos(); pos; ++i) {
             const QString name = QStringLiteral("Wpt %1").arg(i);
-            GetNext(pos)->SyncXml(*set.Obj(name, QStringLiteral("Waypoint")));
+            ZrXmlObj* obj
+                = fresh ? set.GetAt(set.AddTail(new ZrXmlObj(name, type, &set))) : set.Obj(name, type);
+            GetNext(pos)->SyncXml(*obj);
         }
         return;
     }

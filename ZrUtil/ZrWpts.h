@@ -8,8 +8,6 @@
 
 #include <QString>
 
-#include <vector>
-
 class ZrXmlSet;
 
 extern template class ZR_UTIL_EXPORT ZrLstMgd<ZrWpt>;
@@ -19,11 +17,11 @@ extern template class ZR_UTIL_EXPORT ZrLstMgd<ZrWpt>;
 /// The list owns the waypoints. `Add`, `Delete`, `Reverse` and loading by `SyncXml` recompute what depends on
 /// the order and the positions; who edits waypoints in place calls `Recalc(true)` and `UpdatePseudo`.
 ///
-/// Grid positions are all in the UTM zone of the first waypoint. `CalcXY` and `LL2Segment` move the zone of the
-/// process (`ZrUnits::utm`), and so does all that calls them: routes belong to the user-interface thread.
+/// Grid positions are all in the UTM zone of the first waypoint. `CalcXY` and `LL2Segment` move the zone of
+/// the process (`ZrUnits::utm`), and so does all that calls them: routes belong to the user-interface thread.
 ///
-/// Nothing is reported; degenerate geometry (no leg, legs of no length, a path that doubles back) is handled as
-/// each function says, and NaN positions give NaN results.
+/// Nothing is reported; degenerate geometry (no leg, legs of no length, a path that doubles back) is handled
+/// as each function says, and NaN positions give NaN results.
 ///
 /// \code
 /// ZrWpts route;
@@ -63,9 +61,9 @@ public:
 
     /// Adds a waypoint at a position in degrees, with a `z` of 0, in the colour of its kind.
     ///
-    /// \p where is an `eAdd`. An empty list takes it at the tail; `eAddLeg` does so, too, when there is no leg.
-    /// With any other value the waypoint stays out of the list and belongs to the caller. Labels and route
-    /// are recomputed in every case. Returns the new waypoint.
+    /// \p where is an `eAdd`. An empty list takes it at the tail, whatever \p where says; `eAddLeg` adds it
+    /// at the tail, too, when there is no leg. With any other value the waypoint stays out of the list and
+    /// belongs to the caller. Labels and route are recomputed in every case. Returns the new waypoint.
     ZrWpt* Add(double lat, double lng, eZrWptType type, int where);
 
     /// Removes the waypoint, if it is in the list; labels and route are recomputed in both cases.
@@ -97,11 +95,12 @@ public:
     /// Returns the number of waypoints.
     int GetArea(double& minLat, double& minLng, double& maxLat, double& maxLng, bool init) const;
 
-    /// Means of latitude and longitude, in degrees. Returns the number of waypoints; 0 leaves both as they are.
+    /// Means of latitude and longitude, in degrees. Returns the number of waypoints; 0 leaves both as they
+    /// are.
     int GetCentre(double& lat, double& lng) const;
 
     /// Position in the list of the waypoint with the smallest (Δlat)² + (Δlng)², the earlier one of equals;
-    /// null while empty.
+    /// null while empty. Waypoints without a position (NaN) come last.
     ZrListPos* NearestTo(double lat, double lng) const;
 
     /// The first waypoint behind \p pos at another latitude or longitude; null if there is none.
@@ -124,21 +123,16 @@ public:
     /// on a closed one, "Mkr: " 1 … where the points are not linked.
     virtual void UpdatePseudo();
 
-    /// Binds "prefix", "linked", "closed", "speed", the three speeds of all routes ("SlowSpeed", "MediumSpeed",
-    /// "FastSpeed") and the array "waypoints". On loading the waypoints are those of the array, with the grid
-    /// positions and turns that they were stored with; without the key they stay.
+    /// Binds "prefix", "linked", "closed", "speed", the three speeds of all routes ("SlowSpeed",
+    /// "MediumSpeed", "FastSpeed") and the array "waypoints". On loading the waypoints are those of the
+    /// array, with the grid positions and turns that they were stored with; without the key they stay.
     void settings(zr::ZrSetModule& module) override;
 
-    /// Stores the waypoints as the objects "Wpt 0", "Wpt 1", … of type "Waypoint", or loads those that the set
-    /// holds, in their order, and recomputes the route. An object "No Data" is ignored. Waypoints beyond their
-    /// number are removed; those within it are loaded over.
+    /// Stores the waypoints as the objects "Wpt 0", "Wpt 1", … of type "Waypoint", or loads those that the
+    /// set holds, in their order, and recomputes the route. An object "No Data" is ignored. Waypoints beyond
+    /// their number are removed; those within it are loaded over.
     void SyncXml(ZrXmlSet& set);
 
 private:
-    /// Computes the turns; a flag for each waypoint tells whether it turns now.
-    std::vector<bool> CalcTurns();
-
-    void CalcSpeeds();
-    void CalcDistances(bool force, const std::vector<bool>& turns);
     void CopyFrom(const ZrWpts& other);
 };

@@ -43,3 +43,12 @@ shows 'port on, 1024 samples, range 75.5 m, sea floor #ffa000'
 status=0
 "$bin/ex_settings" "$dir" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 3 ] || { echo "a folder gave exit code $status"; exit 1; }
+# A route with two turns to the left of a quarter circle each; the corners count for its length.
+"$bin/ex_route" "$dir/route.json" >"$dir/out" || { echo "ex_route failed"; exit 1; }
+grep -qx 'Start Mission  48.4800 -68.5200  at    0.0 m' "$dir/out"
+[ "$(grep -c ', turns left$' "$dir/out")" -eq 2 ]
+grep -qx 'Length 1103.9 m, duration 1104 s' "$dir/out"
+grep -q '"name": "Recovery"' "$dir/route.json"
+status=0
+"$bin/ex_route" "$dir" >/dev/null 2>&1 || status=$?
+[ "$status" -eq 3 ] || { echo "a folder in place of the file gave exit code $status"; exit 1; }
