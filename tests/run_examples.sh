@@ -52,3 +52,12 @@ grep -q '"name": "Recovery"' "$dir/route.json"
 status=0
 "$bin/ex_route" "$dir" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 3 ] || { echo "a folder in place of the file gave exit code $status"; exit 1; }
+# A survey of an area of 369 m by 222 m: six lines along its longer side, nothing where there is no area.
+"$bin/ex_survey_pattern" 40 25 48.480 -68.515 48.480 -68.510 48.482 -68.510 48.482 -68.515 >"$dir/out"
+grep -qx 'L1 S      48.4818993  -68.5150000  r 0.0' "$dir/out"
+grep -qx '6 lines of 2218 m together, heading 90.0' "$dir/out"
+grep -qx '22 waypoints, 2981 m, 5962 s' "$dir/out"
+status=0
+"$bin/ex_survey_pattern" 40 25 48.480 -68.515 48.480 -68.510 48.480 -68.512 2>"$dir/out" || status=$?
+[ "$status" -eq 2 ] || { echo "no area gave exit code $status"; exit 1; }
+grep -qx 'The corners of the area lie on one line.' "$dir/out"
