@@ -59,6 +59,12 @@ public:
     /// that match nothing are skipped, and a file may end anywhere.
     bool Load(QString path);
 
+    /// The bytes that `Save` writes to a file, for callers that keep or replace files in their own way.
+    QByteArray FileForm() const;
+
+    /// Reads the file form as `Load` reads it from a file.
+    void LoadFileForm(const QByteArray& bytes);
+
     /// Reads the line form, which is left as it is. True.
     bool Load(QByteArray& bytes);
 };

@@ -4,8 +4,11 @@
 #include "ZrUtil/ZrConsole.h"
 #include "ZrUtil/ZrXmlStore.h"
 
+#include <QBuffer>
 #include <QDateTime>
 #include <QFile>
+#include <QHash>
+#include <QPair>
 
 #include <initializer_list>
 #include <string_view>
@@ -131,6 +134,8 @@ public:
     explicit FileReader(ZrXmlStore& store)
         : m_store(store)
     {
+        for (ZrListPos* pos = store.GetHeadPos(); pos;)
+            Learn(store.GetNext(pos));
     }
 
     void TakeLine(std::string_view line)
@@ -149,7 +154,7 @@ private:
         LineScan scan(line);
         QString name;
         if (scan.Match(" <Settings name=\"") && scan.Until('"', name))
-            m_set = m_store.AddSet(name);
+            m_set = Set(name);
     }
 
     void TakeInSet(std::string_view line)
@@ -161,7 +166,7 @@ private:
             m_set = nullptr;
         else if (scan.Match("<Object name=\"") && scan.Until('"', name) && scan.Match("\" type=\"")
             && scan.Until('"', type))
-            m_obj = m_set->AddObj(name, type);
+            m_obj = Obj(name, type);
     }
 
     void TakeInObject(std::string_view line)
@@ -178,9 +183,44 @@ private:
             m_obj->data.AddTail(new QString(value));
     }
 
+    /// Remembers what the store holds. Of equal names the first counts, as for `AddSet` and `AddObj`, which
+    /// walk through all: with them the time would grow as the square of the number of objects.
+    void Learn(ZrXmlSet* set)
+    {
+        if (!m_sets.contains(set->name))
+            m_sets.insert(set->name, set);
+        for (ZrListPos* pos = set->GetHeadPos(); pos;) {
+            ZrXmlObj* obj = set->GetNext(pos);
+            if (!m_objs.contains({set, obj->name}))
+                m_objs.insert({set, obj->name}, obj);
+        }
+    }
+
+    ZrXmlSet* Set(const QString& name)
+    {
+        ZrXmlSet*& set = m_sets[name];
+        if (!set) {
+            set = new ZrXmlSet(name, &m_store);
+            m_store.AddTail(set);
+        }
+        return set;
+    }
+
+    ZrXmlObj* Obj(const QString& name, const QString& type)
+    {
+        ZrXmlObj*& obj = m_objs[{m_set, name}];
+        if (!obj) {
+            obj = new ZrXmlObj(name, type, m_set);
+            m_set->AddTail(obj);
+        }
+        return obj;
+    }
+
     ZrXmlStore& m_store;
     ZrXmlSet* m_set = nullptr; ///< the open set
     ZrXmlObj* m_obj = nullptr; ///< the open object
+    QHash<QString, ZrXmlSet*> m_sets;
+    QHash<QPair<ZrXmlSet*, QString>, ZrXmlObj*> m_objs;
 };
 
 /// \p line without what follows a zero byte, then without blanks, tabs, CR and LF at both ends.
@@ -194,7 +234,30 @@ std::string_view Trimmed(std::string_view line)
     return line.substr(first, line.find_last_not_of(blanks) - first + 1);
 }
 
+void ReadLines(QIODevice& device, ZrXmlStore& store)
+{
+    char line[LineLimit + 1];
+    FileReader reader(store);
+    // The first line, the declaration, is skipped whatever it says.
+    device.readLine(line, sizeof line);
+    for (qint64 length = 0; (length = device.readLine(line, sizeof line)) > 0;)
+        reader.TakeLine(Trimmed(std::string_view(line, std::size_t(length))));
+}
+
 } // namespace
+
+QByteArray ZrXmlStore::FileForm() const
+{
+    return FileText(*this);
+}
+
+void ZrXmlStore::LoadFileForm(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    ReadLines(buffer, *this);
+}
 
 bool ZrXmlStore::Save(QString path)
 {
@@ -218,12 +281,7 @@ bool ZrXmlStore::Load(QString path)
         ZrConsole::Debug(0, "Cannot open settings file: %s", path.toUtf8().constData());
         return false;
     }
-    char line[LineLimit + 1];
-    FileReader reader(*this);
-    // The first line, the declaration, is skipped whatever it says.
-    file.readLine(line, sizeof line);
-    for (qint64 length = 0; (length = file.readLine(line, sizeof line)) > 0;)
-        reader.TakeLine(Trimmed(std::string_view(line, std::size_t(length))));
+    ReadLines(file, *this);
     file.close();
     ZrConsole::Debug(0, "Read settings file: %s", path.toUtf8().constData());
     return true;

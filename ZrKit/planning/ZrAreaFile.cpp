@@ -13,8 +13,7 @@ namespace {
         area.name = name;
         for (const ZrShapePoint& point : points)
             area.ring.push_back(point.position);
-        if (area.ring.size() > 1 && area.ring.front() == area.ring.back())
-            area.ring.pop_back();
+        area.ring = ZrGeoShapes::Open(area.ring);
         return area;
     }
 
@@ -24,7 +23,7 @@ namespace {
         if (areas.empty())
             for (const ZrShapeLine& line : shapes.lines)
                 areas.push_back(AreaOf(line.name, line.points));
-        if (areas.empty())
+        if (areas.empty() && !shapes.points.empty())
             areas.push_back(AreaOf({}, shapes.points));
         return areas;
     }
@@ -43,6 +42,10 @@ bool ZrAreaFile::Read(const QString& path, std::vector<ZrArea>& areas)
     }
     m_warnings = file.Warnings();
     std::vector<ZrArea> found = AreasOf(shapes);
+    if (found.empty()) {
+        m_error = path + QLatin1String(": no area and no points in it");
+        return false;
+    }
     const QString base = QFileInfo(path).completeBaseName();
     for (std::size_t i = 0; i < found.size(); ++i) {
         ZrArea& area = found[i];

@@ -3,7 +3,10 @@
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrWpts.h"
 
-#include <algorithm>
+#include <QUuid>
+
+#include <iterator>
+#include <limits>
 
 namespace {
 
@@ -11,6 +14,24 @@ namespace {
     /// is computed.
     constexpr const char* NotFields[] = {"name", "pseudo", "lat", "long", "x", "y", "q", "RICX", "RICY", "RIT", "TP1X",
         "TP1Y", "TP1Q", "TP2X", "TP2Y", "TP2Q"};
+
+    constexpr const char* Uuids[] = {"UUID", "GridId", "LookAt"};
+
+    constexpr qint64 MaxByte = 255;
+    constexpr qint64 MinInt = std::numeric_limits<int>::min();
+    constexpr qint64 MaxInt = std::numeric_limits<int>::max();
+
+    /// The fields that the settings hold as the text of an integer, with the range of their types.
+    constexpr struct
+    {
+        const char* key;
+        qint64 min;
+        qint64 max;
+    } Integers[] = {{"filetype", 0, MaxByte}, {"speedtype", MinInt, MaxInt},
+        {"flags", 0, std::numeric_limits<unsigned int>::max()}, {"head type", MinInt, MaxInt},
+        {"z type", MinInt, MaxInt}, {"type", 0, MaxByte}, {"src", 0, MaxByte}, {"shape", 0, MaxByte},
+        {"bottomN", MinInt, MaxInt}, {"bottom", 0, MaxByte}, {"classA", 0, MaxByte}, {"classB", 0, MaxByte},
+        {"classC", 0, MaxByte}, {"classD", 0, MaxByte}};
 
     QJsonObject Stored(const ZrWpt& wpt)
     {
@@ -35,31 +56,76 @@ namespace {
         return fields;
     }
 
-    /// \p text in the form of \p like, undefined when it has not that form.
-    QJsonValue ValueLike(const QJsonValue& like, const QString& text)
+    QJsonValue Undefined()
     {
-        if (like.isBool()) {
-            if (text == QLatin1String("true"))
-                return true;
-            return text == QLatin1String("false") ? QJsonValue(false) : QJsonValue(QJsonValue::Undefined);
-        }
-        if (like.isDouble()) {
-            bool ok = false;
-            const double number = text.toDouble(&ok);
-            return ok ? QJsonValue(number) : QJsonValue(QJsonValue::Undefined);
-        }
-        return text;
+        return QJsonValue(QJsonValue::Undefined);
     }
 
-    bool Add(QJsonObject& fields, const QJsonObject& like, const QString& key, const QString& text)
+    QJsonValue Boolean(const QJsonValue& value)
+    {
+        if (value.isBool())
+            return value;
+        if (value == QLatin1String("true"))
+            return true;
+        return value == QLatin1String("false") ? QJsonValue(false) : Undefined();
+    }
+
+    /// Null is what the settings make of NaN.
+    QJsonValue Number(const QJsonValue& value)
+    {
+        if (value.isDouble() || value.isNull())
+            return value;
+        bool ok = false;
+        const double number = value.toString().toDouble(&ok);
+        return ok ? QJsonValue(number) : Undefined();
+    }
+
+    QJsonValue Integer(const QString& text, qint64 min, qint64 max)
+    {
+        bool ok = false;
+        const qint64 number = text.toLongLong(&ok);
+        return ok && number >= min && number <= max ? QJsonValue(QString::number(number)) : Undefined();
+    }
+
+    QJsonValue Uuid(const QString& text)
+    {
+        const QUuid uuid(text);
+        return uuid.isNull() && text != QUuid().toString() ? Undefined() : QJsonValue(uuid.toString());
+    }
+
+    QJsonValue Colour(const QString& text)
+    {
+        bool ok = text.size() == 8;
+        if (ok)
+            text.toUInt(&ok, 16);
+        return ok ? QJsonValue(text.toLower()) : Undefined();
+    }
+
+    QJsonValue Texts(const QString& key, const QJsonValue& value)
+    {
+        if (!value.isString() && !value.isDouble())
+            return Undefined();
+        const QString text = ZrRouteFields::Text(value);
+        for (const auto& integer : Integers)
+            if (key == QLatin1String(integer.key))
+                return Integer(text, integer.min, integer.max);
+        for (const char* uuid : Uuids)
+            if (key == QLatin1String(uuid))
+                return Uuid(text);
+        return key == QLatin1String("colour") ? Colour(text) : QJsonValue(text);
+    }
+
+    bool AddLike(QJsonObject& fields, const QJsonObject& like, const QString& key, const QJsonValue& value)
     {
         const auto found = like.find(key);
         if (found == like.end())
             return false;
-        const QJsonValue value = ValueLike(*found, text);
-        if (value.isUndefined())
+        const QJsonValue fitting = (*found).isBool() ? Boolean(value)
+            : (*found).isDouble()                    ? Number(value)
+                                                     : Texts(key, value);
+        if (fitting.isUndefined())
             return false;
-        fields.insert(key, value);
+        fields.insert(key, fitting);
         return true;
     }
 
@@ -77,10 +143,7 @@ QJsonObject ZrRouteFields::Of(const ZrWpt& wpt)
 
 void ZrRouteFields::Apply(const QJsonObject& fields, ZrWpt& wpt)
 {
-    QJsonObject known;
-    for (auto field = fields.begin(); field != fields.end(); ++field)
-        if (NewWaypoint().contains(field.key()))
-            known.insert(field.key(), field.value());
+    QJsonObject known = fields;
     zr::ZrSetModule module(zr::ePersistLoading, known);
     ZrWpt::serialise(wpt, module);
 }
@@ -101,14 +164,19 @@ void ZrRouteFields::Apply(const QJsonObject& fields, ZrWpts& route)
     module.item(QStringLiteral("speed"), route.speed);
 }
 
-bool ZrRouteFields::AddText(QJsonObject& fields, const QString& key, const QString& text)
+bool ZrRouteFields::IsField(const QString& key)
 {
-    return Add(fields, NewWaypoint(), key, text);
+    return NewWaypoint().contains(key);
 }
 
-bool ZrRouteFields::AddRouteText(QJsonObject& fields, const QString& key, const QString& text)
+bool ZrRouteFields::Add(QJsonObject& fields, const QString& key, const QJsonValue& value)
 {
-    return Add(fields, NewRoute(), key, text);
+    return AddLike(fields, NewWaypoint(), key, value);
+}
+
+bool ZrRouteFields::AddRoute(QJsonObject& fields, const QString& key, const QJsonValue& value)
+{
+    return AddLike(fields, NewRoute(), key, value);
 }
 
 QString ZrRouteFields::Text(const QJsonValue& value)

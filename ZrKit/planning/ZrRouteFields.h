@@ -19,7 +19,7 @@ public:
     /// The UUID, and every field that differs from that of a new waypoint; not the name and the position.
     static QJsonObject Of(const ZrWpt& wpt);
 
-    /// Sets the fields of \p wpt that \p fields names; others stay.
+    /// Sets the fields of \p wpt that \p fields, made by `Of` or `Add`, names; others stay.
     static void Apply(const QJsonObject& fields, ZrWpt& wpt);
 
     /// "prefix", "linked", "closed" and "speed".
@@ -27,12 +27,17 @@ public:
 
     static void Apply(const QJsonObject& fields, ZrWpts& route);
 
-    /// Adds the field \p key with a value given as text, in the form that its kind has in the settings. False
-    /// when it is none of `Of`, or no text of its kind.
-    static bool AddText(QJsonObject& fields, const QString& key, const QString& text);
+    /// Whether a waypoint has a field \p key besides its name and position.
+    static bool IsField(const QString& key);
 
-    static bool AddRouteText(QJsonObject& fields, const QString& key, const QString& text);
+    /// Adds the field \p key of a waypoint with a value as the settings have it, as text, or as a number where
+    /// the settings have text. False, and \p fields as they were, when there is no such field or the value is
+    /// none of its kind or outside the range of its type.
+    static bool Add(QJsonObject& fields, const QString& key, const QJsonValue& value);
 
-    /// The text of a value for `AddText`.
+    /// The same for a field of a route.
+    static bool AddRoute(QJsonObject& fields, const QString& key, const QJsonValue& value);
+
+    /// The text of a value, which `Add` takes back without loss.
     static QString Text(const QJsonValue& value);
 };

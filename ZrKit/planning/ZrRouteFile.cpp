@@ -6,84 +6,97 @@
 #include "ZrKit/planning/ZrRouteGeoJson.h"
 #include "ZrKit/planning/ZrRouteGpx.h"
 #include "ZrKit/planning/ZrRouteKml.h"
+#include "ZrKit/planning/ZrRouteSettings.h"
+#include "ZrKit/planning/ZrRouteStore.h"
 #include "ZrKit/planning/ZrRouteTab.h"
-#include "ZrUtil/ZrSetModule.h"
+#include "ZrKit/planning/ZrTextLines.h"
 #include "ZrUtil/ZrWpts.h"
-#include "ZrUtil/ZrXmlStore.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTextCodec>
+#include <QXmlStreamReader>
 
-#include <algorithm>
 #include <memory>
 
 namespace {
 
-    const QString& RouteSet()
+    constexpr int PieceSize = 1 << 16; ///< bytes of a file read at once
+
+    /// \p bytes without the mark of their encoding; UTF-16, which spreadsheets write, as UTF-8.
+    QByteArray AsUtf8(const QByteArray& bytes)
     {
-        static const QString name = QStringLiteral("Route");
-        return name;
+        const QTextCodec* codec = QTextCodec::codecForUtfText(bytes, nullptr);
+        if (!codec)
+            return bytes;
+        if (bytes.startsWith("\xEF\xBB\xBF"))
+            return bytes.mid(3); // not decoded: what is no UTF-8 has its own rules in the list
+        return codec->toUnicode(bytes).toUtf8();
     }
 
-    const QString& WaypointSet()
+    /// The name of the first element, without its prefix.
+    QString RootOf(const QByteArray& xml)
     {
-        static const QString name = QStringLiteral("Waypoints");
-        return name;
+        QXmlStreamReader reader(xml);
+        return reader.readNextStartElement() ? reader.name().toString() : QString();
     }
 
-    /// The fields of a route that the store's form of its waypoints has no place for.
-    void SyncRoute(ZrXmlStore& store, ZrWpts& route)
+    /// The line where XML that must be UTF-8 is none; 0 when it is. Qt calls it line 1.
+    int LineOfBadUtf8(const QByteArray& xml, const QByteArray& head)
     {
-        ZrXmlSet* set = store.Set(RouteSet());
-        ZrXmlObj* obj = set ? set->Obj(RouteSet(), RouteSet()) : nullptr;
-        if (!obj)
-            return;
-        obj->Item(QStringLiteral("Prefix"), route.prefix);
-        obj->Item(QStringLiteral("Linked"), route.linked);
-        obj->Item(QStringLiteral("Closed"), route.closed);
-        obj->Item(QStringLiteral("Speed"), route.speed, 10);
+        static const QRegularExpression declared(
+            QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"'](?!utf-8)"), QRegularExpression::CaseInsensitiveOption);
+        return declared.match(QString::fromLatin1(head)).hasMatch() ? 0 : ZrTextLines::OfBadUtf8(xml);
     }
 
-    QByteArray WriteSettings(const ZrWpts& route)
+    QString NumberOf(int number, const ZrWpt& wpt)
     {
-        QJsonObject root;
-        zr::ZrSetModule module(zr::ePersistStoring, root);
-        ZrWpts(route).settings(module);
-        return QJsonDocument(root).toJson();
+        return wpt.Name().isEmpty() ? QStringLiteral("waypoint %1").arg(number)
+                                    : QStringLiteral("waypoint %1 (%2)").arg(number).arg(wpt.Name());
     }
 
-    /// Applications name the set as they like: taken is ours, else the first whose objects have positions.
-    ZrXmlSet* FindWaypoints(ZrXmlStore& store)
+    QString TooManyWaypoints()
     {
-        if (ZrXmlSet* set = store.Set(WaypointSet()))
-            return set;
-        for (ZrListPos* pos = store.GetHeadPos(); pos;) {
-            ZrXmlSet* set = store.GetNext(pos);
-            QString lat;
-            ZrXmlObj* first = set->GetHead();
-            if (first && first->GetItm(QStringLiteral("Lat"), lat))
-                return set;
+        return QStringLiteral("more than %1 waypoints").arg(ZrRouteFile::MaxWaypoints);
+    }
+
+    /// Why a form of a position cannot hold \p route; empty when it can.
+    QString CheckPositions(const ZrWpts& route)
+    {
+        int number = 1;
+        QString error;
+        for (ZrListPos* pos = route.GetHeadPos(); pos; ++number) {
+            const ZrWpt& wpt = *route.GetNext(pos);
+            if (!ZrGeoShapes::Check({wpt.lat, wpt.lng}, error))
+                return NumberOf(number, wpt) + QLatin1String(": ") + error;
         }
-        return nullptr;
+        return error;
     }
 
-    bool IsLatin1(const QString& text)
+    /// The speed presets of the process, put back at the end.
+    class PresetsKept
     {
-        return text == QString::fromLatin1(text.toLatin1());
-    }
+    public:
+        PresetsKept() = default;
+        PresetsKept(const PresetsKept&) = delete;
+        PresetsKept& operator=(const PresetsKept&) = delete;
 
-    QString NumberOf(int index, const ZrWpt& wpt)
-    {
-        return wpt.Name().isEmpty() ? QStringLiteral("waypoint %1").arg(index + 1)
-                                    : QStringLiteral("waypoint %1 (%2)").arg(index + 1).arg(wpt.Name());
-    }
+        ~PresetsKept()
+        {
+            ZrWpts::s_msSlow = m_slow;
+            ZrWpts::s_msMedium = m_medium;
+            ZrWpts::s_msFast = m_fast;
+        }
 
-    int LineOf(const QByteArray& bytes, int offset)
-    {
-        return static_cast<int>(std::count(bytes.begin(), bytes.begin() + std::min(offset, bytes.size()), '\n')) + 1;
-    }
+    private:
+        float m_slow = ZrWpts::s_msSlow;
+        float m_medium = ZrWpts::s_msMedium;
+        float m_fast = ZrWpts::s_msFast;
+    };
 
 } // namespace
 
@@ -101,184 +114,176 @@ ZrRouteFile::eFormat ZrRouteFile::FormatOf(const QString& path)
     return suffix == QLatin1String("geojson") ? GeoJson : List;
 }
 
-bool ZrRouteFile::Fail(const QString& path, const QString& reason)
+bool ZrRouteFile::Fail(const QString& reason)
 {
-    m_error = path + QLatin1String(": ") + reason;
+    m_error = reason;
     return false;
+}
+
+bool ZrRouteFile::FailIn(const QString& path)
+{
+    return Fail(path + QLatin1String(": ") + m_error);
 }
 
 bool ZrRouteFile::ReadBytes(const QString& path, QByteArray& bytes)
 {
+    const QString tooLarge = QStringLiteral("too large for a route (more than 64 MiB)");
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return Fail(path, file.errorString());
-    bytes = file.read(MaxSize + 1);
+        return Fail(file.errorString());
+    if (file.size() > MaxSize)
+        return Fail(tooLarge);
+    // In pieces: devices have no size, and room for the largest file would be cleared for every small one.
+    for (QByteArray piece = file.read(PieceSize); !piece.isEmpty() && bytes.size() <= MaxSize;
+         piece = file.read(PieceSize))
+        bytes += piece;
     if (file.error() != QFileDevice::NoError)
-        return Fail(path, file.errorString());
-    if (bytes.size() > MaxSize)
-        return Fail(path, QStringLiteral("too large for a route (more than 64 MiB)"));
-    if (bytes.startsWith("\xEF\xBB\xBF"))
-        bytes.remove(0, 3);
-    if (bytes.trimmed().isEmpty())
-        return Fail(path, QStringLiteral("the file is empty"));
-    return true;
+        return Fail(file.errorString());
+    return bytes.size() > MaxSize ? Fail(tooLarge) : true;
 }
 
-bool ZrRouteFile::Parse(
-    const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute, QString& error)
+bool ZrRouteFile::ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute)
 {
+    QJsonParseError parse;
+    const QJsonObject root = QJsonDocument::fromJson(bytes, &parse).object();
+    if (parse.error != QJsonParseError::NoError)
+        return Fail(QStringLiteral("line %1: %2").arg(ZrTextLines::OfOffset(bytes, parse.offset)).arg(parse.errorString()));
+    isRoute = ZrRouteSettings::Is(root);
+    if (isRoute && root.value(QLatin1String("waypoints")).toArray().size() > MaxWaypoints)
+        return Fail(TooManyWaypoints());
+    return isRoute ? ZrRouteSettings::Read(root, bytes, route, m_error)
+                   : ZrRouteGeoJson::Read(root, bytes, shapes, m_error);
+}
+
+/// Fills \p route, when the file is one of our forms with a route in it, or else \p shapes.
+bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute)
+{
+    m_error.clear();
+    m_warnings.clear();
     isRoute = false;
-    const QByteArray head = bytes.trimmed().left(4096);
-    if (head.startsWith('{')) {
-        QJsonParseError parse;
-        QJsonObject root = QJsonDocument::fromJson(bytes, &parse).object();
-        if (parse.error != QJsonParseError::NoError) {
-            error = QStringLiteral("line %1: %2").arg(LineOf(bytes, parse.offset)).arg(parse.errorString());
-            return false;
-        }
-        if (!root.contains(QLatin1String("waypoints")))
-            return ZrRouteGeoJson::Read(root, shapes, error);
-        zr::ZrSetModule module(zr::ePersistLoading, root);
-        route.settings(module);
-        isRoute = true;
-        return true;
-    }
-    if (head.contains("<gpx"))
-        return ZrRouteGpx::Read(bytes, shapes, error);
-    if (head.contains("<kml"))
-        return ZrRouteKml::Read(bytes, shapes, error);
+    const QByteArray text = AsUtf8(bytes);
+    const QByteArray head = text.left(4096).trimmed();
+    if (head.isEmpty() && text.trimmed().isEmpty())
+        return Fail(QStringLiteral("the file is empty"));
+    if (head.startsWith('{') || head.startsWith('['))
+        return ParseJson(text, route, shapes, isRoute);
+    if (head.startsWith("PK\x03\x04"))
+        return Fail(QStringLiteral("an archive (KMZ?), to be unpacked first"));
     if (!head.startsWith('<'))
-        return ZrRouteTab::Read(bytes, shapes, error);
-    error = QStringLiteral("neither GPX, KML nor a tag-structured store with waypoints");
-    return false;
+        return ZrRouteTab::Read(text, shapes, m_error);
+    const QString root = RootOf(bytes); // of what was read: XML names its encoding
+    const auto isRoot = [&](const char* name) {
+        return root == QLatin1String(name) || (root.isEmpty() && head.contains(QByteArray("<") + name)); // damaged
+    };
+    if (isRoot("gpx") || isRoot("kml")) {
+        if (const int line = LineOfBadUtf8(text, head))
+            return Fail(QStringLiteral("line %1: no UTF-8, and no other encoding is declared").arg(line));
+        return isRoot("gpx") ? ZrRouteGpx::Read(bytes, shapes, m_error) : ZrRouteKml::Read(bytes, shapes, m_error);
+    }
+    isRoute = true;
+    return ZrRouteStore::Read(bytes, route, m_error);
 }
 
 bool ZrRouteFile::FromShapes(const ZrGeoShapes& shapes, ZrWpts& route)
 {
-    const std::vector<ZrShapePoint>* points = &shapes.points;
-    if (points->empty() && !shapes.lines.empty())
-        points = &shapes.lines.front().points;
-    else if (!shapes.lines.empty() && !shapes.route.contains(QLatin1String("linked")))
-        points = &shapes.lines.front().points; // another maker's file: the line is the route
-    const bool isLine = points != &shapes.points;
+    // In our KML and GeoJSON the line only joins the points.
+    const bool isOurs = shapes.route.contains(QLatin1String("linked"));
+    const bool isLine = !shapes.lines.empty() && !(isOurs && !shapes.points.empty());
+    const std::vector<ZrShapePoint>& points = isLine ? shapes.lines.front().points : shapes.points;
     if (shapes.lines.size() > 1)
         m_warnings << QStringLiteral("of %1 routes and lines the first was taken").arg(shapes.lines.size());
     if (isLine && !shapes.points.empty())
-        m_warnings << QStringLiteral("%1 points beside the line were left out").arg(shapes.points.size());
+        m_warnings << QStringLiteral("points beside the line were left out: %1").arg(shapes.points.size());
+    if (!shapes.areas.empty())
+        m_warnings << QStringLiteral("areas were left out: %1").arg(shapes.areas.size());
+    if (points.size() > static_cast<std::size_t>(MaxWaypoints))
+        return Fail(TooManyWaypoints());
 
-    route.linked = !shapes.lines.empty();
+    route.linked = isLine;
     if (isLine)
         route.prefix = shapes.lines.front().name;
-    ZrRouteFields::Apply(shapes.route, route);
-    for (const ZrShapePoint& point : *points) {
+    ZrRouteFields::Apply(isLine ? shapes.lines.front().route : shapes.route, route);
+    QSet<QUuid> uuids;
+    for (const ZrShapePoint& point : points) {
         auto wpt = std::make_unique<ZrWpt>();
+        const QUuid fresh = wpt->uuid;
         ZrRouteFields::Apply(point.fields, *wpt);
+        if (wpt->uuid.isNull() || uuids.contains(wpt->uuid)) // a line copied by hand
+            wpt->uuid = fresh;
+        uuids.insert(wpt->uuid);
         wpt->name = point.name;
         wpt->lat = point.position.lat;
         wpt->lng = point.position.lng;
         route.AddTail(wpt.get());
         wpt.release();
     }
-    return !points->empty();
+    return true;
 }
 
-bool ZrRouteFile::Read(const QString& path, ZrWpts& route)
+bool ZrRouteFile::FromBytes(const QByteArray& bytes, ZrWpts& route)
 {
-    m_error.clear();
-    m_warnings.clear();
-    QByteArray bytes;
-    if (!ReadBytes(path, bytes))
-        return false;
-
     ZrWpts read;
-    ZrXmlStore store(false);
-    QString error;
-    ZrXmlSet* set = bytes.trimmed().startsWith('<') && store.Load(path) ? FindWaypoints(store) : nullptr;
-    if (set) {
-        SyncRoute(store, read);
-        read.SyncXml(*set);
-    } else {
-        ZrGeoShapes shapes;
-        bool isRoute = false;
-        if (!Parse(bytes, read, shapes, isRoute, error))
-            return Fail(path, error);
-        m_warnings = shapes.warnings;
-        if (!isRoute)
-            FromShapes(shapes, read);
-    }
+    ZrGeoShapes shapes;
+    bool isRoute = false;
+    if (!Parse(bytes, read, shapes, isRoute))
+        return false;
+    m_warnings = shapes.warnings;
+    if (!isRoute && !FromShapes(shapes, read))
+        return false;
     if (read.IsEmpty())
-        return Fail(path, QStringLiteral("no route and no waypoints in it"));
+        return Fail(QStringLiteral("no route and no waypoints in it"));
     read.UpdatePseudo();
     read.Recalc(true);
     route = read;
     return true;
 }
 
-bool ZrRouteFile::ReadShapes(const QString& path, ZrGeoShapes& shapes)
+bool ZrRouteFile::Read(const QString& path, ZrWpts& route)
 {
-    m_error.clear();
     m_warnings.clear();
     QByteArray bytes;
-    if (!ReadBytes(path, bytes))
-        return false;
+    return (ReadBytes(path, bytes) && FromBytes(bytes, route)) || FailIn(path);
+}
+
+bool ZrRouteFile::ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes)
+{
+    const QString error = CheckPositions(route);
+    if (!error.isEmpty())
+        return Fail(error);
+    for (ZrListPos* pos = route.GetHeadPos(); pos;) {
+        const ZrWpt& wpt = *route.GetNext(pos);
+        shapes.points.push_back({{wpt.lat, wpt.lng}, wpt.name, ZrRouteFields::Of(wpt)});
+    }
+    return true;
+}
+
+bool ZrRouteFile::ReadShapes(const QString& path, ZrGeoShapes& shapes)
+{
+    m_warnings.clear();
+    const PresetsKept presets; // an area has no say in the speeds of routes
+    QByteArray bytes;
     ZrWpts route;
     bool isRoute = false;
-    QString error;
     ZrGeoShapes read;
-    if (Parse(bytes, route, read, isRoute, error)) {
-        m_warnings = read.warnings;
-    } else if (!Read(path, route)) { // the store is the form that Parse does not know
-        return Fail(path, error);
-    } else {
-        isRoute = true;
-    }
-    for (ZrListPos* pos = isRoute ? route.GetHeadPos() : nullptr; pos;) {
-        const ZrWpt& wpt = *route.GetNext(pos);
-        read.points.push_back({{wpt.lat, wpt.lng}, wpt.name, ZrRouteFields::Of(wpt)});
-    }
+    if (!ReadBytes(path, bytes) || !Parse(bytes, route, read, isRoute) || (isRoute && !ShapesOf(route, read)))
+        return FailIn(path);
+    m_warnings = read.warnings;
     shapes = read;
     return true;
 }
 
-bool ZrRouteFile::StoreBytes(const ZrWpts& route, QByteArray& bytes)
+bool ZrRouteFile::ToBytes(eFormat format, const ZrWpts& route, QByteArray& bytes)
 {
-    ZrXmlStore store(true);
-    ZrWpts copy(route);
-    SyncRoute(store, copy);
-    copy.SyncXml(*store.Set(WaypointSet()));
-    const QTemporaryDir dir; // the store writes over a file in place
-    const QString path = dir.filePath(QStringLiteral("route.xml"));
-    QFile file(path);
-    if (!dir.isValid() || !store.Save(path) || !file.open(QIODevice::ReadOnly)) {
-        m_error = QStringLiteral("the store cannot be made in %1").arg(dir.path());
-        return false;
-    }
-    bytes = file.readAll();
-    return true;
-}
-
-bool ZrRouteFile::Write(const QString& path, eFormat format, const ZrWpts& route)
-{
-    m_error.clear();
     m_warnings.clear();
-    int index = 0;
-    for (ZrListPos* pos = route.GetHeadPos(); pos; ++index) {
-        const ZrWpt& wpt = *route.GetNext(pos);
-        QString error;
-        if (format != Settings && format != Store && !ZrGeoShapes::Check({wpt.lat, wpt.lng}, error))
-            return Fail(path, NumberOf(index, wpt) + QLatin1String(": ") + error);
-        if (format == Store && !(IsLatin1(wpt.name) && IsLatin1(wpt.filename)))
-            m_warnings << NumberOf(index, wpt) + QStringLiteral(": characters beyond Latin-1 were replaced");
-    }
-
-    QByteArray bytes;
+    m_error = format == Settings || format == Store ? QString() : CheckPositions(route);
+    if (!m_error.isEmpty())
+        return false;
     switch (format) {
     case Settings:
-        bytes = WriteSettings(route);
+        bytes = ZrRouteSettings::Write(route);
         break;
     case Store:
-        if (!StoreBytes(route, bytes))
-            return false;
+        bytes = ZrRouteStore::Write(route, m_warnings);
         break;
     case Gpx:
         bytes = ZrRouteGpx::Write(route);
@@ -293,5 +298,13 @@ bool ZrRouteFile::Write(const QString& path, eFormat format, const ZrWpts& route
         bytes = ZrRouteTab::Write(route);
         break;
     }
+    return true;
+}
+
+bool ZrRouteFile::Write(const QString& path, eFormat format, const ZrWpts& route)
+{
+    QByteArray bytes;
+    if (!ToBytes(format, route, bytes))
+        return FailIn(path);
     return zr::replace_file(path, bytes, &m_error);
 }

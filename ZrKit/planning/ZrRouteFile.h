@@ -19,10 +19,10 @@ struct ZrGeoShapes;
 /// \endcode
 ///
 /// Positions survive a round trip to 1e-7 degrees in every form, all other fields of waypoints in all forms but
-/// the list (see `ZrRouteTab`) and the tag-structured store (six digits, Latin-1).
+/// the list (see `ZrRouteTab`) and the tag-structured store (see `ZrRouteStore`); names as each form says.
 ///
-/// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`):
-/// the user-interface thread.
+/// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`), and
+/// the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread.
 class ZR_KIT_EXPORT ZrRouteFile
 {
 public:
@@ -35,39 +35,50 @@ public:
         List, ///< a waypoint a line, columns parted by tabs
     };
 
-    /// Files larger than this are refused: they are no routes.
+    /// Larger files are refused: they are no routes.
     static constexpr long long MaxSize = 64 * 1024 * 1024;
+
+    /// Routes of more waypoints are refused.
+    static constexpr int MaxWaypoints = 250000;
 
     /// By the suffix of \p path, in any case: json, xml, gpx, kml, geojson; the list for every other.
     static eFormat FormatOf(const QString& path);
 
     /// Replaces \p route by that of the file; a failure leaves it as it was.
     ///
-    /// The form is told by the content. Of several routes in a file the first is taken; a file with points
-    /// only gives a route that is not linked. False, with the reason in `Error`, when the file cannot be read,
-    /// is damaged or holds no waypoint.
+    /// The form is told by the content. Of several routes in a file the first is taken, a route before a track; a
+    /// file with points only gives a route that is not linked. False, with the reason in `Error`, when the file
+    /// cannot be read, is damaged or holds no waypoint.
     bool Read(const QString& path, ZrWpts& route);
 
-    /// Replaces the file in one step. False, with the reason in `Error`, when it cannot be written, and for
-    /// all forms but the settings and the store when a waypoint has no valid position.
+    /// `Read` from the content of a file; the reason has no path.
+    bool FromBytes(const QByteArray& bytes, ZrWpts& route);
+
+    /// Reads whatever shapes the file holds, without deciding what they mean; a settings file and a store give
+    /// their waypoints as points, which must have valid positions. A failure leaves \p shapes as they were.
+    bool ReadShapes(const QString& path, ZrGeoShapes& shapes);
+
+    /// Replaces the file in one step. False, with the reason in `Error` and the file as it was, when it cannot be
+    /// written, and for all forms but the settings and the store when a waypoint has no valid position.
     bool Write(const QString& path, eFormat format, const ZrWpts& route);
 
-    /// Why the last call failed, a sentence with the path; empty when it did not.
+    /// The content that `Write` gives a file; the reason has no path.
+    bool ToBytes(eFormat format, const ZrWpts& route, QByteArray& bytes);
+
+    /// Why the last call failed, a sentence, with the path where there is one; empty when it did not.
     QString Error() const { return m_error; }
 
     /// What the last call left out or could not keep, a sentence each.
     QStringList Warnings() const { return m_warnings; }
 
-    /// Reads whatever shapes the file holds, without deciding what they mean; a settings file and a store give
-    /// their waypoints as points.
-    bool ReadShapes(const QString& path, ZrGeoShapes& shapes);
-
 private:
     bool ReadBytes(const QString& path, QByteArray& bytes);
-    bool Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute, QString& error);
-    bool StoreBytes(const ZrWpts& route, QByteArray& bytes);
+    bool Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute);
+    bool ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute);
     bool FromShapes(const ZrGeoShapes& shapes, ZrWpts& route);
-    bool Fail(const QString& path, const QString& reason);
+    bool ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes);
+    bool Fail(const QString& reason);
+    bool FailIn(const QString& path);
 
     QString m_error;
     QStringList m_warnings;

@@ -1,6 +1,7 @@
 #include "ZrKit/planning/ZrRouteGeoJson.h"
 
 #include "ZrKit/planning/ZrGeoShapes.h"
+#include "ZrKit/planning/ZrTextLines.h"
 #include "ZrKit/planning/ZrRouteFields.h"
 #include "ZrUtil/ZrWpts.h"
 
@@ -45,38 +46,71 @@ namespace {
         return Feature(Geometry("LineString", coordinates), {{QStringLiteral("name"), route.prefix}});
     }
 
+    /// As the programs that make GeoJSON of other formats call it.
+    QString NameOf(const QJsonObject& properties)
+    {
+        for (const char* key : {"name", "Name", "title"}) {
+            const QJsonValue name = properties.value(QLatin1String(key));
+            if (name.isString() || name.isDouble())
+                return ZrRouteFields::Text(name);
+        }
+        return {};
+    }
+
     class Reader
     {
     public:
-        explicit Reader(ZrGeoShapes& shapes)
-            : m_shapes(shapes)
+        Reader(const QByteArray& bytes, ZrGeoShapes& shapes)
+            : m_bytes(bytes)
+            , m_shapes(shapes)
         {
         }
 
         bool Run(const QJsonObject& object, QString& error)
         {
             const QString type = object.value(QLatin1String("type")).toString();
-            if (type == QLatin1String("FeatureCollection")) {
-                m_shapes.route = object.value(QLatin1String("route")).toObject();
-                const QJsonArray features = object.value(QLatin1String("features")).toArray();
-                for (int i = 0; i < features.size() && m_error.isEmpty(); ++i) {
-                    m_place = QStringLiteral("feature %1: ").arg(i + 1);
-                    ReadFeature(features[i].toObject());
-                }
-            } else if (type == QLatin1String("Feature")) {
+            if (type == QLatin1String("FeatureCollection"))
+                ReadCollection(object);
+            else if (type == QLatin1String("Feature"))
                 ReadFeature(object);
-            } else {
+            else
                 ReadGeometry(object, {}, 0);
-            }
             error = m_error;
             return m_error.isEmpty();
         }
 
     private:
+        static constexpr int MaxDepth = 16; // collections in collections
+
         void Fail(const QString& reason)
         {
             if (m_error.isEmpty())
-                m_error = m_place + reason;
+                m_error = Place() + reason;
+        }
+
+        /// What begins errors and warnings.
+        QString Place() const
+        {
+            if (m_feature < 0)
+                return {};
+            return QStringLiteral("line %1: feature %2: ")
+                .arg(ZrTextLines::OfElement(m_bytes, "features", m_feature))
+                .arg(m_feature + 1);
+        }
+
+        void ReadCollection(const QJsonObject& object)
+        {
+            const QJsonObject route = object.value(QLatin1String("route")).toObject();
+            for (auto field = route.begin(); field != route.end(); ++field)
+                ZrRouteFields::AddRoute(m_shapes.route, field.key(), field.value());
+            const QJsonValue features = object.value(QLatin1String("features"));
+            if (!features.isArray())
+                Fail(QStringLiteral("not GeoJSON: \"features\" is no list"));
+            const QJsonArray list = features.toArray();
+            for (int i = 0; i < list.size() && m_error.isEmpty(); ++i) {
+                m_feature = i;
+                ReadFeature(list[i].toObject());
+            }
         }
 
         void ReadFeature(const QJsonObject& feature)
@@ -92,12 +126,12 @@ namespace {
         {
             const QString type = geometry.value(QLatin1String("type")).toString();
             const QJsonArray coordinates = geometry.value(QLatin1String("coordinates")).toArray();
-            const QString name = properties.value(QLatin1String("name")).toString();
+            const QString name = NameOf(properties);
             if (type == QLatin1String("Point")) {
-                m_shapes.points.push_back({ReadPosition(coordinates), name, properties});
+                ReadPoint(coordinates, name, properties);
             } else if (type == QLatin1String("MultiPoint")) {
                 for (const QJsonValue& position : coordinates)
-                    m_shapes.points.push_back({ReadPosition(position.toArray()), name, {}});
+                    ReadPoint(position.toArray(), name, {});
             } else if (type == QLatin1String("LineString")) {
                 ReadLine(coordinates, name);
             } else if (type == QLatin1String("MultiLineString")) {
@@ -108,19 +142,21 @@ namespace {
             } else if (type == QLatin1String("MultiPolygon")) {
                 for (const QJsonValue& polygon : coordinates)
                     ReadPolygon(polygon.toArray(), name);
-            } else if (type == QLatin1String("GeometryCollection") && depth < 16) {
-                for (const QJsonValue& part : geometry.value(QLatin1String("geometries")).toArray())
-                    ReadGeometry(part.toObject(), properties, depth + 1);
-            } else {
+            } else if (type != QLatin1String("GeometryCollection")) {
                 Fail(type.isEmpty() ? QStringLiteral("not GeoJSON: no \"type\"")
                                     : QStringLiteral("\"%1\" is no type of GeoJSON geometry").arg(type));
+            } else if (depth == MaxDepth) {
+                Fail(QStringLiteral("geometries nest too deeply"));
+            } else {
+                for (const QJsonValue& part : geometry.value(QLatin1String("geometries")).toArray())
+                    ReadGeometry(part.toObject(), properties, depth + 1);
             }
         }
 
         ZrGeoPoint ReadPosition(const QJsonArray& numbers)
         {
             if (numbers.size() < 2 || !numbers[0].isDouble() || !numbers[1].isDouble()) {
-                Fail(QStringLiteral("a position must be an array of longitude and latitude"));
+                Fail(QStringLiteral("a position must be a list of longitude and latitude"));
                 return {};
             }
             const ZrGeoPoint point {numbers[1].toDouble(), numbers[0].toDouble()};
@@ -130,30 +166,40 @@ namespace {
             return point;
         }
 
+        /// Properties of other makers are passed over.
+        void ReadPoint(const QJsonArray& coordinates, const QString& name, const QJsonObject& properties)
+        {
+            ZrShapePoint point {ReadPosition(coordinates), name, {}};
+            for (auto field = properties.begin(); field != properties.end(); ++field)
+                ZrRouteFields::Add(point.fields, field.key(), field.value());
+            m_shapes.points.push_back(point);
+        }
+
         void ReadLine(const QJsonArray& coordinates, const QString& name)
         {
             ZrShapeLine line;
             line.name = name;
             for (const QJsonValue& position : coordinates)
                 line.points.push_back({ReadPosition(position.toArray()), {}, {}});
-            m_shapes.lines.push_back(line);
+            if (!line.points.empty())
+                m_shapes.lines.push_back(line);
         }
 
         void ReadPolygon(const QJsonArray& rings, const QString& name)
         {
-            ZrArea area;
-            area.name = name;
+            std::vector<ZrGeoPoint> ring;
             for (const QJsonValue& position : rings.at(0).toArray())
-                area.ring.push_back(ReadPosition(position.toArray()));
-            if (area.ring.size() > 1 && area.ring.front() == area.ring.back())
-                area.ring.pop_back();
+                ring.push_back(ReadPosition(position.toArray()));
             if (rings.size() > 1)
-                m_shapes.warnings << m_place + QStringLiteral("the holes of a polygon were left out");
-            m_shapes.areas.push_back(area);
+                m_shapes.LeaveOutHoles(
+                    rings.size() - 1, [this] { return Place() + QStringLiteral("the holes of a polygon were left out"); });
+            if (!ring.empty())
+                m_shapes.areas.push_back({name, ZrGeoShapes::Open(ring)});
         }
 
+        const QByteArray& m_bytes;
         ZrGeoShapes& m_shapes;
-        QString m_place; ///< what begins every error
+        int m_feature = -1; ///< the one being read
         QString m_error;
     };
 
@@ -172,7 +218,7 @@ QByteArray ZrRouteGeoJson::Write(const ZrWpts& route)
         .toJson();
 }
 
-bool ZrRouteGeoJson::Read(const QJsonObject& object, ZrGeoShapes& shapes, QString& error)
+bool ZrRouteGeoJson::Read(const QJsonObject& object, const QByteArray& bytes, ZrGeoShapes& shapes, QString& error)
 {
-    return Reader(shapes).Run(object, error);
+    return Reader(bytes, shapes).Run(object, error);
 }

@@ -20,7 +20,11 @@ public:
     /// All waypoints must have valid positions.
     static QByteArray Write(const ZrWpts& route);
 
-    /// Adds the points, lines and outer rings of polygons to \p shapes. False, with the reason, when the object
-    /// is no GeoJSON or holds a position that is none; features are counted from 1.
-    static bool Read(const QJsonObject& object, ZrGeoShapes& shapes, QString& error);
+    /// Adds the points, lines and outer rings of polygons to \p shapes; holes give a warning. Properties of other
+    /// kinds than ours are passed over.
+    ///
+    /// \p object is what \p bytes hold; they serve the line numbers. False when the object is no GeoJSON or holds
+    /// a position that is none: with "line N: feature M: reason", M from 1, or the reason alone where there are
+    /// no features.
+    static bool Read(const QJsonObject& object, const QByteArray& bytes, ZrGeoShapes& shapes, QString& error);
 };

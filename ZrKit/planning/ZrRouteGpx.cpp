@@ -1,11 +1,10 @@
 #include "ZrKit/planning/ZrRouteGpx.h"
 
 #include "ZrKit/export/ZrTrackText.h"
-#include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFields.h"
+#include "ZrKit/planning/ZrShapeXml.h"
 #include "ZrUtil/ZrWpts.h"
 
-#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -14,6 +13,13 @@ namespace {
     {
         static const QString uri = QStringLiteral("urn:zrkit:route");
         return uri;
+    }
+
+    /// The field of a point at longitude 180, for which GPX has only -180.
+    const QString& Antimeridian()
+    {
+        static const QString key = QStringLiteral("antimeridian");
+        return key;
     }
 
     class Writer
@@ -42,6 +48,8 @@ namespace {
             }
             for (ZrListPos* pos = route.GetHeadPos(); pos;)
                 Point(*route.GetNext(pos), route.linked ? "rtept" : "wpt");
+            if (!route.linked)
+                Fields(ZrRouteFields::Of(route));
             m_xml.writeEndDocument();
         }
 
@@ -49,13 +57,16 @@ namespace {
         void Point(const ZrWpt& wpt, const char* element)
         {
             m_xml.writeStartElement(QLatin1String(element));
+            const QString longitude = ZrTrackText::Longitude(wpt.lng);
             m_xml.writeAttribute(QStringLiteral("lat"), ZrTrackText::Latitude(wpt.lat));
-            m_xml.writeAttribute(QStringLiteral("lon"), ZrTrackText::Longitude(wpt.lng));
+            m_xml.writeAttribute(QStringLiteral("lon"), longitude);
             if (!wpt.Name().isEmpty())
                 m_xml.writeTextElement(QStringLiteral("name"), ZrTrackText::Clean(wpt.Name()));
             QJsonObject fields = ZrRouteFields::Of(wpt);
             if (wpt.name.isEmpty())
                 fields.insert(QStringLiteral("unnamed"), true); // the name is the label that the route made
+            if (wpt.lng > 0.0 && longitude.startsWith(QLatin1Char('-')))
+                fields.insert(Antimeridian(), true);
             Fields(fields);
             m_xml.writeEndElement();
         }
@@ -75,33 +86,33 @@ namespace {
         QXmlStreamWriter m_xml;
     };
 
-    class Reader
+    class Reader : private ZrShapeXml
     {
     public:
         Reader(const QByteArray& bytes, ZrGeoShapes& shapes)
-            : m_xml(bytes)
-            , m_shapes(shapes)
+            : ZrShapeXml(bytes, shapes)
         {
         }
 
         bool Run(QString& error)
         {
-            if (m_xml.readNextStartElement() && m_xml.name() != QLatin1String("gpx"))
-                m_xml.raiseError(QStringLiteral("not a GPX file"));
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("wpt"))
+            if (NextChild() && !Is("gpx"))
+                Fail(QStringLiteral("not a GPX file"));
+            while (NextChild()) {
+                if (Is("wpt"))
                     m_shapes.points.push_back(Point());
-                else if (m_xml.name() == QLatin1String("rte"))
-                    Line("rtept", true);
-                else if (m_xml.name() == QLatin1String("trk"))
+                else if (Is("rte"))
+                    Line("rtept", {}, m_shapes.lines);
+                else if (Is("trk"))
                     Track();
+                else if (Is("extensions"))
+                    Fields(m_shapes.route, &ZrRouteFields::AddRoute);
                 else
-                    m_xml.skipCurrentElement();
+                    Skip();
             }
-            if (!m_xml.hasError())
-                return true;
-            error = QStringLiteral("line %1: %2").arg(m_xml.lineNumber()).arg(m_xml.errorString());
-            return false;
+            m_shapes.lines.insert(m_shapes.lines.end(), m_tracks.begin(), m_tracks.end());
+            error = Error();
+            return error.isEmpty();
         }
 
     private:
@@ -111,7 +122,8 @@ namespace {
             bool ok = false;
             const double value = text.toDouble(&ok);
             if (!ok)
-                m_xml.raiseError(QStringLiteral("\"%1\" is no %2").arg(text, QLatin1String(attribute)));
+                Fail(text.isNull() ? QStringLiteral("\"%1\" has no \"%2\"").arg(m_xml.name(), QLatin1String(attribute))
+                                   : QStringLiteral("\"%1\" is no \"%2\"").arg(text, QLatin1String(attribute)));
             return value;
         }
 
@@ -119,68 +131,80 @@ namespace {
         {
             ZrShapePoint point;
             point.position = {Degrees("lat"), Degrees("lon")};
-            QString error;
-            if (!m_xml.hasError() && !ZrGeoShapes::Check(point.position, error))
-                m_xml.raiseError(error);
+            CheckPosition(point.position);
             m_unnamed = false;
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("name"))
-                    point.name = m_xml.readElementText();
-                else if (m_xml.name() == QLatin1String("extensions"))
-                    Fields(point.fields, &ZrRouteFields::AddText);
+            m_antimeridian = false;
+            while (NextChild()) {
+                if (Is("name"))
+                    point.name = Text();
+                else if (Is("extensions"))
+                    Fields(point.fields, &ZrRouteFields::Add);
                 else
-                    m_xml.skipCurrentElement();
+                    Skip();
             }
             if (m_unnamed)
                 point.name.clear();
+            if (m_antimeridian)
+                point.position.lng = 180.0;
             return point;
         }
 
-        void Line(const char* pointElement, bool isRoute)
+        void CheckPosition(const ZrGeoPoint& position)
+        {
+            QString error;
+            if (!ZrGeoShapes::Check(position, error))
+                Fail(error);
+        }
+
+        void Line(const char* pointElement, const QString& name, std::vector<ZrShapeLine>& lines)
         {
             ZrShapeLine line;
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String(pointElement))
+            line.name = name;
+            while (NextChild()) {
+                if (Is(pointElement))
                     line.points.push_back(Point());
-                else if (m_xml.name() == QLatin1String("name"))
-                    line.name = m_xml.readElementText();
-                else if (m_xml.name() == QLatin1String("extensions") && isRoute && m_shapes.lines.empty())
-                    Fields(m_shapes.route, &ZrRouteFields::AddRouteText);
+                else if (Is("name"))
+                    line.name = Text();
+                else if (Is("extensions"))
+                    Fields(line.route, &ZrRouteFields::AddRoute);
                 else
-                    m_xml.skipCurrentElement();
+                    Skip();
             }
-            m_shapes.lines.push_back(line);
+            if (!line.points.empty())
+                lines.push_back(line);
         }
 
         void Track()
         {
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("trkseg"))
-                    Line("trkpt", false);
+            QString name;
+            while (NextChild()) {
+                if (Is("trkseg"))
+                    Line("trkpt", name, m_tracks);
+                else if (Is("name"))
+                    name = Text();
                 else
-                    m_xml.skipCurrentElement();
+                    Skip();
             }
         }
 
-        void Fields(QJsonObject& fields, bool (*add)(QJsonObject&, const QString&, const QString&))
+        void Fields(QJsonObject& fields, AddField add)
         {
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.namespaceUri() != Namespace() || m_xml.name() != QLatin1String("field")) {
-                    m_xml.skipCurrentElement();
+            while (NextChild()) {
+                if (m_xml.namespaceUri() != Namespace() || !Is("field")) {
+                    Skip();
                     continue;
                 }
                 const QString key = m_xml.attributes().value(QLatin1String("key")).toString();
-                const QString text = m_xml.readElementText();
-                if (key == QLatin1String("unnamed"))
-                    m_unnamed = true;
-                else if (!m_xml.hasError() && !add(fields, key, text))
-                    m_xml.raiseError(QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key));
+                const QString text = Text();
+                if (key == Antimeridian())
+                    m_antimeridian = true;
+                else if (!TakeField(fields, add, key, text))
+                    Fail(QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key));
             }
         }
 
-        QXmlStreamReader m_xml;
-        ZrGeoShapes& m_shapes;
-        bool m_unnamed = false;
+        std::vector<ZrShapeLine> m_tracks;
+        bool m_antimeridian = false; ///< the point lies at longitude 180
     };
 
 } // namespace

@@ -12,7 +12,7 @@ struct ZrGeoShapes;
 ///
 /// Positions have 8 decimals, longitudes are within [−180, 180). The fields of waypoints and of the route
 /// that GPX has no place for stand in `extensions`, as `field` elements of our own name space with the
-/// settings key and the value. Any thread.
+/// settings key and the value. Control characters are left out, line ends become line feeds. Any thread.
 class ZR_KIT_EXPORT ZrRouteGpx
 {
 public:
@@ -20,6 +20,6 @@ public:
     static QByteArray Write(const ZrWpts& route);
 
     /// Adds the routes, the segments of tracks and the waypoints to \p shapes. False with "line N: reason" when
-    /// \p bytes are no GPX or hold a position that is none.
+    /// \p bytes are no GPX, or hold a position or a field of ours that is none.
     static bool Read(const QByteArray& bytes, ZrGeoShapes& shapes, QString& error);
 };

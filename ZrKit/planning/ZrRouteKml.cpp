@@ -1,11 +1,10 @@
 #include "ZrKit/planning/ZrRouteKml.h"
 
 #include "ZrKit/export/ZrTrackText.h"
-#include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFields.h"
+#include "ZrKit/planning/ZrShapeXml.h"
 #include "ZrUtil/ZrWpts.h"
 
-#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -28,7 +27,7 @@ namespace {
             m_xml.writeStartElement(QStringLiteral("Document"));
             Text("name", route.prefix);
             Fields(ZrRouteFields::Of(route));
-            if (route.linked)
+            if (route.linked && route.GetCount() > 1)
                 Line(route);
             for (ZrListPos* pos = route.GetHeadPos(); pos;)
                 Point(*route.GetNext(pos));
@@ -44,7 +43,7 @@ namespace {
 
         static QString Coordinates(const ZrWpt& wpt)
         {
-            return ZrTrackText::Longitude(wpt.lng) + QLatin1Char(',') + ZrTrackText::Latitude(wpt.lat);
+            return ZrTrackText::Number(wpt.lng, 8) + QLatin1Char(',') + ZrTrackText::Latitude(wpt.lat);
         }
 
         void Line(const ZrWpts& route)
@@ -52,7 +51,7 @@ namespace {
             QStringList coordinates;
             for (ZrListPos* pos = route.GetHeadPos(); pos;)
                 coordinates << Coordinates(*route.GetNext(pos));
-            if (route.closed && !coordinates.isEmpty())
+            if (route.closed)
                 coordinates << coordinates.front();
             m_xml.writeStartElement(QStringLiteral("Placemark"));
             Text("name", route.prefix);
@@ -93,25 +92,24 @@ namespace {
         QXmlStreamWriter m_xml;
     };
 
-    class Reader
+    class Reader : private ZrShapeXml
     {
     public:
         Reader(const QByteArray& bytes, ZrGeoShapes& shapes)
-            : m_xml(bytes)
-            , m_shapes(shapes)
+            : ZrShapeXml(bytes, shapes)
         {
         }
 
         bool Run(QString& error)
         {
-            if (m_xml.readNextStartElement() && m_xml.name() != QLatin1String("kml"))
-                m_xml.raiseError(QStringLiteral("not a KML file"));
-            if (!m_xml.hasError())
-                Container(0);
-            if (!m_xml.hasError())
-                return true;
-            error = QStringLiteral("line %1: %2").arg(m_xml.lineNumber()).arg(m_xml.errorString());
-            return false;
+            if (NextChild()) {
+                if (Is("kml"))
+                    Container(0);
+                else
+                    Fail(QStringLiteral("not a KML file"));
+            }
+            error = Error();
+            return error.isEmpty();
         }
 
     private:
@@ -120,19 +118,17 @@ namespace {
         /// Document and Folder elements, which nest.
         void Container(int depth)
         {
-            if (depth > MaxDepth) {
-                m_xml.raiseError(QStringLiteral("folders nest too deeply"));
-                return;
-            }
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("Document") || m_xml.name() == QLatin1String("Folder"))
+            if (depth > MaxDepth)
+                Fail(QStringLiteral("folders nest too deeply"));
+            while (NextChild()) {
+                if (Is("Document") || Is("Folder"))
                     Container(depth + 1);
-                else if (m_xml.name() == QLatin1String("Placemark"))
+                else if (Is("Placemark"))
                     Placemark();
-                else if (m_xml.name() == QLatin1String("ExtendedData"))
-                    Fields(m_shapes.route, &ZrRouteFields::AddRouteText);
+                else if (Is("ExtendedData"))
+                    Fields(m_shapes.route, &ZrRouteFields::AddRoute);
                 else
-                    m_xml.skipCurrentElement();
+                    Skip();
             }
         }
 
@@ -142,123 +138,139 @@ namespace {
             QJsonObject fields;
             ZrGeoShapes found;
             m_unnamed = false;
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("name"))
-                    name = m_xml.readElementText();
-                else if (m_xml.name() == QLatin1String("ExtendedData"))
-                    Fields(fields, &ZrRouteFields::AddText);
+            while (NextChild()) {
+                if (Is("name"))
+                    name = Text();
+                else if (Is("ExtendedData"))
+                    Fields(fields, &ZrRouteFields::Add);
                 else
                     Geometry(found, 0);
             }
             if (m_unnamed)
                 name.clear();
-            for (ZrShapePoint& point : found.points)
+            for (const ZrShapePoint& point : found.points)
                 m_shapes.points.push_back({point.position, name, fields});
-            for (ZrShapeLine& line : found.lines)
-                m_shapes.lines.push_back({name, line.points});
-            for (ZrArea& area : found.areas)
+            for (const ZrShapeLine& line : found.lines)
+                m_shapes.lines.push_back({name, line.points, {}});
+            for (const ZrArea& area : found.areas)
                 m_shapes.areas.push_back({name, area.ring});
         }
 
         void Geometry(ZrGeoShapes& found, int depth)
         {
-            if (m_xml.name() == QLatin1String("Point")) {
+            if (Is("Point")) {
                 const std::vector<ZrGeoPoint> points = CoordinatesWithin();
                 if (!points.empty())
                     found.points.push_back({points.front(), {}, {}});
-            } else if (m_xml.name() == QLatin1String("LineString")) {
+            } else if (Is("LineString")) {
                 ZrShapeLine line;
                 for (const ZrGeoPoint& point : CoordinatesWithin())
                     line.points.push_back({point, {}, {}});
-                found.lines.push_back(line);
-            } else if (m_xml.name() == QLatin1String("Polygon")) {
+                if (!line.points.empty())
+                    found.lines.push_back(line);
+            } else if (Is("LinearRing")) {
+                Ring(found);
+            } else if (Is("Polygon")) {
                 Polygon(found);
-            } else if (m_xml.name() == QLatin1String("MultiGeometry") && depth < MaxDepth) {
-                while (!m_xml.hasError() && m_xml.readNextStartElement())
+            } else if (Is("MultiGeometry")) {
+                if (depth > MaxDepth)
+                    Fail(QStringLiteral("geometries nest too deeply"));
+                while (NextChild())
                     Geometry(found, depth + 1);
             } else {
-                m_xml.skipCurrentElement();
+                Skip();
             }
+        }
+
+        void Ring(ZrGeoShapes& found)
+        {
+            const std::vector<ZrGeoPoint> ring = ZrGeoShapes::Open(CoordinatesWithin());
+            if (!ring.empty())
+                found.areas.push_back({{}, ring});
         }
 
         void Polygon(ZrGeoShapes& found)
         {
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() == QLatin1String("outerBoundaryIs")) {
-                    ZrArea area;
-                    while (!m_xml.hasError() && m_xml.readNextStartElement())
-                        area.ring = CoordinatesWithin();
-                    if (area.ring.size() > 1 && area.ring.front() == area.ring.back())
-                        area.ring.pop_back();
-                    found.areas.push_back(area);
+            while (NextChild()) {
+                if (Is("outerBoundaryIs")) {
+                    while (NextChild())
+                        Ring(found);
                     continue;
                 }
-                if (m_xml.name() == QLatin1String("innerBoundaryIs"))
-                    m_shapes.warnings << QStringLiteral("line %1: a hole of a polygon was left out")
-                                             .arg(m_xml.lineNumber());
-                m_xml.skipCurrentElement();
+                if (Is("innerBoundaryIs"))
+                    m_shapes.LeaveOutHoles(1, [this] {
+                        return QStringLiteral("line %1: a hole of a polygon was left out").arg(m_xml.lineNumber());
+                    });
+                Skip();
             }
         }
 
-        /// The positions of the `coordinates` element below this one.
+        /// The positions of the `coordinates` elements below this one.
         std::vector<ZrGeoPoint> CoordinatesWithin()
         {
             std::vector<ZrGeoPoint> points;
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                if (m_xml.name() != QLatin1String("coordinates")) {
-                    m_xml.skipCurrentElement();
-                    continue;
-                }
-                const QString text = m_xml.readElementText().simplified();
-                for (const QString& tuple : text.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-                    const QStringList numbers = tuple.split(QLatin1Char(','));
-                    bool ok[2] = {false, false};
-                    ZrGeoPoint point;
-                    if (numbers.size() >= 2) {
-                        point.lng = numbers[0].toDouble(&ok[0]);
-                        point.lat = numbers[1].toDouble(&ok[1]);
-                    }
-                    QString error;
-                    if (!ok[0] || !ok[1])
-                        error = QStringLiteral("\"%1\" is no longitude and latitude").arg(tuple);
-                    else
-                        ZrGeoShapes::Check(point, error);
-                    if (!error.isEmpty()) {
-                        m_xml.raiseError(error);
-                        return {};
-                    }
-                    points.push_back(point);
+            while (NextChild()) {
+                if (Is("coordinates")) {
+                    const qint64 line = m_xml.lineNumber();
+                    Coordinates(Text(), line, points);
+                } else {
+                    Skip();
                 }
             }
             return points;
         }
 
-        /// Keys of other makers are passed over: `ExtendedData` belongs to everybody.
-        void Fields(QJsonObject& fields, bool (*add)(QJsonObject&, const QString&, const QString&))
+        /// \p line is where \p text begins.
+        void Coordinates(const QString& text, qint64 line, std::vector<ZrGeoPoint>& points)
         {
-            while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                const QString key = m_xml.attributes().value(QLatin1String("name")).toString();
-                if (m_xml.name() != QLatin1String("Data")) {
-                    m_xml.skipCurrentElement();
-                    continue;
-                }
-                while (!m_xml.hasError() && m_xml.readNextStartElement()) {
-                    if (m_xml.name() != QLatin1String("value")) {
-                        m_xml.skipCurrentElement();
-                        continue;
-                    }
-                    const QString text = m_xml.readElementText();
-                    if (key == QLatin1String("unnamed"))
-                        m_unnamed = true;
-                    else
-                        add(fields, key, text);
-                }
+            for (int begin = 0; begin < text.size() && !m_xml.hasError();) {
+                if (text[begin] == QLatin1Char('\n'))
+                    ++line;
+                int end = begin;
+                while (end < text.size() && !text[end].isSpace())
+                    ++end;
+                if (end > begin)
+                    points.push_back(Position(text.mid(begin, end - begin), line));
+                else
+                    ++end;
+                begin = end;
             }
         }
 
-        QXmlStreamReader m_xml;
-        ZrGeoShapes& m_shapes;
-        bool m_unnamed = false;
+        ZrGeoPoint Position(const QString& tuple, qint64 line)
+        {
+            const QStringList numbers = tuple.split(QLatin1Char(','));
+            bool ok[2] = {false, false};
+            ZrGeoPoint point;
+            if (numbers.size() >= 2) {
+                point.lng = numbers[0].toDouble(&ok[0]);
+                point.lat = numbers[1].toDouble(&ok[1]);
+            }
+            QString error;
+            if (!ok[0] || !ok[1])
+                Fail(QStringLiteral("\"%1\" is no longitude and latitude").arg(tuple), line);
+            else if (!ZrGeoShapes::Check(point, error))
+                Fail(error, line);
+            return point;
+        }
+
+        /// Keys and values of other makers are passed over: `ExtendedData` belongs to everybody.
+        void Fields(QJsonObject& fields, AddField add)
+        {
+            while (NextChild()) {
+                const QString key = m_xml.attributes().value(QLatin1String("name")).toString();
+                if (!Is("Data")) {
+                    Skip();
+                    continue;
+                }
+                while (NextChild()) {
+                    if (Is("value"))
+                        TakeField(fields, add, key, Text());
+                    else
+                        Skip();
+                }
+            }
+        }
     };
 
 } // namespace

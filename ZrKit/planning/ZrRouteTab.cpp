@@ -2,6 +2,7 @@
 
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFields.h"
+#include "ZrKit/planning/ZrTextLines.h"
 #include "ZrUtil/ZrUnits.h"
 #include "ZrUtil/ZrWpts.h"
 
@@ -15,7 +16,7 @@ namespace {
         return begin;
     }
 
-    constexpr const char* Columns[] = {"z", "r", "speedtype", "speed"}; // behind name and position
+    constexpr const char* Columns[] = {"z", "r", "speedtype", "speed"}; // behind position and name
 
     /// The settings key of a column as people name it.
     QString KeyOf(const QString& column)
@@ -30,6 +31,29 @@ namespace {
             : column.trimmed();
     }
 
+    QString Decoded(const QByteArray& bytes)
+    {
+        // With their size: without it the text would end at the first zero byte.
+        return ZrTextLines::OfBadUtf8(bytes) == 0 ? QString::fromUtf8(bytes.constData(), bytes.size())
+                                                  : QString::fromLatin1(bytes.constData(), bytes.size());
+    }
+
+    /// Whether \p text has the letter of the other axis: latitude and longitude have been exchanged.
+    bool HasOneOf(const QString& text, const QString& letters)
+    {
+        return !text.isEmpty() && (letters.contains(text.front()) || letters.contains(text.back()));
+    }
+
+    QString ReadDegrees(const QString& text, bool isLat, double& value)
+    {
+        bool ok = false;
+        value = ZrUnits::GetValue(text, ok);
+        if (ok && !HasOneOf(text, isLat ? QStringLiteral("EW") : QStringLiteral("NS")))
+            return {};
+        return QStringLiteral("\"%1\" is no %2")
+            .arg(text, isLat ? QStringLiteral("latitude") : QStringLiteral("longitude"));
+    }
+
     class Reader
     {
     public:
@@ -40,26 +64,40 @@ namespace {
 
         bool Run(const QString& text, QString& error)
         {
-            const QStringList lines = text.split(QLatin1Char('\n'));
-            for (int i = 0; i < lines.size() && error.isEmpty(); ++i) {
-                QString line = lines[i];
+            error.clear();
+            int number = 1;
+            for (int begin = 0; begin < text.size() && error.isEmpty(); ++number) {
+                int end = text.indexOf(QLatin1Char('\n'), begin);
+                if (end < 0)
+                    end = text.size();
+                QString line = text.mid(begin, end - begin);
                 if (line.endsWith(QLatin1Char('\r')))
                     line.chop(1);
                 if (line.startsWith(QLatin1Char('#')))
-                    Comment(line);
+                    error = Comment(line);
                 else if (!line.trimmed().isEmpty())
                     error = Line(line.split(QLatin1Char('\t')));
                 if (!error.isEmpty())
-                    error = QStringLiteral("line %1: %2").arg(i + 1).arg(error);
+                    error = QStringLiteral("line %1: %2").arg(number).arg(error);
+                begin = end + 1;
             }
             return error.isEmpty();
         }
 
     private:
-        void Comment(const QString& line)
+        QString Comment(const QString& line)
         {
-            if (line.startsWith(RouteComment()))
-                m_shapes.route = QJsonDocument::fromJson(line.mid(RouteComment().size()).toUtf8()).object();
+            if (!line.startsWith(RouteComment() + QLatin1Char('{')))
+                return {};
+            QJsonParseError parse;
+            const QJsonObject route
+                = QJsonDocument::fromJson(line.mid(RouteComment().size()).toUtf8(), &parse).object();
+            if (parse.error != QJsonParseError::NoError)
+                return QStringLiteral("the fields of the route are damaged: %1").arg(parse.errorString());
+            for (auto field = route.begin(); field != route.end(); ++field)
+                if (!ZrRouteFields::AddRoute(m_shapes.route, field.key(), field.value()))
+                    return QStringLiteral("\"%1\" is no field of a route, or its value is none").arg(field.key());
+            return {};
         }
 
         QString Line(const QStringList& cells)
@@ -69,15 +107,14 @@ namespace {
                 return {};
             }
             m_begun = true;
-            QStringList keys = m_keys;
-            if (keys.isEmpty())
-                keys = cells.size() == 2 ? QStringList {QStringLiteral("lat"), QStringLiteral("long")}
-                                         : QStringList {QStringLiteral("name"), QStringLiteral("lat"), QStringLiteral("long")};
             if (cells.size() < 2)
                 return QStringLiteral("no columns; they are separated by tabs");
+            static const QStringList pair {QStringLiteral("lat"), QStringLiteral("long")};
+            static const QStringList named = QStringList {QStringLiteral("name")} + pair;
+            const QStringList& keys = !m_keys.isEmpty() ? m_keys : cells.size() == 2 ? pair : named;
             ZrShapePoint point;
-            for (int i = 0; i < cells.size() && i < keys.size(); ++i) {
-                const QString error = Cell(keys[i], cells[i].trimmed(), point);
+            for (int i = 0; i < keys.size(); ++i) {
+                const QString error = Cell(keys[i], cells.value(i).trimmed(), point);
                 if (!error.isEmpty())
                     return error;
             }
@@ -100,30 +137,15 @@ namespace {
 
         QString Cell(const QString& key, const QString& text, ZrShapePoint& point)
         {
-            if (key == QLatin1String("lat") || key == QLatin1String("long")) {
-                bool ok = false;
-                const bool isLat = key == QLatin1String("lat");
-                (isLat ? point.position.lat : point.position.lng) = ZrUnits::GetValue(text, ok);
-                if (!ok)
-                    return QStringLiteral("\"%1\" is no %2").arg(text, isLat ? QStringLiteral("latitude") : QStringLiteral("longitude"));
-            } else if (key == QLatin1String("name")) {
+            if (key == QLatin1String("lat"))
+                return ReadDegrees(text, true, point.position.lat);
+            if (key == QLatin1String("long"))
+                return ReadDegrees(text, false, point.position.lng);
+            if (key == QLatin1String("name"))
                 point.name = text;
-            } else if (!text.isEmpty()) {
-                QJsonObject known;
-                if (ZrRouteFields::AddText(known, key, text))
-                    point.fields.insert(key, known.value(key));
-                else if (ZrRouteFields::Of(ZrWpt()).contains(key) || IsColumn(key))
-                    return QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key);
-            }
+            else if (!text.isEmpty() && ZrRouteFields::IsField(key) && !ZrRouteFields::Add(point.fields, key, text))
+                return QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key);
             return {};
-        }
-
-        static bool IsColumn(const QString& key)
-        {
-            for (const char* column : Columns)
-                if (key == QLatin1String(column))
-                    return true;
-            return false;
         }
 
         ZrGeoShapes& m_shapes;
@@ -131,20 +153,29 @@ namespace {
         bool m_begun = false; ///< a line that is no comment has been read
     };
 
+    /// \p name in one cell.
+    QString CellOf(QString name)
+    {
+        for (QChar& c : name)
+            if (c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r'))
+                c = QLatin1Char(' ');
+        return name;
+    }
+
 } // namespace
 
 QByteArray ZrRouteTab::Write(const ZrWpts& route)
 {
     const QString routeFields
         = QString::fromUtf8(QJsonDocument(ZrRouteFields::Of(route)).toJson(QJsonDocument::Compact));
-    QString text = RouteComment() + routeFields + QStringLiteral("\nname\tlat\tlong");
+    QString text = RouteComment() + routeFields + QStringLiteral("\nlat\tlong\tname");
     for (const char* column : Columns)
         text += QLatin1Char('\t') + QLatin1String(column);
     text += QLatin1Char('\n');
     for (ZrListPos* pos = route.GetHeadPos(); pos;) {
         const ZrWpt& wpt = *route.GetNext(pos);
-        text += wpt.name.simplified() + QLatin1Char('\t') + QString::number(wpt.lat, 'f', 9) + QLatin1Char('\t')
-            + QString::number(wpt.lng, 'f', 9);
+        text += QString::number(wpt.lat, 'f', 9) + QLatin1Char('\t') + QString::number(wpt.lng, 'f', 9)
+            + QLatin1Char('\t') + CellOf(wpt.name);
         const QJsonObject fields = ZrRouteFields::Of(wpt);
         for (const char* column : Columns)
             text += QLatin1Char('\t') + ZrRouteFields::Text(fields.value(QLatin1String(column)));
@@ -155,6 +186,5 @@ QByteArray ZrRouteTab::Write(const ZrWpts& route)
 
 bool ZrRouteTab::Read(const QByteArray& bytes, ZrGeoShapes& shapes, QString& error)
 {
-    error.clear();
-    return Reader(shapes).Run(QString::fromUtf8(bytes), error);
+    return Reader(shapes).Run(Decoded(bytes), error);
 }
