@@ -139,8 +139,8 @@ public:
 
     /// \name Grid
     /// Transverse Mercator by the series of the Ordnance Survey form ("A guide to coordinate systems in Great
-    /// Britain", annexe C): within 0.4 mm of the exact projection up to 3 degrees from the central meridian,
-    /// within 12 mm up to 6.
+    /// Britain", annexe C). Grid values are within 0.4 mm of the exact projection up to 3 degrees from the
+    /// central meridian, within 12 mm up to 6; positions from grid values within 0.9 mm and 28 mm.
     ///
     /// Angles are degrees, grid values metres. Grid text is in US survey feet (1200/3937 m) when the short
     /// length unit is "ft", in metres otherwise.

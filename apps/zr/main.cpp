@@ -1,4 +1,4 @@
-// The command-line tool of the library: `zr log VERB`. Each verb has a file of its own.
+// The command-line tool of the library: `zr log VERB`, `zr geo VERB`. Each verb has a file of its own.
 
 #include "CliExit.h"
 #include "CliHelp.h"
@@ -6,6 +6,7 @@
 #include "CliOutput.h"
 #include "CliRun.h"
 #include "CliSignals.h"
+#include "CmdGeo.h"
 #include "CmdLogCensus.h"
 #include "CmdLogCheck.h"
 #include "CmdLogCut.h"
@@ -124,6 +125,7 @@ int main(int argc, char** argv)
     cli::set_help_layout(app);
     Describe(app);
     AddLog(app, run);
+    AddGeo(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

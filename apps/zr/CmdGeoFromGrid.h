@@ -1,0 +1,10 @@
+#pragma once
+
+#include "CliRun.h"
+
+namespace CLI {
+class App;
+}
+
+/// Adds `zr geo from-grid`.
+void AddGeoFromGrid(CLI::App& geo, CliRun& run);
