@@ -16,7 +16,8 @@ main job on the real side-scan line in data/sidescan-xtf:
   4. writes the census of its record types as CSV,
   5. cuts its middle third into a log of its own,
   6. indexes it, marks an event, and writes its track as CSV, GPX and KML,
-  7. makes one log of the glider mission in data/glider-nav (several files), indexes it and writes its track.
+  7. makes one log of the glider mission in data/glider-nav (several files), indexes it and writes its track,
+  8. plans a small survey over the area of the side-scan line, checks it, and writes it as GeoJSON and GPX.
 
 Options:
   --out DIR   where the results go (default: out/ beside this script)
@@ -75,6 +76,14 @@ rm -f "$glider".*
 "$bin/zr" log index "$glider"
 "$bin/zr" log track "$glider" "$out/glider-track.csv" --force
 "$bin/zr" log track "$glider" "$out/glider-track.geojson" --simplify 5 --force
+
+zr_say; zr_say "== A survey over the area of the side-scan line"
+survey=$out/iver2-scotsman-survey
+"$bin/zr" route survey "$out/iver2-scotsman-track.gpx" "$survey.geojson" --box 25 --spacing 20 --turn-radius 8 \
+    --overshoot 10 --speed 1.25 --name "Scotsman survey" --force
+"$bin/zr" route check "$survey.geojson"
+"$bin/zr" route convert "$survey.geojson" "$survey.gpx" --force
+"$bin/zr" route info "$survey.gpx"
 
 zr_say; zr_say "Results in $out:"
 (cd "$out" && for f in *; do

@@ -43,4 +43,18 @@ public:
     RemoveOnInterrupt& operator=(const RemoveOnInterrupt&) = delete;
 };
 
+/// Lets a signal end the process on the spot as long as the object lives: for work that cannot be asked to
+/// stop and leaves nothing behind. Not while there is a `RemoveOnInterrupt`.
+class EndOnInterrupt
+{
+public:
+    EndOnInterrupt()
+        : m_nothing(QString())
+    {
+    }
+
+private:
+    RemoveOnInterrupt m_nothing;
+};
+
 } // namespace cli

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -125,9 +126,12 @@ QString CliTarget::GrowthError() const
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         return file.errorString();
     const QByteArray block(64 * 1024, '\0');
-    for (int i = 0; i < 16; ++i) {
-        if (file.write(block) != block.size())
+    // A disk that is nearly full takes a part first and tells the reason the next time.
+    for (qint64 left = 16 * block.size(); left > 0;) {
+        const qint64 written = file.write(block.constData(), std::min<qint64>(left, block.size()));
+        if (written <= 0)
             return file.errorString();
+        left -= written;
     }
     return QString();
 }

@@ -1,4 +1,4 @@
-// The command-line tool of the library: `zr log VERB`, `zr geo VERB`. Each verb has a file of its own.
+// The command-line tool of the library: `zr log VERB`, `zr route VERB`, `zr geo VERB`. Each verb has a file of its own.
 
 #include "CliExit.h"
 #include "CliHelp.h"
@@ -22,6 +22,13 @@
 #include "CmdLogRecover.h"
 #include "CmdLogSeek.h"
 #include "CmdLogTrack.h"
+#include "CmdRouteCheck.h"
+#include "CmdRouteConvert.h"
+#include "CmdRouteInfo.h"
+#include "CmdRouteRecalc.h"
+#include "CmdRouteResume.h"
+#include "CmdRouteSplit.h"
+#include "CmdRouteSurvey.h"
 
 #include <QCoreApplication>
 #include <QTextCodec>
@@ -57,6 +64,24 @@ void AddLog(CLI::App& app, CliRun& run)
     AddLogPlan(*log, run);
 }
 
+void AddRoute(CLI::App& app, CliRun& run)
+{
+    CLI::App* route = app.add_subcommand("route", "Look at routes, plan surveys, check and convert them");
+    route->group("Verbs");
+    route->require_subcommand(0, 1);
+    route->footer("Example:\n"
+                  "  zr route info plan.gpx\n"
+                  "\n"
+                  "zr route VERB --help describes a verb.");
+    AddRouteInfo(*route, run);
+    AddRouteConvert(*route, run);
+    AddRouteSurvey(*route, run);
+    AddRouteCheck(*route, run);
+    AddRouteRecalc(*route, run);
+    AddRouteSplit(*route, run);
+    AddRouteResume(*route, run);
+}
+
 void Describe(CLI::App& app)
 {
     app.name("zr");
@@ -67,7 +92,7 @@ void Describe(CLI::App& app)
                "Exit codes:\n"
                "  0    done\n"
                "  1    wrong usage\n"
-               "  2    the input cannot be read or is damaged\n"
+               "  2    the input cannot be read or is damaged; route check: it has errors\n"
                "  3    the output cannot be written\n"
                "  4    recover: done, but something was lost\n"
                "  130  interrupted (128 and the number of the signal)\n"
@@ -121,11 +146,12 @@ int main(int argc, char** argv)
     cli::install_message_handler(false);
 
     CliRun run;
-    CLI::App app("Works with the data logs of survey missions.");
+    CLI::App app("Works with the data logs and the routes of survey missions.");
     cli::set_help_layout(app);
     Describe(app);
     AddLog(app, run);
     AddGeo(app, run);
+    AddRoute(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
