@@ -2,6 +2,7 @@
 
 #include "ZrRouteRun.h"
 
+#include <csignal>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -107,6 +108,7 @@ private Q_SLOTS:
     void fullDisk_data() { AddWriters(); }
 
     void fullDisk();
+    void interruptLeavesNothing();
     void replacedFileKeepsItsRights();
     void newFileHasOrdinaryRights();
     void linkIsFollowed();
@@ -459,6 +461,30 @@ void tst_zr_route::fullDisk()
     QCOMPARE(result.out, QByteArray());
     QCOMPARE(ReadWhole(out), QByteArray("before"));
     QCOMPARE(Names(m_folder.Path()), names);
+}
+
+void tst_zr_route::interruptLeavesNothing()
+{
+    // 9,000 lines: tens of megabytes to write.
+    QVERIFY(WriteWhole(Path("large.txt"), "0\t3\n0\t3.1\n0.08\t3.1\n0.08\t3\n"));
+    for (const int signal : {SIGINT, SIGTERM}) {
+        QVERIFY(WriteWhole(Path("out.json"), "before"));
+        const QStringList names = Names(m_folder.Path());
+        QProcess process;
+        process.start(ToolPath(),
+            {S("route"), S("survey"), Path("large.txt"), Path("out.json"), S("--force"), S("--spacing"),
+                S("1")});
+        QElapsedTimer timer;
+        timer.start();
+        while (Names(m_folder.Path()) == names && timer.elapsed() < toolPatience)
+            QThread::msleep(1);
+        QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+        const ToolResult result = Finish(process);
+        QVERIFY2(result.code == 128 + signal, result.Text());
+        QCOMPARE(result.out, QByteArray());
+        QCOMPARE(Names(m_folder.Path()), names);
+        QCOMPARE(ReadWhole(Path("out.json")), QByteArray("before"));
+    }
 }
 
 void tst_zr_route::replacedFileKeepsItsRights()

@@ -156,7 +156,12 @@ int CliRouteTarget::Write(const ZrWpts& route)
         return code;
     const QString temporary = m_target.TemporaryPath();
     ZrRouteFile file;
-    if (!file.Write(temporary, m_form, route)) {
+    bool written = false;
+    {
+        const cli::HoldInterrupts hold;
+        written = file.Write(temporary, m_form, route);
+    }
+    if (!written) {
         // The settings and the store hold whatever a waypoint has; the other forms need its position.
         const bool keepsAll = m_form == ZrRouteFile::Settings || m_form == ZrRouteFile::Store;
         if (keepsAll || HasAllPositions(route))

@@ -45,11 +45,22 @@ void Handle(int number, void (*handler)(int))
     ::sigaction(number, &action, nullptr);
 }
 
+constexpr int interrupts[] = {SIGINT, SIGTERM, SIGHUP};
+
+void Mask(int how)
+{
+    sigset_t set;
+    ::sigemptyset(&set);
+    for (const int number : interrupts)
+        ::sigaddset(&set, number);
+    ::pthread_sigmask(how, &set, nullptr);
+}
+
 } // namespace
 
 void cli::install_signals()
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+    for (const int number : interrupts)
         Handle(number, OnSignal);
     for (const int number : {SIGPIPE, SIGXFSZ})
         Handle(number, SIG_IGN);
@@ -94,4 +105,14 @@ cli::RemoveOnInterrupt::RemoveOnInterrupt(const QString& path)
 cli::RemoveOnInterrupt::~RemoveOnInterrupt()
 {
     g_armed = false;
+}
+
+cli::HoldInterrupts::HoldInterrupts()
+{
+    Mask(SIG_BLOCK);
+}
+
+cli::HoldInterrupts::~HoldInterrupts()
+{
+    Mask(SIG_UNBLOCK);
 }

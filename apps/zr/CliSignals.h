@@ -57,4 +57,15 @@ private:
     RemoveOnInterrupt m_nothing;
 };
 
+/// Holds signals back as long as the object lives, to be acted on behind it: for short work that has
+/// temporary files of its own.
+class HoldInterrupts
+{
+public:
+    HoldInterrupts();
+    ~HoldInterrupts();
+    HoldInterrupts(const HoldInterrupts&) = delete;
+    HoldInterrupts& operator=(const HoldInterrupts&) = delete;
+};
+
 } // namespace cli
