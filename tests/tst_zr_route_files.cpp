@@ -18,9 +18,9 @@ const QVector<Form> forms{
     {"gpx", ".gpx", "<gpx"},
     {"kml", ".kml", "<kml"},
     {"geojson", ".geojson", "FeatureCollection"},
-    {"list", ".txt", "name\tlat\tlong"},
-    {"list", ".tsv", "name\tlat\tlong"},
-    {"list", ".tab", "name\tlat\tlong"},
+    {"list", ".txt", "lat\tlong\tname"},
+    {"list", ".tsv", "lat\tlong\tname"},
+    {"list", ".tab", "lat\tlong\tname"},
     {"gpx", ".GPX", "<gpx"},
 };
 
@@ -142,10 +142,10 @@ void tst_zr_route_files::convertTellsWhatIsLost()
     const ToolResult result = RunRoute({S("convert"), Path("greek.txt"), Path("out.xml"), S("--json")});
     QCOMPARE(result.code, 0);
     QCOMPARE(QString::fromUtf8(result.err),
-        S("zr: %1: waypoint 2 (α): characters beyond Latin-1 were replaced\n").arg(Path("out.xml")));
+        S("zr: %1: waypoint 2: text that the store cannot hold was changed\n").arg(Path("out.xml")));
     const QJsonArray warnings = result.Json()[S("warnings")].toArray();
     QCOMPARE(warnings.size(), 1);
-    QCOMPARE(warnings[0].toString(), S("waypoint 2 (α): characters beyond Latin-1 were replaced"));
+    QCOMPARE(warnings[0].toString(), S("waypoint 2: text that the store cannot hold was changed"));
 }
 
 void tst_zr_route_files::convertTellsWhatIsLeftOut()
