@@ -25,7 +25,8 @@ class QColor;
 ///
 /// Integers travel as strings so that 64-bit values survive JSON's double-precision numbers; the small types
 /// do as the large ones. JSON text has no NaN and no infinities: it holds null in their
-/// place (Qt's binary form keeps them). `std::string` and paths are Latin-1 bytes; characters beyond it become "?".
+/// place (Qt's binary form keeps them). `std::string` and paths are Latin-1 bytes; characters beyond it
+/// become "?".
 ///
 /// All functions may be called from any thread.
 

@@ -3,7 +3,8 @@
 /// How positions are written. The values are fixed: settings files hold them.
 ///
 /// The examples are the latitude 51.123456789°.
-enum eGeoStyle : int {
+enum eGeoStyle : int
+{
     eGeoSignedDeg = 0, ///< +51.12345679°
     eGeoSignedDegMin = 1, ///< +51° 7.40741'
     eGeoSignedDMS = 2, ///< +51° 7' 24"

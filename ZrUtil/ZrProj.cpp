@@ -7,7 +7,8 @@
 void ZrProj::SetupUTM(double lat, double lng)
 {
     constexpr double radians = 0.017453292519943295; // π/180
-    const double zone = std::trunc(std::fmod(std::floor((lng + 180.0) / 6.0), 60.0)); // one less than its number
+    const double zone
+        = std::trunc(std::fmod(std::floor((lng + 180.0) / 6.0), 60.0)); // one less than its number
     lngOrigin = (6.0 * (zone + 1.0) - 183.0) * radians;
     falseNorth = lat < 0.0 ? 10000000.0 : 0.0;
 }

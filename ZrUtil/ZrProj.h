@@ -19,9 +19,9 @@ public:
     /// Sets the longitude origin and the false northing to those of the UTM zone that holds the position, in
     /// degrees; nothing else changes. The false northing is 10,000,000 m for a negative latitude, else 0.
     ///
-    /// Zones are 6 degrees wide everywhere: the exceptions around Norway and Svalbard are not made. Longitudes
-    /// from 180 on start again at zone 1; below −180 the central meridian runs on (−183 for −181). A longitude
-    /// that is not finite gives a longitude origin of NaN.
+    /// Zones are 6 degrees wide everywhere: the exceptions around Norway and Svalbard are not made.
+    /// Longitudes from 180 on start again at zone 1; below −180 the central meridian runs on (−183 for −181).
+    /// A longitude that is not finite gives a longitude origin of NaN.
     void SetupUTM(double lat, double lng);
 
     /// Binds "latitude origin", "longitude origin" (both radians), "false easting", "false northing" and

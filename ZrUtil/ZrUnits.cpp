@@ -23,24 +23,24 @@ eGeoStyle ZrUnits::geoStyle = eGeoDMSFrac;
 
 namespace {
 
-    QString Fixed(double value, int precision, bool withUnits, const QString& unit)
-    {
-        const QString number = QString::number(value, 'f', precision);
-        return withUnits ? number + unit : number;
-    }
+QString Fixed(double value, int precision, bool withUnits, const QString& unit)
+{
+    const QString number = QString::number(value, 'f', precision);
+    return withUnits ? number + unit : number;
+}
 
-    /// The number of a text, 0.0 when it does not parse (Qt gives an infinity for some such texts).
-    double Number(const QString& text, bool& ok)
-    {
-        const double number = text.toDouble(&ok);
-        return ok ? number : 0.0;
-    }
+/// The number of a text, 0.0 when it does not parse (Qt gives an infinity for some such texts).
+double Number(const QString& text, bool& ok)
+{
+    const double number = text.toDouble(&ok);
+    return ok ? number : 0.0;
+}
 
-    double Unscaled(const QString& text, bool& ok, double scale, double offset)
-    {
-        const double number = Number(text, ok);
-        return ok ? (number - offset) / scale : 0.0;
-    }
+double Unscaled(const QString& text, bool& ok, double scale, double offset)
+{
+    const double number = Number(text, ok);
+    return ok ? (number - offset) / scale : 0.0;
+}
 
 } // namespace
 

@@ -15,16 +15,16 @@ class ZrSetModule;
 /// Display units, the text of values and positions, and the grid of the process.
 ///
 /// Values inside the system are SI: metres, metres per second, degrees Celsius, decimal degrees (north and
-/// east positive). What a person sees is value × scale (+ offset for temperatures) with the label of the unit;
-/// what a person types goes the other way.
+/// east positive). What a person sees is value × scale (+ offset for temperatures) with the label of the
+/// unit; what a person types goes the other way.
 ///
 /// All members are static. The units, the spheroid and the projection are process-wide and unguarded: they
 /// belong to the user-interface thread. The conversions that take a `ZrSphd` and a `ZrProj`, `Convergence`,
 /// `CalcGAnm`, `Bar2M` and `GetValue` touch none of them and may be called from any thread.
 ///
-/// Nothing is thrown or reported. NaN goes through as NaN; a text that does not parse gives 0.0 with `ok` false.
-/// Numbers are written and read with a decimal point in every locale. "Fixed-point" rounds exact halves away
-/// from zero and keeps the sign of a negative zero result ("-0.00").
+/// Nothing is thrown or reported. NaN goes through as NaN; a text that does not parse gives 0.0 with `ok`
+/// false. Numbers are written and read with a decimal point in every locale. "Fixed-point" rounds exact
+/// halves away from zero and keeps the sign of a negative zero result ("-0.00").
 class ZR_UTIL_EXPORT ZrUnits
 {
 public:
@@ -129,8 +129,8 @@ public:
 
     /// Signed degrees of a latitude or longitude in any of the styles, as a person types it: with a sign or a
     /// letter N, E, S, W in front or behind, as degrees, degrees and minutes or degrees, minutes and seconds,
-    /// parted by the degree sign, ' and ", or by spaces ("51 7 24.444 N"). Behind a degree sign a number of 60
-    /// and more is read as MMSS ("51°3045").
+    /// parted by the degree sign, ' and ", or by spaces ("51 7 24.444 N"). Behind a degree sign a number of
+    /// 60 and more is read as MMSS ("51°3045").
     ///
     /// A sign and a letter do not cancel: "-51 S" is −51. There is no check of the range; seconds of 60 are
     /// refused behind a degree sign.
@@ -153,8 +153,8 @@ public:
     static void LLToEN(
         const ZrSphd& spheroid, const ZrProj& proj, double lat, double lng, double& east, double& north);
 
-    /// The same in `wgs84` and `utm`. Does not choose the zone: who wants that of the position calls `CalcUTM`
-    /// before.
+    /// The same in `wgs84` and `utm`. Does not choose the zone: who wants that of the position calls
+    /// `CalcUTM` before.
     static void LLToEN(double lat, double lng, double& east, double& north);
 
     /// Grid to latitude and longitude. The latitude is iterated until its arc is within 1 mm of the northing,

@@ -6,167 +6,168 @@
 
 namespace {
 
-    constexpr double RadiansPerDegree = 0.017453292519943295;
-    constexpr double DegreesPerRadian = 57.29577951308232;
-    constexpr double SurveyFootMetres = 0.3048006096012192; // 1200/3937
+constexpr double RadiansPerDegree = 0.017453292519943295;
+constexpr double DegreesPerRadian = 57.29577951308232;
+constexpr double SurveyFootMetres = 0.3048006096012192; // 1200/3937
 
-    struct SinCos
-    {
-        double sin;
-        double cos;
-    };
+struct SinCos
+{
+    double sin;
+    double cos;
+};
 
-    SinCos SinCosOf(double angle)
+SinCos SinCosOf(double angle)
+{
+    return {std::sin(angle), std::cos(angle)}; // one call of sincos where the compiler knows it
+}
+
+/// Sine and cosine of an angle that is \p small radians, at most 0.01, larger than that of \p at.
+SinCos Turned(const SinCos& at, double small)
+{
+    const double square = small * small;
+    const double sin = small * (1.0 - square / 6.0 * (1.0 - square / 20.0));
+    const double cos = 1.0 - square / 2.0 * (1.0 - square / 12.0 * (1.0 - square / 30.0));
+    return {at.sin * cos + at.cos * sin, at.cos * cos - at.sin * sin};
+}
+
+/// The meridional arc M from the latitude origin, whose constants one conversion computes once.
+///
+/// sin k(φ − φ0) cos k(φ + φ0) is half of sin 2kφ − sin 2kφ0; what belongs to the origin is one constant.
+class MeridionalArc
+{
+public:
+    MeridionalArc(const ZrSphd& spheroid, const ZrProj& proj)
+        : m_origin(proj.latOrigin)
+        , m_axis(spheroid.semiMinor * proj.scaleFactor)
     {
-        return {std::sin(angle), std::cos(angle)}; // one call of sincos where the compiler knows it
+        const double n
+            = (spheroid.semiMajor - spheroid.semiMinor) / (spheroid.semiMajor + spheroid.semiMinor);
+        const double n2 = n * n;
+        const double n3 = n2 * n;
+        m_c0 = 1.0 + n + 1.25 * n2 + 1.25 * n3;
+        m_c2 = 0.5 * (3.0 * n + 3.0 * n2 + 2.625 * n3);
+        m_c4 = 0.5 * (1.875 * n2 + 1.875 * n3);
+        m_c6 = 0.5 * 1.4583333333333333 * n3; // 35/24
+        m_atOrigin = m_origin == 0.0 ? 0.0 : Waves(Doubled(SinCosOf(m_origin)));
     }
 
-    /// Sine and cosine of an angle that is \p small radians, at most 0.01, larger than that of \p at.
-    SinCos Turned(const SinCos& at, double small)
+    /// Metres, for \p phi in radians, whose sine and cosine are \p at.
+    double operator()(double phi, const SinCos& at) const
     {
-        const double square = small * small;
-        const double sin = small * (1.0 - square / 6.0 * (1.0 - square / 20.0));
-        const double cos = 1.0 - square / 2.0 * (1.0 - square / 12.0 * (1.0 - square / 30.0));
-        return {at.sin * cos + at.cos * sin, at.cos * cos - at.sin * sin};
+        return m_axis * (m_c0 * (phi - m_origin) + (Waves(Doubled(at)) - m_atOrigin));
     }
 
-    /// The meridional arc M from the latitude origin, whose constants one conversion computes once.
-    ///
-    /// sin k(φ − φ0) cos k(φ + φ0) is half of sin 2kφ − sin 2kφ0; what belongs to the origin is one constant.
-    class MeridionalArc
+    /// How the arc goes on from a latitude: by `slope` × d + `bend` × d² metres.
+    struct Expansion
     {
-    public:
-        MeridionalArc(const ZrSphd& spheroid, const ZrProj& proj)
-            : m_origin(proj.latOrigin)
-            , m_axis(spheroid.semiMinor * proj.scaleFactor)
-        {
-            const double n = (spheroid.semiMajor - spheroid.semiMinor) / (spheroid.semiMajor + spheroid.semiMinor);
-            const double n2 = n * n;
-            const double n3 = n2 * n;
-            m_c0 = 1.0 + n + 1.25 * n2 + 1.25 * n3;
-            m_c2 = 0.5 * (3.0 * n + 3.0 * n2 + 2.625 * n3);
-            m_c4 = 0.5 * (1.875 * n2 + 1.875 * n3);
-            m_c6 = 0.5 * 1.4583333333333333 * n3; // 35/24
-            m_atOrigin = m_origin == 0.0 ? 0.0 : Waves(Doubled(SinCosOf(m_origin)));
-        }
-
-        /// Metres, for \p phi in radians, whose sine and cosine are \p at.
-        double operator()(double phi, const SinCos& at) const
-        {
-            return m_axis * (m_c0 * (phi - m_origin) + (Waves(Doubled(at)) - m_atOrigin));
-        }
-
-        /// How the arc goes on from a latitude: by `slope` × d + `bend` × d² metres.
-        struct Expansion
-        {
-            double slope;
-            double bend;
-        };
-
-        Expansion ExpansionAt(const SinCos& at) const
-        {
-            const SinCos two = Doubled(at);
-            const double cos4 = (two.cos - two.sin) * (two.cos + two.sin);
-            const double cos6 = two.cos * (4.0 * two.cos * two.cos - 3.0);
-            return {m_axis * (m_c0 - 2.0 * m_c2 * two.cos + 4.0 * m_c4 * cos4 - 6.0 * m_c6 * cos6),
-                m_axis * two.sin * (2.0 * m_c2 - 16.0 * m_c4 * two.cos)};
-        }
-
-    private:
-        static SinCos Doubled(const SinCos& at)
-        {
-            return {2.0 * at.sin * at.cos, (at.cos - at.sin) * (at.cos + at.sin)};
-        }
-
-        /// What the arc has beside its linear part, from sine and cosine of twice the latitude.
-        double Waves(const SinCos& two) const
-        {
-            return two.sin * (2.0 * m_c4 * two.cos - m_c2 - m_c6 * (3.0 - 4.0 * two.sin * two.sin));
-        }
-
-        double m_origin; // radians
-        double m_axis; // metres
-        double m_c0;
-        double m_c2;
-        double m_c4;
-        double m_c6;
-        double m_atOrigin;
+        double slope;
+        double bend;
     };
 
-    struct Footpoint
+    Expansion ExpansionAt(const SinCos& at) const
     {
-        double phi; // radians
-        SinCos at;
-    };
-
-    /// The iteration of `FindFootpoint` where it is not the usual one: spheroids unlike the earth, northings
-    /// beyond it.
-    Footpoint FindUnusualFootpoint(const MeridionalArc& arc, double aF, double dN, double phi)
-    {
-        constexpr int mostPasses = 100000001;
-        double mark = phi;
-        int markPass = 0;
-        for (int pass = 1;; ++pass) {
-            const double r = dN - arc(phi, SinCosOf(phi));
-            phi = r / aF + phi;
-            // A residual that is not finite never becomes small: further passes would change nothing.
-            if (std::fabs(r) < 0.001 || !std::isfinite(r) || pass >= mostPasses)
-                return {phi, SinCosOf(phi)};
-            // For huge northings rounding keeps the residual large, and the passes run in a circle that they
-            // never leave. Whole rounds of it are left out.
-            if (phi == mark)
-                pass += (mostPasses - pass) / (pass - markPass) * (pass - markPass);
-            if ((pass & (pass - 1)) == 0) {
-                mark = phi;
-                markPass = pass;
-            }
-        }
+        const SinCos two = Doubled(at);
+        const double cos4 = (two.cos - two.sin) * (two.cos + two.sin);
+        const double cos6 = two.cos * (4.0 * two.cos * two.cos - 3.0);
+        return {m_axis * (m_c0 - 2.0 * m_c2 * two.cos + 4.0 * m_c4 * cos4 - 6.0 * m_c6 * cos6),
+            m_axis * two.sin * (2.0 * m_c2 - 16.0 * m_c4 * two.cos)};
     }
 
-    /// The latitude whose arc is \p dN, iterated from \p phi until the residual is below 1 mm or for 100,000,001
-    /// passes; \p aF scales residuals to angles. The last correction is applied.
-    ///
-    /// The first correction is within 0.005 radians on the earth, the second within 3e-5. Sine and cosine are
-    /// therefore taken once and turned by the first; from the second on the arc is expanded, which is exact to
-    /// 2e-8 m.
-    Footpoint FindFootpoint(const MeridionalArc& arc, double aF, double dN, double phi)
+private:
+    static SinCos Doubled(const SinCos& at)
     {
-        const double perRadius = 1.0 / aF;
-        const SinCos at = SinCosOf(phi);
-        const double first = dN - arc(phi, at);
-        const double correction = first * perRadius;
-        if (!(std::fabs(correction) <= 0.01 && std::fabs(phi) <= 8.0))
-            return FindUnusualFootpoint(arc, aF, dN, phi);
-        const double base = correction + phi;
-        const SinCos baseAt = Turned(at, correction);
-        if (std::fabs(first) < 0.001)
-            return {base, baseAt};
+        return {2.0 * at.sin * at.cos, (at.cos - at.sin) * (at.cos + at.sin)};
+    }
 
-        const double second = dN - arc(base, baseAt);
-        const MeridionalArc::Expansion expansion = arc.ExpansionAt(baseAt);
-        double r = second;
-        double beyond = 0.0; // the latitude less that of the base
-        for (int pass = 2; pass < 10; ++pass) {
-            beyond = r * perRadius + beyond;
-            if (!(std::fabs(beyond) <= 1e-4))
-                break;
-            if (std::fabs(r) < 0.001)
-                return {base + beyond, Turned(baseAt, beyond)};
-            r = second - beyond * (expansion.slope + beyond * expansion.bend);
+    /// What the arc has beside its linear part, from sine and cosine of twice the latitude.
+    double Waves(const SinCos& two) const
+    {
+        return two.sin * (2.0 * m_c4 * two.cos - m_c2 - m_c6 * (3.0 - 4.0 * two.sin * two.sin));
+    }
+
+    double m_origin; // radians
+    double m_axis; // metres
+    double m_c0;
+    double m_c2;
+    double m_c4;
+    double m_c6;
+    double m_atOrigin;
+};
+
+struct Footpoint
+{
+    double phi; // radians
+    SinCos at;
+};
+
+/// The iteration of `FindFootpoint` where it is not the usual one: spheroids unlike the earth, northings
+/// beyond it.
+Footpoint FindUnusualFootpoint(const MeridionalArc& arc, double aF, double dN, double phi)
+{
+    constexpr int mostPasses = 100000001;
+    double mark = phi;
+    int markPass = 0;
+    for (int pass = 1;; ++pass) {
+        const double r = dN - arc(phi, SinCosOf(phi));
+        phi = r / aF + phi;
+        // A residual that is not finite never becomes small: further passes would change nothing.
+        if (std::fabs(r) < 0.001 || !std::isfinite(r) || pass >= mostPasses)
+            return {phi, SinCosOf(phi)};
+        // For huge northings rounding keeps the residual large, and the passes run in a circle that they
+        // never leave. Whole rounds of it are left out.
+        if (phi == mark)
+            pass += (mostPasses - pass) / (pass - markPass) * (pass - markPass);
+        if ((pass & (pass - 1)) == 0) {
+            mark = phi;
+            markPass = pass;
         }
+    }
+}
+
+/// The latitude whose arc is \p dN, iterated from \p phi until the residual is below 1 mm or for 100,000,001
+/// passes; \p aF scales residuals to angles. The last correction is applied.
+///
+/// The first correction is within 0.005 radians on the earth, the second within 3e-5. Sine and cosine are
+/// therefore taken once and turned by the first; from the second on the arc is expanded, which is exact to
+/// 2e-8 m.
+Footpoint FindFootpoint(const MeridionalArc& arc, double aF, double dN, double phi)
+{
+    const double perRadius = 1.0 / aF;
+    const SinCos at = SinCosOf(phi);
+    const double first = dN - arc(phi, at);
+    const double correction = first * perRadius;
+    if (!(std::fabs(correction) <= 0.01 && std::fabs(phi) <= 8.0))
         return FindUnusualFootpoint(arc, aF, dN, phi);
-    }
+    const double base = correction + phi;
+    const SinCos baseAt = Turned(at, correction);
+    if (std::fabs(first) < 0.001)
+        return {base, baseAt};
 
-    bool InFeet()
-    {
-        return ZrUnits::shortLengthUnit == QLatin1String("ft");
+    const double second = dN - arc(base, baseAt);
+    const MeridionalArc::Expansion expansion = arc.ExpansionAt(baseAt);
+    double r = second;
+    double beyond = 0.0; // the latitude less that of the base
+    for (int pass = 2; pass < 10; ++pass) {
+        beyond = r * perRadius + beyond;
+        if (!(std::fabs(beyond) <= 1e-4))
+            break;
+        if (std::fabs(r) < 0.001)
+            return {base + beyond, Turned(baseAt, beyond)};
+        r = second - beyond * (expansion.slope + beyond * expansion.bend);
     }
+    return FindUnusualFootpoint(arc, aF, dN, phi);
+}
 
-    QString GridText(double metres, int precision, bool withUnits, const QString& unit)
-    {
-        const QString number = QString::number(InFeet() ? metres * 3937.0 / 1200.0 : metres, 'f', precision);
-        return withUnits ? number + QLatin1Char(' ') + unit : number;
-    }
+bool InFeet()
+{
+    return ZrUnits::shortLengthUnit == QLatin1String("ft");
+}
+
+QString GridText(double metres, int precision, bool withUnits, const QString& unit)
+{
+    const QString number = QString::number(InFeet() ? metres * 3937.0 / 1200.0 : metres, 'f', precision);
+    return withUnits ? number + QLatin1Char(' ') + unit : number;
+}
 
 } // namespace
 

@@ -20,10 +20,10 @@ class ZrSetModule;
 /// A plain value: copying and moving go member by member, the UUID included; only a newly built waypoint gets
 /// a new UUID. Lengths are metres, speeds m/s, positions decimal degrees with north and east positive.
 ///
-/// The codes (`flags`, `spdType`, `headType`, `zType`, `type`, `src`, `shape`, `bottom`, `fileType`, `classA` to
-/// `classD`) belong to the applications that edit waypoints; of them the route reads `spdType` alone, see
-/// `ZrWpts`. What the route computes (`pseudo`, `x`, `y`, `q` and the turn from `ricX` to `tp2Q`) is stored as
-/// well.
+/// The codes (`flags`, `spdType`, `headType`, `zType`, `type`, `src`, `shape`, `bottom`, `fileType`, `classA`
+/// to `classD`) belong to the applications that edit waypoints; of them the route reads `spdType` alone, see
+/// `ZrWpts`. What the route computes (`pseudo`, `x`, `y`, `q` and the turn from `ricX` to `tp2Q`) is stored
+/// as well.
 ///
 /// Not synchronised: one thread at a time.
 class ZR_UTIL_EXPORT ZrWpt

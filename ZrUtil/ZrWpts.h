@@ -36,7 +36,8 @@ public:
     using eZrWptType = ::eZrWptType;
 
     /// Where `Add` puts a waypoint.
-    enum eAdd : int {
+    enum eAdd : int
+    {
         eAddHead = 0, ///< before all others
         eAddTail = 1, ///< behind all others
         eAddLeg = 2, ///< into the leg nearest to it

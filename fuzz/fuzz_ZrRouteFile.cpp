@@ -65,7 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size)
     SilenceDebugOutput();
     ZrRouteFile file;
     ZrWpts route;
-    const bool read = file.FromBytes(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)), route);
+    const bool read
+        = file.FromBytes(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)), route);
     Require(read == file.Error().isEmpty() && read != route.IsEmpty());
     if (read)
         RequireRoundTrips(route);

@@ -73,7 +73,8 @@ inline ZrWpt RandomWpt(std::mt19937& random)
     wpt.fileType = byte();
     wpt.gridId = QUuid::createUuid();
     wpt.colour = QColor::fromRgba(static_cast<QRgb>(random()));
-    for (double* field : {&wpt.z, &wpt.alt, &wpt.r, &wpt.p, &wpt.rx, &wpt.rz, &wpt.speed, &wpt.time, &wpt.head})
+    for (double* field :
+        {&wpt.z, &wpt.alt, &wpt.r, &wpt.p, &wpt.rx, &wpt.rz, &wpt.speed, &wpt.time, &wpt.head})
         *field = number();
     for (int* field : {&wpt.headType, &wpt.zType, &wpt.bottomN})
         *field = integer();
@@ -81,9 +82,11 @@ inline ZrWpt RandomWpt(std::mt19937& random)
     wpt.flags = static_cast<unsigned int>(random());
     wpt.atWpt = wpt.veg = true;
     wpt.lookAt = QUuid::createUuid();
-    for (u8* field : {&wpt.type, &wpt.src, &wpt.shape, &wpt.bottom, &wpt.classA, &wpt.classB, &wpt.classC, &wpt.classD})
+    for (u8* field :
+        {&wpt.type, &wpt.src, &wpt.shape, &wpt.bottom, &wpt.classA, &wpt.classB, &wpt.classC, &wpt.classD})
         *field = byte();
-    for (float* field : {&wpt.burial, &wpt.length, &wpt.height, &wpt.width, &wpt.viz, &wpt.ripples, &wpt.current})
+    for (float* field :
+        {&wpt.burial, &wpt.length, &wpt.height, &wpt.width, &wpt.viz, &wpt.ripples, &wpt.current})
         *field = single();
     wpt.bottomA = QLatin1Char(static_cast<char>('B' + random() % 20));
     return wpt;
@@ -117,16 +120,17 @@ inline QJsonObject FieldsOf(const ZrWpt& wpt)
 /// What the route computes from the positions, which the form may have rounded.
 inline bool IsComputed(const QString& key)
 {
-    static const QStringList keys {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("q"),
+    static const QStringList keys{QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("q"),
         QStringLiteral("RICX"), QStringLiteral("RICY"), QStringLiteral("RIT"), QStringLiteral("TP1X"),
         QStringLiteral("TP1Y"), QStringLiteral("TP1Q"), QStringLiteral("TP2X"), QStringLiteral("TP2Y"),
         QStringLiteral("TP2Q")};
     return keys.contains(key);
 }
 
-/// The fields in which two routes differ, one a line; positions count as equal within 1e-7 degrees, computed fields
-/// not at all, and the others where \p same says so.
-inline QStringList Differences(const ZrWpts& a, const ZrWpts& b,
+/// The fields in which two routes differ, one a line; positions count as equal within 1e-7 degrees, computed
+/// fields not at all, and the others where \p same says so.
+inline QStringList Differences(
+    const ZrWpts& a, const ZrWpts& b,
     const std::function<bool(const QString& key, const QJsonValue& a, const QJsonValue& b)>& same
     = [](const QString&, const QJsonValue& left, const QJsonValue& right) { return left == right; })
 {
@@ -134,8 +138,14 @@ inline QStringList Differences(const ZrWpts& a, const ZrWpts& b,
     if (a.prefix != b.prefix || a.linked != b.linked || a.closed != b.closed
         || !same(QStringLiteral("route speed"), a.speed, b.speed))
         all << QStringLiteral("route: %1/%2/%3/%4 and %5/%6/%7/%8")
-                   .arg(a.prefix).arg(a.linked).arg(a.closed).arg(a.speed, 0, 'g', 17)
-                   .arg(b.prefix).arg(b.linked).arg(b.closed).arg(b.speed, 0, 'g', 17);
+                   .arg(a.prefix)
+                   .arg(a.linked)
+                   .arg(a.closed)
+                   .arg(a.speed, 0, 'g', 17)
+                   .arg(b.prefix)
+                   .arg(b.linked)
+                   .arg(b.closed)
+                   .arg(b.speed, 0, 'g', 17);
     if (a.GetCount() != b.GetCount())
         return all << QStringLiteral("%1 and %2 waypoints").arg(a.GetCount()).arg(b.GetCount());
     ZrListPos* other = b.GetHeadPos();
@@ -151,8 +161,11 @@ inline QStringList Differences(const ZrWpts& a, const ZrWpts& b,
                 ? std::fabs(left.value(key).toDouble() - right.value(key).toDouble()) <= 1e-7
                 : same(key, left.value(key), right.value(key));
             if (!equal)
-                all << QStringLiteral("%1: %2: %3 and %4").arg(index).arg(key)
-                           .arg(left.value(key).toVariant().toString(), right.value(key).toVariant().toString());
+                all << QStringLiteral("%1: %2: %3 and %4")
+                           .arg(index)
+                           .arg(key)
+                           .arg(left.value(key).toVariant().toString(),
+                               right.value(key).toVariant().toString());
         }
     }
     return all;
@@ -194,7 +207,8 @@ inline QByteArray OutputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0) {
         qWarning("%s: %s", qPrintable(program), process.readAllStandardError().constData());
         return QByteArray();
     }
@@ -207,7 +221,11 @@ inline QStringList Summary(const ZrWpts& route)
     QStringList all;
     for (ZrListPos* pos = route.GetHeadPos(); pos;) {
         const ZrWpt& wpt = *route.GetNext(pos);
-        all << QStringLiteral("%1 %2 %3").arg(wpt.lat, 0, 'g', 12).arg(wpt.lng, 0, 'g', 12).arg(wpt.name).trimmed();
+        all << QStringLiteral("%1 %2 %3")
+                   .arg(wpt.lat, 0, 'g', 12)
+                   .arg(wpt.lng, 0, 'g', 12)
+                   .arg(wpt.name)
+                   .trimmed();
     }
     return all;
 }

@@ -29,8 +29,9 @@ bool SameInStore(const QString& key, const QJsonValue& a, const QJsonValue& b)
 /// The list keeps these.
 bool SameInList(const QString& key, const QJsonValue& a, const QJsonValue& b)
 {
-    static const QStringList kept {QStringLiteral("name"), QStringLiteral("pseudo"), QStringLiteral("z"),
-        QStringLiteral("r"), QStringLiteral("speedtype"), QStringLiteral("speed"), QStringLiteral("route speed")};
+    static const QStringList kept{QStringLiteral("name"), QStringLiteral("pseudo"), QStringLiteral("z"),
+        QStringLiteral("r"), QStringLiteral("speedtype"), QStringLiteral("speed"),
+        QStringLiteral("route speed")};
     return !kept.contains(key) || a == b;
 }
 
@@ -211,7 +212,8 @@ void tst_ZrRouteFile::names_data()
         QStringLiteral("\"x\" 'y'"));
     row("controls", QStringLiteral("a\u0001b\u001Bc"), QStringLiteral("abc"), QStringLiteral("a b c"),
         QStringLiteral("a\u0001b\u001Bc"));
-    row("blanks around", QStringLiteral(" a "), QStringLiteral(" a "), QStringLiteral(" a "), QStringLiteral("a"));
+    row("blanks around", QStringLiteral(" a "), QStringLiteral(" a "), QStringLiteral(" a "),
+        QStringLiteral("a"));
     row("more items", QStringLiteral("x\"/>\n<Lat val=\"1"), QStringLiteral("x\"/>\n<Lat val=\"1"),
         QStringLiteral("x'/> <Lat val='1"), QStringLiteral("x\"/> <Lat val=\"1"));
     const QString tall(5000, QLatin1Char('n'));
@@ -238,7 +240,8 @@ void tst_ZrRouteFile::names()
             : isXml                                           ? inXml
                                                               : name;
         QCOMPARE(Summary(read),
-            (QStringList {(QStringLiteral("50 -4 ") + expected).trimmed(), (QStringLiteral("51 -5 ") + expected).trimmed()}));
+            (QStringList{(QStringLiteral("50 -4 ") + expected).trimmed(),
+                (QStringLiteral("51 -5 ") + expected).trimmed()}));
         QCOMPARE(NthOf(read, 1).name, expected);
         // The prefix stands in JSON text there.
         QCOMPARE(read.prefix, format == ZrRouteFile::List ? name : expected);
@@ -261,7 +264,8 @@ void tst_ZrRouteFile::unnamedStayUnnamed()
         route.UpdatePseudo();
         ZrWpts read;
         QCOMPARE(FromBytes(ToBytes(format, route), read), QString());
-        QCOMPARE(Summary(read), (QStringList {QStringLiteral("50 -4"), QStringLiteral("51 -4 Wreck"), QStringLiteral("52 -4")}));
+        QCOMPARE(Summary(read),
+            (QStringList{QStringLiteral("50 -4"), QStringLiteral("51 -4 Wreck"), QStringLiteral("52 -4")}));
         QCOMPARE(NthOf(read, 0).Name(), linked ? QStringLiteral("Start Mission") : QStringLiteral("Mkr: 1"));
         QCOMPARE(NthOf(read, 2).Name(), linked ? QStringLiteral("Finish Mission") : QStringLiteral("Mkr: 3"));
     }
@@ -283,7 +287,8 @@ void tst_ZrRouteFile::edgesOfTheEarth()
                 Append(route, At(lat, lng));
         ZrWpts read;
         QCOMPARE(FromBytes(ToBytes(format, route), read), QString());
-        QCOMPARE(Differences(route, read, [](const QString&, const QJsonValue&, const QJsonValue&) { return true; }),
+        QCOMPARE(Differences(
+                     route, read, [](const QString&, const QJsonValue&, const QJsonValue&) { return true; }),
             QStringList());
     }
 }
@@ -305,7 +310,7 @@ void tst_ZrRouteFile::emptyRoute()
         ZrWpts route;
         Append(route, At(1.0, 2.0, QStringLiteral("kept")));
         QCOMPARE(FromBytes(bytes, route), QStringLiteral("no route and no waypoints in it"));
-        QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2 kept")});
+        QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2 kept")});
     }
 }
 
@@ -349,7 +354,8 @@ void tst_ZrRouteFile::tenThousandPoints()
     ZrListPos* pos = read.GetHeadPos();
     for (int i = 0; i < 10000; ++i) {
         const ZrWpt* wpt = read.GetNext(pos);
-        QVERIFY(std::fabs(wpt->lat - (50.0 + i * 1e-5)) <= 1e-7 && std::fabs(wpt->lng - (-4.0 + (i % 100) * 1e-4)) <= 1e-7);
+        QVERIFY(std::fabs(wpt->lat - (50.0 + i * 1e-5)) <= 1e-7
+            && std::fabs(wpt->lng - (-4.0 + (i % 100) * 1e-4)) <= 1e-7);
     }
 }
 
@@ -398,7 +404,8 @@ void tst_ZrRouteFile::formatBySuffix_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("format");
-    const auto row = [](const char* path, int format) { QTest::newRow(path) << QString::fromLatin1(path) << format; };
+    const auto row
+        = [](const char* path, int format) { QTest::newRow(path) << QString::fromLatin1(path) << format; };
     row("a.json", ZrRouteFile::Settings);
     row("a.xml", ZrRouteFile::Store);
     row("dir.kml/A.GPX", ZrRouteFile::Gpx);
@@ -428,7 +435,7 @@ void tst_ZrRouteFile::formByContent()
     const ZrWpts route = RandomRoute(3, 11, true, false);
     const QByteArray bytes = ToBytes(format, route);
     const bool isXml = bytes.startsWith('<');
-    std::vector<QByteArray> forms {bytes, "\xEF\xBB\xBF" + bytes};
+    std::vector<QByteArray> forms{bytes, "\xEF\xBB\xBF" + bytes};
     if (!isXml) { // a declaration must come first
         forms.push_back("\n \n" + bytes);
         const QString text = QString::fromUtf8(bytes);
@@ -462,7 +469,7 @@ void tst_ZrRouteFile::readingReplaces()
     Append(other, At(1.0, 2.0, QStringLiteral("only")));
     for (const ZrRouteFile::eFormat format : AllFormats) {
         QCOMPARE(FromBytes(ToBytes(format, other), route), QString());
-        QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2 only")});
+        QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2 only")});
         QVERIFY(route.linked && !route.closed && route.prefix.isEmpty());
         QCOMPARE(route.speed, 0.75);
         QCOMPARE(route.speedType, 0);
@@ -499,7 +506,8 @@ void tst_ZrRouteFile::presetsComeWithTheSettings()
 void tst_ZrRouteFile::sameUuidTwice()
 {
     const QByteArray uuid = QUuid::createUuid().toByteArray();
-    const QByteArray list = "lat\tlong\tUUID\n1\t2\t" + uuid + "\n3\t4\t" + uuid + "\n5\t6\t{00000000-0000-0000-0000-000000000000}\n";
+    const QByteArray list = "lat\tlong\tUUID\n1\t2\t" + uuid + "\n3\t4\t" + uuid
+        + "\n5\t6\t{00000000-0000-0000-0000-000000000000}\n";
     ZrWpts route;
     QCOMPARE(FromBytes(list, route), QString());
     QCOMPARE(NthOf(route, 0).uuid.toByteArray(), uuid);
@@ -524,7 +532,7 @@ void tst_ZrRouteFile::storeWarnings()
     QByteArray bytes;
     QVERIFY(file.ToBytes(ZrRouteFile::Store, route, bytes));
     QCOMPARE(file.Warnings(),
-        (QStringList {QStringLiteral("prefix: text that the store cannot hold was changed"),
+        (QStringList{QStringLiteral("prefix: text that the store cannot hold was changed"),
             QStringLiteral("waypoint 2: text that the store cannot hold was changed"),
             QStringLiteral("waypoint 3: text that the store cannot hold was changed")}));
     ZrWpts read;
@@ -539,21 +547,23 @@ void tst_ZrRouteFile::storeWarnings()
 void tst_ZrRouteFile::storesOfApplications()
 {
     const QByteArray head = "<?xml version=\"1.0\" ?>\n<XmlStore name=\"x\">\n\t<Settings name=\"Cameras\">\n"
-                            "\t\t<Object name=\"Front\" type=\"Camera\">\n\t\t\t<On val=\"true\"/>\n\t\t</Object>\n\t</Settings>\n";
-    const QByteArray noData = "\t\t<Object name=\"No Data\" type=\"None\">\n\t\t\t<X val=\"1\"/>\n\t\t</Object>\n";
+                            "\t\t<Object name=\"Front\" type=\"Camera\">\n\t\t\t<On "
+                            "val=\"true\"/>\n\t\t</Object>\n\t</Settings>\n";
+    const QByteArray noData
+        = "\t\t<Object name=\"No Data\" type=\"None\">\n\t\t\t<X val=\"1\"/>\n\t\t</Object>\n";
     const QByteArray point = "\t\t<Object name=\"Wpt 0\" type=\"Waypoint\">\n\t\t\t<Lat val=\"50.5\"/>\n"
                              "\t\t\t<Lng val=\"-4.25\"/>\n\t\t\t<Name val=\"Wreck\"/>\n\t\t</Object>\n";
     const QByteArray tail = "\t</Settings>\n</XmlStore>\n";
     ZrWpts route;
     QCOMPARE(FromBytes(head + "\t<Settings name=\"Mission\">\n" + noData + point + tail, route), QString());
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("50.5 -4.25 Wreck")});
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("50.5 -4.25 Wreck")});
     QVERIFY(!route.linked);
     QCOMPARE(NthOf(route, 0).pseudo, QStringLiteral("Mkr: 1"));
     QCOMPARE(FromBytes(head + "\t<Settings name=\"Waypoints\">\n" + noData + tail, route),
         QStringLiteral("no route and no waypoints in it"));
     QCOMPARE(FromBytes(head + "</XmlStore>\n", route),
         QStringLiteral("neither GPX, KML nor a tag-structured store with waypoints"));
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("50.5 -4.25 Wreck")});
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("50.5 -4.25 Wreck")});
 }
 
 QTEST_GUILESS_MAIN(tst_ZrRouteFile)

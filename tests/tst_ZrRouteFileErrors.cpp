@@ -2,7 +2,6 @@
 // before stays.
 
 #include "RouteFileChecks.h"
-
 #include "ZrKit/planning/ZrGeoShapes.h"
 
 #include <QDir>
@@ -98,9 +97,11 @@ void tst_ZrRouteFileErrors::damaged_data()
     row("no list", "{\"waypoints\": {}}", "\"waypoints\" is no list");
     row("no waypoints", "{\"waypoints\": []}", "no route and no waypoints in it");
     row("number for waypoint", "{\"waypoints\": [\n7]}", "line 2: waypoint 1: \"lat\" is no number");
-    row("no longitude", "{\"prefix\": \"[{\\\"\",\n\"waypoints\": [{\"lat\": 1,\n\"long\": 2},\n\n{\"lat\": 1}]}",
+    row("no longitude",
+        "{\"prefix\": \"[{\\\"\",\n\"waypoints\": [{\"lat\": 1,\n\"long\": 2},\n\n{\"lat\": 1}]}",
         "line 5: waypoint 2: \"long\" is no number");
-    row("text for latitude", "{\"waypoints\": [{\"lat\": \"50\", \"long\": 1}]}", "line 1: waypoint 1: \"lat\" is no number");
+    row("text for latitude", "{\"waypoints\": [{\"lat\": \"50\", \"long\": 1}]}",
+        "line 1: waypoint 1: \"lat\" is no number");
 
     const QByteArray store = "<?xml?>\n<XmlStore name=\"x\">\n<Settings name=\"Waypoints\">\n";
     const QByteArray end = "</Settings>\n</XmlStore>\n";
@@ -110,7 +111,8 @@ void tst_ZrRouteFileErrors::damaged_data()
         store + "<Object name=\"Wpt 0\" type=\"W\">\n<Lat val=\"1\"/>\n<Lng val=\"1\"/>\n</Object>\n"
             + "<Object name=\"Wpt 1\" type=\"W\">\n<Lat val=\"1\"/>\n</Object>\n" + end,
         "line 8: waypoint 2: \"Lng\" is no number");
-    row("store with text", store + "<Object name=\"Wpt 0\" type=\"W\">\n<Lat val=\"north\"/>\n</Object>\n" + end,
+    row("store with text",
+        store + "<Object name=\"Wpt 0\" type=\"W\">\n<Lat val=\"north\"/>\n</Object>\n" + end,
         "line 4: waypoint 1: \"Lat\" is no number");
     row("empty store", store + end, "no route and no waypoints in it");
 }
@@ -154,7 +156,7 @@ void tst_ZrRouteFileErrors::cutAtEveryByte()
             continue;
         }
         QVERIFY2(!error.isEmpty(), bytes.left(size).constData());
-        QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2 kept")});
+        QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2 kept")});
     }
     ZrWpts route;
     QCOMPARE(FromBytes(bytes.left(end), route), QString());
@@ -197,9 +199,10 @@ void tst_ZrRouteFileErrors::hostile_data()
     const auto row = [](const char* tag, const QByteArray& bytes, const char* error) {
         QTest::newRow(tag) << bytes << QString::fromUtf8(error);
     };
-    const QByteArray bomb = "<?xml version=\"1.0\"?><!DOCTYPE x [<!ENTITY a \"aaaaaaaaaa\">"
-                            "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">"
-                            "<!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\"><!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\">]>\n";
+    const QByteArray bomb
+        = "<?xml version=\"1.0\"?><!DOCTYPE x [<!ENTITY a \"aaaaaaaaaa\">"
+          "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">"
+          "<!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\"><!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\">]>\n";
     const char* bombed = "line 2: Entity expands to more characters than the entity expansion limit.";
     row("gpx bomb", bomb + "<gpx><wpt lat=\"1\" lon=\"1\"><name>&e;</name></wpt></gpx>", bombed);
     row("kml bomb", bomb + "<kml><Placemark><name>&e;</name></Placemark></kml>", bombed);
@@ -222,7 +225,8 @@ void tst_ZrRouteFileErrors::hostile_data()
     row("zero bytes", QByteArray(100000, '\0'), "line 1: no columns; they are separated by tabs");
     row("one long line", Repeated("x", 1 << 20), "line 1: no columns; they are separated by tabs");
     row("many columns", "1\t1" + Repeated("\tx", 100000), "line 1: \"x\" is no longitude");
-    row("many lines", Repeated("\n", 1 << 20) + "x\n", "line 1048577: no columns; they are separated by tabs");
+    row("many lines", Repeated("\n", 1 << 20) + "x\n",
+        "line 1048577: no columns; they are separated by tabs");
 }
 
 void tst_ZrRouteFileErrors::hostile()
@@ -232,7 +236,7 @@ void tst_ZrRouteFileErrors::hostile()
     ZrWpts route;
     Append(route, At(1.0, 2.0, QStringLiteral("kept")));
     QCOMPARE(FromBytes(bytes, route), error);
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2 kept")});
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2 kept")});
 }
 
 /// No other file gets into the route.
@@ -242,8 +246,9 @@ void tst_ZrRouteFileErrors::outsideEntities()
     QVERIFY(WriteWhole(secret, "secret"));
     const QByteArray head = "<!DOCTYPE x [<!ENTITY a SYSTEM \"file://" + secret.toUtf8() + "\">]>\n";
     ZrWpts route;
-    QCOMPARE(FromBytes(head + "<gpx><wpt lat=\"1\" lon=\"2\"><name>&a;</name></wpt></gpx>", route), QString());
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2")});
+    QCOMPARE(
+        FromBytes(head + "<gpx><wpt lat=\"1\" lon=\"2\"><name>&a;</name></wpt></gpx>", route), QString());
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2")});
 }
 
 void tst_ZrRouteFileErrors::tooManyWaypoints()
@@ -262,10 +267,12 @@ void tst_ZrRouteFileErrors::unreadablePaths_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("reason");
     QTest::newRow("missing") << QStringLiteral("DIR/none.gpx") << QStringLiteral("No such file or directory");
-    QTest::newRow("folder missing") << QStringLiteral("DIR/none/a.gpx") << QStringLiteral("No such file or directory");
+    QTest::newRow("folder missing") << QStringLiteral("DIR/none/a.gpx")
+                                    << QStringLiteral("No such file or directory");
     QTest::newRow("directory") << QStringLiteral("DIR") << QString();
     QTest::newRow("no permission") << QStringLiteral("DIR/locked.gpx") << QString();
-    QTest::newRow("endless") << QStringLiteral("/dev/zero") << QStringLiteral("too large for a route (more than 64 MiB)");
+    QTest::newRow("endless") << QStringLiteral("/dev/zero")
+                             << QStringLiteral("too large for a route (more than 64 MiB)");
     QTest::newRow("no path") << QString() << QString();
 }
 
@@ -287,7 +294,7 @@ void tst_ZrRouteFileErrors::unreadablePaths()
     QVERIFY2(file.Error().size() > path.size() + 5, qPrintable(file.Error()));
     if (!reason.isEmpty())
         QCOMPARE(file.Error(), path + QStringLiteral(": ") + reason);
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2 kept")});
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2 kept")});
 }
 
 void tst_ZrRouteFileErrors::tooLarge()
@@ -303,7 +310,7 @@ void tst_ZrRouteFileErrors::tooLarge()
     QCOMPARE(file.Error(), path + QStringLiteral(": too large for a route (more than 64 MiB)"));
     QVERIFY(sparse.resize(ZrRouteFile::MaxSize));
     QVERIFY2(file.Read(path, route), qPrintable(file.Error()));
-    QCOMPARE(Summary(route), QStringList {QStringLiteral("1 2")});
+    QCOMPARE(Summary(route), QStringList{QStringLiteral("1 2")});
 }
 
 void tst_ZrRouteFileErrors::shapesStay()
@@ -316,9 +323,11 @@ void tst_ZrRouteFileErrors::shapesStay()
     QVERIFY(!file.ReadShapes(path, shapes));
     QCOMPARE(file.Error(), path + QStringLiteral(": line 2: \"x\" is no latitude"));
     QVERIFY(!file.ReadShapes(m_dir->path(), shapes));
-    QVERIFY(WriteWhole(path, "{\"waypoints\": [{\"lat\": 1, \"long\": 2}, {\"lat\": null, \"long\": 2, \"name\": \"x\"}]}"));
+    QVERIFY(WriteWhole(
+        path, "{\"waypoints\": [{\"lat\": 1, \"long\": 2}, {\"lat\": null, \"long\": 2, \"name\": \"x\"}]}"));
     QVERIFY(!file.ReadShapes(path, shapes));
-    QCOMPARE(file.Error(), path + QStringLiteral(": waypoint 2 (x): latitude nan is not within 90 degrees of the equator"));
+    QCOMPARE(file.Error(),
+        path + QStringLiteral(": waypoint 2 (x): latitude nan is not within 90 degrees of the equator"));
     QCOMPARE(shapes.points.size(), std::size_t(1));
     QCOMPARE(shapes.points[0].name, QStringLiteral("kept"));
 }
@@ -334,8 +343,8 @@ void tst_ZrRouteFileErrors::invalidPositions()
     const QString path = m_dir->filePath(QStringLiteral("out"));
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const ZrGeoPoint& point : {ZrGeoPoint {nan, 1.0}, ZrGeoPoint {90.001, 1.0}, ZrGeoPoint {-infinity, 1.0},
-             ZrGeoPoint {1.0, nan}, ZrGeoPoint {1.0, 180.5}, ZrGeoPoint {1.0, -1e300}}) {
+    for (const ZrGeoPoint& point : {ZrGeoPoint{nan, 1.0}, ZrGeoPoint{90.001, 1.0}, ZrGeoPoint{-infinity, 1.0},
+             ZrGeoPoint{1.0, nan}, ZrGeoPoint{1.0, 180.5}, ZrGeoPoint{1.0, -1e300}}) {
         ZrWpts route;
         Append(route, At(1.0, 2.0));
         Append(route, At(point.lat, point.lng, QStringLiteral("bad")));
@@ -383,8 +392,8 @@ void tst_ZrRouteFileErrors::unwritablePaths()
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
 
-/// A device is written to: it never becomes a file, whoever writes. The superuser, who could put one in its place,
-/// tries with a device of the test's own.
+/// A device is written to: it never becomes a file, whoever writes. The superuser, who could put one in its
+/// place, tries with a device of the test's own.
 void tst_ZrRouteFileErrors::devicesStay()
 {
 #ifdef Q_OS_LINUX
@@ -399,7 +408,11 @@ void tst_ZrRouteFileErrors::devicesStay()
         ZrRouteFile file;
         QVERIFY(!file.Write(full, format, route));
         QVERIFY2(file.Error().startsWith(full + QStringLiteral(": ")), qPrintable(file.Error()));
-        struct stat info {};
+
+        struct stat info
+        {
+        };
+
         QCOMPARE(stat(QFile::encodeName(full).constData(), &info), 0);
         QVERIFY(S_ISCHR(info.st_mode));
     }
@@ -430,7 +443,7 @@ void tst_ZrRouteFileErrors::fullDiskLeavesTheTarget()
     for (const ZrRouteFile::eFormat format : AllFormats) {
         const pid_t child = fork();
         if (child == 0) {
-            const rlimit limit {2000, 2000};
+            const rlimit limit{2000, 2000};
             signal(SIGXFSZ, SIG_IGN);
             alarm(30);
             if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
@@ -444,7 +457,8 @@ void tst_ZrRouteFileErrors::fullDiskLeavesTheTarget()
         QCOMPARE(waitpid(child, &status, 0), child);
         QCOMPARE(status, 0);
         QCOMPARE(ReadWhole(path), QByteArray("precious"));
-        QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
+        QCOMPARE(
+            QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
     }
 }
 

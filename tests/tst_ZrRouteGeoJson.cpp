@@ -1,7 +1,6 @@
 // GeoJSON as GIS programs write it, what ours looks like, and what the JSON module of python3 reads in it.
 
 #include "RouteFileChecks.h"
-
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteGeoJson.h"
 
@@ -20,7 +19,8 @@ QByteArray Collection(const QByteArray& features)
     return "{\"type\": \"FeatureCollection\",\n\"features\": [\n" + features + "\n]}\n";
 }
 
-QByteArray Feature(const QByteArray& type, const QByteArray& coordinates, const QByteArray& properties = "null")
+QByteArray Feature(
+    const QByteArray& type, const QByteArray& coordinates, const QByteArray& properties = "null")
 {
     return "{\"type\": \"Feature\", \"properties\": " + properties + ", \"geometry\": {\"type\": \"" + type
         + "\", \"coordinates\": " + coordinates + "}}";
@@ -29,7 +29,8 @@ QByteArray Feature(const QByteArray& type, const QByteArray& coordinates, const 
 QStringList Text(const ZrGeoShapes& shapes)
 {
     QStringList all;
-    const auto at = [](const ZrGeoPoint& point) { return QStringLiteral(" %1 %2").arg(point.lat).arg(point.lng); };
+    const auto at
+        = [](const ZrGeoPoint& point) { return QStringLiteral(" %1 %2").arg(point.lat).arg(point.lng); };
     for (const ZrShapePoint& point : shapes.points)
         all << QStringLiteral("point ") + point.name + at(point.position);
     for (const ZrShapeLine& line : shapes.lines) {
@@ -133,31 +134,40 @@ void tst_ZrRouteGeoJson::geometries_data()
     QTest::addColumn<QStringList>("shapes");
     QTest::addColumn<QStringList>("warnings");
     const auto row = [](const char* tag, const QByteArray& bytes, const QStringList& shapes,
-                         const QStringList& warnings = QStringList()) { QTest::newRow(tag) << bytes << shapes << warnings; };
-    const auto one = [](const char* text) { return QStringList {QString::fromUtf8(text)}; };
+                         const QStringList& warnings = QStringList()) {
+        QTest::newRow(tag) << bytes << shapes << warnings;
+    };
+    const auto one = [](const char* text) { return QStringList{QString::fromUtf8(text)}; };
     row("point with depth", Collection(Feature("Point", "[1, 2, -30]")), one("point  2 1"));
     row("points", Collection(Feature("MultiPoint", "[[1, 2], [3, 4]]", "{\"name\": \"m\"}")),
         {QStringLiteral("point m 2 1"), QStringLiteral("point m 4 3")});
-    row("line", Collection(Feature("LineString", "[[1, 2], [3, 4]]", "{\"name\": \"l\"}")), one("line l 2 1 4 3"));
+    row("line", Collection(Feature("LineString", "[[1, 2], [3, 4]]", "{\"name\": \"l\"}")),
+        one("line l 2 1 4 3"));
     row("lines", Collection(Feature("MultiLineString", "[[[1, 2], [3, 4]], [], [[5, 6], [7, 8]]]")),
         {QStringLiteral("line  2 1 4 3"), QStringLiteral("line  6 5 8 7")});
     row("polygon with holes",
         Collection(Feature("Point", "[1, 2]") + ",\n"
-            + Feature("Polygon", "[[[0, 0], [9, 0], [9, 9], [0, 0]], [[1, 1], [2, 1], [2, 2], [1, 1]]]", "{\"name\": \"p\"}")),
+            + Feature("Polygon", "[[[0, 0], [9, 0], [9, 9], [0, 0]], [[1, 1], [2, 1], [2, 2], [1, 1]]]",
+                "{\"name\": \"p\"}")),
         {QStringLiteral("point  2 1"), QStringLiteral("area p 0 0 0 9 9 9")},
         one("line 4: feature 2: the holes of a polygon were left out"));
-    row("polygons", Collection(Feature("MultiPolygon", "[[[[0, 0], [9, 0], [9, 9], [0, 0]]], [], [[[1, 1], [2, 1], [2, 2]]]]")),
+    row("polygons",
+        Collection(
+            Feature("MultiPolygon", "[[[[0, 0], [9, 0], [9, 9], [0, 0]]], [], [[[1, 1], [2, 1], [2, 2]]]]")),
         {QStringLiteral("area  0 0 0 9 9 9"), QStringLiteral("area  1 1 1 2 2 2")});
     row("collection",
         "{\"type\": \"GeometryCollection\", \"geometries\": [{\"type\": \"Point\", \"coordinates\": [1, 2]}, "
-        "{\"type\": \"GeometryCollection\", \"geometries\": [{\"type\": \"LineString\", \"coordinates\": [[1, 2], [3, 4]]}]}]}",
+        "{\"type\": \"GeometryCollection\", \"geometries\": [{\"type\": \"LineString\", \"coordinates\": "
+        "[[1, 2], [3, 4]]}]}]}",
         {QStringLiteral("point  2 1"), QStringLiteral("line  2 1 4 3")});
     row("feature alone", Feature("Point", "[1, 2]", "{\"name\": \"f\"}"), one("point f 2 1"));
     row("geometry alone", "{\"type\": \"Point\", \"coordinates\": [1, 2]}", one("point  2 1"));
-    row("feature without a place", Collection("{\"type\": \"Feature\", \"geometry\": null, \"properties\": {}}"), QStringList());
+    row("feature without a place",
+        Collection("{\"type\": \"Feature\", \"geometry\": null, \"properties\": {}}"), QStringList());
     row("no features", Collection(""), QStringList());
     row("other members",
-        "{\"type\": \"FeatureCollection\", \"crs\": {\"type\": \"name\"}, \"bbox\": [0, 0, 1, 1], \"waypoints\": [], \"features\": ["
+        "{\"type\": \"FeatureCollection\", \"crs\": {\"type\": \"name\"}, \"bbox\": [0, 0, 1, 1], "
+        "\"waypoints\": [], \"features\": ["
             + Feature("Point", "[1, 2]") + "]}",
         one("point  2 1"));
 }
@@ -182,7 +192,8 @@ void tst_ZrRouteGeoJson::names_data()
 {
     QTest::addColumn<QByteArray>("properties");
     QTest::addColumn<QString>("name");
-    QTest::newRow("name") << QByteArray("{\"name\": \"a\", \"Name\": \"b\", \"label\": \"c\"}") << QStringLiteral("a");
+    QTest::newRow("name") << QByteArray("{\"name\": \"a\", \"Name\": \"b\", \"label\": \"c\"}")
+                          << QStringLiteral("a");
     QTest::newRow("Name") << QByteArray("{\"Name\": \"b\", \"title\": \"c\"}") << QStringLiteral("b");
     QTest::newRow("title") << QByteArray("{\"title\": \"c\"}") << QStringLiteral("c");
     QTest::newRow("number") << QByteArray("{\"name\": 12}") << QStringLiteral("12");
@@ -208,9 +219,12 @@ void tst_ZrRouteGeoJson::properties()
     const auto fields = [](const char* json) {
         ZrGeoShapes shapes;
         QString error;
-        return Read(Collection(Feature("Point", "[1, 2]", json)), shapes, error) ? shapes.points[0].fields : QJsonObject();
+        return Read(Collection(Feature("Point", "[1, 2]", json)), shapes, error) ? shapes.points[0].fields
+                                                                                 : QJsonObject();
     };
-    const auto kept = [](const char* key, const QJsonValue& value) { return QJsonObject {{QLatin1String(key), value}}; };
+    const auto kept = [](const char* key, const QJsonValue& value) {
+        return QJsonObject{{QLatin1String(key), value}};
+    };
     QCOMPARE(fields("{\"speedtype\": 2}"), kept("speedtype", QStringLiteral("2")));
     QCOMPARE(fields("{\"speedtype\": \" 2\"}"), kept("speedtype", QStringLiteral("2")));
     QCOMPARE(fields("{\"r\": \"12.5\"}"), kept("r", 12.5));
@@ -222,19 +236,22 @@ void tst_ZrRouteGeoJson::properties()
     QCOMPARE(fields("{\"bottomN\": -5}"), kept("bottomN", QStringLiteral("-5")));
     QCOMPARE(fields("{\"GridId\": \"{00000000-0000-0000-0000-000000000000}\"}"),
         kept("GridId", QStringLiteral("{00000000-0000-0000-0000-000000000000}")));
-    for (const char* other : {"{\"speedtype\": \"slow\"}", "{\"speedtype\": 1.5}", "{\"speedtype\": 1e300}", "{\"speedtype\": true}",
-             "{\"type\": 256}", "{\"type\": -1}", "{\"flags\": 4294967296}", "{\"r\": \"wide\"}", "{\"r\": [1]}", "{\"at wpt\": 1}",
-             "{\"at wpt\": \"yes\"}", "{\"colour\": \"red\"}", "{\"colour\": \"#ff0000\"}", "{\"colour\": \"-f00aa11\"}", "{\"UUID\": 7}",
-             "{\"UUID\": \"x\"}", "{\"filename\": null}", "{\"lat\": 5}", "{\"q\": 5}", "{\"pseudo\": \"x\"}", "{\"depth\": 5}"})
+    for (const char* other : {"{\"speedtype\": \"slow\"}", "{\"speedtype\": 1.5}", "{\"speedtype\": 1e300}",
+             "{\"speedtype\": true}", "{\"type\": 256}", "{\"type\": -1}", "{\"flags\": 4294967296}",
+             "{\"r\": \"wide\"}", "{\"r\": [1]}", "{\"at wpt\": 1}", "{\"at wpt\": \"yes\"}",
+             "{\"colour\": \"red\"}", "{\"colour\": \"#ff0000\"}", "{\"colour\": \"-f00aa11\"}",
+             "{\"UUID\": 7}", "{\"UUID\": \"x\"}", "{\"filename\": null}", "{\"lat\": 5}", "{\"q\": 5}",
+             "{\"pseudo\": \"x\"}", "{\"depth\": 5}"})
         QVERIFY2(fields(other).isEmpty(), other);
 }
 
 void tst_ZrRouteGeoJson::foreignRouteMember()
 {
-    for (const char* member : {"\"A7\"", "null", "[1]", "{\"speed\": \"fast\", \"closed\": 1, \"prefix\": null, \"linked\": {}}"}) {
+    for (const char* member :
+        {"\"A7\"", "null", "[1]", "{\"speed\": \"fast\", \"closed\": 1, \"prefix\": null, \"linked\": {}}"}) {
         ZrWpts route;
-        QCOMPARE(FromBytes(QByteArray("{\"type\": \"FeatureCollection\", \"route\": ") + member + ", \"features\": ["
-                         + Feature("Point", "[1, 2]") + "]}",
+        QCOMPARE(FromBytes(QByteArray("{\"type\": \"FeatureCollection\", \"route\": ") + member
+                         + ", \"features\": [" + Feature("Point", "[1, 2]") + "]}",
                      route),
             QString());
         QCOMPARE(route.speed, 0.5);
@@ -246,16 +263,19 @@ void tst_ZrRouteGeoJson::lineOfAnotherMaker()
 {
     ZrWpts route;
     QStringList warnings;
-    QCOMPARE(FromBytes(Collection(Feature("Point", "[1, 2]") + "," + Feature("LineString", "[[5, 6, 1], [7, 8, 2]]", "{\"Name\": \"L\"}") + ","
-                 + Feature("LineString", "[[5, 6], [7, 9]]") + "," + Feature("Polygon", "[[[0, 0], [1, 0], [1, 1], [0, 0]]]")),
+    QCOMPARE(FromBytes(Collection(Feature("Point", "[1, 2]") + ","
+                           + Feature("LineString", "[[5, 6, 1], [7, 8, 2]]", "{\"Name\": \"L\"}") + ","
+                           + Feature("LineString", "[[5, 6], [7, 9]]") + ","
+                           + Feature("Polygon", "[[[0, 0], [1, 0], [1, 1], [0, 0]]]")),
                  route, &warnings),
         QString());
-    QCOMPARE(Summary(route), (QStringList {QStringLiteral("6 5"), QStringLiteral("8 7")}));
+    QCOMPARE(Summary(route), (QStringList{QStringLiteral("6 5"), QStringLiteral("8 7")}));
     QVERIFY(route.linked);
     QCOMPARE(route.prefix, QStringLiteral("L"));
     QCOMPARE(warnings,
-        (QStringList {QStringLiteral("of 2 routes and lines the first was taken"),
-            QStringLiteral("points beside the line were left out: 1"), QStringLiteral("areas were left out: 1")}));
+        (QStringList{QStringLiteral("of 2 routes and lines the first was taken"),
+            QStringLiteral("points beside the line were left out: 1"),
+            QStringLiteral("areas were left out: 1")}));
 }
 
 void tst_ZrRouteGeoJson::errors_data()
@@ -275,16 +295,22 @@ void tst_ZrRouteGeoJson::errors_data()
         "line 5: feature 2: latitude 95 is not within 90 degrees of the equator");
     row("projected", Collection(Feature("Point", "[432000.5, 5540000]")),
         "line 3: feature 1: latitude 5.54e+06 is not within 90 degrees of the equator");
-    row("longitude", Collection(Feature("Point", "[190, 5]")), "line 3: feature 1: longitude 190 is not within 180 degrees of Greenwich");
-    row("type", Collection(good + Feature("Circle", "[1, 2]")), "line 5: feature 2: \"Circle\" is no type of GeoJSON geometry");
+    row("longitude", Collection(Feature("Point", "[190, 5]")),
+        "line 3: feature 1: longitude 190 is not within 180 degrees of Greenwich");
+    row("type", Collection(good + Feature("Circle", "[1, 2]")),
+        "line 5: feature 2: \"Circle\" is no type of GeoJSON geometry");
     row("no geometry", Collection("{\"type\": \"Feature\"}"), "line 3: feature 1: not GeoJSON: no \"type\"");
-    row("no feature", Collection("{\"type\": \"Point\", \"coordinates\": [1, 2]}"), "line 3: feature 1: not a GeoJSON feature");
+    row("no feature", Collection("{\"type\": \"Point\", \"coordinates\": [1, 2]}"),
+        "line 3: feature 1: not a GeoJSON feature");
     row("number", Collection(good + "5"), "line 5: feature 2: not a GeoJSON feature");
-    row("no list", "{\"type\": \"FeatureCollection\", \"features\": {}}", "not GeoJSON: \"features\" is no list");
-    row("features inside", "{\"type\": \"FeatureCollection\", \"x\": {\"features\": [1]},\n \"y\": [[]], \"features\": [\n7]}",
+    row("no list", "{\"type\": \"FeatureCollection\", \"features\": {}}",
+        "not GeoJSON: \"features\" is no list");
+    row("features inside",
+        "{\"type\": \"FeatureCollection\", \"x\": {\"features\": [1]},\n \"y\": [[]], \"features\": [\n7]}",
         "line 3: feature 1: not a GeoJSON feature");
     row("topology", "{\"type\": \"Topology\"}", "\"Topology\" is no type of GeoJSON geometry");
-    row("alone", "{\"type\": \"Point\", \"coordinates\": [1, 91]}", "latitude 91 is not within 90 degrees of the equator");
+    row("alone", "{\"type\": \"Point\", \"coordinates\": [1, 91]}",
+        "latitude 91 is not within 90 degrees of the equator");
     row("syntax", Collection("{\"type\" \"Feature\"}"), "line 3: missing name separator");
     row("nothing", Collection(""), "no route and no waypoints in it");
 }

@@ -1,7 +1,6 @@
 // GPX of other makers, what our GPX looks like byte by byte, and what gpsbabel reads in it.
 
 #include "RouteFileChecks.h"
-
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteGpx.h"
 
@@ -29,8 +28,8 @@ QStringList GpxLines(const QByteArray& gpx)
         xml.readNext();
         const QXmlStreamAttributes attributes = xml.attributes();
         if (xml.isStartElement() && attributes.hasAttribute(QStringLiteral("lat")))
-            lines << xml.name().toString() + QLatin1Char(' ') + attributes.value(QStringLiteral("lat")) + QLatin1Char(' ')
-                    + attributes.value(QStringLiteral("lon"));
+            lines << xml.name().toString() + QLatin1Char(' ') + attributes.value(QStringLiteral("lat"))
+                    + QLatin1Char(' ') + attributes.value(QStringLiteral("lon"));
         else if (xml.isStartElement() && xml.name() == QLatin1String("rte"))
             lines << QString();
         else if (xml.isStartElement() && xml.name() == QLatin1String("name"))
@@ -41,8 +40,9 @@ QStringList GpxLines(const QByteArray& gpx)
 
 QByteArray Gpx(const char* body)
 {
-    return QByteArray("<?xml version=\"1.0\"?>\n<gpx version=\"1.1\" xmlns=\"http://www.topografix.com/GPX/1/1\" "
-                      "xmlns:zr=\"urn:zrkit:route\">\n")
+    return QByteArray(
+               "<?xml version=\"1.0\"?>\n<gpx version=\"1.1\" xmlns=\"http://www.topografix.com/GPX/1/1\" "
+               "xmlns:zr=\"urn:zrkit:route\">\n")
         + body + "\n</gpx>\n";
 }
 
@@ -82,7 +82,8 @@ void tst_ZrRouteGpx::layout()
     second.pseudo = QStringLiteral("Finish Mission");
     second.atWpt = true;
     Append(route, second);
-    QCOMPARE(QString::fromUtf8(ZrRouteGpx::Write(route)), QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
+    QCOMPARE(
+        QString::fromUtf8(ZrRouteGpx::Write(route)), QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
 <gpx xmlns="http://www.topografix.com/GPX/1/1" xmlns:zr="urn:zrkit:route" version="1.1" creator="ZrKit">
  <rte>
   <name>A &amp; B</name>
@@ -122,22 +123,23 @@ void tst_ZrRouteGpx::realFiles_data()
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<QStringList>("warnings");
     // The whole track stands on one line.
-    QTest::newRow("around-visnjan-with-car.gpx")
-        << 104 << QStringLiteral("45.2735188510 13.7142099626") << QStringLiteral("45.2733349521 13.7139970623")
-        << QStringLiteral("2020-12-18 07:24:29") << QStringList();
+    QTest::newRow("around-visnjan-with-car.gpx") << 104 << QStringLiteral("45.2735188510 13.7142099626")
+                                                 << QStringLiteral("45.2733349521 13.7139970623")
+                                                 << QStringLiteral("2020-12-18 07:24:29") << QStringList();
     // The first of its four tracks is empty, two waypoints stand beside them.
     QTest::newRow("korita-zbevnica.gpx")
-        << 358 << QStringLiteral("45.3806000950 14.1444914420") << QStringLiteral("45.3806796390 14.1445222030")
-        << QStringLiteral("03-OCT-10 #2")
-        << (QStringList {QStringLiteral("of 3 routes and lines the first was taken"),
+        << 358 << QStringLiteral("45.3806000950 14.1444914420")
+        << QStringLiteral("45.3806796390 14.1445222030") << QStringLiteral("03-OCT-10 #2")
+        << (QStringList{QStringLiteral("of 3 routes and lines the first was taken"),
                QStringLiteral("points beside the line were left out: 2")});
     QTest::newRow("route.gpx") << 55 << QStringLiteral("45.2787641494 13.7266954780 #001")
-                               << QStringLiteral("45.2787783011 13.7266552448 #055") << QString() << QStringList();
+                               << QStringLiteral("45.2787783011 13.7266552448 #055") << QString()
+                               << QStringList();
     // Two routes, a track of two segments, one of them empty, and two waypoints.
     QTest::newRow("gpx1.1_with_all_fields.gpx")
         << 3 << QStringLiteral("10.0000000000 20.0000000000 example name r")
         << QStringLiteral("12.0000000000 22.0000000000") << QStringLiteral("example name")
-        << (QStringList {QStringLiteral("of 3 routes and lines the first was taken"),
+        << (QStringList{QStringLiteral("of 3 routes and lines the first was taken"),
                QStringLiteral("points beside the line were left out: 2")});
 }
 
@@ -152,7 +154,8 @@ void tst_ZrRouteGpx::realFiles()
     ZrWpts route;
     QVERIFY2(file.Read(DataPath(QTest::currentDataTag()), route), qPrintable(file.Error()));
     const auto text = [](const ZrWpt& wpt) {
-        return (Rounded(wpt.lat) + QLatin1Char(' ') + Rounded(wpt.lng) + QLatin1Char(' ') + wpt.name).trimmed();
+        return (Rounded(wpt.lat) + QLatin1Char(' ') + Rounded(wpt.lng) + QLatin1Char(' ') + wpt.name)
+            .trimmed();
     };
     QCOMPARE(route.GetCount(), count);
     QCOMPARE(text(*route.GetHead()), first);
@@ -167,16 +170,19 @@ void tst_ZrRouteGpx::allFields()
 {
     ZrGeoShapes shapes;
     QString error;
-    QVERIFY2(ZrRouteGpx::Read(ReadWhole(DataPath("gpx1.1_with_all_fields.gpx")), shapes, error), qPrintable(error));
+    QVERIFY2(ZrRouteGpx::Read(ReadWhole(DataPath("gpx1.1_with_all_fields.gpx")), shapes, error),
+        qPrintable(error));
     QCOMPARE(shapes.points.size(), std::size_t(2));
     QCOMPARE(shapes.points[0].name, QStringLiteral("example name"));
-    QVERIFY((shapes.points[0].position == ZrGeoPoint {12.3, 45.6}));
+    QVERIFY((shapes.points[0].position == ZrGeoPoint{12.3, 45.6}));
     QVERIFY(shapes.points[0].fields.isEmpty());
-    QVERIFY((shapes.points[1].position == ZrGeoPoint {13.4, 46.7}));
+    QVERIFY((shapes.points[1].position == ZrGeoPoint{13.4, 46.7}));
     QStringList lines;
     for (const ZrShapeLine& line : shapes.lines)
         lines << QStringLiteral("%1 %2").arg(line.name).arg(line.points.size());
-    QCOMPARE(lines, (QStringList {QStringLiteral("example name 3"), QStringLiteral("second route 2"), QStringLiteral("example name t 1")}));
+    QCOMPARE(lines,
+        (QStringList{QStringLiteral("example name 3"), QStringLiteral("second route 2"),
+            QStringLiteral("example name t 1")}));
 }
 
 void tst_ZrRouteGpx::whatIsTaken_data()
@@ -189,34 +195,45 @@ void tst_ZrRouteGpx::whatIsTaken_data()
     const QString taken = QStringLiteral("of 2 routes and lines the first was taken");
     const QString beside = QStringLiteral("points beside the line were left out: 1");
     QTest::newRow("points") << Gpx("<wpt lat=\"1\" lon=\"2\"><name>a</name></wpt><wpt lat=\"3\" lon=\"4\"/>")
-                            << QStringList {QStringLiteral("1 2 a"), QStringLiteral("3 4")} << false << QString()
-                            << QStringList();
-    QTest::newRow("two routes") << Gpx("<rte><name>R</name><rtept lat=\"1\" lon=\"2\"/></rte><rte><rtept lat=\"3\" lon=\"4\"/></rte>")
-                                << QStringList {QStringLiteral("1 2")} << true << QStringLiteral("R")
-                                << QStringList {taken};
-    QTest::newRow("empty route first") << Gpx("<rte/><rte><name>S</name><rtept lat=\"3\" lon=\"4\"/></rte>")
-                                       << QStringList {QStringLiteral("3 4")} << true << QStringLiteral("S")
-                                       << QStringList();
-    QTest::newRow("route behind a track")
-        << Gpx("<trk><name>T</name><trkseg><trkpt lat=\"1\" lon=\"2\"/></trkseg></trk><wpt lat=\"5\" lon=\"6\"/>"
-               "<rte><name>R</name><rtept lat=\"3\" lon=\"4\"/></rte>")
-        << QStringList {QStringLiteral("3 4")} << true << QStringLiteral("R") << QStringList {taken, beside};
-    QTest::newRow("track of two segments")
-        << Gpx("<trk><name>T</name><trkseg><trkpt lat=\"1\" lon=\"2\"><ele>3</ele><time>x</time></trkpt></trkseg>"
-               "<trkseg><trkpt lat=\"3\" lon=\"4\"/></trkseg></trk>")
-        << QStringList {QStringLiteral("1 2")} << true << QStringLiteral("T") << QStringList {taken};
-    QTest::newRow("prefixed names") << QByteArray("<g:gpx xmlns:g='http://www.topografix.com/GPX/1/1'><g:wpt lat='1' lon=' +2 '>"
-                                                  "<g:name>\u00E4</g:name></g:wpt></g:gpx>")
-                                    << QStringList {QStringLiteral("1 2 \u00E4")} << false << QString() << QStringList();
-    QTest::newRow("latin-1") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><gpx><wpt lat='1' lon='2'><name>\xE4</name></wpt></gpx>")
-                             << QStringList {QStringLiteral("1 2 \u00E4")} << false << QString() << QStringList();
-    QTest::newRow("ours with a mark of another maker")
-        << Gpx("<rte><extensions><zr:field key=\"linked\">true</zr:field><zr:field key=\"closed\">true</zr:field>"
-               "<zr:field key=\"prefix\">Ours</zr:field></extensions><rtept lat=\"3\" lon=\"4\"/></rte><wpt lat=\"1\" lon=\"2\"/>")
-        << QStringList {QStringLiteral("3 4")} << true << QStringLiteral("Ours") << QStringList {beside};
-    QTest::newRow("our marks") << Gpx("<wpt lat=\"1\" lon=\"2\"/><extensions><zr:field key=\"linked\">false</zr:field>"
-                                      "<zr:field key=\"prefix\">M</zr:field></extensions>")
-                               << QStringList {QStringLiteral("1 2")} << false << QStringLiteral("M") << QStringList();
+                            << QStringList{QStringLiteral("1 2 a"), QStringLiteral("3 4")} << false
+                            << QString() << QStringList();
+    QTest::newRow("two routes") << Gpx(
+        "<rte><name>R</name><rtept lat=\"1\" lon=\"2\"/></rte><rte><rtept lat=\"3\" lon=\"4\"/></rte>")
+                                << QStringList{QStringLiteral("1 2")} << true << QStringLiteral("R")
+                                << QStringList{taken};
+    QTest::newRow("empty route first")
+        << Gpx("<rte/><rte><name>S</name><rtept lat=\"3\" lon=\"4\"/></rte>")
+        << QStringList{QStringLiteral("3 4")} << true << QStringLiteral("S") << QStringList();
+    QTest::newRow("route behind a track") << Gpx(
+        "<trk><name>T</name><trkseg><trkpt lat=\"1\" lon=\"2\"/></trkseg></trk><wpt lat=\"5\" lon=\"6\"/>"
+        "<rte><name>R</name><rtept lat=\"3\" lon=\"4\"/></rte>")
+                                          << QStringList{QStringLiteral("3 4")} << true << QStringLiteral("R")
+                                          << QStringList{taken, beside};
+    QTest::newRow("track of two segments") << Gpx(
+        "<trk><name>T</name><trkseg><trkpt lat=\"1\" lon=\"2\"><ele>3</ele><time>x</time></trkpt></trkseg>"
+        "<trkseg><trkpt lat=\"3\" lon=\"4\"/></trkseg></trk>")
+                                           << QStringList{QStringLiteral("1 2")} << true
+                                           << QStringLiteral("T") << QStringList{taken};
+    QTest::newRow("prefixed names") << QByteArray(
+        "<g:gpx xmlns:g='http://www.topografix.com/GPX/1/1'><g:wpt lat='1' lon=' +2 '>"
+        "<g:name>\u00E4</g:name></g:wpt></g:gpx>")
+                                    << QStringList{QStringLiteral("1 2 \u00E4")} << false << QString()
+                                    << QStringList();
+    QTest::newRow("latin-1") << QByteArray(
+        "<?xml version='1.0' encoding='ISO-8859-1'?><gpx><wpt lat='1' lon='2'><name>\xE4</name></wpt></gpx>")
+                             << QStringList{QStringLiteral("1 2 \u00E4")} << false << QString()
+                             << QStringList();
+    QTest::newRow("ours with a mark of another maker") << Gpx(
+        "<rte><extensions><zr:field key=\"linked\">true</zr:field><zr:field key=\"closed\">true</zr:field>"
+        "<zr:field key=\"prefix\">Ours</zr:field></extensions><rtept lat=\"3\" lon=\"4\"/></rte><wpt "
+        "lat=\"1\" lon=\"2\"/>") << QStringList{QStringLiteral("3 4")}
+                                                       << true << QStringLiteral("Ours")
+                                                       << QStringList{beside};
+    QTest::newRow("our marks") << Gpx(
+        "<wpt lat=\"1\" lon=\"2\"/><extensions><zr:field key=\"linked\">false</zr:field>"
+        "<zr:field key=\"prefix\">M</zr:field></extensions>")
+                               << QStringList{QStringLiteral("1 2")} << false << QStringLiteral("M")
+                               << QStringList();
 }
 
 void tst_ZrRouteGpx::whatIsTaken()
@@ -239,9 +256,11 @@ void tst_ZrRouteGpx::whatIsTaken()
 void tst_ZrRouteGpx::otherExtensions()
 {
     ZrWpts route;
-    QCOMPARE(FromBytes(Gpx("<wpt lat=\"1\" lon=\"2\"><extensions xmlns:o=\"urn:other\"><o:field key=\"r\">5</o:field>"
-                           "<field key=\"r\">6</field><o:x><zr:field key=\"r\">7</zr:field></o:x></extensions></wpt>"),
-                 route),
+    QCOMPARE(
+        FromBytes(
+            Gpx("<wpt lat=\"1\" lon=\"2\"><extensions xmlns:o=\"urn:other\"><o:field key=\"r\">5</o:field>"
+                "<field key=\"r\">6</field><o:x><zr:field key=\"r\">7</zr:field></o:x></extensions></wpt>"),
+            route),
         QString());
     QCOMPARE(NthOf(route, 0).r, 0.0);
 }
@@ -257,7 +276,8 @@ void tst_ZrRouteGpx::antimeridian()
     ZrWpts read;
     QCOMPARE(FromBytes(gpx, read), QString());
     QCOMPARE(Summary(read),
-        (QStringList {QStringLiteral("1 179.9"), QStringLiteral("1 180"), QStringLiteral("1 -180"), QStringLiteral("1 180")}));
+        (QStringList{QStringLiteral("1 179.9"), QStringLiteral("1 180"), QStringLiteral("1 -180"),
+            QStringLiteral("1 180")}));
 }
 
 void tst_ZrRouteGpx::errors_data()
@@ -269,29 +289,40 @@ void tst_ZrRouteGpx::errors_data()
     };
     row("no latitude", "<wpt lon=\"1\"/>", "line 3: \"wpt\" has no \"lat\"");
     row("empty longitude", "\n<wpt lat=\"1\" lon=\"\"/>", "line 4: \"\" is no \"lon\"");
-    row("text", "<rte>\n<rtept lat=\"1\" lon=\"1\"/>\n<rtept lat=\"north\" lon=\"2\"/></rte>", "line 5: \"north\" is no \"lat\"");
+    row("text", "<rte>\n<rtept lat=\"1\" lon=\"1\"/>\n<rtept lat=\"north\" lon=\"2\"/></rte>",
+        "line 5: \"north\" is no \"lat\"");
     row("decimal comma", "<wpt lat=\"1,5\" lon=\"1\"/>", "line 3: \"1,5\" is no \"lat\"");
-    row("latitude", "<wpt\nlat=\"95\"\nlon=\"1\"/>", "line 5: latitude 95 is not within 90 degrees of the equator");
+    row("latitude", "<wpt\nlat=\"95\"\nlon=\"1\"/>",
+        "line 5: latitude 95 is not within 90 degrees of the equator");
     row("longitude", "<trk><trkseg><trkpt lat=\"1\" lon=\"-181\"/></trkseg></trk>",
         "line 3: longitude -181 is not within 180 degrees of Greenwich");
-    row("nan", "<wpt lat=\"nan\" lon=\"1\"/>", "line 3: latitude nan is not within 90 degrees of the equator");
-    row("our field", "<wpt lat=\"1\" lon=\"1\"><extensions>\n<zr:field key=\"r\">wide</zr:field></extensions></wpt>",
+    row("nan", "<wpt lat=\"nan\" lon=\"1\"/>",
+        "line 3: latitude nan is not within 90 degrees of the equator");
+    row("our field",
+        "<wpt lat=\"1\" lon=\"1\"><extensions>\n<zr:field key=\"r\">wide</zr:field></extensions></wpt>",
         "line 4: \"wide\" is no value of \"r\"");
-    row("our integer", "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"classA\">256</zr:field></extensions></wpt>",
+    row("our integer",
+        "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"classA\">256</zr:field></extensions></wpt>",
         "line 3: \"256\" is no value of \"classA\"");
-    row("our uuid", "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"UUID\">x</zr:field></extensions></wpt>",
+    row("our uuid",
+        "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"UUID\">x</zr:field></extensions></wpt>",
         "line 3: \"x\" is no value of \"UUID\"");
-    row("our route field", "<rte><extensions>\n\n<zr:field key=\"linked\">maybe</zr:field></extensions></rte>",
+    row("our route field",
+        "<rte><extensions>\n\n<zr:field key=\"linked\">maybe</zr:field></extensions></rte>",
         "line 5: \"maybe\" is no value of \"linked\"");
-    row("unknown key", "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"q\">1</zr:field></extensions></wpt>",
+    row("unknown key",
+        "<wpt lat=\"1\" lon=\"1\"><extensions><zr:field key=\"q\">1</zr:field></extensions></wpt>",
         "line 3: \"1\" is no value of \"q\"");
-    row("element in a name", "<wpt lat=\"1\" lon=\"1\"><name>a<b/></name></wpt>", "line 3: Expected character data.");
+    row("element in a name", "<wpt lat=\"1\" lon=\"1\"><name>a<b/></name></wpt>",
+        "line 3: Expected character data.");
     row("not closed", "<wpt lat=\"1\" lon=\"1\">", "line 4: Opening and ending tag mismatch.");
     row("nothing", "<metadata/>", "no route and no waypoints in it");
     QTest::newRow("kml in gpx") << QByteArray("<gpxx><wpt lat=\"1\" lon=\"1\"/></gpxx>")
-                                << QStringLiteral("neither GPX, KML nor a tag-structured store with waypoints");
-    QTest::newRow("bytes that are no UTF-8") << Gpx("<wpt lat=\"1\" lon=\"1\">\n<name>\xFF</name></wpt>")
-                                             << QStringLiteral("line 4: no UTF-8, and no other encoding is declared");
+                                << QStringLiteral(
+                                       "neither GPX, KML nor a tag-structured store with waypoints");
+    QTest::newRow("bytes that are no UTF-8")
+        << Gpx("<wpt lat=\"1\" lon=\"1\">\n<name>\xFF</name></wpt>")
+        << QStringLiteral("line 4: no UTF-8, and no other encoding is declared");
 }
 
 void tst_ZrRouteGpx::errors()
@@ -320,11 +351,11 @@ void tst_ZrRouteGpx::gpsbabelReads()
         ZrRouteFile file;
         QVERIFY(file.Write(path, ZrRouteFile::Gpx, route));
         const QByteArray gpx = OutputOf(QStringLiteral("gpsbabel"),
-            {linked ? QStringLiteral("-r") : QStringLiteral("-w"), QStringLiteral("-i"), QStringLiteral("gpx"),
-                QStringLiteral("-f"), path, QStringLiteral("-o"), QStringLiteral("gpx"), QStringLiteral("-F"),
-                QStringLiteral("-")});
+            {linked ? QStringLiteral("-r") : QStringLiteral("-w"), QStringLiteral("-i"),
+                QStringLiteral("gpx"), QStringLiteral("-f"), path, QStringLiteral("-o"),
+                QStringLiteral("gpx"), QStringLiteral("-F"), QStringLiteral("-")});
         const QString element = linked ? QStringLiteral("rtept") : QStringLiteral("wpt");
-        QStringList expected {element + QStringLiteral(" 50.123456700 -4.765432100 Wreck \u00E4 <&>"),
+        QStringList expected{element + QStringLiteral(" 50.123456700 -4.765432100 Wreck \u00E4 <&>"),
             element + QStringLiteral(" 50.200000000 -4.500000000 ")
                 + (linked ? QStringLiteral("Finish Mission") : QStringLiteral("Mkr: 2"))};
         if (linked)
@@ -341,10 +372,12 @@ void tst_ZrRouteGpx::gpsbabelWrites()
     QVERIFY(WriteWhole(path, "50.5, -4.25, First\n50.75, -4.125, Second\n"));
     const QByteArray gpx = OutputOf(QStringLiteral("gpsbabel"),
         {QStringLiteral("-i"), QStringLiteral("csv"), QStringLiteral("-f"), path, QStringLiteral("-x"),
-            QStringLiteral("transform,rte=wpt,del"), QStringLiteral("-o"), QStringLiteral("gpx"), QStringLiteral("-F"), QStringLiteral("-")});
+            QStringLiteral("transform,rte=wpt,del"), QStringLiteral("-o"), QStringLiteral("gpx"),
+            QStringLiteral("-F"), QStringLiteral("-")});
     ZrWpts route;
     QCOMPARE(FromBytes(gpx, route), QString());
-    QCOMPARE(Summary(route), (QStringList {QStringLiteral("50.5 -4.25 First"), QStringLiteral("50.75 -4.125 Second")}));
+    QCOMPARE(Summary(route),
+        (QStringList{QStringLiteral("50.5 -4.25 First"), QStringLiteral("50.75 -4.125 Second")}));
     QVERIFY(route.linked);
 }
 

@@ -1,7 +1,6 @@
 // Lists of waypoints as spreadsheets and people write them, and what ours look like.
 
 #include "RouteFileChecks.h"
-
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteTab.h"
 
@@ -47,11 +46,13 @@ void tst_ZrRouteTab::lists_data()
     const auto row = [](const char* tag, const char* text, const QStringList& summary) {
         QTest::newRow(tag) << QString::fromUtf8(text) << summary;
     };
-    const auto one = [](const char* text) { return QStringList {QString::fromUtf8(text)}; };
+    const auto one = [](const char* text) { return QStringList{QString::fromUtf8(text)}; };
     row("two columns", "50.5\t-4.25\n51\t-5\n", {QStringLiteral("50.5 -4.25"), QStringLiteral("51 -5")});
-    row("three columns", "A\t50.5\t-4.25\r\n\t51\t-5", {QStringLiteral("50.5 -4.25 A"), QStringLiteral("51 -5")});
+    row("three columns", "A\t50.5\t-4.25\r\n\t51\t-5",
+        {QStringLiteral("50.5 -4.25 A"), QStringLiteral("51 -5")});
     row("more columns", "A\t50.5\t-4.25\tdepth 5\t7", one("50.5 -4.25 A"));
-    row("lines of both kinds", "A\t50.5\t-4.25\n51\t-5", {QStringLiteral("50.5 -4.25 A"), QStringLiteral("51 -5")});
+    row("lines of both kinds", "A\t50.5\t-4.25\n51\t-5",
+        {QStringLiteral("50.5 -4.25 A"), QStringLiteral("51 -5")});
     row("comments and blank lines", "# A list\n\n#A\t1\t2\n \t \nB\t50.5\t-4.25\n# end", one("50.5 -4.25 B"));
     row("blanks around", " A b \t 50.5 \t -4.25 ", one("50.5 -4.25 A b"));
     row("degrees and minutes", "A\t50\u00B0 30.0' N\t004\u00B0 15.0' W", one("50.5 -4.25 A"));
@@ -59,7 +60,8 @@ void tst_ZrRouteTab::lists_data()
     row("letters in front", "N50.5\tW4.25", one("50.5 -4.25"));
     row("exponent", "5.05e1\t-4.25E0", one("50.5 -4.25"));
     row("header", "name\tlat\tlong\nA\t50.5\t-4.25", one("50.5 -4.25 A"));
-    row("header in another order", "Remark\tLONGITUDE\t Latitude \tNAME\nx\t-4.25\t50.5\tA", one("50.5 -4.25 A"));
+    row("header in another order", "Remark\tLONGITUDE\t Latitude \tNAME\nx\t-4.25\t50.5\tA",
+        one("50.5 -4.25 A"));
     row("header with lng", "lat\tlng\n50.5\t-4.25", one("50.5 -4.25"));
     row("header with lon", "lon\tlat\n-4.25\t50.5\tmore", one("50.5 -4.25"));
     row("header without a name", "lat\tlong\tdepth\n50.5\t-4.25\t7", one("50.5 -4.25"));
@@ -88,7 +90,7 @@ void tst_ZrRouteTab::fields()
     QCOMPARE(error, QString());
     QCOMPARE(shapes.points.size(), std::size_t(3));
     QCOMPARE(shapes.points[0].fields,
-        (QJsonObject {{QStringLiteral("r"), 12.5}, {QStringLiteral("speedtype"), QStringLiteral("2")},
+        (QJsonObject{{QStringLiteral("r"), 12.5}, {QStringLiteral("speedtype"), QStringLiteral("2")},
             {QStringLiteral("at wpt"), true}, {QStringLiteral("classA"), QStringLiteral("255")},
             {QStringLiteral("filename"), QStringLiteral("a.log")}}));
     QVERIFY(shapes.points[1].fields.isEmpty());
@@ -98,7 +100,11 @@ void tst_ZrRouteTab::fields()
 void tst_ZrRouteTab::routeComment()
 {
     ZrWpts route;
-    QCOMPARE(FromBytes("# route to the harbour\n# route {\"linked\": true, \"speed\": 2, \"prefix\": \"P\"}\n1\t2\n", route), QString());
+    QCOMPARE(
+        FromBytes(
+            "# route to the harbour\n# route {\"linked\": true, \"speed\": 2, \"prefix\": \"P\"}\n1\t2\n",
+            route),
+        QString());
     QVERIFY(route.linked && !route.closed);
     QCOMPARE(route.speed, 2.0);
     QCOMPARE(route.prefix, QStringLiteral("P"));
@@ -108,11 +114,13 @@ void tst_ZrRouteTab::routeComment()
 void tst_ZrRouteTab::encodings()
 {
     const QString text = QStringLiteral("\u00C5land\t50\u00B030'N\t4\u00B015'W\n");
-    const QByteArray wide = QByteArray("\xFF\xFE") + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
-    for (const QByteArray& bytes : {text.toUtf8(), text.toLatin1(), wide, "\xEF\xBB\xBF" + text.toUtf8(), "\xEF\xBB\xBF" + text.toLatin1()}) {
+    const QByteArray wide
+        = QByteArray("\xFF\xFE") + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+    for (const QByteArray& bytes : {text.toUtf8(), text.toLatin1(), wide, "\xEF\xBB\xBF" + text.toUtf8(),
+             "\xEF\xBB\xBF" + text.toLatin1()}) {
         ZrWpts route;
         QCOMPARE(FromBytes(bytes, route), QString());
-        QCOMPARE(Summary(route), QStringList {QStringLiteral("50.5 -4.25 \u00C5land")});
+        QCOMPARE(Summary(route), QStringList{QStringLiteral("50.5 -4.25 \u00C5land")});
     }
 }
 
@@ -139,9 +147,12 @@ void tst_ZrRouteTab::errors_data()
     row("integer field", "lat\tlong\tspeedtype\n1\t2\t1.5\n", "line 2: \"1.5\" is no value of \"speedtype\"");
     row("switch field", "lat\tlong\tveg\n1\t2\tyes\n", "line 2: \"yes\" is no value of \"veg\"");
     row("uuid field", "lat\tlong\tUUID\n1\t2\t7\n", "line 2: \"7\" is no value of \"UUID\"");
-    row("damaged comment", "\n# route {\"linked\": tr\n1\t2\n", "line 2: the fields of the route are damaged: illegal value");
-    row("route field", "# route {\"linked\": 1}\n1\t2\n", "line 1: \"linked\" is no field of a route, or its value is none");
-    row("unknown route field", "# route {\"colour\": 1}\n1\t2\n", "line 1: \"colour\" is no field of a route, or its value is none");
+    row("damaged comment", "\n# route {\"linked\": tr\n1\t2\n",
+        "line 2: the fields of the route are damaged: illegal value");
+    row("route field", "# route {\"linked\": 1}\n1\t2\n",
+        "line 1: \"linked\" is no field of a route, or its value is none");
+    row("unknown route field", "# route {\"colour\": 1}\n1\t2\n",
+        "line 1: \"colour\" is no field of a route, or its value is none");
     row("header only", "lat\tlong\n", "no route and no waypoints in it");
 }
 
@@ -151,7 +162,8 @@ void tst_ZrRouteTab::zeroBytes()
     ZrWpts route;
     QCOMPARE(FromBytes(QByteArray("A\0b\t1\t2\n3\t4\n", 12), route), QString());
     QCOMPARE(route.GetCount(), 2);
-    QCOMPARE(FromBytes(QByteArray("1\t2\n\0\n\xFF\n", 8), route), QStringLiteral("line 2: no columns; they are separated by tabs"));
+    QCOMPARE(FromBytes(QByteArray("1\t2\n\0\n\xFF\n", 8), route),
+        QStringLiteral("line 2: no columns; they are separated by tabs"));
 }
 
 void tst_ZrRouteTab::errors()

@@ -8,11 +8,12 @@
 
 namespace {
 
-const char* const bytes = "<?xml?>\n"
-                          "<Settings name=\"A\">\n<Object name=\"o\" type=\"t\">\n<K val=\"1\"/>\n</Object>\n"
-                          "<Object name=\"o\" type=\"other\">\n<L val=\"2\"/>\n</Object>\n</Settings>\n"
-                          "<Settings name=\"B\">\n<Object name=\"o\" type=\"t\">\n<K val=\"3\"/>\n</Object>\n</Settings>\n"
-                          "<Settings name=\"A\">\n<Object name=\"o\" type=\"t\">\n<M val=\"4\"/>\n</Object>\n</Settings>\n";
+const char* const bytes
+    = "<?xml?>\n"
+      "<Settings name=\"A\">\n<Object name=\"o\" type=\"t\">\n<K val=\"1\"/>\n</Object>\n"
+      "<Object name=\"o\" type=\"other\">\n<L val=\"2\"/>\n</Object>\n</Settings>\n"
+      "<Settings name=\"B\">\n<Object name=\"o\" type=\"t\">\n<K val=\"3\"/>\n</Object>\n</Settings>\n"
+      "<Settings name=\"A\">\n<Object name=\"o\" type=\"t\">\n<M val=\"4\"/>\n</Object>\n</Settings>\n";
 
 /// Everything that \p store holds, an object a line.
 QStringList Text(const ZrXmlStore& store)
@@ -52,7 +53,8 @@ void tst_ZrXmlStoreBytes::sameAsFiles()
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     // The second line holds the date.
-    const auto withoutDate = [](QByteArray text) { return text.remove(text.indexOf("<XmlStore"), text.indexOf('\n', 30)); };
+    const auto withoutDate
+        = [](QByteArray text) { return text.remove(text.indexOf("<XmlStore"), text.indexOf('\n', 30)); };
     QCOMPARE(withoutDate(store.FileForm()), withoutDate(file.readAll()));
     ZrXmlStore fromFile(false);
     QVERIFY(fromFile.Load(path));
@@ -63,7 +65,7 @@ void tst_ZrXmlStoreBytes::sameNamesAreTheSame()
 {
     ZrXmlStore store(false);
     store.LoadFileForm(bytes);
-    QCOMPARE(Text(store), (QStringList {QStringLiteral("A o t K=1,L=2,M=4"), QStringLiteral("B o t K=3")}));
+    QCOMPARE(Text(store), (QStringList{QStringLiteral("A o t K=1,L=2,M=4"), QStringLiteral("B o t K=3")}));
     QVERIFY(store.GetHead()->store == &store && store.GetHead()->GetHead()->set == store.GetHead());
     store.LoadFileForm(QByteArray());
     QCOMPARE(Text(store).size(), 2);
@@ -78,7 +80,8 @@ void tst_ZrXmlStoreBytes::loadingAdds()
     store.GetHead()->AddTail(new ZrXmlObj(QStringLiteral("o"), QStringLiteral("second"), store.GetHead()));
     store.LoadFileForm(bytes);
     QCOMPARE(Text(store),
-        (QStringList {QStringLiteral("B o former K=3"), QStringLiteral("B o second "), QStringLiteral("A o t K=1,L=2,M=4")}));
+        (QStringList{QStringLiteral("B o former K=3"), QStringLiteral("B o second "),
+            QStringLiteral("A o t K=1,L=2,M=4")}));
 }
 
 /// In order, and soon: a search through all for each of these would take 5,000,000,000 comparisons.

@@ -7,26 +7,26 @@
 
 namespace {
 
-    ZrArea AreaOf(const QString& name, const std::vector<ZrShapePoint>& points)
-    {
-        ZrArea area;
-        area.name = name;
-        for (const ZrShapePoint& point : points)
-            area.ring.push_back(point.position);
-        area.ring = ZrGeoShapes::Open(area.ring);
-        return area;
-    }
+ZrArea AreaOf(const QString& name, const std::vector<ZrShapePoint>& points)
+{
+    ZrArea area;
+    area.name = name;
+    for (const ZrShapePoint& point : points)
+        area.ring.push_back(point.position);
+    area.ring = ZrGeoShapes::Open(area.ring);
+    return area;
+}
 
-    std::vector<ZrArea> AreasOf(const ZrGeoShapes& shapes)
-    {
-        std::vector<ZrArea> areas = shapes.areas;
-        if (areas.empty())
-            for (const ZrShapeLine& line : shapes.lines)
-                areas.push_back(AreaOf(line.name, line.points));
-        if (areas.empty() && !shapes.points.empty())
-            areas.push_back(AreaOf({}, shapes.points));
-        return areas;
-    }
+std::vector<ZrArea> AreasOf(const ZrGeoShapes& shapes)
+{
+    std::vector<ZrArea> areas = shapes.areas;
+    if (areas.empty())
+        for (const ZrShapeLine& line : shapes.lines)
+            areas.push_back(AreaOf(line.name, line.points));
+    if (areas.empty() && !shapes.points.empty())
+        areas.push_back(AreaOf({}, shapes.points));
+    return areas;
+}
 
 } // namespace
 

@@ -8,7 +8,8 @@
 
 #include <vector>
 
-/// Reads areas (survey areas, fences, no-go areas) from GeoJSON, KML, GPX, lists of positions and route files.
+/// Reads areas (survey areas, fences, no-go areas) from GeoJSON, KML, GPX, lists of positions and route
+/// files.
 ///
 /// \code
 /// ZrAreaFile file;
@@ -17,16 +18,16 @@
 ///     return file.Error();
 /// \endcode
 ///
-/// Polygons are areas; holes are left out, with a warning. A file without polygons gives an area for each line,
-/// route or track segment in it, and one without lines the area whose corners are its points. An area without
-/// a name gets that of the file, numbered when there are several.
+/// Polygons are areas; holes are left out, with a warning. A file without polygons gives an area for each
+/// line, route or track segment in it, and one without lines the area whose corners are its points. An area
+/// without a name gets that of the file, numbered when there are several.
 ///
 /// Reading a settings file or a store moves the projection of the process, see `ZrRouteFile`.
 class ZR_KIT_EXPORT ZrAreaFile
 {
 public:
-    /// Replaces \p areas. False, with the reason in `Error` and \p areas as they were, when the file cannot be
-    /// read, is damaged, or an area in it has fewer than three corners.
+    /// Replaces \p areas. False, with the reason in `Error` and \p areas as they were, when the file cannot
+    /// be read, is damaged, or an area in it has fewer than three corners.
     bool Read(const QString& path, std::vector<ZrArea>& areas);
 
     /// Why the last call failed, a sentence with the path; empty when it did not.

@@ -12,7 +12,10 @@ struct ZrGeoPoint
     /// Whether it is on the earth: a latitude within ±90 and a longitude within ±180 degrees.
     bool IsValid() const { return std::fabs(lat) <= 90.0 && std::fabs(lng) <= 180.0; }
 
-    friend bool operator==(const ZrGeoPoint& a, const ZrGeoPoint& b) { return a.lat == b.lat && a.lng == b.lng; }
+    friend bool operator==(const ZrGeoPoint& a, const ZrGeoPoint& b)
+    {
+        return a.lat == b.lat && a.lng == b.lng;
+    }
 
     friend bool operator!=(const ZrGeoPoint& a, const ZrGeoPoint& b) { return !(a == b); }
 };

@@ -26,8 +26,8 @@ struct ZrShapeLine
 };
 
 /// What a file of geographic shapes holds, before it is decided what it means: the common ground of the
-/// readers of GPX, KML, GeoJSON and lists of positions. In the order of the file; lines have points, areas have
-/// corners.
+/// readers of GPX, KML, GeoJSON and lists of positions. In the order of the file; lines have points, areas
+/// have corners.
 struct ZrGeoShapes
 {
     QJsonObject route; ///< fields of the route that the points are, by their settings keys
@@ -43,7 +43,8 @@ struct ZrGeoShapes
         if (holes == 0)
             warnings << what();
         else
-            warnings = QStringList {warnings.front(), QStringLiteral("holes left out in all: %1").arg(holes + count)};
+            warnings = QStringList{
+                warnings.front(), QStringLiteral("holes left out in all: %1").arg(holes + count)};
         holes += count;
     }
 

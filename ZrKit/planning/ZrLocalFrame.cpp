@@ -6,11 +6,11 @@
 
 namespace {
 
-    /// The same longitude within −180 ... 180.
-    double Wrapped(double lng)
-    {
-        return std::remainder(lng, 360.0);
-    }
+/// The same longitude within −180 ... 180.
+double Wrapped(double lng)
+{
+    return std::remainder(lng, 360.0);
+}
 
 } // namespace
 
@@ -31,7 +31,8 @@ ZrLocalFrame::ZrLocalFrame(ZrGeoPoint origin)
 
 ZrLocalFrame ZrLocalFrame::Around(const std::vector<ZrGeoPoint>& points)
 {
-    const auto first = std::find_if(points.begin(), points.end(), [](const ZrGeoPoint& p) { return p.IsValid(); });
+    const auto first
+        = std::find_if(points.begin(), points.end(), [](const ZrGeoPoint& p) { return p.IsValid(); });
     if (first == points.end())
         return ZrLocalFrame({0.0, 0.0});
     double south = first->lat;

@@ -16,9 +16,9 @@ struct ZrLocalPoint
 /// Plane coordinates around a place, for geometry in metres: a Transverse Mercator projection whose central
 /// meridian goes through the origin, at scale 1.
 ///
-/// Lengths are true to 1e-6 within 9 km east or west of the origin, to 1e-4 within 90 km, or within 10 degrees of
-/// longitude where that is less. The antimeridian is no seam, since longitudes are taken relative to the origin.
-/// Not meant for latitudes beyond 89 degrees.
+/// Lengths are true to 1e-6 within 9 km east or west of the origin, to 1e-4 within 90 km, or within 10
+/// degrees of longitude where that is less. The antimeridian is no seam, since longitudes are taken relative
+/// to the origin. Not meant for latitudes beyond 89 degrees.
 ///
 /// Does not touch the projection of the process: any thread, any time.
 class ZR_KIT_EXPORT ZrLocalFrame

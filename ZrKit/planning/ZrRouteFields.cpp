@@ -10,124 +10,124 @@
 
 namespace {
 
-    /// Keys that are not fields of a file: the position and the name have places of their own, and the rest
-    /// is computed.
-    constexpr const char* NotFields[] = {"name", "pseudo", "lat", "long", "x", "y", "q", "RICX", "RICY", "RIT", "TP1X",
-        "TP1Y", "TP1Q", "TP2X", "TP2Y", "TP2Q"};
+/// Keys that are not fields of a file: the position and the name have places of their own, and the rest
+/// is computed.
+constexpr const char* NotFields[] = {"name", "pseudo", "lat", "long", "x", "y", "q", "RICX", "RICY", "RIT",
+    "TP1X", "TP1Y", "TP1Q", "TP2X", "TP2Y", "TP2Q"};
 
-    constexpr const char* Uuids[] = {"UUID", "GridId", "LookAt"};
+constexpr const char* Uuids[] = {"UUID", "GridId", "LookAt"};
 
-    constexpr qint64 MaxByte = 255;
-    constexpr qint64 MinInt = std::numeric_limits<int>::min();
-    constexpr qint64 MaxInt = std::numeric_limits<int>::max();
+constexpr qint64 MaxByte = 255;
+constexpr qint64 MinInt = std::numeric_limits<int>::min();
+constexpr qint64 MaxInt = std::numeric_limits<int>::max();
 
-    /// The fields that the settings hold as the text of an integer, with the range of their types.
-    constexpr struct
-    {
-        const char* key;
-        qint64 min;
-        qint64 max;
-    } Integers[] = {{"filetype", 0, MaxByte}, {"speedtype", MinInt, MaxInt},
-        {"flags", 0, std::numeric_limits<unsigned int>::max()}, {"head type", MinInt, MaxInt},
-        {"z type", MinInt, MaxInt}, {"type", 0, MaxByte}, {"src", 0, MaxByte}, {"shape", 0, MaxByte},
-        {"bottomN", MinInt, MaxInt}, {"bottom", 0, MaxByte}, {"classA", 0, MaxByte}, {"classB", 0, MaxByte},
-        {"classC", 0, MaxByte}, {"classD", 0, MaxByte}};
+/// The fields that the settings hold as the text of an integer, with the range of their types.
+constexpr struct
+{
+    const char* key;
+    qint64 min;
+    qint64 max;
+} Integers[] = {{"filetype", 0, MaxByte}, {"speedtype", MinInt, MaxInt},
+    {"flags", 0, std::numeric_limits<unsigned int>::max()}, {"head type", MinInt, MaxInt},
+    {"z type", MinInt, MaxInt}, {"type", 0, MaxByte}, {"src", 0, MaxByte}, {"shape", 0, MaxByte},
+    {"bottomN", MinInt, MaxInt}, {"bottom", 0, MaxByte}, {"classA", 0, MaxByte}, {"classB", 0, MaxByte},
+    {"classC", 0, MaxByte}, {"classD", 0, MaxByte}};
 
-    QJsonObject Stored(const ZrWpt& wpt)
-    {
-        QJsonObject object;
-        zr::ZrSetModule module(zr::ePersistStoring, object);
-        ZrWpt copy = wpt;
-        ZrWpt::serialise(copy, module);
-        for (const char* key : NotFields)
-            object.remove(QLatin1String(key));
-        return object;
-    }
+QJsonObject Stored(const ZrWpt& wpt)
+{
+    QJsonObject object;
+    zr::ZrSetModule module(zr::ePersistStoring, object);
+    ZrWpt copy = wpt;
+    ZrWpt::serialise(copy, module);
+    for (const char* key : NotFields)
+        object.remove(QLatin1String(key));
+    return object;
+}
 
-    const QJsonObject& NewWaypoint()
-    {
-        static const QJsonObject fields = Stored(ZrWpt());
-        return fields;
-    }
+const QJsonObject& NewWaypoint()
+{
+    static const QJsonObject fields = Stored(ZrWpt());
+    return fields;
+}
 
-    const QJsonObject& NewRoute()
-    {
-        static const QJsonObject fields = ZrRouteFields::Of(ZrWpts());
-        return fields;
-    }
+const QJsonObject& NewRoute()
+{
+    static const QJsonObject fields = ZrRouteFields::Of(ZrWpts());
+    return fields;
+}
 
-    QJsonValue Undefined()
-    {
-        return QJsonValue(QJsonValue::Undefined);
-    }
+QJsonValue Undefined()
+{
+    return QJsonValue(QJsonValue::Undefined);
+}
 
-    QJsonValue Boolean(const QJsonValue& value)
-    {
-        if (value.isBool())
-            return value;
-        if (value == QLatin1String("true"))
-            return true;
-        return value == QLatin1String("false") ? QJsonValue(false) : Undefined();
-    }
-
-    /// Null is what the settings make of NaN.
-    QJsonValue Number(const QJsonValue& value)
-    {
-        if (value.isDouble() || value.isNull())
-            return value;
-        bool ok = false;
-        const double number = value.toString().toDouble(&ok);
-        return ok ? QJsonValue(number) : Undefined();
-    }
-
-    QJsonValue Integer(const QString& text, qint64 min, qint64 max)
-    {
-        bool ok = false;
-        const qint64 number = text.toLongLong(&ok);
-        return ok && number >= min && number <= max ? QJsonValue(QString::number(number)) : Undefined();
-    }
-
-    QJsonValue Uuid(const QString& text)
-    {
-        const QUuid uuid(text);
-        return uuid.isNull() && text != QUuid().toString() ? Undefined() : QJsonValue(uuid.toString());
-    }
-
-    QJsonValue Colour(const QString& text)
-    {
-        bool ok = text.size() == 8;
-        if (ok)
-            text.toUInt(&ok, 16);
-        return ok ? QJsonValue(text.toLower()) : Undefined();
-    }
-
-    QJsonValue Texts(const QString& key, const QJsonValue& value)
-    {
-        if (!value.isString() && !value.isDouble())
-            return Undefined();
-        const QString text = ZrRouteFields::Text(value);
-        for (const auto& integer : Integers)
-            if (key == QLatin1String(integer.key))
-                return Integer(text, integer.min, integer.max);
-        for (const char* uuid : Uuids)
-            if (key == QLatin1String(uuid))
-                return Uuid(text);
-        return key == QLatin1String("colour") ? Colour(text) : QJsonValue(text);
-    }
-
-    bool AddLike(QJsonObject& fields, const QJsonObject& like, const QString& key, const QJsonValue& value)
-    {
-        const auto found = like.find(key);
-        if (found == like.end())
-            return false;
-        const QJsonValue fitting = (*found).isBool() ? Boolean(value)
-            : (*found).isDouble()                    ? Number(value)
-                                                     : Texts(key, value);
-        if (fitting.isUndefined())
-            return false;
-        fields.insert(key, fitting);
+QJsonValue Boolean(const QJsonValue& value)
+{
+    if (value.isBool())
+        return value;
+    if (value == QLatin1String("true"))
         return true;
-    }
+    return value == QLatin1String("false") ? QJsonValue(false) : Undefined();
+}
+
+/// Null is what the settings make of NaN.
+QJsonValue Number(const QJsonValue& value)
+{
+    if (value.isDouble() || value.isNull())
+        return value;
+    bool ok = false;
+    const double number = value.toString().toDouble(&ok);
+    return ok ? QJsonValue(number) : Undefined();
+}
+
+QJsonValue Integer(const QString& text, qint64 min, qint64 max)
+{
+    bool ok = false;
+    const qint64 number = text.toLongLong(&ok);
+    return ok && number >= min && number <= max ? QJsonValue(QString::number(number)) : Undefined();
+}
+
+QJsonValue Uuid(const QString& text)
+{
+    const QUuid uuid(text);
+    return uuid.isNull() && text != QUuid().toString() ? Undefined() : QJsonValue(uuid.toString());
+}
+
+QJsonValue Colour(const QString& text)
+{
+    bool ok = text.size() == 8;
+    if (ok)
+        text.toUInt(&ok, 16);
+    return ok ? QJsonValue(text.toLower()) : Undefined();
+}
+
+QJsonValue Texts(const QString& key, const QJsonValue& value)
+{
+    if (!value.isString() && !value.isDouble())
+        return Undefined();
+    const QString text = ZrRouteFields::Text(value);
+    for (const auto& integer : Integers)
+        if (key == QLatin1String(integer.key))
+            return Integer(text, integer.min, integer.max);
+    for (const char* uuid : Uuids)
+        if (key == QLatin1String(uuid))
+            return Uuid(text);
+    return key == QLatin1String("colour") ? Colour(text) : QJsonValue(text);
+}
+
+bool AddLike(QJsonObject& fields, const QJsonObject& like, const QString& key, const QJsonValue& value)
+{
+    const auto found = like.find(key);
+    if (found == like.end())
+        return false;
+    const QJsonValue fitting = (*found).isBool() ? Boolean(value)
+        : (*found).isDouble()                    ? Number(value)
+                                                 : Texts(key, value);
+    if (fitting.isUndefined())
+        return false;
+    fields.insert(key, fitting);
+    return true;
+}
 
 } // namespace
 
@@ -135,7 +135,8 @@ QJsonObject ZrRouteFields::Of(const ZrWpt& wpt)
 {
     QJsonObject fields = Stored(wpt);
     for (auto field = fields.begin(); field != fields.end();) {
-        const bool same = field.key() != QLatin1String("UUID") && field.value() == NewWaypoint().value(field.key());
+        const bool same
+            = field.key() != QLatin1String("UUID") && field.value() == NewWaypoint().value(field.key());
         field = same ? fields.erase(field) : std::next(field);
     }
     return fields;

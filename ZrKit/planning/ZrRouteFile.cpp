@@ -25,78 +25,79 @@
 
 namespace {
 
-    constexpr int PieceSize = 1 << 16; ///< bytes of a file read at once
+constexpr int PieceSize = 1 << 16; ///< bytes of a file read at once
 
-    /// \p bytes without the mark of their encoding; UTF-16, which spreadsheets write, as UTF-8.
-    QByteArray AsUtf8(const QByteArray& bytes)
+/// \p bytes without the mark of their encoding; UTF-16, which spreadsheets write, as UTF-8.
+QByteArray AsUtf8(const QByteArray& bytes)
+{
+    const QTextCodec* codec = QTextCodec::codecForUtfText(bytes, nullptr);
+    if (!codec)
+        return bytes;
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        return bytes.mid(3); // not decoded: what is no UTF-8 has its own rules in the list
+    return codec->toUnicode(bytes).toUtf8();
+}
+
+/// The name of the first element, without its prefix.
+QString RootOf(const QByteArray& xml)
+{
+    QXmlStreamReader reader(xml);
+    return reader.readNextStartElement() ? reader.name().toString() : QString();
+}
+
+/// The line where XML that must be UTF-8 is none; 0 when it is. Qt calls it line 1.
+int LineOfBadUtf8(const QByteArray& xml, const QByteArray& head)
+{
+    static const QRegularExpression declared(
+        QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"'](?!utf-8)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return declared.match(QString::fromLatin1(head)).hasMatch() ? 0 : ZrTextLines::OfBadUtf8(xml);
+}
+
+QString NumberOf(int number, const ZrWpt& wpt)
+{
+    return wpt.Name().isEmpty() ? QStringLiteral("waypoint %1").arg(number)
+                                : QStringLiteral("waypoint %1 (%2)").arg(number).arg(wpt.Name());
+}
+
+QString TooManyWaypoints()
+{
+    return QStringLiteral("more than %1 waypoints").arg(ZrRouteFile::MaxWaypoints);
+}
+
+/// Why a form of a position cannot hold \p route; empty when it can.
+QString CheckPositions(const ZrWpts& route)
+{
+    int number = 1;
+    QString error;
+    for (ZrListPos* pos = route.GetHeadPos(); pos; ++number) {
+        const ZrWpt& wpt = *route.GetNext(pos);
+        if (!ZrGeoShapes::Check({wpt.lat, wpt.lng}, error))
+            return NumberOf(number, wpt) + QLatin1String(": ") + error;
+    }
+    return error;
+}
+
+/// The speed presets of the process, put back at the end.
+class PresetsKept
+{
+public:
+    PresetsKept() = default;
+    PresetsKept(const PresetsKept&) = delete;
+    PresetsKept& operator=(const PresetsKept&) = delete;
+
+    ~PresetsKept()
     {
-        const QTextCodec* codec = QTextCodec::codecForUtfText(bytes, nullptr);
-        if (!codec)
-            return bytes;
-        if (bytes.startsWith("\xEF\xBB\xBF"))
-            return bytes.mid(3); // not decoded: what is no UTF-8 has its own rules in the list
-        return codec->toUnicode(bytes).toUtf8();
+        ZrWpts::s_msSlow = m_slow;
+        ZrWpts::s_msMedium = m_medium;
+        ZrWpts::s_msFast = m_fast;
     }
 
-    /// The name of the first element, without its prefix.
-    QString RootOf(const QByteArray& xml)
-    {
-        QXmlStreamReader reader(xml);
-        return reader.readNextStartElement() ? reader.name().toString() : QString();
-    }
-
-    /// The line where XML that must be UTF-8 is none; 0 when it is. Qt calls it line 1.
-    int LineOfBadUtf8(const QByteArray& xml, const QByteArray& head)
-    {
-        static const QRegularExpression declared(
-            QStringLiteral("^<\\?xml[^>]*\\sencoding\\s*=\\s*[\"'](?!utf-8)"), QRegularExpression::CaseInsensitiveOption);
-        return declared.match(QString::fromLatin1(head)).hasMatch() ? 0 : ZrTextLines::OfBadUtf8(xml);
-    }
-
-    QString NumberOf(int number, const ZrWpt& wpt)
-    {
-        return wpt.Name().isEmpty() ? QStringLiteral("waypoint %1").arg(number)
-                                    : QStringLiteral("waypoint %1 (%2)").arg(number).arg(wpt.Name());
-    }
-
-    QString TooManyWaypoints()
-    {
-        return QStringLiteral("more than %1 waypoints").arg(ZrRouteFile::MaxWaypoints);
-    }
-
-    /// Why a form of a position cannot hold \p route; empty when it can.
-    QString CheckPositions(const ZrWpts& route)
-    {
-        int number = 1;
-        QString error;
-        for (ZrListPos* pos = route.GetHeadPos(); pos; ++number) {
-            const ZrWpt& wpt = *route.GetNext(pos);
-            if (!ZrGeoShapes::Check({wpt.lat, wpt.lng}, error))
-                return NumberOf(number, wpt) + QLatin1String(": ") + error;
-        }
-        return error;
-    }
-
-    /// The speed presets of the process, put back at the end.
-    class PresetsKept
-    {
-    public:
-        PresetsKept() = default;
-        PresetsKept(const PresetsKept&) = delete;
-        PresetsKept& operator=(const PresetsKept&) = delete;
-
-        ~PresetsKept()
-        {
-            ZrWpts::s_msSlow = m_slow;
-            ZrWpts::s_msMedium = m_medium;
-            ZrWpts::s_msFast = m_fast;
-        }
-
-    private:
-        float m_slow = ZrWpts::s_msSlow;
-        float m_medium = ZrWpts::s_msMedium;
-        float m_fast = ZrWpts::s_msFast;
-    };
+private:
+    float m_slow = ZrWpts::s_msSlow;
+    float m_medium = ZrWpts::s_msMedium;
+    float m_fast = ZrWpts::s_msFast;
+};
 
 } // namespace
 
@@ -147,7 +148,9 @@ bool ZrRouteFile::ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes&
     QJsonParseError parse;
     const QJsonObject root = QJsonDocument::fromJson(bytes, &parse).object();
     if (parse.error != QJsonParseError::NoError)
-        return Fail(QStringLiteral("line %1: %2").arg(ZrTextLines::OfOffset(bytes, parse.offset)).arg(parse.errorString()));
+        return Fail(QStringLiteral("line %1: %2")
+                        .arg(ZrTextLines::OfOffset(bytes, parse.offset))
+                        .arg(parse.errorString()));
     isRoute = ZrRouteSettings::Is(root);
     if (isRoute && root.value(QLatin1String("waypoints")).toArray().size() > MaxWaypoints)
         return Fail(TooManyWaypoints());
@@ -173,12 +176,14 @@ bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& sha
         return ZrRouteTab::Read(text, shapes, m_error);
     const QString root = RootOf(bytes); // of what was read: XML names its encoding
     const auto isRoot = [&](const char* name) {
-        return root == QLatin1String(name) || (root.isEmpty() && head.contains(QByteArray("<") + name)); // damaged
+        return root == QLatin1String(name)
+            || (root.isEmpty() && head.contains(QByteArray("<") + name)); // damaged
     };
     if (isRoot("gpx") || isRoot("kml")) {
         if (const int line = LineOfBadUtf8(text, head))
             return Fail(QStringLiteral("line %1: no UTF-8, and no other encoding is declared").arg(line));
-        return isRoot("gpx") ? ZrRouteGpx::Read(bytes, shapes, m_error) : ZrRouteKml::Read(bytes, shapes, m_error);
+        return isRoot("gpx") ? ZrRouteGpx::Read(bytes, shapes, m_error)
+                             : ZrRouteKml::Read(bytes, shapes, m_error);
     }
     isRoute = true;
     return ZrRouteStore::Read(bytes, route, m_error);

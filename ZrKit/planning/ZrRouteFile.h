@@ -18,15 +18,17 @@ struct ZrGeoShapes;
 ///     return file.Error(); // "harbour.gpx: line 12: latitude 95 is not within 90 degrees of the equator"
 /// \endcode
 ///
-/// Positions survive a round trip to 1e-7 degrees in every form, all other fields of waypoints in all forms but
-/// the list (see `ZrRouteTab`) and the tag-structured store (see `ZrRouteStore`); names as each form says.
+/// Positions survive a round trip to 1e-7 degrees in every form, all other fields of waypoints in all forms
+/// but the list (see `ZrRouteTab`) and the tag-structured store (see `ZrRouteStore`); names as each form
+/// says.
 ///
-/// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`), and
-/// the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread.
+/// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`),
+/// and the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread.
 class ZR_KIT_EXPORT ZrRouteFile
 {
 public:
-    enum eFormat : int {
+    enum eFormat : int
+    {
         Settings, ///< JSON settings of `ZrWpts`, with every field
         Store, ///< tag-structured store, sets "Route" and "Waypoints"
         Gpx,
@@ -46,20 +48,22 @@ public:
 
     /// Replaces \p route by that of the file; a failure leaves it as it was.
     ///
-    /// The form is told by the content. Of several routes in a file the first is taken, a route before a track; a
-    /// file with points only gives a route that is not linked. False, with the reason in `Error`, when the file
-    /// cannot be read, is damaged or holds no waypoint.
+    /// The form is told by the content. Of several routes in a file the first is taken, a route before a
+    /// track; a file with points only gives a route that is not linked. False, with the reason in `Error`,
+    /// when the file cannot be read, is damaged or holds no waypoint.
     bool Read(const QString& path, ZrWpts& route);
 
     /// `Read` from the content of a file; the reason has no path.
     bool FromBytes(const QByteArray& bytes, ZrWpts& route);
 
-    /// Reads whatever shapes the file holds, without deciding what they mean; a settings file and a store give
-    /// their waypoints as points, which must have valid positions. A failure leaves \p shapes as they were.
+    /// Reads whatever shapes the file holds, without deciding what they mean; a settings file and a store
+    /// give their waypoints as points, which must have valid positions. A failure leaves \p shapes as they
+    /// were.
     bool ReadShapes(const QString& path, ZrGeoShapes& shapes);
 
-    /// Replaces the file in one step. False, with the reason in `Error` and the file as it was, when it cannot be
-    /// written, and for all forms but the settings and the store when a waypoint has no valid position.
+    /// Replaces the file in one step. False, with the reason in `Error` and the file as it was, when it
+    /// cannot be written, and for all forms but the settings and the store when a waypoint has no valid
+    /// position.
     bool Write(const QString& path, eFormat format, const ZrWpts& route);
 
     /// The content that `Write` gives a file; the reason has no path.

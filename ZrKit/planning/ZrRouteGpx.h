@@ -19,7 +19,7 @@ public:
     /// All waypoints must have valid positions.
     static QByteArray Write(const ZrWpts& route);
 
-    /// Adds the routes, the segments of tracks and the waypoints to \p shapes. False with "line N: reason" when
-    /// \p bytes are no GPX, or hold a position or a field of ours that is none.
+    /// Adds the routes, the segments of tracks and the waypoints to \p shapes. False with "line N: reason"
+    /// when \p bytes are no GPX, or hold a position or a field of ours that is none.
     static bool Read(const QByteArray& bytes, ZrGeoShapes& shapes, QString& error);
 };

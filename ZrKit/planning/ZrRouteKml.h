@@ -18,8 +18,8 @@ public:
     /// All waypoints must have valid positions.
     static QByteArray Write(const ZrWpts& route);
 
-    /// Adds the points, lines and outer rings of polygons to \p shapes; holes give a warning. `ExtendedData` of
-    /// other kinds than ours are passed over. False with "line N: reason" when \p bytes are no KML or hold a
-    /// position that is none.
+    /// Adds the points, lines and outer rings of polygons to \p shapes; holes give a warning. `ExtendedData`
+    /// of other kinds than ours are passed over. False with "line N: reason" when \p bytes are no KML or hold
+    /// a position that is none.
     static bool Read(const QByteArray& bytes, ZrGeoShapes& shapes, QString& error);
 };

@@ -9,21 +9,21 @@
 
 namespace {
 
-    const QString& Waypoints()
-    {
-        static const QString key = QStringLiteral("waypoints");
-        return key;
-    }
+const QString& Waypoints()
+{
+    static const QString key = QStringLiteral("waypoints");
+    return key;
+}
 
-    QString CheckPosition(const QJsonObject& waypoint)
-    {
-        for (const char* key : {"lat", "long"}) {
-            const QJsonValue value = waypoint.value(QLatin1String(key));
-            if (!value.isDouble() && !value.isNull())
-                return QStringLiteral("\"%1\" is no number").arg(QLatin1String(key));
-        }
-        return {};
+QString CheckPosition(const QJsonObject& waypoint)
+{
+    for (const char* key : {"lat", "long"}) {
+        const QJsonValue value = waypoint.value(QLatin1String(key));
+        if (!value.isDouble() && !value.isNull())
+            return QStringLiteral("\"%1\" is no number").arg(QLatin1String(key));
     }
+    return {};
+}
 
 } // namespace
 

@@ -17,9 +17,9 @@ public:
     /// Whether \p object is a route in this form.
     static bool Is(const QJsonObject& object);
 
-    /// Replaces \p route, and with it the speed presets of the process. False with "line N: reason", and nothing
-    /// changed, when a waypoint has no position: a missing key would put it at latitude and longitude 0. A
-    /// position of null, which is how NaN is stored, is taken.
+    /// Replaces \p route, and with it the speed presets of the process. False with "line N: reason", and
+    /// nothing changed, when a waypoint has no position: a missing key would put it at latitude and longitude
+    /// 0. A position of null, which is how NaN is stored, is taken.
     ///
     /// \p object is what \p bytes hold; they serve the line numbers.
     static bool Read(const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error);

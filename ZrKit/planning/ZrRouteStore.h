@@ -18,9 +18,10 @@ public:
     /// Texts that the store cannot hold are changed, with a warning for each waypoint.
     static QByteArray Write(const ZrWpts& route, QStringList& warnings);
 
-    /// Replaces \p route, which must be empty, by that of the set "Waypoints", else by the first set whose objects
-    /// have positions: applications name it as they like. False with the reason, and the number of the line
-    /// where there is one, when there is no such set, a waypoint has no position, or the end is missing.
+    /// Replaces \p route, which must be empty, by that of the set "Waypoints", else by the first set whose
+    /// objects have positions: applications name it as they like. False with the reason, and the number of
+    /// the line where there is one, when there is no such set, a waypoint has no position, or the end is
+    /// missing.
     ///
     /// Recomputes the route, which moves the projection of the process: the user-interface thread.
     static bool Read(const QByteArray& bytes, ZrWpts& route, QString& error);

@@ -2,7 +2,7 @@
 
 namespace {
 
-    constexpr int MaxDepth = 1000; // elements in elements; each one inside takes memory
+constexpr int MaxDepth = 1000; // elements in elements; each one inside takes memory
 
 } // namespace
 
@@ -50,7 +50,9 @@ QString ZrShapeXml::Error() const
 {
     if (!m_xml.hasError())
         return {};
-    return QStringLiteral("line %1: %2").arg(m_errorLine > 0 ? m_errorLine : m_xml.lineNumber()).arg(m_xml.errorString());
+    return QStringLiteral("line %1: %2")
+        .arg(m_errorLine > 0 ? m_errorLine : m_xml.lineNumber())
+        .arg(m_xml.errorString());
 }
 
 bool ZrShapeXml::TakeField(QJsonObject& fields, AddField add, const QString& key, const QString& text)

@@ -6,19 +6,19 @@
 
 namespace {
 
-    /// The offset behind the string that begins at \p offset.
-    int BehindString(const QByteArray& json, int offset)
-    {
-        for (++offset; offset < json.size() && json[offset] != '"'; ++offset)
-            if (json[offset] == '\\')
-                ++offset;
-        return std::min(offset + 1, json.size());
-    }
+/// The offset behind the string that begins at \p offset.
+int BehindString(const QByteArray& json, int offset)
+{
+    for (++offset; offset < json.size() && json[offset] != '"'; ++offset)
+        if (json[offset] == '\\')
+            ++offset;
+    return std::min(offset + 1, json.size());
+}
 
-    bool IsSpace(char c)
-    {
-        return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-    }
+bool IsSpace(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
 
 } // namespace
 

@@ -13,7 +13,7 @@ public:
     /// The first line with bytes that are no UTF-8; 0 when there is none.
     static int OfBadUtf8(const QByteArray& text);
 
-    /// The line in which the element \p index, from 0, of the array \p member of the top-level object begins; 0
-    /// when there is none. \p json must be valid.
+    /// The line in which the element \p index, from 0, of the array \p member of the top-level object begins;
+    /// 0 when there is none. \p json must be valid.
     static int OfElement(const QByteArray& json, const char* member, int index);
 };

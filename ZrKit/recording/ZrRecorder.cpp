@@ -101,7 +101,7 @@ void ZrRecorder::AddLine(const QByteArray& line)
     ++m_status.lines;
     static const u8 endOfText = 0;
     m_logger.LogData(CRecType(rtSerialText), m_options.source, 0, false,
-        { zr::bytes_of(line), zr::bytes_of(&endOfText, sizeof endOfText) });
+        {zr::bytes_of(line), zr::bytes_of(&endOfText, sizeof endOfText)});
 
     ZrNmeaSentence sentence;
     QString error;

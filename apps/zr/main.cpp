@@ -1,4 +1,5 @@
-// The command-line tool of the library: `zr log VERB`, `zr route VERB`, `zr geo VERB`. Each verb has a file of its own.
+// The command-line tool of the library: `zr log VERB`, `zr route VERB`, `zr geo VERB`. Each verb has a file
+// of its own.
 
 #include "CliExit.h"
 #include "CliHelp.h"
