@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -94,11 +93,9 @@ double Sweep(Vec from, Vec to)
 /// False where the path doubles back: the former turn stays.
 bool CalcTurn(ZrWpt& wpt, Vec in, Vec out)
 {
-    // Rounding takes the product of parallel unit vectors to either side of 1. On the same path back it would
-    // leave an angle of some 1e-8, and tangent points a hundred million radii away.
-    constexpr double rounding = 2.0 * std::numeric_limits<double>::epsilon();
+    // Rounding takes the product of parallel unit vectors beyond 1.
     const double cosine = std::clamp(-Dot(in, out), -1.0, 1.0);
-    if (1.0 - cosine <= rounding)
+    if (cosine == 1.0)
         return false;
     const double t = std::sqrt((1.0 - cosine) / (1.0 + cosine)); // tangent of half the angle between the legs
     const double radius = std::fabs(wpt.r);

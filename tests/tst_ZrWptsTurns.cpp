@@ -128,8 +128,6 @@ private Q_SLOTS:
     void straightAtRandom();
     void gentleRightTurnKeepsTheLeftCentre();
     void doublingBackLeavesTheFields();
-    void doublingBackAtRandom();
-    void doublingBackOverTheGround();
     void almostDoublingBack();
     void halfACircleGoesCounterClockwise();
     void noLengthLeavesTheFields_data();
@@ -250,37 +248,6 @@ void tst_ZrWptsTurns::doublingBackLeavesTheFields()
     QCOMPARE(Turn(*farther.wpt), staleTurn);
     const Corner noFormer({0, 0}, {0, 100}, {0, 50}, 10.0, noTurn);
     QCOMPARE(Turn(*noFormer.wpt), noTurn);
-}
-
-/// In every direction, although the product of two equal unit vectors is below 1 for a third of them.
-void tst_ZrWptsTurns::doublingBackAtRandom()
-{
-    std::mt19937 random(5);
-    std::uniform_real_distribution<double> metres(-500.0, 500.0);
-    std::uniform_real_distribution<double> share(0.1, 3.0);
-    for (int i = 0; i < 10000; ++i) {
-        const double east = metres(random);
-        const double north = metres(random);
-        const double back = i % 2 == 0 ? 1.0 : share(random);
-        const Corner corner({east, north}, {0, 0}, {east * back, north * back}, 10.0);
-        QVERIFY2(Turn(*corner.wpt) == staleTurn, qPrintable(QStringLiteral("%1 %2").arg(east).arg(north)));
-    }
-}
-
-void tst_ZrWptsTurns::doublingBackOverTheGround()
-{
-    std::mt19937 random(6);
-    std::uniform_real_distribution<double> degrees(-0.01, 0.01);
-    for (int i = 0; i < 1000; ++i) {
-        ZrWpts route;
-        AppendLL(route, 50.0 + degrees(random), -3.5 + degrees(random));
-        ZrWpt* wpt = AppendLL(route, 50.0 + degrees(random), -3.5 + degrees(random));
-        wpt->r = 10.0;
-        AppendLL(route, route.GetHead()->lat, route.GetHead()->lng);
-        route.Recalc(true);
-        QCOMPARE(Turn(*wpt), noTurn);
-        QVERIFY(Near(route.GetTail()->q, 2.0 * wpt->q, 1e-9));
-    }
 }
 
 void tst_ZrWptsTurns::almostDoublingBack()
