@@ -43,16 +43,16 @@ QByteArray ZrPingRecord::Encode() const
     return zr::to_byte_array(out) + samples.left(sampleBytes);
 }
 
-bool ZrPingRecord::Decode(zr::span<u8> payload, ZrPingRecord& out)
+bool ZrPingRecord::DecodeFields(zr::span<u8> start, u64 payloadSize, ZrPingRecord& out)
 {
-    if (payload.size() < Size)
+    if (start.size() < Size || payloadSize < Size)
         return false;
-    const u8* in = payload.data();
+    const u8* in = start.data();
     const u8 width = zr::load_le<u8>(in + atSampleWidth);
     const u32 count = zr::load_le<u32>(in + atSampleCount);
     // In 64 bits: 2^32 - 1 samples of 4 bytes would wrap.
     const u64 sampleBytes = static_cast<u64>(count) * width;
-    if (!IsSampleWidth(width) || sampleBytes > payload.size() - Size || sampleBytes > maxSampleBytes)
+    if (!IsSampleWidth(width) || sampleBytes > payloadSize - Size || sampleBytes > maxSampleBytes)
         return false;
 
     out.pingNumber = zr::load_le<u32>(in + atPingNumber);
@@ -62,6 +62,15 @@ bool ZrPingRecord::Decode(zr::span<u8> payload, ZrPingRecord& out)
     out.frequency = zr::load_le<float>(in + atFrequency);
     out.soundSpeed = zr::load_le<float>(in + atSoundSpeed);
     out.sampleCount = count;
-    out.samples = zr::to_byte_array(payload.subspan(Size, static_cast<std::size_t>(sampleBytes)));
+    out.samples.clear();
+    return true;
+}
+
+bool ZrPingRecord::Decode(zr::span<u8> payload, ZrPingRecord& out)
+{
+    if (!DecodeFields(payload, payload.size(), out))
+        return false;
+    const std::size_t sampleBytes = std::size_t(out.sampleCount) * out.sampleWidth;
+    out.samples = zr::to_byte_array(payload.subspan(Size, sampleBytes));
     return true;
 }

@@ -47,4 +47,8 @@ struct ZR_KIT_EXPORT ZrPingRecord
     /// and the samples they announce, or the sample width is not 1, 2 or 4. Bytes beyond the known layout are
     /// ignored, so that a later version may append fields.
     static bool Decode(zr::span<u8> payload, ZrPingRecord& out);
+
+    /// The same for a payload of \p payloadSize bytes of which only the \p start is at hand, at least `Size`
+    /// bytes: everything but the samples, which are left empty.
+    static bool DecodeFields(zr::span<u8> start, u64 payloadSize, ZrPingRecord& out);
 };

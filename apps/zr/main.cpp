@@ -30,6 +30,7 @@
 #include "CmdRouteResume.h"
 #include "CmdRouteSplit.h"
 #include "CmdRouteSurvey.h"
+#include "CmdSonar.h"
 
 #include <QCoreApplication>
 #include <QTextCodec>
@@ -153,6 +154,7 @@ int main(int argc, char** argv)
     AddLog(app, run);
     AddGeo(app, run);
     AddRoute(app, run);
+    AddSonar(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
