@@ -176,6 +176,8 @@ private Q_SLOTS:
     void cancelEndsTheScan();
     void progressRisesToAHundred();
     void oneScanReadsSeveralFiles();
+    void startsOfPayloads();
+    void startsOfLargePayloads();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -569,6 +571,68 @@ void tst_ZrLogScan::oneScanReadsSeveralFiles()
     QCOMPARE(scan.Error(), QString());
     QVERIFY(scan.Next(item, pos));
     QCOMPARE(item.type, u16(11));
+    QVERIFY(!scan.Next(item, pos));
+    QCOMPARE(scan.State(), ZrLogScan::AtEnd);
+}
+
+void tst_ZrLogScan::startsOfPayloads()
+{
+    const LogBytes log = SmallLog();
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.log"));
+    QVERIFY(WriteWhole(path, log.Bytes()));
+    ZrLogScan scan;
+    QVERIFY(scan.PayloadStart(10).empty());
+    QVERIFY(scan.Open(path));
+    QVERIFY(scan.PayloadStart(10).empty());
+    ZrLogItem item;
+    u64 pos = 0;
+    QVERIFY(scan.Next(item, pos)); // an empty item
+    QVERIFY(scan.PayloadStart(10).empty());
+    QVERIFY(scan.Next(item, pos));
+    QCOMPARE(Bytes(scan.PayloadStart(5)), QByteArray("$GPGL"));
+    QCOMPARE(Bytes(scan.PayloadStart(11)), QByteArray("$GPGLL,1*00"));
+    QCOMPARE(Bytes(scan.PayloadStart(4000000000U)), QByteArray("$GPGLL,1*00"));
+    QVERIFY(scan.PayloadStart(0).empty());
+    QVERIFY(scan.Next(item, pos)); // as it is stored
+    QCOMPARE(Bytes(scan.PayloadStart(1000)), qCompress(QByteArray(500, 'x'), 1));
+    QVERIFY(scan.Next(item, pos));
+    QCOMPARE(Bytes(scan.PayloadStart(3)), QByteArray("zzz"));
+    QVERIFY(!scan.Next(item, pos));
+    QCOMPARE(Bytes(scan.PayloadStart(3)), QByteArray("zzz")); // still the item given last
+    QVERIFY(scan.SeekTo(log.Start(1)));
+    QVERIFY(scan.PayloadStart(3).empty());
+    QVERIFY(scan.Next(item, pos));
+    QCOMPARE(Bytes(scan.PayloadStart(3)), QByteArray("$GP"));
+    QVERIFY(scan.Open(path));
+    QVERIFY(scan.PayloadStart(3).empty());
+}
+
+/// Payloads of all sizes around those of the blocks; looking at their starts does not disturb the walk.
+void tst_ZrLogScan::startsOfLargePayloads()
+{
+    LogBytes log;
+    std::vector<QByteArray> payloads;
+    for (int i = 0; i < 60; ++i) {
+        QByteArray payload(i % 3 == 0 ? 700000 : 65400 + i, static_cast<char>('a' + i % 26));
+        payload.replace(0, 4, QByteArray::number(1000 + i));
+        payloads.push_back(payload);
+        log.Add(MakeItem(9, payload));
+    }
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.log"));
+    QVERIFY(WriteWhole(path, log.Bytes()));
+    ZrLogScan scan;
+    QVERIFY(scan.Open(path));
+    ZrLogItem item;
+    u64 pos = 0;
+    for (int i = 0; i < 60; ++i) {
+        QVERIFY(scan.Next(item, pos));
+        QCOMPARE(pos, log.Start(i));
+        const u32 count = i % 2 == 0 ? 24 : 100000;
+        QCOMPARE(Bytes(scan.PayloadStart(count)),
+            payloads[static_cast<std::size_t>(i)].left(static_cast<int>(count)));
+    }
     QVERIFY(!scan.Next(item, pos));
     QCOMPARE(scan.State(), ZrLogScan::AtEnd);
 }

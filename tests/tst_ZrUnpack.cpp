@@ -47,6 +47,10 @@ private Q_SLOTS:
     void damagedStreamIsRefused();
     void streamOfAnotherLengthIsRefused();
     void everyCutIsRefused();
+    void startOfAPayload_data();
+    void startOfAPayload();
+    void startThatCannotBeHad();
+    void damageBehindTheStartIsNotNoticed();
 };
 
 void tst_ZrUnpack::plainPayloadStaysAsItIs()
@@ -155,6 +159,86 @@ void tst_ZrUnpack::everyCutIsRefused()
         QVERIFY2(
             Refusal(43, stored.left(size)) != QStringLiteral("taken"), qPrintable(QString::number(size)));
     QCOMPARE(Refusal(43, stored), QStringLiteral("taken"));
+}
+
+void tst_ZrUnpack::startOfAPayload_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<int>("count");
+    QByteArray noise;
+    for (int i = 0; i < 5000; ++i)
+        noise += static_cast<char>(i * i % 251);
+    QTest::newRow("fields of much") << noise << 24;
+    QTest::newRow("fields of more") << QByteArray(5000000, 'L') << 24;
+    QTest::newRow("exactly all") << noise.left(24) << 24;
+    QTest::newRow("less than asked for") << noise.left(5) << 24;
+    QTest::newRow("of nothing") << QByteArray("") << 24;
+    QTest::newRow("nothing of much") << noise << 0;
+    QTest::newRow("much of much") << noise << 4999;
+}
+
+void tst_ZrUnpack::startOfAPayload()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(int, count);
+    for (const bool compressed : {false, true}) {
+        for (const int level : {1, 9}) {
+            const QByteArray stored = compressed ? qCompress(data, level) : data;
+            const ZrLogItem item = Header(static_cast<u32>(data.size()), stored, compressed);
+            const QByteArray at = stored.left(count + 1000);
+            QByteArray start("before");
+            QString error;
+            QVERIFY2(
+                zr::unpack_start(item, Span(at), static_cast<u32>(count), &start, &error), qPrintable(error));
+            QCOMPARE(start, data.left(count));
+            QCOMPARE(error, QString());
+        }
+    }
+}
+
+void tst_ZrUnpack::startThatCannotBeHad()
+{
+    const auto refusal = [](const ZrLogItem& item, const QByteArray& at) {
+        QByteArray data("untouched");
+        QString error;
+        if (zr::unpack_start(item, Span(at), 24, &data, &error))
+            return QStringLiteral("taken");
+        return data == "untouched" ? error : QStringLiteral("data was touched: ") + error;
+    };
+    QByteArray data;
+    for (int i = 0; i < 300; ++i)
+        data += static_cast<char>(i * i % 251);
+    const QByteArray stored = qCompress(data, 1);
+    const QString tooShort = QStringLiteral("The start of the payload is too short");
+    const QString damaged = QStringLiteral("The compressed payload is damaged");
+    QCOMPARE(refusal(Header(300, stored, true), stored.left(3)), tooShort);
+    QCOMPARE(refusal(Header(300, stored.left(3), true), stored), tooShort);
+    QCOMPARE(refusal(Header(300, data, false), data.left(23)), tooShort);
+    QCOMPARE(refusal(Header(300, stored, true), stored.left(4)), damaged);
+    QCOMPARE(refusal(Header(300, stored, true), stored.left(20)), damaged);
+    QCOMPARE(refusal(Header(300, stored, true), stored.left(4) + QByteArray(200, '\xFF')), damaged);
+    QCOMPARE(refusal(Header(299, stored, true), stored),
+        QStringLiteral("The compressed payload announces 300 bytes, the item header 299"));
+    const QByteArray absurd = BigEndian(0x7FFFFFFE) + stored.mid(4);
+    QVERIFY(refusal(Header(0x7FFFFFFE, absurd, true), absurd).contains(QStringLiteral("can hold")));
+    QCOMPARE(refusal(Header(0x80000000, stored, true), stored),
+        QStringLiteral("The payload is larger than 2 GiB"));
+    // The stream ends before the announced size is reached.
+    const QByteArray small = BigEndian(24) + qCompress(data.left(10), 1).mid(4);
+    QCOMPARE(refusal(Header(24, small, true), small), damaged);
+}
+
+void tst_ZrUnpack::damageBehindTheStartIsNotNoticed()
+{
+    QByteArray data;
+    for (int i = 0; i < 5000; ++i)
+        data += static_cast<char>(i * i % 251 + i / 7);
+    QByteArray stored = qCompress(data, 1);
+    stored.chop(10);
+    QByteArray start;
+    QString error;
+    QVERIFY(zr::unpack_start(Header(5000, stored, true), Span(stored), 24, &start, &error));
+    QCOMPARE(start, data.left(24));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrUnpack)

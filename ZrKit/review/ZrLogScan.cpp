@@ -22,7 +22,8 @@ bool ZrLogScan::Open(const QString& path)
     m_sound = false;
     m_state = Closed;
     m_error.clear();
-    m_errorPos = m_fileSize = m_pos = 0;
+    m_errorPos = m_fileSize = m_pos = m_payloadPos = 0;
+    m_payloadSize = 0;
     m_percent = -1;
     m_block.clear();
     m_blockPos = 0;
@@ -67,25 +68,27 @@ const u8* ZrLogScan::Bytes(u64 pos, u64 count)
         return pos >= m_blockPos && pos - m_blockPos <= m_block.size()
             && m_block.size() - (pos - m_blockPos) >= count;
     };
-    if (!holds() && !(FillFrom(pos) && holds()))
+    if (!holds() && !(FillFrom(pos, count) && holds()))
         return nullptr;
     return m_block.data() + (pos - m_blockPos);
 }
 
-bool ZrLogScan::FillFrom(u64 pos)
+/// Reads the next block, of \p least bytes or more unless the file ends.
+bool ZrLogScan::FillFrom(u64 pos, u64 least)
 {
     const u64 blockEnd = m_blockPos + m_block.size();
     const bool skips = pos < m_blockPos || (pos > blockEnd && pos - blockEnd >= skipFrom);
     if (!m_block.empty())
         m_window = skips ? smallestWindow : std::min(m_window * 4, largestWindow);
-    m_block.resize(m_window);
+    const u64 size = std::max(m_window, least);
+    m_block.resize(size);
     m_blockPos = pos;
     if (pos > static_cast<u64>(std::numeric_limits<qint64>::max())
         || !m_file.seek(static_cast<qint64>(pos))) {
         m_block.clear();
         return false;
     }
-    const qint64 got = m_file.read(reinterpret_cast<char*>(m_block.data()), static_cast<qint64>(m_window));
+    const qint64 got = m_file.read(reinterpret_cast<char*>(m_block.data()), static_cast<qint64>(size));
     m_block.resize(static_cast<std::size_t>(std::max<qint64>(got, 0)));
     return true;
 }
@@ -142,8 +145,17 @@ bool ZrLogScan::Next(ZrLogItem& item, u64& pos)
         return Fail(QStringLiteral("Unable to read item payload"), m_pos);
     item = found;
     pos = m_pos;
-    m_pos += ZrLogItem::Size + static_cast<u64>(found.storedSize);
+    m_payloadPos = m_pos + ZrLogItem::Size;
+    m_payloadSize = found.storedSize;
+    m_pos = m_payloadPos + m_payloadSize;
     return true;
+}
+
+zr::span<u8> ZrLogScan::PayloadStart(u32 most)
+{
+    const u32 count = std::min(most, m_payloadSize);
+    const u8* bytes = count == 0 ? nullptr : Bytes(m_payloadPos, count);
+    return bytes ? zr::bytes_of(bytes, count) : zr::span<u8>();
 }
 
 bool ZrLogScan::SeekTo(u64 pos)
@@ -151,6 +163,7 @@ bool ZrLogScan::SeekTo(u64 pos)
     if (!m_sound)
         return false;
     m_pos = pos;
+    m_payloadSize = 0;
     m_state = Scanning;
     m_error.clear();
     m_errorPos = 0;

@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrUtil/ZrLogHeader.h"
 #include "ZrUtil/ZrLogItem.h"
+#include "ZrUtil/ZrSpan.h"
 #include "ZrUtil/ZrTypes.h"
 
 #include <QFile>
@@ -58,6 +59,12 @@ public:
     /// False at the end, at damage and after a cancel; `State` tells which, the arguments stay untouched.
     bool Next(ZrLogItem& item, u64& pos);
 
+    /// The first bytes of the payload of the item that `Next` has given last, as they are stored: \p most of
+    /// them, or all when there are fewer. Empty when they cannot be read. Valid until the next call of
+    /// `Next`, `SeekTo`, `Open` or this one. Costs next to nothing where the payload lies in the block that
+    /// was read.
+    zr::span<u8> PayloadStart(u32 most);
+
     /// Continues at \p pos, which must be the start of an item header to be useful; also after the end or
     /// damage. False when no log is open. A wrong position shows in the following `Next`.
     bool SeekTo(u64 pos);
@@ -80,7 +87,7 @@ public:
 
 private:
     const u8* Bytes(u64 pos, u64 count);
-    bool FillFrom(u64 pos);
+    bool FillFrom(u64 pos, u64 least);
     bool PayloadFits(u64 pos, u64 size) const;
     bool Fail(const QString& message, u64 pos);
     void Report();
@@ -93,6 +100,8 @@ private:
     u64 m_errorPos = 0;
     u64 m_fileSize = 0;
     u64 m_pos = 0;
+    u64 m_payloadPos = 0; ///< of the item given last
+    u32 m_payloadSize = 0;
     int m_percent = -1; ///< last one reported
     std::vector<u8> m_block; ///< bytes of the file from `m_blockPos` on
     u64 m_blockPos = 0;

@@ -2,6 +2,9 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+#include <zlib.h>
+
 namespace {
 
 constexpr u64 prefixSize = 4; ///< big-endian length in front of the zlib stream
@@ -22,6 +25,21 @@ QString Implausible(const ZrLogItem& item, u64 announced, u64 storedSize)
             .arg(storedSize);
     }
     return QString();
+}
+
+/// Decompresses the zlib stream that begins with \p in into \p out until that is full; how many bytes came.
+u32 InflateInto(zr::span<u8> in, u8* out, u32 count)
+{
+    z_stream stream{};
+    if (inflateInit(&stream) != Z_OK)
+        return 0;
+    stream.next_in = in.data();
+    stream.avail_in = static_cast<uInt>(in.size());
+    stream.next_out = out;
+    stream.avail_out = count;
+    inflate(&stream, Z_SYNC_FLUSH);
+    inflateEnd(&stream);
+    return count - stream.avail_out;
 }
 
 } // namespace
@@ -51,6 +69,33 @@ bool zr::unpack_payload(const ZrLogItem& item, zr::span<u8> stored, QByteArray* 
     }
     const QByteArray unpacked = qUncompress(stored.data(), static_cast<int>(stored.size()));
     if (static_cast<u64>(unpacked.size()) != announced)
+        return refuse(QStringLiteral("The compressed payload is damaged"));
+    *data = unpacked;
+    return true;
+}
+
+bool zr::unpack_start(const ZrLogItem& item, zr::span<u8> start, u32 count, QByteArray* data, QString* error)
+{
+    const auto refuse = [error](const QString& sentence) {
+        *error = sentence;
+        return false;
+    };
+    if (item.storedSize > largestArray || item.dataSize > largestArray)
+        return refuse(QStringLiteral("The payload is larger than 2 GiB"));
+    const u32 wanted = std::min(count, item.compressed == 0 ? item.storedSize : item.dataSize);
+    const std::size_t needed = item.compressed == 0 ? wanted : prefixSize;
+    if (start.size() < needed || item.storedSize < needed)
+        return refuse(QStringLiteral("The start of the payload is too short"));
+    if (item.compressed == 0) {
+        *data = zr::to_byte_array(start.subspan(0, wanted));
+        return true;
+    }
+    const QString reason = Implausible(item, qFromBigEndian<quint32>(start.data()), item.storedSize);
+    if (!reason.isEmpty())
+        return refuse(reason);
+    QByteArray unpacked(static_cast<int>(wanted), Qt::Uninitialized);
+    const zr::span<u8> stream = start.subspan(prefixSize, start.size() - prefixSize);
+    if (InflateInto(stream, reinterpret_cast<u8*>(unpacked.data()), wanted) != wanted)
         return refuse(QStringLiteral("The compressed payload is damaged"));
     *data = unpacked;
     return true;

@@ -19,4 +19,13 @@ namespace zr {
 ZR_KIT_EXPORT bool unpack_payload(
     const ZrLogItem& item, zr::span<u8> stored, QByteArray* data, QString* error);
 
+/// The first \p count bytes of that payload, fewer when it is shorter, from \p start, the first bytes behind
+/// the header: all, or some hundred bytes more than \p count. Only so much is decompressed, which makes it
+/// cheap to look at the first fields of large payloads; damage behind them is not noticed.
+///
+/// False, with a sentence in \p error and \p data untouched, when the start is damaged or too short, or the
+/// announced size is not believed. Any thread.
+ZR_KIT_EXPORT bool unpack_start(
+    const ZrLogItem& item, zr::span<u8> start, u32 count, QByteArray* data, QString* error);
+
 } // namespace zr

@@ -15,8 +15,10 @@ namespace {
 
 /// The two sides of one ping are logged within this time, seconds.
 constexpr double pairWithin = 0.5;
-/// How many of the latest pings may still miss a side.
-constexpr std::size_t pairAmong = 4;
+/// How many of the latest pings may still miss a side: half a second of a fast sonar.
+constexpr std::size_t mostWaiting = 64;
+/// Bytes of a compressed payload that give its first fields: a block of codes takes less than 400.
+constexpr u32 compressedStart = 1024;
 
 bool IsPing(const ZrLogItem& item)
 {
@@ -26,6 +28,12 @@ bool IsPing(const ZrLogItem& item)
 bool IsNav(const ZrLogItem& item)
 {
     return item.type == ZrNavRecord::RecType && item.sub == 0;
+}
+
+/// Sonars that do not know a value say 0.
+float Known(float value)
+{
+    return std::isfinite(value) && value > 0.0F ? value : std::numeric_limits<float>::quiet_NaN();
 }
 
 void Widen(const QByteArray& bytes, u8 width, std::vector<u16>& samples)
@@ -46,82 +54,95 @@ void Widen(const QByteArray& bytes, u8 width, std::vector<u16>& samples)
 bool ZrSonarLog::Open(const QString& path)
 {
     m_path = path;
-    m_pings.clear();
+    m_file.close();
+    m_fileSize = 0;
+    m_pings = std::vector<ZrSonarPing>();
     m_skipped = 0;
     m_error.clear();
     m_damage.clear();
-    m_file.close();
+    m_damagePos = 0;
 
     ZrLogScan scan;
     scan.progress = progress;
-    if (!scan.Open(path)) {
-        m_error = scan.Error();
-        return false;
-    }
+    if (!scan.Open(path))
+        return Fail(scan.Error());
+    m_fileSize = scan.FileSize();
+    // Without a buffer: what is read later is what stands in the file then.
     m_file.setFileName(path);
-    if (!m_file.open(QIODevice::ReadOnly)) {
-        m_error = m_file.errorString();
-        return false;
-    }
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return Fail(m_file.errorString());
     ZrSonarNav nav;
-    ZrLogItem item;
-    u64 pos = 0;
-    QByteArray payload;
-    while (scan.Next(item, pos)) {
-        scan.cancel = cancel.load();
-        if (IsPing(item)) {
-            AddPing(item, pos);
-        } else if (IsNav(item)) {
-            ZrNavRecord record;
-            if (item.format == ZrNavRecord::Format && ReadPayload(pos, item, ZrNavRecord::Size, payload)
-                && ZrNavRecord::Decode(zr::bytes_of(payload), record))
-                nav.Add(item.time, record);
-            else
-                ++m_skipped;
-        }
+    if (!ReadTable(scan, nav))
+        return Fail(QStringLiteral("Cancelled"));
+    if (scan.State() == ZrLogScan::Damaged) {
+        m_damage = scan.Error();
+        m_damagePos = scan.ErrorPos();
     }
-    if (scan.State() == ZrLogScan::Cancelled) {
-        m_error = QStringLiteral("Cancelled");
-        m_pings.clear();
-        return false;
-    }
-    if (scan.State() == ZrLogScan::Damaged)
-        m_damage = QStringLiteral("%1, at byte %2").arg(scan.Error()).arg(scan.ErrorPos());
     nav.Prepare();
-    for (ZrSonarPing& ping : m_pings)
-        ping.pose = nav.At(ping.time);
+    ZrSonarNav::Place place;
+    for (ZrSonarPing& ping : m_pings) {
+        if (cancel)
+            return Fail(QStringLiteral("Cancelled"));
+        ping.pose = nav.At(ping.time, place);
+    }
     return true;
 }
 
-/// The first \p most bytes of the payload of \p item, fewer when it is shorter; all of a compressed one.
-bool ZrSonarLog::ReadPayload(u64 pos, const ZrLogItem& item, u64 most, QByteArray& payload)
+bool ZrSonarLog::Fail(const QString& error)
 {
-    if (!m_file.seek(static_cast<qint64>(pos + ZrLogItem::Size)))
-        return false;
-    const u64 wanted = item.compressed == 0 ? std::min<u64>(most, item.storedSize) : item.storedSize;
-    const QByteArray stored = m_file.read(static_cast<qint64>(wanted));
-    if (static_cast<u64>(stored.size()) != wanted)
-        return false;
-    if (item.compressed == 0) {
-        payload = stored;
-        return true;
-    }
-    QString reason;
-    return zr::unpack_payload(item, zr::bytes_of(stored), &payload, &reason);
+    m_error = error;
+    m_pings = std::vector<ZrSonarPing>();
+    m_skipped = 0;
+    m_file.close();
+    return false;
 }
 
-void ZrSonarLog::AddPing(const ZrLogItem& item, u64 pos)
+/// All items up to the end or to damage; false when `cancel` was set.
+bool ZrSonarLog::ReadTable(ZrLogScan& scan, ZrSonarNav& nav)
+{
+    ZrLogItem item;
+    u64 pos = 0;
+    m_waiting.clear();
+    scan.cancel = cancel.load();
+    while (scan.Next(item, pos)) {
+        if (IsPing(item))
+            AddPing(scan, item, pos);
+        else if (IsNav(item))
+            AddNav(scan, item, nav);
+        scan.cancel = cancel.load();
+    }
+    return scan.State() != ZrLogScan::Cancelled;
+}
+
+/// The first \p most bytes of the payload of \p item, fewer when it is shorter.
+bool ZrSonarLog::ReadStart(ZrLogScan& scan, const ZrLogItem& item, u32 most, QByteArray& start) const
+{
+    const zr::span<u8> stored = scan.PayloadStart(item.compressed == 0 ? most : compressedStart);
+    QString reason;
+    return zr::unpack_start(item, stored, most, &start, &reason);
+}
+
+void ZrSonarLog::AddNav(ZrLogScan& scan, const ZrLogItem& item, ZrSonarNav& nav)
+{
+    QByteArray payload;
+    ZrNavRecord record;
+    if (item.format == ZrNavRecord::Format && std::isfinite(item.time)
+        && ReadStart(scan, item, ZrNavRecord::Size, payload)
+        && ZrNavRecord::Decode(zr::bytes_of(payload), record))
+        nav.Add(item.time, record);
+    else
+        ++m_skipped;
+}
+
+void ZrSonarLog::AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos)
 {
     QByteArray start;
     ZrPingRecord record;
+    const u64 payloadSize = item.compressed == 0 ? item.storedSize : item.dataSize;
     if (item.format != ZrPingRecord::Format || !std::isfinite(item.time)
-        || !ReadPayload(pos, item, ZrPingRecord::Size, start)) {
-        ++m_skipped;
-        return;
-    }
-    const u64 payloadSize = item.compressed == 0 ? item.storedSize : static_cast<u64>(start.size());
-    if (!ZrPingRecord::DecodeFields(zr::bytes_of(start), payloadSize, record) || !(record.slantRange > 0.0F)
-        || !std::isfinite(record.slantRange)) {
+        || !ReadStart(scan, item, ZrPingRecord::Size, start)
+        || !ZrPingRecord::DecodeFields(zr::bytes_of(start), payloadSize, record)
+        || std::isnan(Known(record.slantRange))) {
         ++m_skipped;
         return;
     }
@@ -129,21 +150,75 @@ void ZrSonarLog::AddPing(const ZrLogItem& item, u64 pos)
     channel.pos = pos;
     channel.slantRange = static_cast<double>(record.slantRange);
     channel.sampleCount = record.sampleCount;
-    channel.frequency = record.frequency;
-    channel.soundSpeed = record.soundSpeed;
-    for (std::size_t back = 1; back <= std::min(pairAmong, m_pings.size()); ++back) {
-        ZrSonarPing& ping = m_pings[m_pings.size() - back];
-        if (ping.number == record.pingNumber && !ping.sides[item.sub].IsThere()
-            && std::fabs(ping.time - item.time) < pairWithin) {
-            ping.sides[item.sub] = channel;
-            return;
-        }
+    channel.frequency = Known(record.frequency);
+    channel.soundSpeed = Known(record.soundSpeed);
+    if (ZrSonarPing* ping = Awaiting(record.pingNumber, item)) {
+        ping->sides[item.sub] = channel;
+        return;
     }
     ZrSonarPing ping;
     ping.time = item.time;
     ping.number = record.pingNumber;
+    ping.source = item.source;
     ping.sides[item.sub] = channel;
+    if (m_waiting.size() == mostWaiting)
+        m_waiting.erase(m_waiting.begin());
+    m_waiting.push_back(m_pings.size());
+    MakeRoom(pos);
     m_pings.push_back(ping);
+}
+
+/// The latest ping that \p item completes; it waits no longer. Null when there is none.
+ZrSonarPing* ZrSonarLog::Awaiting(u32 number, const ZrLogItem& item)
+{
+    for (auto it = m_waiting.rbegin(); it != m_waiting.rend(); ++it) {
+        ZrSonarPing& ping = m_pings[*it];
+        if (ping.number == number && ping.source == item.source && !ping.sides[item.sub].IsThere()
+            && std::fabs(ping.time - item.time) < pairWithin) {
+            m_waiting.erase(std::next(it).base());
+            return &ping;
+        }
+    }
+    return nullptr;
+}
+
+/// Room for the next ping, and for as many more as the log promises where it goes on as up to \p pos:
+/// doubling would hold the table up to three times at its end.
+void ZrSonarLog::MakeRoom(u64 pos)
+{
+    const std::size_t count = m_pings.size();
+    if (count < m_pings.capacity())
+        return;
+    const double promised = 1.02 * static_cast<double>(count) * static_cast<double>(m_fileSize)
+        / static_cast<double>(std::max<u64>(pos, 1));
+    const double least = static_cast<double>(count) * 1.5 + 256.0;
+    const double most = static_cast<double>(count) * 4.0 + 256.0;
+    m_pings.reserve(static_cast<std::size_t>(std::clamp(promised, least, most)));
+}
+
+QString ZrSonarLog::Damage() const
+{
+    return m_damage.isEmpty() ? QString()
+                              : QStringLiteral("%1 (at position %2)").arg(m_damage).arg(m_damagePos);
+}
+
+/// Header and payload of the item that starts at \p pos.
+bool ZrSonarLog::ReadItem(u64 pos, ZrLogItem& item, QByteArray& payload)
+{
+    if (!m_file.seek(static_cast<qint64>(pos)))
+        return false;
+    u8 header[ZrLogItem::Size];
+    if (m_file.read(reinterpret_cast<char*>(header), ZrLogItem::Size) != ZrLogItem::Size)
+        return false;
+    item = ZrLogItem::Decode(header);
+    // The size is believed only when the file holds as much: it is what gets allocated.
+    const u64 end = pos + ZrLogItem::Size + item.storedSize;
+    if (item.magic != ZrLogItem::Magic || end > static_cast<u64>(std::max<qint64>(m_file.size(), 0)))
+        return false;
+    const QByteArray stored = m_file.read(static_cast<qint64>(item.storedSize));
+    QString reason;
+    return static_cast<u64>(stored.size()) == item.storedSize
+        && zr::unpack_payload(item, zr::bytes_of(stored), &payload, &reason);
 }
 
 bool ZrSonarLog::ReadSamples(std::size_t ping, eSonarSide side, std::vector<u16>& samples)
@@ -152,17 +227,12 @@ bool ZrSonarLog::ReadSamples(std::size_t ping, eSonarSide side, std::vector<u16>
     if (ping >= m_pings.size() || (side != sidePort && side != sideStarboard))
         return false;
     const ZrSonarChannel& channel = m_pings[ping].sides[side];
-    if (!channel.IsThere() || !m_file.seek(static_cast<qint64>(channel.pos)))
-        return false;
-    const QByteArray header = m_file.read(ZrLogItem::Size);
-    if (header.size() != ZrLogItem::Size)
-        return false;
-    const ZrLogItem item = ZrLogItem::Decode(reinterpret_cast<const u8*>(header.constData()));
+    ZrLogItem item;
     QByteArray payload;
     ZrPingRecord record;
-    if (item.magic != ZrLogItem::Magic || !IsPing(item)
-        || !ReadPayload(channel.pos, item, item.storedSize, payload)
-        || !ZrPingRecord::Decode(zr::bytes_of(payload), record) || record.sampleCount != channel.sampleCount)
+    if (!channel.IsThere() || !ReadItem(channel.pos, item, payload) || !IsPing(item) || item.sub != side
+        || item.format != ZrPingRecord::Format || !ZrPingRecord::Decode(zr::bytes_of(payload), record)
+        || record.pingNumber != m_pings[ping].number || record.sampleCount != channel.sampleCount)
         return false;
     samples.resize(record.sampleCount);
     Widen(record.samples, record.sampleWidth, samples);

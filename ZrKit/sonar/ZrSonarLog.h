@@ -11,7 +11,9 @@
 #include <vector>
 
 class IZrProgress;
-class ZrLogItem;
+class ZrLogScan;
+class ZrSonarNav;
+struct ZrLogItem;
 
 /// The side-scan pings of a data log: a table of lines with their navigation, and the samples on demand.
 ///
@@ -24,27 +26,31 @@ class ZrLogItem;
 ///     if (log.ReadSamples(i, sidePort, samples)) { … }
 /// \endcode
 ///
-/// Opening walks the log once and keeps about 200 bytes for a ping; samples stay in the file. A port and a
-/// starboard item make one ping when their ping numbers are equal and their times less than half a second
-/// apart, whichever comes first. Lines are in the order of the log, as they were recorded; their poses come
-/// from the navigation records of the whole log by time.
+/// Opening walks the log once, in less than twice the time of a `ZrLogScan`, and keeps about 150 bytes for a
+/// ping; of compressed pings only the first fields are decompressed, some microseconds each. All
+/// samples stay in the file. A port and a starboard item make one ping when they have the same source, equal
+/// ping numbers and times less than half a second apart, whichever comes first; up to 64 pings may be waiting
+/// for their other side. Lines are in the order of the log, as they were recorded; the time of a line is that
+/// of its first item, its pose comes from the navigation records of the whole log by time. The side is told
+/// by the sub-type of the item.
 ///
 /// A log that is damaged somewhere gives the pings before the damage: `Open` is true, and `Damage` says where
-/// it ends. Items whose payload is damaged or of an unknown format are counted in `Skipped`.
+/// it ends. Items whose first fields are damaged or not usable (no finite time, no slant range above 0), or
+/// that are of an unknown format, are counted in `Skipped`; damaged samples show in `ReadSamples`.
 ///
-/// One thread at a time; `cancel` may be set from any thread.
+/// One thread at a time; `cancel` may be set from any thread or a signal handler.
 class ZR_KIT_EXPORT ZrSonarLog
 {
 public:
     IZrProgress* progress = nullptr; ///< told each whole percent of the log while it is opened; may be null
-    std::atomic<bool> cancel{false}; ///< set to end `Open` at the next item
+    std::atomic<bool> cancel{false}; ///< set to end `Open` at the next item; never cleared here
 
     ZrSonarLog() = default;
     ZrSonarLog(const ZrSonarLog&) = delete;
     ZrSonarLog& operator=(const ZrSonarLog&) = delete;
 
-    /// Reads the table of \p path. False, with the reason in `Error`, when the file cannot be read, is no log
-    /// or `cancel` was set; a log without pings is none of these.
+    /// Reads the table of \p path. False, with the reason in `Error` and an empty table, when the file cannot
+    /// be read, is no log or `cancel` was set; a log without pings is none of these.
     bool Open(const QString& path);
 
     const QString& Path() const { return m_path; }
@@ -52,24 +58,41 @@ public:
     const std::vector<ZrSonarPing>& Pings() const { return m_pings; }
 
     /// The samples of one side of a ping, nearest first, as 16 bits: 8-bit samples times 257, of 32-bit ones
-    /// the upper half. False, and \p samples empty, when that side recorded nothing, the log has changed or
-    /// cannot be read.
+    /// the upper half. False, and \p samples empty, when that side recorded nothing, its samples are damaged,
+    /// or the log has changed since it was opened or cannot be read.
     bool ReadSamples(std::size_t ping, eSonarSide side, std::vector<u16>& samples);
 
     QString Error() const { return m_error; } ///< why the last `Open` failed, a sentence; else empty
 
-    QString Damage() const { return m_damage; } ///< where and how the log is damaged; else empty
+    /// What is damaged and where, "reason (at position N)"; empty when the log ends cleanly.
+    QString Damage() const;
 
-    std::size_t Skipped() const { return m_skipped; } ///< ping and navigation items that could not be read
+    QString DamageReason() const { return m_damage; } ///< what is damaged alone; empty when nothing is
+
+    u64 DamagePos() const { return m_damagePos; } ///< where the item that cannot be read starts, in bytes
+
+    u64 FileSize() const { return m_fileSize; } ///< bytes of the log when it was opened
+
+    /// Ping and navigation items that could not be used.
+    std::size_t Skipped() const { return m_skipped; }
 
 private:
-    bool ReadPayload(u64 pos, const ZrLogItem& item, u64 most, QByteArray& payload);
-    void AddPing(const ZrLogItem& item, u64 pos);
+    bool Fail(const QString& error);
+    bool ReadTable(ZrLogScan& scan, ZrSonarNav& nav);
+    bool ReadStart(ZrLogScan& scan, const ZrLogItem& item, u32 most, QByteArray& start) const;
+    void AddNav(ZrLogScan& scan, const ZrLogItem& item, ZrSonarNav& nav);
+    void AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos);
+    ZrSonarPing* Awaiting(u32 number, const ZrLogItem& item);
+    void MakeRoom(u64 pos);
+    bool ReadItem(u64 pos, ZrLogItem& item, QByteArray& payload);
 
     QString m_path;
     QFile m_file;
+    u64 m_fileSize = 0;
     std::vector<ZrSonarPing> m_pings;
+    std::vector<std::size_t> m_waiting; ///< pings that may still get their other side, oldest first
     std::size_t m_skipped = 0;
     QString m_error;
     QString m_damage;
+    u64 m_damagePos = 0;
 };

@@ -8,11 +8,22 @@ namespace {
 constexpr u32 repeatedPosition = 1;
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
-/// Sorts by time and keeps the last of those at one time.
+/// Ranges of values; what lies outside is no measurement.
+constexpr double headingLimit = 360.0;
+constexpr double pitchLimit = 90.0;
+constexpr double rollLimit = 180.0;
+constexpr double leastDepth = -1000.0;
+constexpr double deepest = 12000.0;
+
+/// Entries that are looked through one by one before the whole row is searched.
+constexpr std::size_t nearby = 16;
+
 template <typename Row, typename Time> void SortByTime(Row& row, const Time& timeOf)
 {
-    std::stable_sort(
-        row.begin(), row.end(), [&](const auto& a, const auto& b) { return timeOf(a) < timeOf(b); });
+    const auto earlier = [&](const auto& a, const auto& b) { return timeOf(a) < timeOf(b); };
+    // Most logs are in order already; sorting would take memory for another half of the row.
+    if (!std::is_sorted(row.begin(), row.end(), earlier))
+        std::stable_sort(row.begin(), row.end(), earlier);
     auto out = row.begin();
     for (auto it = row.begin(); it != row.end(); ++it) {
         const auto next = std::next(it);
@@ -22,11 +33,22 @@ template <typename Row, typename Time> void SortByTime(Row& row, const Time& tim
     row.erase(out, row.end());
 }
 
-/// The first element behind \p time; its predecessor is the last one at or before it.
-template <typename Row, typename Time> auto Behind(const Row& row, double time, const Time& timeOf)
+/// Index of the first element behind \p time, its predecessor being the last one at or before it; sought from
+/// \p behind on, which is set to it.
+template <typename Row, typename Time>
+void FindBehind(const Row& row, double time, const Time& timeOf, std::size_t& behind)
 {
-    return std::upper_bound(
+    behind = std::min(behind, row.size());
+    if (behind == 0 || timeOf(row[behind - 1]) <= time) {
+        const std::size_t end = std::min(behind + nearby, row.size());
+        while (behind < end && timeOf(row[behind]) <= time)
+            ++behind;
+        if (behind < end || behind == row.size())
+            return;
+    }
+    const auto found = std::upper_bound(
         row.begin(), row.end(), time, [&](double t, const auto& element) { return t < timeOf(element); });
+    behind = static_cast<std::size_t>(found - row.begin());
 }
 
 double TimeOfPair(const std::pair<double, double>& element)
@@ -34,12 +56,12 @@ double TimeOfPair(const std::pair<double, double>& element)
     return element.first;
 }
 
-/// \p degrees within 0 to 360, 360 excluded.
+/// \p degrees within 0 to 360, 360 excluded; NaN stays.
 double Wrapped(double degrees)
 {
     const double rest = std::fmod(degrees, 360.0);
     const double positive = rest < 0.0 ? rest + 360.0 : rest;
-    return positive < 360.0 ? positive : 0.0;
+    return positive >= 360.0 ? 0.0 : positive;
 }
 
 /// The turn from \p from to \p to the shorter way round, degrees within ±180.
@@ -48,10 +70,19 @@ double Turn(double from, double to)
     return std::remainder(to - from, 360.0);
 }
 
-void AddFinite(std::vector<std::pair<double, double>>& row, double time, float value)
+/// How far \p time is on the way from \p from to \p to, 0 to 1; halved, or the difference of absurd times
+/// would not be finite.
+double Share(double time, double from, double to)
 {
-    if (std::isfinite(value))
-        row.emplace_back(time, static_cast<double>(value));
+    return (time / 2.0 - from / 2.0) / (to / 2.0 - from / 2.0);
+}
+
+void AddWithin(
+    std::vector<std::pair<double, double>>& row, double time, float value, double least, double most)
+{
+    const double wide = static_cast<double>(value);
+    if (wide >= least && wide <= most)
+        row.emplace_back(time, wide);
 }
 
 } // namespace
@@ -64,13 +95,12 @@ void ZrSonarNav::Add(double time, const ZrNavRecord& record)
     const bool isNowhere = at.lat == 0.0 && at.lng == 0.0;
     if (at.IsValid() && !isNowhere && (record.flags & repeatedPosition) == 0)
         m_fixes.push_back({time, at});
-    AddFinite(m_heading, time, record.heading);
-    AddFinite(m_pitch, time, record.pitch);
-    AddFinite(m_roll, time, record.roll);
-    AddFinite(m_depth, time, record.depth);
-    // An echo sounder without an echo says 0 or less.
+    AddWithin(m_heading, time, record.heading, -headingLimit, headingLimit);
+    AddWithin(m_pitch, time, record.pitch, -pitchLimit, pitchLimit);
+    AddWithin(m_roll, time, record.roll, -rollLimit, rollLimit);
+    AddWithin(m_depth, time, record.depth, leastDepth, deepest);
     if (record.altitude > 0.0F)
-        AddFinite(m_altitude, time, record.altitude);
+        AddWithin(m_altitude, time, record.altitude, 0.0, deepest);
 }
 
 void ZrSonarNav::Prepare()
@@ -80,62 +110,58 @@ void ZrSonarNav::Prepare()
         SortByTime(*row, TimeOfPair);
 }
 
-double ZrSonarNav::Value(const Row& row, double time)
+/// The value of \p row at \p time; with \p isAngle the way between two of them is the shorter one round.
+double ZrSonarNav::Value(const Row& row, double time, bool isAngle, std::size_t& behind)
 {
     if (row.empty())
         return unknown;
-    const auto behind = Behind(row, time, TimeOfPair);
-    if (behind == row.begin())
-        return behind->second;
-    const auto before = std::prev(behind);
-    if (behind == row.end())
-        return before->second;
-    const double share = (time - before->first) / (behind->first - before->first);
-    return before->second + (behind->second - before->second) * share;
+    FindBehind(row, time, TimeOfPair, behind);
+    if (behind == 0)
+        return row.front().second;
+    const auto& before = row[behind - 1];
+    if (behind == row.size())
+        return before.second;
+    const auto& after = row[behind];
+    const double change = isAngle ? Turn(before.second, after.second) : after.second - before.second;
+    return before.second + change * Share(time, before.first, after.first);
 }
 
-double ZrSonarNav::Angle(const Row& row, double time)
+/// Position and gap of \p pose.
+void ZrSonarNav::Locate(double time, std::size_t& behind, ZrSonarPose& pose) const
 {
-    if (row.empty())
-        return unknown;
-    const auto behind = Behind(row, time, TimeOfPair);
-    if (behind == row.begin())
-        return Wrapped(behind->second);
-    const auto before = std::prev(behind);
-    if (behind == row.end())
-        return Wrapped(before->second);
-    const double share = (time - before->first) / (behind->first - before->first);
-    return Wrapped(before->second + Turn(before->second, behind->second) * share);
+    if (m_fixes.empty())
+        return;
+    FindBehind(
+        m_fixes, time, [](const Fix& fix) { return fix.time; }, behind);
+    const Fix& before = m_fixes[behind == 0 ? 0 : behind - 1];
+    if (behind == 0 || behind == m_fixes.size() || before.time == time) {
+        pose.position = before.at;
+        pose.gap = std::fabs(time - before.time);
+        return;
+    }
+    const Fix& after = m_fixes[behind];
+    const double share = Share(time, before.time, after.time);
+    pose.position.lat = before.at.lat + (after.at.lat - before.at.lat) * share;
+    pose.position.lng = std::remainder(before.at.lng + Turn(before.at.lng, after.at.lng) * share, 360.0);
+    pose.gap = after.time - before.time;
 }
 
 ZrSonarPose ZrSonarNav::At(double time) const
 {
+    Place place;
+    return At(time, place);
+}
+
+ZrSonarPose ZrSonarNav::At(double time, Place& place) const
+{
     ZrSonarPose pose;
     if (!std::isfinite(time))
         return pose;
-    pose.heading = Angle(m_heading, time);
-    pose.pitch = Value(m_pitch, time);
-    pose.roll = Value(m_roll, time);
-    pose.depth = Value(m_depth, time);
-    pose.altitude = Value(m_altitude, time);
-    if (m_fixes.empty())
-        return pose;
-    const auto behind = Behind(m_fixes, time, [](const Fix& fix) { return fix.time; });
-    if (behind == m_fixes.begin() || behind == m_fixes.end()) {
-        const Fix& nearest = behind == m_fixes.begin() ? *behind : *std::prev(behind);
-        pose.position = nearest.at;
-        pose.gap = std::fabs(time - nearest.time);
-        return pose;
-    }
-    const Fix& before = *std::prev(behind);
-    if (before.time == time) {
-        pose.position = before.at;
-        pose.gap = 0.0;
-        return pose;
-    }
-    const double share = (time - before.time) / (behind->time - before.time);
-    pose.position.lat = before.at.lat + (behind->at.lat - before.at.lat) * share;
-    pose.position.lng = std::remainder(before.at.lng + Turn(before.at.lng, behind->at.lng) * share, 360.0);
-    pose.gap = behind->time - before.time;
+    Locate(time, place.behind[0], pose);
+    pose.heading = Wrapped(Value(m_heading, time, true, place.behind[1]));
+    pose.pitch = Value(m_pitch, time, false, place.behind[2]);
+    pose.roll = std::remainder(Value(m_roll, time, true, place.behind[3]), 360.0);
+    pose.depth = Value(m_depth, time, false, place.behind[4]);
+    pose.altitude = Value(m_altitude, time, false, place.behind[5]);
     return pose;
 }

@@ -13,8 +13,8 @@ struct ZrSonarChannel
     double slantRange
         = std::numeric_limits<double>::quiet_NaN(); ///< metres from the sonar to the last sample
     u32 sampleCount = 0;
-    float frequency = std::numeric_limits<float>::quiet_NaN(); ///< kHz
-    float soundSpeed = std::numeric_limits<float>::quiet_NaN(); ///< m/s
+    float frequency = std::numeric_limits<float>::quiet_NaN(); ///< kHz, above 0; NaN when not known
+    float soundSpeed = std::numeric_limits<float>::quiet_NaN(); ///< m/s, above 0; NaN when not known
 
     bool IsThere() const { return pos != 0; }
 
@@ -33,6 +33,7 @@ struct ZrSonarPing
 {
     double time = 0.0; ///< seconds since the epoch
     u32 number = 0; ///< as the sonar counts
+    u16 source = 0; ///< source identifier of its items: which sonar, where a log holds several
     ZrSonarPose pose; ///< of the vehicle at that time
     ZrSonarChannel sides[2]; ///< by `eSonarSide`
 };

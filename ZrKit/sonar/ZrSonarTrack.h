@@ -18,8 +18,13 @@
 /// const ZrGeoPoint at = track.Locate(line, sideStarboard, 12.5); // 12.5 m to starboard
 /// \endcode
 ///
-/// Metres are those of a `ZrLocalFrame` around the middle of the track (`Frame`), so a track may be some tens
-/// of kilometres long. Pings without a known position are NaN throughout and are left out of distances.
+/// Metres are those of a `ZrLocalFrame` around the middle of the track (`Frame`; a few wild positions do not
+/// move it), so a track may be some tens of kilometres long. Pings without a known position are left out of
+/// distances; what hangs on their position, courses too, is NaN.
+///
+/// Averages, courses and speeds go over pings that are near in time. Times that are set back by more than a
+/// second begin anew: nothing is averaged across. Making a track takes time in proportion to the pings,
+/// however long the smoothing.
 ///
 /// Never changes once made: any number of threads.
 class ZR_KIT_EXPORT ZrSonarTrack
@@ -59,7 +64,8 @@ private:
     void Around(std::size_t ping, double seconds, std::size_t& first, std::size_t& last) const;
 
     ZrLocalFrame m_frame;
-    std::vector<double> m_times;
+    std::vector<double> m_clock; ///< seconds from the first ping; never falls, and leaps where times fall
+    std::vector<std::size_t> m_known; ///< the pings with a known position
     std::vector<ZrLocalPoint> m_points;
     std::vector<double> m_convergences; ///< from true north to the north of the frame, degrees
     std::vector<double> m_headings;

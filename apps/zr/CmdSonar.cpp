@@ -2,9 +2,11 @@
 
 #include "CmdSonar.h"
 
+#include "CmdSonarInfo.h"
+
 #include <CLI/CLI.hpp>
 
-void AddSonar(CLI::App& app, CliRun& /*run*/)
+void AddSonar(CLI::App& app, CliRun& run)
 {
     CLI::App* sonar = app.add_subcommand("sonar", "Side-scan lines: figures, waterfall, mosaic, targets");
     sonar->group("Verbs");
@@ -13,4 +15,5 @@ void AddSonar(CLI::App& app, CliRun& /*run*/)
                   "  zr sonar info dive.log\n"
                   "\n"
                   "zr sonar VERB --help describes a verb.");
+    AddSonarInfo(*sonar, run);
 }
