@@ -18,7 +18,11 @@
 ///
 /// The bytes are those of `SonarDataPkt`: by default its range too (one sample in 10,000 lies outside at each
 /// end, the value 0 not counted) and its grey mapping, ((v − lo) / (hi − lo))^gamma × 256 with a gamma of
-/// 0.6. A share of its own may be cut away instead: speckle has few, very bright samples.
+/// 0.6. A share of its own may be cut away instead: speckle has few, very bright samples. (Unlike there,
+/// measuring again does not move the range a part of the way: it is that of all that was added.)
+///
+/// A `clip` that is not a number or below 0 counts as 0, one above 0.5 as 0.5; a `gamma` that is not a
+/// positive finite number as 0.6. Black at or above white makes a step: nothing lies between them.
 ///
 /// `Map` in any number of threads while nothing is measured or set.
 class ZR_KIT_EXPORT ZrSonarContrast
@@ -32,10 +36,11 @@ public:
     /// Counts samples for `Measure`.
     void Add(zr::span<const u16> samples);
 
-    /// Sets the range from what was added; stays when that was nothing but zeros.
+    /// Sets the range from what was added since this object was made; it stays when that was nothing but
+    /// zeros.
     void Measure();
 
-    void SetRange(float lo, float hi); ///< by hand
+    void SetRange(float lo, float hi); ///< by hand; ignored when either is not finite
 
     float Lo() const { return m_lo; }
 

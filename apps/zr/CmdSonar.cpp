@@ -2,6 +2,7 @@
 
 #include "CmdSonar.h"
 
+#include "CmdSonarImage.h"
 #include "CmdSonarInfo.h"
 
 #include <CLI/CLI.hpp>
@@ -16,4 +17,5 @@ void AddSonar(CLI::App& app, CliRun& run)
                   "\n"
                   "zr sonar VERB --help describes a verb.");
     AddSonarInfo(*sonar, run);
+    AddSonarImage(*sonar, run);
 }
