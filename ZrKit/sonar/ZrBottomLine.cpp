@@ -67,3 +67,12 @@ void ZrBottomLine::Clear(std::size_t first, std::size_t last)
     for (std::size_t i = first; i <= last && i < m_edited.size(); ++i)
         m_edited[i] = unknown;
 }
+
+void ZrBottomLine::SetEdited(std::size_t first, zr::span<const double> altitudes)
+{
+    if (first >= m_edited.size())
+        return;
+    const std::size_t count = std::min(altitudes.size(), m_edited.size() - first);
+    for (std::size_t i = 0; i < count; ++i)
+        m_edited[first + i] = IsAltitude(altitudes[i]) ? altitudes[i] : unknown;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrSpan.h"
 
 #include <cstddef>
 #include <vector>
@@ -28,6 +29,10 @@ public:
     /// Whether the altitude of a ping was set by hand.
     bool IsEdited(std::size_t ping) const;
 
+    const std::vector<double>& Found() const { return m_found; } ///< ping by ping, NaN where nothing was
+
+    const std::vector<double>& Edited() const { return m_edited; } ///< likewise what was set by hand
+
     /// Takes over what a detection found, NaN where nothing; the number of pings becomes that of \p
     /// altitudes.
     void SetFound(std::vector<double> altitudes);
@@ -39,6 +44,10 @@ public:
 
     /// Takes back what was set by hand from ping \p first to \p last, in either order.
     void Clear(std::size_t first, std::size_t last);
+
+    /// Sets what was set by hand from ping \p first on, as `Edited` gives it: NaN, or a value that is no
+    /// altitude, takes it back.
+    void SetEdited(std::size_t first, zr::span<const double> altitudes);
 
 private:
     std::vector<double> m_found;

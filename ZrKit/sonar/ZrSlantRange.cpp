@@ -16,16 +16,23 @@ double Between(zr::span<const u16> in, double at)
     return in[i] + (next - in[i]) * share;
 }
 
-/// The mean amplitude from \p from to \p to, in samples.
+/// The mean amplitude from \p from to \p to, in samples; they lie inside, more than half a sample apart.
 double Mean(zr::span<const u16> in, double from, double to)
 {
-    double sum = 0.0;
-    const auto end = std::min(static_cast<std::size_t>(std::ceil(to)), in.size());
-    for (auto i = static_cast<std::size_t>(from); i < end; ++i) {
-        const double start = std::max(from, static_cast<double>(i));
-        sum += in[i] * (std::min(to, static_cast<double>(i + 1)) - start);
-    }
+    const auto first = static_cast<std::size_t>(from);
+    const auto last = static_cast<std::size_t>(to);
+    u64 whole = 0;
+    for (std::size_t i = first; i < last; ++i)
+        whole += in[i];
+    double sum = static_cast<double>(whole) - in[first] * (from - static_cast<double>(first));
+    if (last < in.size())
+        sum += in[last] * (to - static_cast<double>(last));
     return sum / (to - from);
+}
+
+bool IsRange(double metres)
+{
+    return std::isfinite(metres) && metres > 0.0;
 }
 
 } // namespace
@@ -45,21 +52,25 @@ void ZrSlantRange::Correct(
     zr::span<const u16> in, double slantRange, double altitude, zr::span<u16> out, double groundRange)
 {
     const double height = altitude > 0.0 ? altitude : 0.0;
-    const double perMetre = static_cast<double>(in.size()) / slantRange;
-    const double step = groundRange / static_cast<double>(out.size());
-    const double end = static_cast<double>(in.size());
-    if (in.empty() || !(slantRange > 0.0) || !(groundRange > 0.0) || !std::isfinite(height)) {
-        std::fill(out.begin(), out.end(), u16(0));
-        return;
+    std::size_t i = 0;
+    if (!in.empty() && IsRange(slantRange) && IsRange(groundRange) && height < slantRange) {
+        // All in input samples: the altitude squared, and the length of an output sample on the ground.
+        const double perMetre = static_cast<double>(in.size()) / slantRange;
+        const double square = height * perMetre * height * perMetre;
+        const double step = groundRange / static_cast<double>(out.size()) * perMetre;
+        const auto slant = [&](double steps) { return std::sqrt(steps * step * steps * step + square); };
+        const double end = static_cast<double>(in.size());
+        double from = slant(0.0);
+        for (; i < out.size(); ++i) {
+            const double k = static_cast<double>(i);
+            const double to = slant(k + 1.0);
+            const double middle = slant(k + 0.5);
+            if (!(middle < end))
+                break;
+            const double value = to - from > 1.0 ? Mean(in, from, std::min(to, end)) : Between(in, middle);
+            out[i] = static_cast<u16>(value + 0.5);
+            from = to;
+        }
     }
-    double from = Slant(0.0, height) * perMetre;
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        const double to = Slant(step * static_cast<double>(i + 1), height) * perMetre;
-        const double middle = Slant(step * (static_cast<double>(i) + 0.5), height) * perMetre;
-        double value = 0.0;
-        if (middle < end)
-            value = to - from > 1.0 && to <= end ? Mean(in, from, to) : Between(in, middle);
-        out[i] = static_cast<u16>(std::lround(value));
-        from = to;
-    }
+    std::fill(out.begin() + i, out.end(), u16(0));
 }
