@@ -17,7 +17,8 @@ main job on the real side-scan line in data/sidescan-xtf:
   5. cuts its middle third into a log of its own,
   6. indexes it, marks an event, and writes its track as CSV, GPX and KML,
   7. makes one log of the glider mission in data/glider-nav (several files), indexes it and writes its track,
-  8. plans a small survey over the area of the side-scan line, checks it, and writes it as GeoJSON and GPX.
+  8. plans a small survey over the area of the side-scan line, checks it, and writes it as GeoJSON and GPX,
+  9. draws the side-scan line as a waterfall and as a mosaic with a world file, and measures where the wreck's stem is.
 
 Options:
   --out DIR   where the results go (default: out/ beside this script)
@@ -84,6 +85,13 @@ survey=$out/iver2-scotsman-survey
 "$bin/zr" route check "$survey.geojson"
 "$bin/zr" route convert "$survey.geojson" "$survey.gpx" --force
 "$bin/zr" route info "$survey.gpx"
+
+zr_say; zr_say "== Waterfall, mosaic and a target of the side-scan line"
+"$bin/zr" sonar info "$log"
+"$bin/zr" sonar image "$log" "$out/iver2-scotsman-waterfall.png" --force
+"$bin/zr" sonar image "$log" "$out/iver2-scotsman-ground.png" --slant --palette gray --force
+"$bin/zr" sonar mosaic "$log" "$out/iver2-scotsman-mosaic.png" --force
+"$bin/zr" sonar target "$log" --line 172 --column 1310
 
 zr_say; zr_say "Results in $out:"
 (cd "$out" && for f in *; do
