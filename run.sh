@@ -90,8 +90,8 @@ zr_say; zr_say "== Waterfall, mosaic and a target of the side-scan line"
 "$bin/zr" sonar info "$log"
 "$bin/zr" sonar image "$log" "$out/iver2-scotsman-waterfall.png" --force
 "$bin/zr" sonar image "$log" "$out/iver2-scotsman-ground.png" --slant --palette gray --force
-"$bin/zr" sonar mosaic "$log" "$out/iver2-scotsman-mosaic.png" --force
-"$bin/zr" sonar target "$log" --line 172 --column 1310
+"$bin/zr" sonar mosaic "$log" "$out/iver2-scotsman-mosaic.png" --heading course --force
+"$bin/zr" sonar target "$log" --line 172 --column 1310 --heading course
 
 zr_say; zr_say "Results in $out:"
 (cd "$out" && for f in *; do

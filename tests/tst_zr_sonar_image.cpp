@@ -381,7 +381,7 @@ void tst_zr_sonar_image::noPings()
     const Sample sample(m_in);
     const ToolResult result = Run({});
     QCOMPARE(result.code, 2);
-    QCOMPARE(QString::fromUtf8(result.err), S("zr: %1: The log has no side-scan pings\n").arg(m_in));
+    QCOMPARE(QString::fromUtf8(result.err), S("zr: %1: The log holds no side-scan pings\n").arg(m_in));
     QVERIFY(!QFile::exists(m_out));
 }
 

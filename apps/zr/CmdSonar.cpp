@@ -4,6 +4,8 @@
 
 #include "CmdSonarImage.h"
 #include "CmdSonarInfo.h"
+#include "CmdSonarMosaic.h"
+#include "CmdSonarTarget.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,4 +20,6 @@ void AddSonar(CLI::App& app, CliRun& run)
                   "zr sonar VERB --help describes a verb.");
     AddSonarInfo(*sonar, run);
     AddSonarImage(*sonar, run);
+    AddSonarMosaic(*sonar, run);
+    AddSonarTarget(*sonar, run);
 }

@@ -10,6 +10,7 @@
 #include "CliOutput.h"
 #include "CliProgress.h"
 #include "CliSignals.h"
+#include "CliSonarLine.h"
 #include "CliTarget.h"
 #include "CliText.h"
 #include "CliTime.h"
@@ -51,6 +52,7 @@ struct Options : CliInOut
     bool noSpeedCorrection = false;
     bool bottom = false;
     bool invert = false;
+    CliAltitudeOption altitude;
 };
 
 std::string Refusal(const std::string& text, const char* expected)
@@ -192,20 +194,6 @@ int Check(const Options& options)
     return exDone;
 }
 
-/// The altitudes that were recorded. One of exactly 0 is a sensor that found no bottom.
-ZrBottomLine RecordedBottom(const ZrSonarLog& log)
-{
-    std::vector<double> altitudes;
-    altitudes.reserve(log.Pings().size());
-    for (const ZrSonarPing& ping : log.Pings()) {
-        const double altitude = ping.pose.altitude;
-        altitudes.push_back(altitude > 0.0 ? altitude : std::numeric_limits<double>::quiet_NaN());
-    }
-    ZrBottomLine bottom;
-    bottom.SetFound(altitudes);
-    return bottom;
-}
-
 /// The pings between two times, ends included, as far as they lie together in the log.
 struct Range
 {
@@ -222,9 +210,6 @@ struct Range
         const double from = time(options.from, -ever);
         const double to = time(options.to, ever);
         const std::vector<ZrSonarPing>& pings = log.Pings();
-        if (pings.empty())
-            return cli::fail(
-                exBadInput, QStringLiteral("%1: The log has no side-scan pings").arg(log.Path()));
         if (from > to)
             return cli::fail(exUsage, QStringLiteral("--to lies before --from"));
         const auto wanted = [&](const ZrSonarPing& ping) { return ping.time >= from && ping.time <= to; };
@@ -240,20 +225,6 @@ struct Range
         return exDone;
     }
 };
-
-/// Reads the table of pings. Returns the exit code, and complains unless it is 0.
-int Open(const QString& path, ZrSonarLog& log)
-{
-    CliProgress progress(QStringLiteral("Reading"));
-    log.progress = &progress;
-    const cli::CancelOnInterrupt stop(log.cancel);
-    const bool opened = log.Open(path);
-    log.progress = nullptr;
-    if (opened)
-        return exDone;
-    return cli::interrupted() ? cli::interrupt_code()
-                              : cli::fail(exBadInput, path + QStringLiteral(": ") + log.Error());
-}
 
 QString Digits(double value)
 {
@@ -370,13 +341,14 @@ void Print(const Options& options, const ZrWaterfallMap& map, const ZrWaterfall&
 }
 
 /// Draws and writes. Returns the exit code, and complains unless it is 0.
-int Draw(const Options& options, ZrSonarLog& log, const Range& range, CliTarget& target)
+int Draw(const Options& options, CliSonarLine& line, const Range& range, CliTarget& target)
 {
+    ZrSonarLog& log = line.log;
     ZrSonarTrackSettings smooth;
     smooth.smoothing = trackSmoothing;
     const ZrSonarTrack track(log.Pings(), smooth);
     const ZrWaterfallSettings settings = SettingsOf(options);
-    const ZrWaterfallMap map(log.Pings(), track, RecordedBottom(log), settings, range.first, range.last);
+    const ZrWaterfallMap map(log.Pings(), track, line.bottom, settings, range.first, range.last);
     if (!map.Error().isEmpty())
         return cli::fail(exUsage, map.Error());
     if (settings.slantCorrected && !map.IsSlantCorrected())
@@ -411,17 +383,17 @@ int Run(const Options& options)
     CliTarget target;
     if (const int code = options.Prepare(target))
         return code;
-    ZrSonarLog log;
-    if (const int code = Open(options.In(), log))
+    CliSonarLine line;
+    if (const int code = line.Load(options.In()))
         return code;
     Range range;
-    if (const int code = range.Find(options, log))
+    if (const int code = range.Find(options, line.log))
         return code;
-    if (const int code = Draw(options, log, range, target))
+    if (const int code = line.LoadBottom(options.altitude))
         return code;
-    if (log.Damage().isEmpty())
-        return exDone;
-    return cli::fail(exBadInput, log.Path() + QStringLiteral(": ") + log.Damage());
+    if (const int code = Draw(options, line, range, target))
+        return code;
+    return line.EndCode();
 }
 
 } // namespace
@@ -486,6 +458,7 @@ void AddSonarImage(CLI::App& sonar, CliRun& run)
     CLI::Option* bottom = verb->add_flag(
         "--bottom", options->bottom, "Mark where the first echo of the seabed comes; not with --slant");
     bottom->excludes(slant);
+    options->altitude.AddTo(*verb);
     options->AddFlags(*verb);
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }
