@@ -1,5 +1,7 @@
 #include "ZrUtil/LqColourMap.h"
 
+#include "ZrUtil/ZrSameFile.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QStringList>
@@ -53,7 +55,7 @@ LqColourMap& LqColourMap::operator=(const LqColourMap& other)
 void LqColourMap::ReadCMap(QString path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!zr::is_possible_path(path) || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         qDebug() << "could not open colour map file for read: " << path;
         return;
     }

@@ -1,14 +1,12 @@
 #include "ZrUtil/ZrChBuffer.h"
 
-#include <QMutexLocker>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
 
 void ZrChBuffer::InitBuffer(int newWidth, int newLines)
 {
-    const QMutexLocker guard(&mutex);
+    const std::lock_guard<std::mutex> guard(mutex);
     width = 0;
     lines = 0;
     if (newWidth <= 0 || newLines <= 0) {
@@ -27,9 +25,9 @@ void ZrChBuffer::InitBuffer(int newWidth, int newLines)
 
 ZrChEntry* ZrChBuffer::AddData(double time, int n, u8* bytes)
 {
-    const QMutexLocker guard(&mutex);
+    const std::lock_guard<std::mutex> guard(mutex);
     const int length = std::min(width, n);
-    if (next >= lines || length <= 0)
+    if (next < 0 || next >= lines || length <= 0)
         return nullptr;
     const auto line = static_cast<std::size_t>(next);
     std::memcpy(

@@ -4,8 +4,7 @@
 #include "ZrUtil/ZrExport.h"
 #include "ZrUtil/ZrTypes.h"
 
-#include <QMutex>
-
+#include <mutex>
 #include <vector>
 
 /// A ring of data lines of one width, with a time for each: the store of a scrolling waterfall.
@@ -14,7 +13,7 @@
 class ZR_UTIL_EXPORT ZrChBuffer
 {
 public:
-    mutable QMutex mutex; ///< guards all members; taken by all functions
+    mutable std::mutex mutex; ///< guards all members; taken by all functions
     u32 dirty = 0; ///< set to 1 when there is something new; cleared by who draws
     i32 width = 0; ///< bytes per line; 0 while there is no buffer
     i32 lines = 0; ///< capacity

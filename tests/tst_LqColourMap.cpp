@@ -18,7 +18,9 @@ private Q_SLOTS:
     void bracketsOnly();
     void readingTwiceAppends();
     void missingFileLeavesTheMap();
-    void folderInPlaceOfTheFile();
+    void pathsThatAreNone();
+    void hostileFiles_data();
+    void hostileFiles();
     void messages();
     void sizes();
     void assignmentIsShallow();
@@ -145,13 +147,46 @@ void tst_LqColourMap::missingFileLeavesTheMap()
     QVERIFY(!Said(QStringLiteral("Reading:")));
 }
 
-void tst_LqColourMap::folderInPlaceOfTheFile()
+void tst_LqColourMap::pathsThatAreNone()
 {
+    for (const QString& path :
+        {m_dir.path(), QString(), QString(QChar(0)), QStringLiteral(":/none.cmap.json")}) {
+        LqColourMap map;
+        const DebugLines lines;
+        map.ReadCMap(path);
+        QCOMPARE(map.m_count, 0);
+        QVERIFY(!map.m_rgb);
+        QCOMPARE(DebugLines::Get().size(), 1);
+        QVERIFY(Said(QStringLiteral("could not open colour map file for read: ")));
+    }
+}
+
+void tst_LqColourMap::hostileFiles_data()
+{
+    constexpr int ten = 10000000;
+    const QByteArray entry = R"({ "r" : 4 , "g" : 5 , "b" : 6 ,)";
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("entries");
+    QTest::newRow("zero bytes") << QByteArray(1000, '\0') << 0;
+    QTest::newRow("a zero byte in a value") << QByteArray("{ r : 4\0 , g : 5 , b : 6\n", 24) << 1;
+    QTest::newRow("no UTF-8") << QByteArray("{ \xFF : 4 , \xFE : 5 , \x80 : 6\n") << 1;
+    QTest::newRow("carriage returns as line ends") << entry + '\r' + entry + '\r' << 1;
+    QTest::newRow("a line of blanks") << QByteArray(ten, ' ') + '\n' + entry << 1;
+    QTest::newRow("a line of commas") << QByteArray(ten, ',') + '\n' + entry << 1;
+    QTest::newRow("a line of one word") << QByteArray(ten, 'x') + '\n' + entry << 1;
+    QTest::newRow("a value of many digits") << "{ r : " + QByteArray(ten, '9') + " , g : 5 , b : 6\n" << 1;
+    QTest::newRow("many entries") << (entry + '\n').repeated(100000) << 100000;
+}
+
+/// Lines of any length and bytes of any value are entries or are not.
+void tst_LqColourMap::hostileFiles()
+{
+    QFETCH(QByteArray, text);
     LqColourMap map;
-    const DebugLines lines;
-    map.ReadCMap(m_dir.path());
-    QCOMPARE(map.m_count, 0);
-    QVERIFY(Said(QStringLiteral("could not open colour map file for read: ")));
+    map.ReadCMap(Write(text));
+    QTEST(map.m_count, "entries");
+    for (int i = 1; i < map.m_count; ++i)
+        QVERIFY(map.m_rgb[3 * i] == 4 && map.m_rgb[3 * i + 1] == 5 && map.m_rgb[3 * i + 2] == 6);
 }
 
 void tst_LqColourMap::messages()

@@ -2,10 +2,10 @@
 
 #include <QtTest/QtTest>
 
-#include <cmath>
+#include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <numeric>
+#include <random>
 #include <thread>
 #include <type_traits>
 
@@ -22,6 +22,7 @@ private Q_SLOTS:
     void payloadIsTaken();
     void payloadsThatAreDropped_data();
     void payloadsThatAreDropped();
+    void buffersAreReused();
     void emptyImage();
     void largestSizesDoNotWrap();
     void firstRange();
@@ -29,11 +30,8 @@ private Q_SLOTS:
     void zeroIsNotCountedBelow();
     void rangeIsSmoothed();
     void nothingToCount();
-    void greyEqualsTheFormula_data();
-    void greyEqualsTheFormula();
-    void colourEqualsTheFormula_data();
-    void colourEqualsTheFormula();
-    void emptyPaletteGivesZeros();
+    void statsEqualTheDefinition_data();
+    void statsEqualTheDefinition();
     void palettesAreMissing();
     void twoThreads();
 
@@ -54,44 +52,16 @@ SonarDataHdr Header(u16 rows, u16 cols)
     return header;
 }
 
-std::vector<u16> AllSamples()
-{
-    std::vector<u16> samples(65536);
-    std::iota(samples.begin(), samples.end(), u16{0});
-    return samples;
-}
-
-/// ((v − lo) / (hi − lo))^gamma × steps within 0 ... last, sample by sample.
-int Formula(u16 v, float lo, float hi, double gamma, int steps, int last)
-{
-    const auto sample = static_cast<float>(v);
-    if (sample <= lo)
-        return 0;
-    if (sample >= hi)
-        return last;
-    const double index
-        = std::pow(static_cast<double>(sample - lo) / static_cast<double>(hi - lo), gamma) * steps;
-    return static_cast<int>(std::min(std::max(index, 0.0), static_cast<double>(last)));
-}
-
-void AddRanges()
-{
-    QTest::addColumn<float>("lo");
-    QTest::addColumn<float>("hi");
-    QTest::newRow("whole") << 0.0F << 65535.0F;
-    QTest::newRow("fractions") << 100.6F << 4000.4F;
-    QTest::newRow("two values") << 10.0F << 12.0F;
-    QTest::newRow("no range") << 0.0F << 0.0F;
-    QTest::newRow("upper below lower") << 5000.0F << 1000.0F;
-    QTest::newRow("beyond all samples") << -5.0F << 70000.0F;
-}
-
 } // namespace
 
 void tst_SonarDataPkt::headerLayout()
 {
     static_assert(!std::is_copy_constructible_v<SonarDataPkt>);
     static_assert(!std::is_copy_assignable_v<SonarDataPkt>);
+    static_assert(std::is_same_v<decltype(&SonarDataPkt::HasNewData), bool (SonarDataPkt::*)()>);
+    static_assert(std::is_same_v<decltype(&SonarDataPkt::UseRgb), bool (SonarDataPkt::*)()>);
+    QCOMPARE(std::size(m_pkt->palettes), std::size_t(5));
+    QCOMPARE(std::size(m_pkt->hist), std::size_t(65536));
     QCOMPARE(sizeof(SonarDataHdr), std::size_t(2066));
     QCOMPARE(offsetof(SonarDataHdr, scale), std::size_t(0));
     QCOMPARE(offsetof(SonarDataHdr, rows), std::size_t(12));
@@ -172,10 +142,29 @@ void tst_SonarDataPkt::emptyImage()
 
 void tst_SonarDataPkt::largestSizesDoNotWrap()
 {
-    // 65535 × 65535 is 131071 beyond a multiple of 2^32, and negative as an int.
-    std::vector<u8> payload(131071 - 65536 * 2 + 65536, 1);
-    m_pkt->ProcessPayload(2, Header(65535, 65535), payload);
-    QCOMPARE(u16(m_pkt->hdr.rows), u16(256));
+    // 65535 × 65535 is -131071 in 32 bits with a sign, 1 in 16 bits; 256 × 256 is 0 in 16 bits.
+    u8 byte = 1;
+    const zr::span<u8> wrapped(&byte, static_cast<std::size_t>(-131071LL));
+    m_pkt->ProcessPayload(2, Header(65535, 65535), wrapped);
+    m_pkt->ProcessPayload(2, Header(65535, 65535), zr::span<u8>(&byte, 1));
+    m_pkt->ProcessPayload(2, Header(256, 256), zr::span<u8>());
+    QCOMPARE(float(m_pkt->hdr.scale), 10.0F);
+    QCOMPARE(m_pkt->image.size(), std::size_t(65536));
+    // More columns than the header has positions for.
+    std::vector<u8> wide(2 * 5000, 7);
+    m_pkt->ProcessPayload(2, Header(2, 5000), wide);
+    QVERIFY(m_pkt->image == wide);
+}
+
+void tst_SonarDataPkt::buffersAreReused()
+{
+    const u8* const pixels = m_pkt->image.data();
+    for (const u16 side : {u16(200), u16(1), u16(256)}) {
+        std::vector<u8> payload(std::size_t(side) * side, 3);
+        m_pkt->ProcessPayload(2, Header(side, side), payload);
+        QCOMPARE(m_pkt->image.size(), payload.size());
+        QCOMPARE(static_cast<const u8*>(m_pkt->image.data()), pixels);
+    }
 }
 
 void tst_SonarDataPkt::firstRange()
@@ -246,60 +235,59 @@ void tst_SonarDataPkt::nothingToCount()
     QCOMPARE(m_pkt->hist[0], 0U);
 }
 
-void tst_SonarDataPkt::greyEqualsTheFormula_data()
+void tst_SonarDataPkt::statsEqualTheDefinition_data()
 {
-    AddRanges();
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("spread");
+    for (const int count : {1, 2, 3, 5, 9999, 10000, 10001, 249999, 250000, 250003, 1000001})
+        for (const int spread : {1, 100, 9000, 65536})
+            QTest::addRow("%d samples of %d values", count, spread) << count << spread;
 }
 
-void tst_SonarDataPkt::greyEqualsTheFormula()
+/// Few samples and many, close together and spread, are counted in different ways.
+void tst_SonarDataPkt::statsEqualTheDefinition()
 {
-    QFETCH(float, lo);
-    QFETCH(float, hi);
-    m_pkt->lo = lo;
-    m_pkt->hi = hi;
-    std::vector<u16> in = AllSamples();
-    std::vector<u8> out(in.size() + 1, 77);
-    m_pkt->ProcessDataImage(in.data(), out.data(), static_cast<int>(in.size()));
-    for (const u16 v : in)
-        QCOMPARE(int(out[v]), Formula(v, lo, hi, 0.6, 256, 255));
-    QCOMPARE(int(out.back()), 77);
-}
+    QFETCH(int, count);
+    QFETCH(int, spread);
+    std::mt19937 random(static_cast<unsigned>(count + spread));
+    std::uniform_int_distribution<int> value(0, spread - 1);
+    std::vector<u16> samples(static_cast<std::size_t>(count));
+    for (u16& sample : samples)
+        sample = static_cast<u16>(value(random));
+    // A value that is there often enough for any counter of a byte, and one at the end.
+    for (std::size_t i = 0; i < samples.size() / 3; ++i)
+        samples[3 * i] = 77;
+    samples.back() = 65535;
 
-void tst_SonarDataPkt::colourEqualsTheFormula_data()
-{
-    AddRanges();
-}
-
-void tst_SonarDataPkt::colourEqualsTheFormula()
-{
-    QFETCH(float, lo);
-    QFETCH(float, hi);
-    m_pkt->lo = lo;
-    m_pkt->hi = hi;
-    for (const int n : {1, 2, 256, 300}) {
-        LqColourMap& copper = m_pkt->palettes[1];
-        copper.SetSize(n);
-        for (int i = 0; i < 3 * n; ++i)
-            copper.m_rgb[i] = static_cast<unsigned char>(i * 7);
-        std::vector<u16> in = AllSamples();
-        std::vector<u8> out(3 * in.size());
-        m_pkt->ProcessRgbImage(in.data(), out.data(), static_cast<int>(in.size()));
-        for (const u16 v : in) {
-            const int entry = 3 * Formula(v, lo, hi, 0.8, n, n - 1);
-            for (int i = 0; i < 3; ++i)
-                QCOMPARE(int(out[static_cast<std::size_t>(3 * v + i)]), int(copper.m_rgb[entry + 2 - i]));
+    std::vector<u32> counts(65536);
+    for (const u16 sample : samples)
+        ++counts[sample];
+    const u64 outside = static_cast<u64>(count) / 10000;
+    int low = 0;
+    u64 sum = 0;
+    for (int v = 1; v < 65536; ++v) {
+        sum += counts[static_cast<std::size_t>(v)];
+        if (sum > outside) {
+            low = v;
+            break;
         }
     }
-}
-
-void tst_SonarDataPkt::emptyPaletteGivesZeros()
-{
-    std::vector<u16> in{0, 1, 65535};
-    std::vector<u8> out(9, 5);
-    m_pkt->ProcessRgbImage(in.data(), out.data(), 3);
-    QVERIFY(out == std::vector<u8>(9, 0));
-    m_pkt->ProcessRgbImage(in.data(), nullptr, 0);
-    m_pkt->ProcessDataImage(in.data(), nullptr, -1);
+    int high = 0;
+    sum = 0;
+    for (int v = 65535; v >= 0; --v) {
+        sum += counts[static_cast<std::size_t>(v)];
+        if (sum > outside) {
+            high = v;
+            break;
+        }
+    }
+    for (int again = 0; again < 2; ++again) {
+        m_pkt->lo = m_pkt->hi = 0.0F;
+        m_pkt->CalcStats(samples.data(), count);
+        QVERIFY(std::equal(counts.begin(), counts.end(), std::begin(m_pkt->hist)));
+        QCOMPARE(m_pkt->lo, static_cast<float>(low));
+        QCOMPARE(m_pkt->hi, static_cast<float>(high));
+    }
 }
 
 void tst_SonarDataPkt::palettesAreMissing()

@@ -238,9 +238,12 @@ void tst_ZglObject::garbage()
 void tst_ZglObject::copies()
 {
     ZglObject object;
+    QCOMPARE(object.m_reserved, 0);
     QVERIFY(ZglObject::LoadObj(Write(::triangle), object));
+    object.m_reserved = 5;
     const ZglObject copy = object;
     QCOMPARE(copy.m_name, object.m_name);
+    QCOMPARE(copy.m_reserved, 5);
     QVERIFY(copy.m_normals == object.m_normals);
     ZglObject moved = std::move(object);
     QVERIFY(moved.m_vertices == copy.m_vertices);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <mutex>
 #include <thread>
 #include <type_traits>
 
@@ -120,8 +121,10 @@ void tst_ZrChBuffer::linesThatAreRefused()
     u8 byte = 9;
     QVERIFY(!buffer.AddData(1.0, 0, &byte));
     QVERIFY(!buffer.AddData(1.0, -1, &byte));
-    buffer.next = 2;
-    QVERIFY(!buffer.AddData(1.0, 1, &byte));
+    for (const int next : {2, std::numeric_limits<int>::max(), -1, std::numeric_limits<int>::min()}) {
+        buffer.next = next;
+        QVERIFY(!buffer.AddData(1.0, 1, &byte));
+    }
     QCOMPARE(buffer.dirty, 0U);
     QVERIFY(buffer.data == std::vector<u8>(6, 0x0F));
 }
@@ -172,7 +175,7 @@ void tst_ZrChBuffer::twoThreads()
     });
     bool whole = true;
     for (int i = 0; i < 1000; ++i) {
-        const QMutexLocker guard(&buffer.mutex);
+        const std::lock_guard<std::mutex> guard(buffer.mutex);
         for (std::size_t line = 0; line < 4; ++line)
             whole = whole && buffer.data[line * 500] == buffer.data[line * 500 + 499];
     }

@@ -390,7 +390,7 @@ void tst_zr_sonar_image::noAltitude()
     for (SonarLine::Ping& ping : m_line.pings)
         ping.altitude = 0.0; // the sensor found no bottom
     QVERIFY(m_line.Write(m_in));
-    const ToolResult result = Run({S("--slant")});
+    const ToolResult result = Run({S("--slant"), S("--altitude"), S("recorded")});
     QCOMPARE(result.code, 2);
     QCOMPARE(
         QString::fromUtf8(result.err), S("zr: %1: No altitude is known, which --slant needs\n").arg(m_in));

@@ -207,8 +207,8 @@ void tst_zr_sonar_mosaic::lines()
         QCOMPARE(RunMosaic({m_log, m_out, S("--force"), S("--blend"), blend}).code, 0);
     QCOMPARE(
         RunMosaic({m_log, m_out, S("--force"), S("--heading"), S("course"), S("--smooth"), S("0")}).code, 0);
-    QCOMPARE(
-        RunMosaic({m_log, m_out, S("--force"), S("--from-line"), S("59")}).code, 2); // one line covers nothing
+    QCOMPARE(RunMosaic({m_log, m_out, S("--force"), S("--from-line"), S("59")}).code,
+        2); // one line covers nothing
 }
 
 void tst_zr_sonar_mosaic::usageErrors_data()
@@ -391,9 +391,9 @@ void tst_zr_sonar_mosaic::help()
 {
     const ToolResult result = RunMosaic({S("--help")});
     QCOMPARE(result.code, 0);
-    for (const char* option :
-        {"--resolution M", "--palette NAME", "--gain HOW", "--blend HOW", "--smooth S", "--heading FROM",
-            "--heading-offset DEG", "--from N", "--to N", "--side SIDE", "--force", "--json"})
+    for (const char* option : {"--resolution M", "--palette NAME", "--gain HOW", "--blend HOW", "--smooth S",
+             "--heading FROM", "--heading-offset DEG", "--from-line N", "--to-line N", "--altitude FROM",
+             "--side SIDE", "--force", "--json"})
         QVERIFY2(result.out.contains(option), option);
     QVERIFY(RunTool({S("sonar"), S("--help")}).out.contains("mosaic"));
 }

@@ -34,8 +34,8 @@ void ZrMosaicRows::Load(std::size_t ping, Row& row)
     if (!m_log.ReadSamples(ping, m_side, m_samples) || m_samples.empty())
         return;
     const ZrSonarChannel& channel = m_log.Pings()[ping].sides[m_side];
-    m_gain.Apply(m_samples, m_side, channel.slantRange);
     row.altitude = m_geo.Altitude(ping);
+    m_gain.Apply(m_samples, m_side, channel.slantRange, row.altitude);
     row.perMetre = 1.0 / channel.SampleLength();
     row.sums.reserve(m_samples.size() + 1);
     double sum = 0.0;

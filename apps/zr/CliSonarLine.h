@@ -35,8 +35,9 @@ struct CliSonarLine
     /// refused. A damaged log is loaded up to the damage, see `EndCode`.
     int Load(const QString& path);
 
-    /// Fills `bottom`: from the file beside the log, else by the first echo of the seabed, and by the recorded
-    /// altitude where neither knows; or by that alone. Returns the exit code, and complains unless it is 0.
+    /// Fills `bottom`: from the file beside the log, else by the first echo of the seabed, and by the
+    /// recorded altitude where neither knows; or by that alone. Returns the exit code, and complains unless
+    /// it is 0.
     int LoadBottom(const CliAltitudeOption& option);
 
     /// The exit code when all is done: complains about a log that was damaged.

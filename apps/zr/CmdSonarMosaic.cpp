@@ -133,7 +133,8 @@ int Range(const Options& options, const CliSonarLine& line, std::size_t& first, 
     }
     if (first <= last)
         return exDone;
-    return cli::fail(exUsage, QStringLiteral("--to-line (%1) lies before --from-line (%2)").arg(last).arg(first));
+    return cli::fail(
+        exUsage, QStringLiteral("--to-line (%1) lies before --from-line (%2)").arg(last).arg(first));
 }
 
 int Build(ZrMosaic& mosaic, const QString& in)

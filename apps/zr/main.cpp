@@ -23,6 +23,7 @@
 #include "CmdLogRecover.h"
 #include "CmdLogSeek.h"
 #include "CmdLogTrack.h"
+#include "CmdMesh.h"
 #include "CmdRouteCheck.h"
 #include "CmdRouteConvert.h"
 #include "CmdRouteInfo.h"
@@ -155,6 +156,7 @@ int main(int argc, char** argv)
     AddGeo(app, run);
     AddRoute(app, run);
     AddSonar(app, run);
+    AddMesh(app, run);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
