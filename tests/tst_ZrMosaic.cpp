@@ -3,6 +3,7 @@
 #include "GoldenImage.h"
 #include "MosaicChecks.h"
 #include "ZrKit/import/ZrImportSession.h"
+#include "ZrKit/sonar/ZrBottomTracker.h"
 #include "ZrKit/sonar/ZrMosaicFile.h"
 #include "ZrKit/sonar/ZrSonarGeo.h"
 #include "ZrKit/sonar/ZrSonarTrack.h"
