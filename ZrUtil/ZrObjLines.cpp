@@ -8,6 +8,7 @@
 namespace {
 
 constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::string_view mark = "\xEF\xBB\xBF"; ///< of UTF-8
 
 bool IsStatement(std::string_view word)
 {
@@ -41,8 +42,8 @@ bool ZrObjLines::Next(std::string_view& line)
             break;
         }
     }
-    if (m_number++ == 0 && line.substr(0, 3) == "\xEF\xBB\xBF")
-        line.remove_prefix(3);
+    if (m_number++ == 0 && line.substr(0, mark.size()) == mark)
+        line.remove_prefix(mark.size());
     return true;
 }
 
@@ -80,12 +81,14 @@ bool ZrObjLines::Fill(std::size_t& added)
     return true;
 }
 
-/// Makes a comment of the begin of a long line that is to be ignored, and one blank of many. The first line
-/// may have a mark of its encoding and stays.
+/// Makes a comment of the begin of a long line that is to be ignored, and one blank of many.
 void ZrObjLines::Shorten()
 {
-    const std::string_view statement = FirstWord(std::string_view(m_buffer.data(), m_end));
-    if (m_number == 0 || IsStatement(statement))
+    std::string_view line(m_buffer.data(), m_end);
+    if (m_number == 0 && line.substr(0, mark.size()) == mark)
+        line.remove_prefix(mark.size());
+    const std::string_view statement = FirstWord(line);
+    if (IsStatement(statement))
         return;
     m_buffer[0] = statement.empty() ? ' ' : '#';
     m_end = 1;

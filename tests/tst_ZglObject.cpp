@@ -217,7 +217,7 @@ void tst_ZglObject::unreadable()
         ZglObject object;
         const DebugLines lines;
         QVERIFY(!ZglObject::LoadObj(path, object));
-        QVERIFY(Said(QStringLiteral("Unable to read:")));
+        QCOMPARE(DebugLines::Get(), QStringList(QStringLiteral("Unable to read: \"%1\"").arg(path)));
     }
 }
 

@@ -262,6 +262,7 @@ void tst_ZglObjectHostile::garbage_data()
     QTest::newRow("blanks") << 3;
     QTest::newRow("line ends") << 4;
     QTest::newRow("carriage returns") << 5;
+    QTest::newRow("a first line without an end") << 6;
 }
 
 /// 100 MB of what is no mesh: nothing of it is kept, so memory stays small.
@@ -269,13 +270,13 @@ void tst_ZglObjectHostile::garbage()
 {
     QFETCH(int, kind);
     constexpr int size = 100 * megabyte;
-    const ObjFile place("# begin\n");
+    const ObjFile place(kind == 6 ? "\xEF\xBB\xBF" : "# begin\n");
     {
         QFile file(place.Path());
         QVERIFY(file.open(QIODevice::Append));
         Noise noise;
         for (int done = 0; done < size; done += megabyte) {
-            QByteArray block(megabyte, "..\0 \n\r"[kind]);
+            QByteArray block(megabyte, "..\0 \n\r."[kind]);
             if (kind < 2) {
                 for (char& byte : block) {
                     byte = noise.Next();

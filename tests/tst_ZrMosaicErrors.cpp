@@ -39,6 +39,8 @@ private Q_SLOTS:
     void refusedSettings();
     void noLines();
     void noPositions();
+    void noSamples();
+    void noSeabed();
     void tooLarge();
     void automaticResolutionFits();
     void logThatHasChanged();
@@ -140,6 +142,47 @@ void tst_ZrMosaicErrors::noPositions()
     mosaic.AddLine(line->log, line->bottom);
     QVERIFY(!mosaic.Build());
     QCOMPARE(mosaic.Error(), QStringLiteral("No side-scan line has a known position"));
+}
+
+void tst_ZrMosaicErrors::noSamples()
+{
+    Plan plan;
+    plan.start = {51.0, 3.0};
+    std::vector<Ping> pings = Straight(plan);
+    for (Ping& ping : pings)
+        ping.sides[sideStarboard].clear();
+    const std::unique_ptr<Loaded> line = Load(pings);
+    for (const bool port : {false, true}) {
+        ZrMosaicSettings settings = PlainSettings(0.1);
+        settings.port = port;
+        settings.starboard = !port;
+        ZrMosaic mosaic(settings);
+        mosaic.AddLine(line->log, line->bottom);
+        QCOMPARE(mosaic.Build(), port);
+        QCOMPARE(mosaic.Error(),
+            port ? QString() : QStringLiteral("The side-scan lines have no samples on the sides shown"));
+    }
+}
+
+void tst_ZrMosaicErrors::noSeabed()
+{
+    Plan plan;
+    plan.start = {51.0, 3.0};
+    const QString error
+        = QStringLiteral("No side-scan line reaches the seabed, or the far gap leaves nothing of it");
+    const std::unique_ptr<Loaded> line = Load(Straight(plan));
+    ZrMosaicSettings settings = PlainSettings(0.1);
+    settings.farGap = plan.slantRange;
+    ZrMosaic nothingLeft(settings);
+    nothingLeft.AddLine(line->log, line->bottom);
+    QVERIFY(!nothingLeft.Build());
+    QCOMPARE(nothingLeft.Error(), error);
+    plan.altitude = 2.0 * plan.slantRange;
+    const std::unique_ptr<Loaded> high = Load(Straight(plan));
+    ZrMosaic mosaic(PlainSettings(0.1));
+    mosaic.AddLine(high->log, high->bottom);
+    QVERIFY(!mosaic.Build());
+    QCOMPARE(mosaic.Error(), error);
 }
 
 void tst_ZrMosaicErrors::tooLarge()

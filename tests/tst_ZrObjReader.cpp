@@ -96,6 +96,10 @@ void tst_ZrObjReader::lineNumbersOfFilesOfAllKinds()
     // Lines across the blocks in which the file is read, and longer than one.
     QCOMPARE(
         line("v 0 0 0\n" + QByteArray(100000, '\n') + QByteArray(300000, '#') + "\nvn 0 0\n"), u64(100003));
+    QCOMPARE(line(QByteArray(300000, '#') + "\nvn 0 0\n"), u64(2));
+    QCOMPARE(line("\xEF\xBB\xBF" + QByteArray(300000, 'x') + "\nvn 0 0\n"), u64(2));
+    QCOMPARE(line("\xEF\xBB\xBF" + QByteArray(300000, ' ') + "v 1\n"), u64(1));
+    QCOMPARE(line("\xEF\xBB\xBFv" + QByteArray(300000, ' ') + "1\n"), u64(1));
     QCOMPARE(line(QByteArray("vt 0.125 0.25\n").repeated(200000) + "vt 1\n"), u64(200001));
     QCOMPARE(line(QByteArray("usemtl x\n").repeated(10) + QByteArray(600000, ' ') + "v 1\n"), u64(11));
 }

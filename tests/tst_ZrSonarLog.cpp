@@ -132,6 +132,7 @@ private Q_SLOTS:
     void otherItemsDoNotCount();
     void unusableItemsAreSkipped_data();
     void unusableItemsAreSkipped();
+    void shortestAndLongestRange();
     void damagedSamplesShowWhenRead();
     void navigationOfTheWholeLog();
     void noNavigation();
@@ -411,7 +412,8 @@ void tst_ZrSonarLog::unusableItemsAreSkipped_data()
     row("most samples", Patched(ping.Bytes(), payload + countAt, Le(0xFFFFFFFFU)));
     row("samples of 3 bytes", Patched(ping.Bytes(), payload + 5, "\3"));
     row("samples of no bytes", Patched(ping.Bytes(), payload + 5, QByteArray(1, '\0')));
-    for (const float range : {0.0F, -0.0F, -30.0F, std::nanf(""), std::numeric_limits<float>::infinity()})
+    for (const float range :
+        {0.0F, -0.0F, -30.0F, 0.09F, 50001.0F, 3e38F, std::nanf(""), std::numeric_limits<float>::infinity()})
         QTest::addRow("slant range %g", double(range)) << Patched(ping.Bytes(), payload + 8, Le(range));
     row("compressed, without its length", shortened(packed, 3));
     row("compressed, cut", shortened(packed, 12));
@@ -429,6 +431,23 @@ void tst_ZrSonarLog::unusableItemsAreSkipped_data()
     packedLess.dataSize = static_cast<quint32>(less.size());
     packedLess.payload = qCompress(less, 1);
     row("compressed, without its last byte", packedLess.Bytes());
+}
+
+void tst_ZrSonarLog::shortestAndLongestRange()
+{
+    sonar_test::Log out(Path());
+    SonarLine line;
+    line.pings = 1;
+    for (const double range : {0.1, 50000.0}) {
+        line.slantRange = range;
+        line.time += 10.0;
+        out.Add(line);
+    }
+    QVERIFY(out.Commit());
+    ZrSonarLog log;
+    QVERIFY(log.Open(Path()));
+    QCOMPARE(log.Skipped(), std::size_t(0));
+    QCOMPARE(log.Pings().size(), std::size_t(2));
 }
 
 void tst_ZrSonarLog::unusableItemsAreSkipped()

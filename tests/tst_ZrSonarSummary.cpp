@@ -160,6 +160,10 @@ void tst_ZrSonarSummary::swathOfOneSideAndWithoutAltitude()
     for (std::size_t i = 0; i < pings.size(); ++i)
         pings[i].sides[sideStarboard].slantRange = 10.0 + 2.0 * static_cast<double>(i);
     QVERIFY(Near(Of(pings).area, 1.5 * 20.0, 0.01));
+    // A side that recorded no samples has seen nothing.
+    for (ZrSonarPing& ping : pings)
+        ping.sides[sidePort] = Channel(30.0, 0);
+    QVERIFY(Near(Of(pings).area, 1.5 * 20.0, 0.01));
 }
 
 void tst_ZrSonarSummary::altitudeAboveTheRange()

@@ -89,6 +89,8 @@ private Q_SLOTS:
     void nothingHasAPosition();
     void wildPositionsDoNotMoveTheFrame();
     void rangesThatAreNoNumbers();
+    void nearAPole_data();
+    void nearAPole();
     void smoothingKeepsAStraightLine();
     void smoothingEvensSteps();
     void smoothingIsTheMeanOfTheWindow_data();
@@ -332,6 +334,26 @@ void tst_ZrSonarTrack::wildPositionsDoNotMoveTheFrame()
     pings[20].pose.position = ZrGeoPoint{0.1, 26.5};
     const ZrSonarTrack smooth(pings, Smoothing(1.0));
     QVERIFY(Between(smooth.Position(60), pings[60].pose.position) < centimetre);
+}
+
+void tst_ZrSonarTrack::nearAPole_data()
+{
+    QTest::addColumn<double>("lat");
+    for (const double lat : {88.9, -88.9, 89.1, -89.1, 89.99999, -90.0})
+        QTest::addRow("%g", lat) << lat;
+}
+
+/// Where the frame leads astray nothing is told rather than something wrong.
+void tst_ZrSonarTrack::nearAPole()
+{
+    QFETCH(double, lat);
+    const Pings pings = Line({lat, 20.0}, lat < 0.0 ? 0.0 : 180.0, 20);
+    const ZrSonarTrack track(pings, {});
+    const ZrGeoPoint at = track.Locate(3, sidePort, 30.0);
+    QCOMPARE(at.IsValid(), std::fabs(lat) < 89.0);
+    QCOMPARE(track.Position(3).IsValid(), std::fabs(lat) < 89.0);
+    if (at.IsValid())
+        QVERIFY(Between(at, Reached(pings[3].pose.position, lat < 0.0 ? -90.0 : 90.0, 30.0)) < 0.02);
 }
 
 void tst_ZrSonarTrack::rangesThatAreNoNumbers()

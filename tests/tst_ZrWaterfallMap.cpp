@@ -531,6 +531,7 @@ void tst_ZrWaterfallMap::errors()
     const ZrWaterfallMap map(table, ZrSonarTrack(table, {}), ZrBottomLine(), settings,
         static_cast<std::size_t>(first), static_cast<std::size_t>(last));
     QTEST(map.Error(), "error");
+    QCOMPARE(map.IsTooLarge(), map.Error().startsWith(QStringLiteral("The image would be ")));
     QCOMPARE(map.Width(), 0);
     QCOMPARE(map.Height(), 0);
     QVERIFY(!map.ToSonar({0.0, 0.0}).IsValid());

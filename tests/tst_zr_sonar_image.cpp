@@ -48,7 +48,10 @@ private Q_SLOTS:
     void wrongUsage();
     void times_data();
     void times();
+    void timesOutOfOrder();
     void noPings();
+    void noPingsThatCanBeUsed();
+    void nothingToShow();
     void noAltitude();
     void noPositions();
     void damagedLog();
@@ -376,6 +379,26 @@ void tst_zr_sonar_image::times()
     QCOMPARE(result.Json().value(S("last")).toInt(), last);
 }
 
+/// Every second ping is logged 0.25 s early, which is no reason to stop at the first one outside.
+void tst_zr_sonar_image::timesOutOfOrder()
+{
+    for (std::size_t i = 1; i < m_line.pings.size(); i += 2)
+        m_line.pings[i].time += 0.25;
+    QVERIFY(m_line.Write(m_in));
+    const auto range = [this](const char* from, const char* to) {
+        const ToolResult result = Run({S("--json"), S("--force"), S("--from"), S(from), S("--to"), S(to)});
+        const QJsonObject object = result.Json();
+        return S("%1 to %2").arg(object.value(S("first")).toInt()).arg(object.value(S("last")).toInt());
+    };
+    QCOMPARE(range("1614780310.09", "1614780311.01"), S("9 to 20"));
+    QCOMPARE(range("1614780311.93", "1614780399"), S("27 to 99"));
+    // Set back: the second stretch is another one.
+    for (std::size_t i = 50; i < m_line.pings.size(); ++i)
+        m_line.pings[i].time -= 6.0;
+    QVERIFY(m_line.Write(m_in));
+    QCOMPARE(range("1614780310", "1614780399"), S("9 to 49"));
+}
+
 void tst_zr_sonar_image::noPings()
 {
     const Sample sample(m_in);
@@ -383,6 +406,40 @@ void tst_zr_sonar_image::noPings()
     QCOMPARE(result.code, 2);
     QCOMPARE(QString::fromUtf8(result.err), S("zr: %1: The log holds no side-scan pings\n").arg(m_in));
     QVERIFY(!QFile::exists(m_out));
+}
+
+void tst_zr_sonar_image::noPingsThatCanBeUsed()
+{
+    for (SonarLine::Ping& ping : m_line.pings)
+        ping.range = 1e30;
+    QVERIFY(m_line.Write(m_in));
+    const QString reason = S("The log holds no side-scan pings that can be used; skipped: 200 items");
+    const ToolResult result = Run({});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(QString::fromUtf8(result.err), S("zr: %1: %2\n").arg(m_in, reason));
+    QVERIFY(QFile::resize(m_in, QFileInfo(m_in).size() - 10));
+    const ToolResult damaged = Run({});
+    QCOMPARE(damaged.code, 2);
+    QVERIFY2(damaged.err.contains("skipped: 199 items before its damage: Unable to read item payload"),
+        damaged.Text());
+}
+
+/// What the log lacks is no wrong usage.
+void tst_zr_sonar_image::nothingToShow()
+{
+    for (SonarLine::Ping& ping : m_line.pings) {
+        ping.sides[1] = false;
+        ping.altitude = 40.0; // above a range of 30
+    }
+    QVERIFY(m_line.Write(m_in));
+    const ToolResult side = Run({S("--side"), S("starboard")});
+    QCOMPARE(side.code, 2);
+    QCOMPARE(QString::fromUtf8(side.err),
+        S("zr: %1: The side-scan lines have no samples on the sides shown\n").arg(m_in));
+    const ToolResult water = Run({S("--slant"), S("--altitude"), S("recorded")});
+    QCOMPARE(water.code, 2);
+    QCOMPARE(QString::fromUtf8(water.err), S("zr: %1: No side-scan line reaches the seabed\n").arg(m_in));
+    QCOMPARE(Names(m_folder.Path()), QStringList{S("line ö.log")});
 }
 
 void tst_zr_sonar_image::noAltitude()

@@ -194,7 +194,7 @@ bool ZrMosaic::PlaceFrame()
     if (!middle.IsValid())
         return Fail(tr("No side-scan line has a known position"));
     m_frame = ZrMosaicFrame::ZoneAt(middle);
-    m_placed = m_far = 0;
+    m_placed = m_far = m_short = 0;
     for (const std::unique_ptr<Line>& line : m_lines) {
         for (const int side : {sidePort, sideStarboard})
             PlaceSide(*line, side);
@@ -206,9 +206,28 @@ bool ZrMosaic::PlaceFrame()
                 .arg(widestZone)
                 .arg(m_frame.zone));
     }
+    if (!HasSamples())
+        return Fail(tr("The side-scan lines have no samples on the sides shown"));
+    if (m_placed == 0 && m_short > 0)
+        return Fail(tr("No side-scan line reaches the seabed, or the far gap leaves nothing of it"));
     if (m_strips == 0)
         return Fail(tr("No two side-scan lines that follow each other have a known place, or all lie apart"));
     return Report(0.0);
+}
+
+/// Whether anything was recorded on the sides that are shown.
+bool ZrMosaic::HasSamples() const
+{
+    const auto shows = [this](const ZrSonarPing& ping) {
+        return (m_settings.port && ping.sides[sidePort].sampleCount > 0)
+            || (m_settings.starboard && ping.sides[sideStarboard].sampleCount > 0);
+    };
+    return std::any_of(m_lines.begin(), m_lines.end(), [&](const std::unique_ptr<Line>& line) {
+        const auto begin = line->log.Pings().begin();
+        return line->first <= line->last
+            && std::any_of(begin + static_cast<std::ptrdiff_t>(line->first),
+                begin + static_cast<std::ptrdiff_t>(line->last) + 1, shows);
+    });
 }
 
 /// Whether the grid of the picture is not meant for a position.
@@ -237,6 +256,8 @@ void ZrMosaic::PlaceSide(Line& line, int side)
             ++m_far;
             continue;
         }
+        if (ping.reach <= 0.0)
+            ++m_short;
         if (!(ping.reach > 0.0) || !(from.pose.gap <= m_settings.maxFixGap)
             || !m_frame.Find(line.track.Locate(i, which, 0.0), column, row)
             || !m_frame.Find(line.track.Locate(i, which, ping.reach), farColumn, farRow))

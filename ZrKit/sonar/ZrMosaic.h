@@ -84,6 +84,7 @@ private:
     bool CheckSettings();
     ZrGeoPoint Middle() const;
     bool PlaceFrame();
+    bool HasSamples() const;
     bool IsFar(ZrGeoPoint at) const;
     void PlaceSide(Line& line, int side);
     bool AreJoined(const Line& line, const ZrMosaicPing& a, const ZrMosaicPing& b, double maxTurn) const;
@@ -105,5 +106,6 @@ private:
     u64 m_seen = 0;
     u64 m_placed = 0; ///< pings on the grid, each side for itself
     u64 m_far = 0; ///< likewise, too far from the grid's middle
+    u64 m_short = 0; ///< likewise, that show no seabed
     int m_percent = -1;
 };

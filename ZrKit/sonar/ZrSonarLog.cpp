@@ -30,6 +30,16 @@ bool IsNav(const ZrLogItem& item)
     return item.type == ZrNavRecord::RecType && item.sub == 0;
 }
 
+/// Metres of slant range that a side-scan sonar can listen to; what lies outside is no measurement, and would
+/// be what the scale of a picture is chosen by.
+constexpr float leastRange = 0.1F;
+constexpr float mostRange = 50000.0F;
+
+bool IsSlantRange(float metres)
+{
+    return metres >= leastRange && metres <= mostRange;
+}
+
 /// Sonars that do not know a value say 0.
 float Known(float value)
 {
@@ -142,7 +152,7 @@ void ZrSonarLog::AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos)
     if (item.format != ZrPingRecord::Format || !std::isfinite(item.time)
         || !ReadStart(scan, item, ZrPingRecord::Size, start)
         || !ZrPingRecord::DecodeFields(zr::bytes_of(start), payloadSize, record)
-        || std::isnan(Known(record.slantRange))) {
+        || !IsSlantRange(record.slantRange)) {
         ++m_skipped;
         return;
     }

@@ -35,8 +35,8 @@ struct ZrLogItem;
 /// by the sub-type of the item.
 ///
 /// A log that is damaged somewhere gives the pings before the damage: `Open` is true, and `Damage` says where
-/// it ends. Items whose first fields are damaged or not usable (no finite time, no slant range above 0), or
-/// that are of an unknown format, are counted in `Skipped`; damaged samples show in `ReadSamples`.
+/// it ends. Items whose first fields are damaged or not usable (no finite time, no slant range from 0.1 m to
+/// 50 km), or that are of an unknown format, are counted in `Skipped`; damaged samples show in `ReadSamples`.
 ///
 /// One thread at a time; `cancel` may be set from any thread or a signal handler.
 class ZR_KIT_EXPORT ZrSonarLog

@@ -20,7 +20,7 @@ double Swath(const ZrSonarPing& ping)
 {
     double width = 0.0;
     for (const ZrSonarChannel& side : ping.sides) {
-        if (!side.IsThere())
+        if (!side.IsThere() || side.sampleCount == 0)
             continue;
         const double altitude = ping.pose.altitude;
         width += std::isfinite(altitude) ? ZrSlantRange::Ground(side.slantRange, altitude) : side.slantRange;

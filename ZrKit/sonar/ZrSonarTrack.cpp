@@ -19,6 +19,8 @@ constexpr double longestWindow = 4e6;
 constexpr double timeStep = 1e-6;
 /// Metres beyond which a projected place is none: a quarter of the way round the earth.
 constexpr double farthest = 1e7;
+/// Degrees of latitude up to which a local frame is of use: nearer to a pole the projection leads astray.
+constexpr double nearestPole = 89.0;
 /// The share of the positions at either end that may be wild.
 constexpr double wildShare = 0.05;
 
@@ -171,7 +173,8 @@ ZrSonarTrack::ZrSonarTrack(const std::vector<ZrSonarPing>& pings, const ZrSonarT
     m_known.reserve(pings.size());
     for (std::size_t i = 0; i < pings.size(); ++i) {
         const ZrGeoPoint at = pings[i].pose.position;
-        const ZrLocalPoint point = at.IsValid() ? m_frame.ToLocal(at) : ZrLocalPoint{unknown, unknown};
+        const bool isOnFrame = at.IsValid() && std::fabs(at.lat) <= nearestPole;
+        const ZrLocalPoint point = isOnFrame ? m_frame.ToLocal(at) : ZrLocalPoint{unknown, unknown};
         // Far from the frame the projection gives numbers without meaning, which would spoil sums.
         const bool isMeant = std::hypot(point.x, point.y) <= farthest;
         m_points.push_back(isMeant ? point : ZrLocalPoint{unknown, unknown});

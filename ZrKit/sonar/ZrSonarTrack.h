@@ -19,8 +19,8 @@
 /// \endcode
 ///
 /// Metres are those of a `ZrLocalFrame` around the middle of the track (`Frame`; a few wild positions do not
-/// move it), so a track may be some tens of kilometres long. Pings without a known position are left out of
-/// distances; what hangs on their position, courses too, is NaN.
+/// move it), so a track may be some tens of kilometres long. Pings without a known position, and those beyond
+/// 89 degrees of latitude, are left out of distances; what hangs on their position, courses too, is NaN.
 ///
 /// Averages, courses and speeds go over pings that are near in time. Times that are set back by more than a
 /// second begin anew: nothing is averaged across. Making a track takes time in proportion to the pings,

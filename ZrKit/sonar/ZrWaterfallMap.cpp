@@ -69,6 +69,12 @@ bool ZrWaterfallMap::Fail(const QString& reason)
     return false;
 }
 
+bool ZrWaterfallMap::FailTooLarge(const QString& reason)
+{
+    m_tooLarge = true;
+    return Fail(reason);
+}
+
 bool ZrWaterfallMap::IsShown(eSonarSide side) const
 {
     return m_settings.sides == ZrWaterfallSettings::bothSides
@@ -179,16 +185,17 @@ bool ZrWaterfallMap::LayAcross()
         columns = std::max(1.0, std::round(range / m_metres));
     }
     if (!(columns <= MostColumns) || m_settings.width > MostColumns) {
-        return Fail(QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
-                        .arg(MostColumns));
+        return FailTooLarge(
+            QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
+                .arg(MostColumns));
     }
     m_right = IsShown(sideStarboard) ? static_cast<int>(columns) : 0;
     m_left = IsShown(sidePort) ? static_cast<int>(columns) : 0;
     if (both && m_settings.width > 0)
         m_left = m_settings.width - m_right;
     return Width() <= MostColumns
-        || Fail(QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
-                    .arg(MostColumns));
+        || FailTooLarge(QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
+                            .arg(MostColumns));
 }
 
 void ZrWaterfallMap::LayRows()
@@ -197,15 +204,15 @@ void ZrWaterfallMap::LayRows()
         m_rowLength = m_metresPerRow = m_metres;
     const double rows = std::max(1.0, std::round(LengthAlong() / m_rowLength));
     if (!(rows <= MostRows) || rows * Width() > mostPixels) {
-        Fail(QStringLiteral(
+        FailTooLarge(QStringLiteral(
             "The image would be %1 x %2 pixels, and at most %3 x %4, %5 in all, can be drawn: choose %6")
-                 .arg(Width())
-                 .arg(rows, 0, 'f', 0)
-                 .arg(MostColumns)
-                 .arg(MostRows)
-                 .arg(mostPixels, 0, 'f', 0)
-                 .arg(m_speedCorrected ? QStringLiteral("a coarser resolution or fewer pings")
-                                       : QStringLiteral("fewer pings")));
+                         .arg(Width())
+                         .arg(rows, 0, 'f', 0)
+                         .arg(MostColumns)
+                         .arg(MostRows)
+                         .arg(mostPixels, 0, 'f', 0)
+                         .arg(m_speedCorrected ? QStringLiteral("a coarser resolution or fewer pings")
+                                               : QStringLiteral("fewer pings")));
         return;
     }
     m_height = static_cast<int>(rows);

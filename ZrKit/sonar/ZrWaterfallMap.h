@@ -48,6 +48,9 @@ public:
 
     QString Error() const { return m_error; } ///< why there is no image, a sentence; else empty
 
+    /// Whether there is none because it would have too many pixels: a coarser resolution would help.
+    bool IsTooLarge() const { return m_tooLarge; }
+
     const ZrWaterfallSettings& Settings() const { return m_settings; }
 
     int Width() const { return m_left + m_right; } ///< pixels; 0 with an error
@@ -114,6 +117,7 @@ private:
     void LayRows();
     bool LayAcross();
     bool Fail(const QString& reason);
+    bool FailTooLarge(const QString& reason);
 
     double LengthAlong() const { return m_pings.back().along + m_reach; }
 
@@ -124,6 +128,7 @@ private:
 
     ZrWaterfallSettings m_settings;
     QString m_error;
+    bool m_tooLarge = false;
     std::size_t m_first = 0;
     std::vector<Ping> m_pings;
     bool m_speedCorrected = false;

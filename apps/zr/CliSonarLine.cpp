@@ -7,6 +7,7 @@
 #include "CliNumber.h"
 #include "CliProgress.h"
 #include "CliSignals.h"
+#include "CliText.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrBottomTracker.h"
 
@@ -50,12 +51,19 @@ int CliSonarLine::Load(const QString& path)
         return cli::interrupt_code();
     if (!opened)
         return cli::fail(exBadInput, path + QStringLiteral(": ") + log.Error());
-    if (log.Pings().empty()) {
-        if (const int code = EndCode())
-            return code;
-        return cli::fail(exBadInput, path + QStringLiteral(": The log holds no side-scan pings"));
+    return log.Pings().empty() ? FailWithoutPings() : int(exDone);
+}
+
+int CliSonarLine::FailWithoutPings() const
+{
+    QString reason = QStringLiteral("The log holds no side-scan pings");
+    if (log.Skipped() > 0) {
+        reason += QStringLiteral(" that can be used; skipped: ")
+            + cli::count_text(log.Skipped(), "item", "items");
     }
-    return exDone;
+    if (!log.Damage().isEmpty())
+        reason += QStringLiteral(" before its damage: ") + log.Damage();
+    return cli::fail(exBadInput, log.Path() + QStringLiteral(": ") + reason);
 }
 
 /// The altitudes of the seabed's first echo, those in \p altitudes where there is none.

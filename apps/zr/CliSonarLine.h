@@ -47,6 +47,7 @@ struct CliSonarLine
     int CheckLine(std::size_t number) const;
 
 private:
+    int FailWithoutPings() const;
     int TrackBottom(std::vector<double>& altitudes);
 };
 

@@ -28,6 +28,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
 
 namespace {
 
@@ -194,6 +196,9 @@ int Check(const Options& options)
     return exDone;
 }
 
+/// Times that fall by no more than this are out of order, not set back, seconds.
+constexpr double disorder = 1.0;
+
 /// The pings between two times, ends included, as far as they lie together in the log.
 struct Range
 {
@@ -219,9 +224,13 @@ struct Range
                 QStringLiteral("There are no pings between these times; the log has some from %1 to %2")
                     .arg(cli::time_text(pings.front().time), cli::time_text(pings.back().time)));
         }
-        const auto end = std::find_if_not(begin, pings.end(), wanted);
+        // Pings of several sonars are not in order to the second: the last one wanted may lie behind others.
+        const auto end = std::find_if(begin, pings.end(), [&](const ZrSonarPing& ping) {
+            return ping.time < from - disorder || ping.time > to + disorder;
+        });
+        const auto latest = std::find_if(std::make_reverse_iterator(end), pings.rend(), wanted);
         first = static_cast<std::size_t>(begin - pings.begin());
-        last = static_cast<std::size_t>(end - pings.begin()) - 1;
+        last = static_cast<std::size_t>(latest.base() - pings.begin()) - 1;
         return exDone;
     }
 };
@@ -349,8 +358,10 @@ int Draw(const Options& options, CliSonarLine& line, const Range& range, CliTarg
     const ZrSonarTrack track(log.Pings(), smooth);
     const ZrWaterfallSettings settings = SettingsOf(options);
     const ZrWaterfallMap map(log.Pings(), track, line.bottom, settings, range.first, range.last);
-    if (!map.Error().isEmpty())
+    if (map.IsTooLarge())
         return cli::fail(exUsage, map.Error());
+    if (!map.Error().isEmpty())
+        return cli::fail(exBadInput, log.Path() + QStringLiteral(": ") + map.Error());
     if (settings.slantCorrected && !map.IsSlantCorrected())
         return cli::fail(
             exBadInput, QStringLiteral("%1: No altitude is known, which --slant needs").arg(log.Path()));

@@ -4,12 +4,10 @@
 
 #include "CliExit.h"
 #include "CliHelp.h"
-#include "CliInput.h"
-#include "CliMessages.h"
 #include "CliOutput.h"
-#include "CliProgress.h"
 #include "CliRoute.h"
 #include "CliSignals.h"
+#include "CliSonarLine.h"
 #include "CliTable.h"
 #include "CliText.h"
 #include "ZrKit/sonar/ZrSonarLog.h"
@@ -253,39 +251,12 @@ void PrintText(const ZrSonarLog& log, const ZrSonarSummary& summary)
     PrintSides(summary);
 }
 
-/// Complains about a log without pings; returns the exit code.
-int FailWithoutPings(const ZrSonarLog& log)
-{
-    QString reason = QStringLiteral("The log holds no side-scan pings");
-    if (log.Skipped() > 0) {
-        reason += QStringLiteral(" that can be used; skipped: ")
-            + cli::count_text(log.Skipped(), "item", "items");
-    }
-    if (!log.Damage().isEmpty())
-        reason += QStringLiteral(" before its damage: ") + log.Damage();
-    return cli::fail(exBadInput, log.Path() + QStringLiteral(": ") + reason);
-}
-
 int Run(const Options& options)
 {
-    const QString path = QString::fromStdString(options.log);
-    if (const int code = cli::check_input(path))
+    CliSonarLine line;
+    if (const int code = line.Load(QString::fromStdString(options.log)))
         return code;
-    ZrSonarLog log;
-    bool opened = false;
-    {
-        CliProgress progress(QStringLiteral("Reading"));
-        log.progress = &progress;
-        const cli::CancelOnInterrupt stop(log.cancel);
-        opened = log.Open(path);
-        log.progress = nullptr;
-    }
-    if (!opened && log.cancel)
-        return cli::interrupt_code();
-    if (!opened)
-        return cli::fail(exBadInput, path + QStringLiteral(": ") + log.Error());
-    if (log.Pings().empty())
-        return FailWithoutPings(log);
+    const ZrSonarLog& log = line.log;
     const auto summarise = [&log] {
         const cli::EndOnInterrupt stop;
         return ZrSonarSummary(log.Pings(), ZrSonarTrack(log.Pings(), {}));
@@ -295,8 +266,7 @@ int Run(const Options& options)
         PrintJson(log, summary);
     else
         PrintText(log, summary);
-    return log.Damage().isEmpty() ? int(exDone)
-                                  : cli::fail(exBadInput, path + QStringLiteral(": ") + log.Damage());
+    return line.EndCode();
 }
 
 } // namespace
