@@ -172,7 +172,7 @@ void PrintText(const ZrMosaic& mosaic, const QString& path)
     cli::print_field("Picture",
         QStringLiteral("%1 x %2 pixels of %3 m").arg(frame.width).arg(frame.height).arg(frame.resolution));
     cli::print_field("Seen",
-        QStringLiteral("%1 m2, %2 % of the picture")
+        QStringLiteral("%1 m², %2 % of the picture")
             .arg(static_cast<double>(mosaic.PixelsSeen()) * frame.resolution * frame.resolution, 0, 'f', 1)
             .arg(100.0 * static_cast<double>(mosaic.PixelsSeen()) / frame.width / frame.height, 0, 'f', 1));
     cli::print_field("Grid",
