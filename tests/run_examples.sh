@@ -61,3 +61,10 @@ status=0
 "$bin/ex_survey_pattern" 40 25 48.480 -68.515 48.480 -68.510 48.480 -68.512 2>"$dir/out" || status=$?
 [ "$status" -eq 2 ] || { echo "no area gave exit code $status"; exit 1; }
 grep -qx 'The corners of the area lie on one line.' "$dir/out"
+# The widget gallery tells its options without a display; its pictures are tested elsewhere.
+env -u DISPLAY QT_QPA_PLATFORM=offscreen "$bin/widget_gallery" --help >"$dir/out"
+grep -q -- '--screenshots <DIR>' "$dir/out"
+status=0
+env -u DISPLAY "$bin/widget_gallery" --screenshots "$dir/none" 2>"$dir/out" || status=$?
+[ "$status" -eq 3 ] || { echo "a folder that is not there gave exit code $status"; exit 1; }
+grep -qx "Cannot write $dir/none/gallery-minus2-metric.png" "$dir/out"

@@ -1,0 +1,38 @@
+#!/usr/bin/env python3
+"""Renders images/*.svg of this folder to PNG at the size that each SVG names, with rsvg-convert (librsvg2-bin).
+
+  render_images.py            beside the SVG files: run it after changing one, and commit both
+  render_images.py --out DIR  into DIR
+
+Icons are drawn on a grid of 24 units with lines of 2 units, white on nothing: the program colours them. They are
+rendered at 4 pixels a unit, about twice the size of the largest use on a screen at scale 1, so that they
+are only ever scaled down. Wide images are rendered at the size they are made for, or twice that.
+"""
+
+import argparse
+import pathlib
+import subprocess
+import sys
+
+IMAGES = pathlib.Path(__file__).resolve().parent / "images"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--out", type=pathlib.Path, default=IMAGES, metavar="DIR")
+    out = parser.parse_args().out
+    sources = sorted(IMAGES.glob("*.svg"))
+    if not sources:
+        sys.exit(f"no SVG files in {IMAGES}")
+    for source in sources:
+        target = out / (source.stem + ".png")
+        try:
+            subprocess.run(["rsvg-convert", "--output", str(target), str(source)], check=True)
+        except FileNotFoundError:
+            sys.exit("rsvg-convert is missing: install the package librsvg2-bin")
+        except subprocess.CalledProcessError as error:
+            sys.exit(f"{source} cannot be rendered to {target} (exit code {error.returncode})")
+
+
+if __name__ == "__main__":
+    main()
