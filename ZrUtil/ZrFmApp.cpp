@@ -1,0 +1,237 @@
+#include "ZrUtil/ZrFmApp.h"
+
+#include "ZrUtil/ZrAppView.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrCheck.h"
+#include "ZrUtil/ZrInput.h"
+#include "ZrUtil/ZrRadio.h"
+#include "ZrUtil/ZrSetModule.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+
+#include <QCoreApplication>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QResizeEvent>
+
+#include <algorithm>
+
+namespace {
+
+/// Geographic styles in the order of their list.
+constexpr eGeoStyle styles[] = {eGeoStyle(7), eGeoStyle(5), eGeoStyle(4), eGeoStyle(8)};
+
+/// Every open control and the view follow a change of units or style.
+void ShowUnits()
+{
+    ZrInput::RecalcAllInputs();
+    if (ZrAppView::s_pApp)
+        ZrAppView::get().Update();
+}
+
+void SetSel(ZrRadio& radio, int sel)
+{
+    // Setting it again from a paint event would paint for ever.
+    if (radio.sel != sel)
+        radio.SetSel(sel);
+}
+
+} // namespace
+
+ZrFmApp::ZrFmApp(QWidget* parent)
+    : ZrForm(parent)
+    , m_units(new ZrRadio(this))
+    , m_style(new ZrRadio(this))
+    , m_tablet(new ZrCheck(this))
+{
+    m_name = tr("Application Settings");
+    m_icon = QImage(QStringLiteral(":/settings_application.png"));
+
+    m_scaleBtns[0] = AddScaleBtn(QStringLiteral("+2"), tr("Largest controls"), 2);
+    m_scaleBtns[1] = AddScaleBtn(QStringLiteral("+1"), tr("Large controls"), 1);
+    m_scaleBtns[2] = AddScaleBtn(tr("Default"), tr("Standard controls"), 0);
+    m_scaleBtns[3] = AddScaleBtn(QStringLiteral("-1"), tr("Small controls"), -1);
+    m_scaleBtns[4] = AddScaleBtn(QStringLiteral("-2"), tr("Smallest controls"), -2);
+
+    m_units->items = QStringList({tr("Metric"), tr("Imperial")});
+    m_units->setAccessibleName(tr("Units of Measurement"));
+    connect(m_units, &ZrRadio::SelChanged, this, &ZrFmApp::OnUom);
+    m_style->items = QStringList({QStringLiteral("00 00' 00.00\""), QStringLiteral("00 00.000'"),
+        QStringLiteral("00.000"), QStringLiteral("UTM")});
+    m_style->setAccessibleName(tr("Coordinate System"));
+    connect(m_style, &ZrRadio::SelChanged, this, &ZrFmApp::OnCs);
+    m_tablet->text = tr("Tablet Mode");
+    m_tablet->get = [] { return ZrTheme::tabletMode; };
+    m_tablet->set = [](bool on) { ZrTheme::tabletMode = on; };
+    ShowScale();
+    ShowChoices();
+}
+
+ZrBtn* ZrFmApp::AddScaleBtn(const QString& text, const QString& name, int scale)
+{
+    auto* btn = new ZrBtn(this, ZrBtn::typeStd);
+    btn->text = text;
+    btn->setAccessibleName(name);
+    btn->setToolTip(name);
+    connect(btn, &ZrBtn::Clicked, this, [this, scale] { ApplyScale(scale); });
+    return btn;
+}
+
+void ZrFmApp::OnUom(int index)
+{
+    if (index == 0)
+        ZrUnits::SetToMetric();
+    else if (index == 1)
+        ZrUnits::SetToImperial();
+    ShowUnits();
+}
+
+void ZrFmApp::OnCs(int index)
+{
+    if (index < 0 || index >= static_cast<int>(std::size(styles)))
+        return;
+    ZrUnits::SetGeoStyle(styles[index]);
+    ShowUnits();
+}
+
+void ZrFmApp::OnSmallest()
+{
+    SetScale(1024, 640, 2);
+}
+
+void ZrFmApp::OnSmall()
+{
+    SetScale(1280, 800, 1);
+}
+
+void ZrFmApp::OnDefault()
+{
+    SetScale(1440, 900, 0);
+}
+
+void ZrFmApp::OnLarge()
+{
+    SetScale(1680, 1050, -1);
+}
+
+void ZrFmApp::OnLargest()
+{
+    SetScale(1920, 1200, -2);
+}
+
+void ZrFmApp::ApplyScale(int scale)
+{
+    switch (scale) {
+    case 2:
+        OnSmallest();
+        break;
+    case 1:
+        OnSmall();
+        break;
+    case 0:
+        OnDefault();
+        break;
+    case -1:
+        OnLarge();
+        break;
+    case -2:
+        OnLargest();
+        break;
+    default:
+        break;
+    }
+}
+
+void ZrFmApp::SetScale(int width, int height, int scale)
+{
+    ZrTheme::designWidth = width;
+    ZrTheme::designHeight = height;
+    m_scale = scale;
+    ShowScale();
+    ZrAppView* view = ZrAppView::s_pApp;
+    if (!view)
+        return;
+    // A change of size makes the view compute theme and layout anew.
+    const QSize size = view->size();
+    if (!view->isFullScreen() && !view->isMaximized()) {
+        view->resize(size / 2);
+        const bool wasResized = view->size() != size;
+        view->resize(size);
+        if (wasResized)
+            return;
+    }
+    // A window whose size is not ours to change is told that it changed.
+    QResizeEvent event(size, size / 2);
+    QCoreApplication::sendEvent(view, &event);
+}
+
+void ZrFmApp::ShowScale()
+{
+    for (int i = 0; i < 5; ++i)
+        Check(*m_scaleBtns[i], m_scale == 2 - i);
+}
+
+/// The lists show what is in force, whoever set it.
+void ZrFmApp::ShowChoices()
+{
+    SetSel(*m_units, ZrUnits::GetShortLengthUnits() == QLatin1String("ft") ? 1 : 0);
+    const auto* style = std::find(std::begin(styles), std::end(styles), ZrUnits::GetGeoStyle());
+    SetSel(*m_style, style == std::end(styles) ? -1 : static_cast<int>(style - std::begin(styles)));
+}
+
+void ZrFmApp::settings(zr::ZrSetModule& module)
+{
+    module.item(QStringLiteral("ScaleValue"), m_scale);
+    if (module.is_loading())
+        ApplyScale(m_scale);
+}
+
+void ZrFmApp::paintEvent(QPaintEvent* /*event*/)
+{
+    ShowChoices();
+    QPainter p(this);
+    const int radio = ZrTheme::DpI(50);
+    int y = 0;
+    TextCtrl(p, tr("Units of Measurement"),
+        tr("Setting for units of measurement such as length, temperature and distance"), y,
+        std::max(0, m_units->height() - radio));
+    TextCtrl(p, tr("Coordinate System"),
+        tr("Setting for desired coordinate system format for WGS84 latitude and longitude"), y,
+        std::max(0, m_style->height() - radio));
+    TextCtrl(p, tr("Display Scaling"),
+        tr("Choose the display scale to have the text and controls the preferred size for your deployment."),
+        y, m_scaleBtns[0]->height() + ZrTheme::DpI(12));
+    TextCtrl(
+        p, tr("Tablet Mode"), tr("In Tablet Mode edit controls always bring up an onscreen keyboard."), y, 0);
+}
+
+void ZrFmApp::resizeEvent(QResizeEvent* /*event*/)
+{
+    // The theme may have another scale since the controls were made.
+    for (ZrRadio* radio : {m_units, m_style})
+        radio->itemHeight = std::max(QFontMetrics(ZrTheme::font).height() * 3 / 2, ZrTheme::DpI(40));
+    const int column = ZrTheme::DpI(180);
+    const int left = width() - column;
+    const int text = ZrTheme::DpI(28) + ZrTheme::DpI(8) + ZrTheme::DpI(4) + ZrTheme::DpI(50);
+    const int help = ZrTheme::DpI(50);
+    const int gap = ZrTheme::DpI(8);
+
+    int y = 0;
+    const int unitsHigh = m_units->sizeHint().height();
+    m_units->setGeometry(left, y + gap, column, unitsHigh);
+    y += text + std::max(0, unitsHigh - help);
+    const int styleHigh = m_style->sizeHint().height();
+    m_style->setGeometry(left, y + gap, column, styleHigh);
+    y += text + std::max(0, styleHigh - help);
+
+    const int btnHigh = std::max(44, ZrTheme::DpI(56));
+    const int step = (width() + gap) / 5;
+    for (int i = 0; i < 5; ++i) {
+        m_scaleBtns[i]->font = ZrTheme::ctrlFont;
+        m_scaleBtns[i]->setGeometry(i * step, y + text - gap, step - gap, btnHigh);
+        m_scaleBtns[i]->Changed();
+    }
+    y += text + btnHigh + ZrTheme::DpI(12);
+    const int tabletHigh = std::max(44, ZrTheme::DpI(52));
+    m_tablet->setGeometry(left, y + (text - tabletHigh) / 2, column, tabletHigh);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ZrUtil/ZrExport.h"
+#include "ZrUtil/ZrForm.h"
+
+class ZrBtn;
+class ZrCheck;
+class ZrRadio;
+
+/// The settings form that every application has: units, style of positions, display scale, tablet mode.
+///
+/// Changes take effect at once, in every input control and in the view. GUI thread only.
+class ZR_UTIL_EXPORT ZrFmApp : public ZrForm
+{
+    Q_OBJECT
+
+public:
+    int m_scale = 0; ///< display scale: 2 largest controls ... −2 smallest
+
+    explicit ZrFmApp(QWidget* parent);
+
+    void settings(zr::ZrSetModule& module) override; ///< "ScaleValue"; loading it applies it
+
+public Q_SLOTS:
+    void OnUom(int index); ///< 0 metric, 1 imperial
+    void OnCs(int index); ///< 0 degrees, minutes, seconds; 1 and minutes; 2 decimal degrees; 3 UTM
+    void OnSmallest(); ///< the smallest design size, with the largest controls: 1024 × 640
+    void OnSmall(); ///< 1280 × 800
+    void OnDefault(); ///< 1440 × 900
+    void OnLarge(); ///< 1680 × 1050
+    void OnLargest(); ///< 1920 × 1200
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    ZrBtn* AddScaleBtn(const QString& text, const QString& name, int scale);
+    void SetScale(int width, int height, int scale);
+    void ApplyScale(int scale);
+    void ShowScale();
+    void ShowChoices();
+
+    ZrBtn* m_scaleBtns[5]; ///< from +2 to −2
+    ZrRadio* m_units;
+    ZrRadio* m_style;
+    ZrCheck* m_tablet;
+};

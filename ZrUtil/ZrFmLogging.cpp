@@ -1,0 +1,152 @@
+#include "ZrUtil/ZrFmLogging.h"
+
+#include "ZrDebugLog/ZrDebugLog.h"
+#include "ZrUtil/ZrSetModule.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ui_ZrFmLogging.h"
+
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSignalBlocker>
+#include <QUrl>
+
+namespace {
+
+/// Binds a variable of the debug log, which other threads read, to a key.
+template <class T> void Bind(zr::ZrSetModule& module, const QString& key, int& variable)
+{
+    T value = static_cast<T>(zr_debug_log_read_switch(&variable));
+    module.item(key, value);
+    if (module.is_loading())
+        zr_debug_log_write_switch(&variable, static_cast<int>(value));
+}
+
+QString CurrentFile()
+{
+    char path[ZR_DEBUG_LOG_PATH_SIZE] = {};
+    zr_debug_log_get_cur_path(path);
+    return QFile::decodeName(path);
+}
+
+QString LevelName(int level)
+{
+    return QString::fromUtf8(zr_debug_log_level_to_string(level));
+}
+
+} // namespace
+
+ZrFmLogging::ZrFmLogging(QWidget* parent)
+    : ZrForm(parent)
+    , m_ui(std::make_unique<Ui::ZrFmLogging>())
+{
+    m_ui->setupUi(this);
+    m_name = tr("Logging Settings");
+    m_icon = QImage(QStringLiteral(":/settings_logging.png"));
+    setStyleSheet(ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css")));
+    ConnectControls();
+    update_bindings();
+}
+
+ZrFmLogging::~ZrFmLogging() = default;
+
+void ZrFmLogging::ConnectControls()
+{
+    connect(m_ui->toFile, &QCheckBox::toggled, this,
+        [](bool on) { zr_debug_log_write_switch(&zr_debug_log_to_file, on); });
+    connect(m_ui->toDbg, &QCheckBox::toggled, this,
+        [](bool on) { zr_debug_log_write_switch(&zr_debug_log_to_dbg, on); });
+    connect(m_ui->level, &QSlider::valueChanged, this, [this](int level) {
+        zr_debug_log_write_switch(&zr_debug_log_level, level);
+        update_bindings();
+    });
+    connect(m_ui->flush, &QSlider::valueChanged, this, [this](int level) {
+        zr_debug_log_write_switch(&zr_debug_log_flush_level, level);
+        update_bindings();
+    });
+    connect(m_ui->logFileBtn, &QAbstractButton::pressed, this, &ZrFmLogging::change_log_path);
+    connect(m_ui->openLogPath, &QAbstractButton::pressed, this, &ZrFmLogging::browse_log_path);
+}
+
+void ZrFmLogging::settings(zr::ZrSetModule& module)
+{
+    Bind<int>(module, QStringLiteral("level"), zr_debug_log_level);
+    Bind<bool>(module, QStringLiteral("terminate on critical"), zr_debug_terminate_on_critical);
+    Bind<bool>(module, QStringLiteral("log to file"), zr_debug_log_to_file);
+    Bind<bool>(module, QStringLiteral("log to debug"), zr_debug_log_to_dbg);
+    Bind<int>(module, QStringLiteral("flush if above"), zr_debug_log_flush_level);
+    update_bindings();
+}
+
+void ZrFmLogging::update_bindings()
+{
+    // A control clamps what it is shown and would write that back.
+    const QSignalBlocker blocked[] = {QSignalBlocker(m_ui->toFile), QSignalBlocker(m_ui->toDbg),
+        QSignalBlocker(m_ui->level), QSignalBlocker(m_ui->flush)};
+    const int level = zr_debug_log_read_switch(&zr_debug_log_level);
+    const int flush = zr_debug_log_read_switch(&zr_debug_log_flush_level);
+    m_ui->levelLbl->setText(LevelName(level));
+    m_ui->flushLbl->setText(LevelName(flush));
+    m_ui->logFilePath->setText(cur_log_path());
+    m_ui->level->setValue(level);
+    m_ui->flush->setValue(flush);
+    m_ui->toFile->setChecked(zr_debug_log_read_switch(&zr_debug_log_to_file) != 0);
+    m_ui->toDbg->setChecked(zr_debug_log_read_switch(&zr_debug_log_to_dbg) != 0);
+}
+
+QString ZrFmLogging::cur_log_path()
+{
+    char path[ZR_DEBUG_LOG_PATH_SIZE] = {};
+    zr_debug_log_get_base_path(path);
+    return QFile::decodeName(path);
+}
+
+void ZrFmLogging::OnFormDisplay()
+{
+    update_bindings();
+}
+
+void ZrFmLogging::change_log_path()
+{
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Select base debug log file path"), cur_log_path(), tr("All Files (*.*)"));
+    m_ui->logFileBtn->setDown(false);
+    if (path.isEmpty())
+        return;
+    zr_debug_log_set_base_path(QFile::encodeName(path).constData());
+    update_bindings();
+}
+
+void ZrFmLogging::browse_log_path()
+{
+    const QString path = CurrentFile();
+#ifdef Q_OS_WIN
+    QProcess::startDetached(QStringLiteral("explorer.exe /select,\"") + path + QLatin1Char('"'));
+#else
+    if (path.isEmpty())
+        return;
+    // The desktop's file manager selects the file; without one, the folder is opened. No shell sees the path.
+    const QString url = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded);
+    const bool isAsked = QProcess::execute(QStringLiteral("dbus-send"),
+                             {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                                 QStringLiteral("--reply-timeout=2000"),
+                                 QStringLiteral("--dest=org.freedesktop.FileManager1"),
+                                 QStringLiteral("/org/freedesktop/FileManager1"),
+                                 QStringLiteral("org.freedesktop.FileManager1.ShowItems"),
+                                 QStringLiteral("array:string:") + url, QStringLiteral("string:")})
+        == 0;
+    if (!isAsked)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+#endif
+}
+
+void ZrFmLogging::resizeEvent(QResizeEvent* event)
+{
+    // Sizes in the style sheet follow the scale.
+    const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css"));
+    if (styleSheet() != sheet)
+        setStyleSheet(sheet);
+    ZrForm::resizeEvent(event);
+}

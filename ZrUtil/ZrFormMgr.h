@@ -1,0 +1,85 @@
+#pragma once
+
+#include "ZrUtil/IPersistable.h"
+#include "ZrUtil/ZrDragWidget.h"
+#include "ZrUtil/ZrExport.h"
+
+#include <QFont>
+#include <QImage>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class QPainter;
+class ZrAppView;
+class ZrBtn;
+class ZrForm;
+
+/// The panel with the settings forms: a column of tabs, one form shown at a time, dragged by the band beside
+/// the tabs.
+///
+/// The forms added belong to it. GUI thread only.
+class ZR_UTIL_EXPORT ZrFormMgr : public ZrDragWidget, public zr::IPersistable
+{
+    Q_OBJECT
+
+public:
+    /// Where the tabs are. They are drawn on the left only.
+    enum eLayout : int
+    {
+        tabsLeft = 0,
+        tabsTop = 1,
+        tabsRight = 2,
+        tabsBottom = 3
+    };
+
+    ZrAppView* m_view; ///< the parent, when it is one
+    int m_layout = tabsLeft;
+    QList<ZrForm*> m_forms; ///< in the order added
+    ZrForm* m_form = nullptr; ///< the form that is shown
+    int m_tabWidth = 0; ///< real pixels
+    int m_tabHeight = 0;
+
+    explicit ZrFormMgr(QWidget* parent);
+    ~ZrFormMgr() override;
+
+    /// Takes a form over; the first one with a tab is shown.
+    void AddNewForm(ZrForm* form);
+
+    /// Shows the form called \p name and hides all others; null, and all are hidden, when there is none.
+    ZrForm* SetToForm(QString name);
+
+    /// Index of the form shown among those with tabs, of its parent for a tiered one; -1 for none.
+    int CurrentPosition();
+
+    int NonTieredCount(); ///< number of forms with tabs
+
+    void BuildImg(); ///< draws the tabs into their image
+
+    /// "forms" of the settings: one object for each form, by its name.
+    void settings(zr::ZrSetModule& module) override;
+
+public Q_SLOTS:
+    void OnClose(); ///< hides the panel
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void DrawLeft(QPainter& painter);
+    void DrawTop(QPainter& painter);
+    void DrawRight(QPainter& painter);
+    void DrawBottom(QPainter& painter);
+    void DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent);
+    QRect FormArea() const;
+
+    ZrBtn* m_close;
+    std::unique_ptr<QImage> m_tabs;
+    QImage m_closeImg;
+    QFont m_tabFont;
+    QImage m_tabImg;
+};
