@@ -3,8 +3,8 @@
 #include "ZrUtil/ZrExport.h"
 #include "ZrUtil/ZrGlSurface.h"
 
-/// Paints what lies behind the pages: hexagons, a fade over them, and light from the foot. It works in pixels,
-/// y down. GUI thread only.
+/// Paints what lies behind the pages: hexagons, a fade over them, and light from the foot. It works in
+/// pixels, y down. GUI thread only.
 class ZR_UTIL_EXPORT ZrAppBack : public ZrGlSurface
 {
     Q_OBJECT
