@@ -13,6 +13,15 @@ namespace {
 constexpr float iconSide = 36.0F; ///< design pixels
 constexpr float margin = 10.0F; ///< around the content, design pixels
 constexpr float between = 10.0F; ///< icon and text, design pixels
+constexpr float above = 4.0F; ///< how far a tool's content stands above the middle, design pixels
+constexpr int leastBadgeText = 11; ///< pixels: what can be read
+
+QFont BadgeFont()
+{
+    QFont font(ZrTheme::fontSmall);
+    font.setPixelSize(std::max(font.pixelSize(), leastBadgeText));
+    return font;
+}
 
 } // namespace
 
@@ -62,9 +71,11 @@ void ZrBtn::PlaceContent()
     const QFontMetricsF metrics(font);
     const double gap = ZrCtrlLook::Dp(between);
     if (type == typeTool) {
+        // Letters that reach below the line stay off the bar of a tool that is on.
+        const double up = ZrCtrlLook::Dp(above);
         const double textHeight = metrics.lineSpacing() * std::max(lines, 1);
         const double high = std::max(0.0, std::min(side, inside.height() - textHeight));
-        const double top = inside.center().y() - (high + textHeight) / 2;
+        const double top = std::max(0.0, inside.center().y() - up - (high + textHeight) / 2);
         imgRect = QRectF(inside.center().x() - high / 2, top, high, high);
         textRect = QRectF(inside.left(), imgRect.bottom(), inside.width(), textHeight);
         return;
@@ -157,7 +168,8 @@ void ZrBtn::PaintContent(QPainter& painter, const ZrCtrlLook& look)
 void ZrBtn::PaintBadge(QPainter& painter)
 {
     const QString number = badge > 99 ? QStringLiteral("99+") : QString::number(badge);
-    const QFontMetricsF metrics(ZrTheme::fontSmall);
+    const QFont small = BadgeFont();
+    const QFontMetricsF metrics(small);
     const double high = metrics.height() + ZrCtrlLook::Dp(4.0F);
     const double wide = std::max(high, metrics.horizontalAdvance(number) + ZrCtrlLook::Dp(12.0F));
     const double edge = ZrCtrlLook::Dp(6.0F);
@@ -170,7 +182,7 @@ void ZrBtn::PaintBadge(QPainter& painter)
     painter.setPen(QPen(behind, ZrCtrlLook::WholeLine(painter, ZrCtrlLook::Dp(2.0F))));
     painter.setBrush(isEnabled() ? ZrTheme::ctrlCol : ZrTheme::bodyCol);
     painter.drawRoundedRect(disc, disc.height() / 2, disc.height() / 2);
-    painter.setFont(ZrTheme::fontSmall);
+    painter.setFont(small);
     painter.setPen(behind);
     ZrCtrlLook::PaintText(painter, disc, number, Qt::AlignHCenter);
 }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr float swatchSide = 36.0F; ///< beside a text, design pixels
 constexpr float between = 10.0F; ///< swatch and text, design pixels
+constexpr double dimmed = 0.4; ///< share of the colour that is seen while the button is disabled
 
 /// What shows through a colour that is not opaque.
 void PaintChequer(QPainter& painter, const QRectF& area, const QPainterPath& shape)
@@ -25,7 +26,7 @@ void PaintChequer(QPainter& painter, const QRectF& area, const QPainterPath& sha
     int row = 0;
     for (double y = area.top(); y < area.bottom(); y += side, ++row) {
         for (double x = area.left() + (row % 2) * side; x < area.right(); x += 2 * side)
-            painter.fillRect(QRectF(x, y, side, side), QColor(150, 150, 150));
+            painter.fillRect(QRectF(x, y, side, side), QColor(80, 80, 80));
     }
     painter.restore();
 }
@@ -104,8 +105,16 @@ void ZrColBtn::paintEvent(QPaintEvent* event)
     shape.addRoundedRect(swatch.adjusted(line / 2, line / 2, -line / 2, -line / 2), corner, corner);
     if (colour->alpha() < 255)
         PaintChequer(painter, swatch, shape);
-    painter.setBrush(*colour);
+    painter.fillPath(shape, *colour);
+    if (!isEnabled()) {
+        QColor veil = ZrCtrlLook::Of(ZrCtrlState()).fill;
+        veil.setAlphaF(1.0 - dimmed);
+        painter.fillPath(shape, veil);
+    }
     // Seen on every colour: the outline is light, what lies around it dark.
-    painter.setPen(QPen(isEnabled() ? ZrTheme::ctrlCol : ZrTheme::ctrlOutlineCol, line));
+    QPen pen(isEnabled() ? ZrTheme::ctrlCol : ZrTheme::ctrlOutlineCol, line);
+    if (!isEnabled())
+        pen.setDashPattern({3.0, 3.0});
+    painter.setPen(pen);
     painter.drawPath(shape);
 }

@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrTheme.h"
 
+#include <QCache>
 #include <QPainter>
 #include <QTransform>
 
@@ -21,6 +22,46 @@ double DeviceScale(const QPainter& painter)
     const QTransform device = painter.deviceTransform();
     const double scale = std::hypot(device.m11(), device.m12());
     return scale > 0.0 && std::isfinite(scale) ? scale : 1.0;
+}
+
+/// What a scaled icon was made from.
+struct IconKey
+{
+    qint64 image;
+    QSize size; ///< device pixels
+    QRgb colour;
+    double scale;
+
+    bool operator==(const IconKey& other) const
+    {
+        return image == other.image && size == other.size && colour == other.colour && scale == other.scale;
+    }
+};
+
+uint qHash(const IconKey& key, uint seed = 0)
+{
+    return ::qHash(key.image, seed) ^ ::qHash(key.size.width() * 8191 + key.size.height(), seed)
+        ^ ::qHash(key.colour, seed) ^ ::qHash(key.scale, seed);
+}
+
+constexpr int keptIcons = 8 * 1024 * 1024; ///< bytes of the scaled icons that are kept
+
+/// \p icon in \p colour, \p size device pixels large. Kept: most icons are painted again as they were.
+QImage ScaledIcon(const QImage& icon, const QColor& colour, const QSize& size, double scale)
+{
+    static QCache<IconKey, QImage> kept(keptIcons);
+    const IconKey key{icon.cacheKey(), size, colour.rgba(), scale};
+    if (const QImage* before = kept.object(key))
+        return *before;
+    // Smooth scaling averages over all pixels; the painter itself drops lines of an icon much larger than
+    // its place.
+    QImage shown
+        = ZrTheme::ColourImg(icon, colour).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    shown.setDevicePixelRatio(scale);
+    const qint64 cost = shown.sizeInBytes();
+    if (cost <= keptIcons)
+        kept.insert(key, new QImage(shown), static_cast<int>(cost));
+    return shown;
 }
 
 } // namespace
@@ -116,7 +157,8 @@ void ZrCtrlLook::PaintFrame(QPainter& painter, const QRectF& rect, double radius
     painter.setBrush(fill);
     const double corner = std::max(0.0, radius - line / 2);
     painter.drawRoundedRect(Inset(outer, line / 2), corner, corner);
-    const double gap = line + WholeLine(painter, Dp(1.5F));
+    // Two lines and what lies between stay apart at small scales too.
+    const double gap = line + WholeLine(painter, std::max(2.0, Dp(1.5F)));
     PaintFocus(painter, Inset(outer, gap), std::max(0.0, radius - gap));
 }
 
@@ -125,7 +167,7 @@ void ZrCtrlLook::PaintFocus(QPainter& painter, const QRectF& rect, double radius
     if (!focus.isValid())
         return;
     painter.setRenderHint(QPainter::Antialiasing);
-    const double line = WholeLine(painter, std::max(1.0, Dp(1.5F)));
+    const double line = WholeLine(painter, std::max(2.0, Dp(1.5F)));
     painter.setPen(QPen(focus, line));
     painter.setBrush(Qt::NoBrush);
     const double corner = std::max(0.0, radius - line / 2);
@@ -147,16 +189,12 @@ void ZrCtrlLook::PaintBar(QPainter& painter, const QRectF& rect) const
 void ZrCtrlLook::PaintIcon(QPainter& painter, const QRectF& rect, const QImage& icon, const QColor& colour)
 {
     const double scale = DeviceScale(painter);
-    // Scaled to device pixels first: the painter itself drops lines of an icon much larger than its place.
     const QSize size = icon.size().scaled((rect.size() * scale).toSize(), Qt::KeepAspectRatio);
     if (icon.isNull() || size.isEmpty())
         return;
-    QImage shown
-        = ZrTheme::ColourImg(icon, colour).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    shown.setDevicePixelRatio(scale);
     QRectF at(QPointF(), QSizeF(size) / scale);
     at.moveCenter(rect.center());
-    painter.drawImage(Snapped(painter, at), shown);
+    painter.drawImage(Snapped(painter, at), ScaledIcon(icon, colour, size, scale));
 }
 
 void ZrCtrlLook::PaintText(QPainter& painter, const QRectF& rect, const QString& text, Qt::Alignment side)

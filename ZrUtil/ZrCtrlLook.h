@@ -59,6 +59,7 @@ struct ZR_UTIL_EXPORT ZrCtrlLook
     void PaintBar(QPainter& painter, const QRectF& rect) const;
 
     /// Paints \p icon, an alpha mask, in \p colour as large as fits into \p rect, in its middle.
+    /// Scaled icons are kept, so painting one again costs little.
     static void PaintIcon(QPainter& painter, const QRectF& rect, const QImage& icon, const QColor& colour);
 
     /// Writes \p text into \p rect in one line with the painter's font and pen: at its left or right edge or

@@ -1,5 +1,6 @@
 #include "ZrUtil/ZrInput.h"
 
+#include "ZrUtil/ZrCtrlLook.h"
 #include "ZrUtil/ZrInputDlg.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 std::vector<ZrInput*> ZrInput::s_inputs;
 QTextOption ZrInput::s_to(Qt::AlignLeft | Qt::AlignVCenter);
@@ -36,7 +38,8 @@ ZrInput::ZrInput(QWidget* parent)
     QPalette colours = palette();
     colours.setColor(QPalette::Base, validBack);
     colours.setColor(QPalette::Text, ZrTheme::ctrlCol.isValid() ? ZrTheme::ctrlCol : QColor(Qt::white));
-    const QColor dim(0xBE, 0xBE, 0xBE);
+    // Contrast to both backgrounds above 4.5.
+    const QColor dim(0xC8, 0xC8, 0xC8);
     colours.setColor(QPalette::PlaceholderText, dim);
     colours.setColor(QPalette::Disabled, QPalette::Text, dim);
     setPalette(colours);
@@ -204,8 +207,8 @@ QString ZrInput::RefusalText(const QString& s)
     case kindInt: {
         bool isNumber = false;
         const double number = s.toDouble(&isNumber);
-        return isNumber && std::trunc(number) == number ? tr("this number is too large")
-                                                        : tr("a whole number is expected");
+        const bool isTooLarge = isNumber && std::fabs(number) > std::numeric_limits<int>::max();
+        return isTooLarge ? tr("this number is too large") : tr("a whole number is expected");
     }
     case kindLat:
     case kindLng:
@@ -495,9 +498,31 @@ void ZrInput::BuildKeys(ZrInputDlg& dlg) const
     }
 }
 
+/// Dashes along the edge: a dim text alone is not told from a usual one at small scales.
+void ZrInput::PaintDisabled()
+{
+    QPainter painter(this);
+    const double line = ZrCtrlLook::WholeLine(painter, std::max(2.0, ZrCtrlLook::Dp(2.0F)));
+    const QRectF edge = QRectF(rect()).adjusted(line / 2, line / 2, -line / 2, -line / 2);
+    const double radius = std::max(0.0, ZrTheme::rxy - line / 2);
+    // What shows between the dashes is dark: they have little contrast to the background.
+    QPen pen(Qt::black, line);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(pen);
+    painter.drawRoundedRect(edge, radius, radius);
+    const QColor outline = ZrTheme::ctrlOutlineCol;
+    pen.setColor(outline.isValid() ? outline : QColor(Qt::gray));
+    pen.setDashPattern({3.0, 3.0});
+    pen.setCapStyle(Qt::FlatCap);
+    painter.setPen(pen);
+    painter.drawRoundedRect(edge, radius, radius);
+}
+
 void ZrInput::paintEvent(QPaintEvent* event)
 {
     QLineEdit::paintEvent(event);
+    if (!isEnabled())
+        PaintDisabled();
     if (!m_isError)
         return;
     // The two backgrounds are alike to who does not see colours: a wavy line says the same.

@@ -142,6 +142,7 @@ private:
     void Describe();
     void OpenKeyboard();
     void CloseKeyboard();
+    void PaintDisabled();
     void BuildKeys(ZrInputDlg& dlg) const;
 
     QPointer<ZrInputDlg> m_dlg; ///< the keyboard opened last; one at most

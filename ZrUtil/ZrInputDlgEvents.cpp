@@ -364,6 +364,11 @@ void ZrInputDlg::inputMethodEvent(QInputMethodEvent* event)
         text.remove(from, event->replacementLength());
         cursor = from;
         m_isFresh = false;
+        // Nothing may follow it.
+        const QPointer<ZrInputDlg> self(this);
+        Changed();
+        if (!self)
+            return;
     }
     Insert(AsTyped(composed));
 }

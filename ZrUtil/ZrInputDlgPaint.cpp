@@ -309,8 +309,8 @@ void ZrInputDlg::PaintItem(QPainter& painter, int i)
     key.on = item.action == zriCaps && m_caps;
     key.enabled = item.enabled && (item.action != zriOk || state == 1);
     ZrCtrlLook look = ZrCtrlLook::Of(key);
-    look.outlineWidth *= static_cast<double>(m_unit) / std::max(0.1, static_cast<double>(ZrTheme::dp)) / 2;
-    look.outlineWidth = std::max(1.0, look.outlineWidth);
+    // Thinner than those of buttons, since there are many; each state has its own at every scale.
+    look.outlineWidth = Px(1.0F) * (key.enabled && key.pressed ? 3 : key.enabled && key.hovered ? 2 : 1);
     if (key.enabled && !key.pressed && !key.on) {
         if (item.action == zriOk)
             look.fill = Opaque(ZrTheme::ctrlHighlightCol);
@@ -328,8 +328,7 @@ void ZrInputDlg::PaintItem(QPainter& painter, int i)
     if (item.label.isEmpty() && !item.picture.isNull()) {
         QRectF at(0, 0, side, side);
         at.moveCenter(inside.center());
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(at, ZrTheme::ColourImg(item.picture, look.text));
+        ZrCtrlLook::PaintIcon(painter, at, item.picture, look.text);
         return;
     }
     const bool isClosing = item.action == zriOk || item.action == zriCancel;

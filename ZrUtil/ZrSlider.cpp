@@ -40,12 +40,16 @@ double ZrSlider::Allowed(double value) const
     const double inside = std::clamp(value, m_min, m_max);
     if (m_step <= 0.0 || inside == m_max)
         return inside;
-    return std::min(m_min + std::round((inside - m_min) / m_step) * m_step, m_max);
+    const double steps = (inside - m_min) / m_step;
+    // Steps too small to be counted are none.
+    return std::isfinite(steps) ? std::min(m_min + std::round(steps) * m_step, m_max) : inside;
 }
 
 void ZrSlider::SetRange(double lo, double hi)
 {
     if (!std::isfinite(lo) || !std::isfinite(hi) || !std::isfinite(hi - lo) || lo > hi)
+        return;
+    if (lo == m_min && hi == m_max)
         return;
     m_min = lo;
     m_max = hi;

@@ -5,6 +5,8 @@
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrInputDlg.h"
 #include "ZrUtil/ZrProgress.h"
+#include "ZrUtil/ZrRadio.h"
+#include "ZrUtil/ZrSlider.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "examples/widget_gallery/CellGrid.h"
@@ -73,6 +75,7 @@ private Q_SLOTS:
     void tabletModeOpensKeyboards_data();
     void tabletModeOpensKeyboards();
     void samplesAreInert();
+    void targetsAreLargeEnough();
     void workShowsProgress();
     void workStopsWithTheWidgets();
 };
@@ -323,6 +326,38 @@ void tst_WidgetGallery::workStopsWithTheWidgets()
     gallery.SetScale(0);
     QTest::qWait(200);
     QCOMPARE(gallery.findChild<ZrProgress*>()->percent, 40);
+}
+
+/// At every scale, as laid out.
+void tst_WidgetGallery::targetsAreLargeEnough()
+{
+    Gallery gallery;
+    gallery.resize(1280, 800);
+    gallery.show();
+    for (int scale = 0; scale < int(Gallery::Scales().size()); ++scale) {
+        gallery.SetScale(scale);
+        gallery.SetTabletMode(true);
+        QCoreApplication::processEvents();
+        int targets = 0;
+        const auto check = [&targets](const QWidget& widget, int width, int height) {
+            QVERIFY2(width >= 44 && height >= 44,
+                qPrintable(QStringLiteral("%1: %2 × %3")
+                               .arg(QString::fromLatin1(widget.metaObject()->className()))
+                               .arg(width)
+                               .arg(height)));
+            ++targets;
+        };
+        for (const ZrBtn* button : gallery.findChildren<ZrBtn*>())
+            check(*button, button->width(), button->height());
+        for (const ZrCheck* box : gallery.findChildren<ZrCheck*>())
+            check(*box, box->width(), box->height());
+        for (const ZrSlider* slider : gallery.findChildren<ZrSlider*>())
+            check(*slider, slider->width(), slider->height());
+        for (const ZrRadio* radio : gallery.findChildren<ZrRadio*>())
+            check(*radio, radio->width(), radio->itemHeight);
+        QVERIFY(targets > 40);
+    }
+    gallery.SetTabletMode(false);
 }
 
 QTEST_MAIN(tst_WidgetGallery)

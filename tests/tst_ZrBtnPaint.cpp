@@ -52,6 +52,8 @@ private Q_SLOTS:
     void iconWhileOn();
     void badge();
     void badgeIsMirrored();
+    void badgeCanBeRead();
+    void toolTextIsOffTheBar();
     void longTextStaysInside();
     void linesOfText();
     void tinySizes();
@@ -144,7 +146,8 @@ void tst_ZrBtnPaint::iconAboveText()
     button.Changed();
     QVERIFY(button.imgRect.bottom() <= button.textRect.top());
     QCOMPARE(button.imgRect.center().x(), button.textRect.center().x());
-    QVERIFY(qAbs(button.imgRect.top() - (100 - button.textRect.bottom())) <= 1.0);
+    // Four pixels above the middle: the bar of a tool that is on is below.
+    QVERIFY(qAbs(button.imgRect.top() + 8 - (100 - button.textRect.bottom())) <= 1.0);
 }
 
 void tst_ZrBtnPaint::mirrored()
@@ -410,6 +413,56 @@ void tst_ZrBtnPaint::disabledIsReadable()
     button.Changed();
     const QImage image = Painted(button);
     QVERIFY(Contrast(image.pixelColor(40, 30), image.pixelColor(5, 30)) >= 4.5);
+}
+
+void tst_ZrBtnPaint::badgeCanBeRead()
+{
+    const ZrThemeState theme(0.5);
+    ZrBtn button(nullptr, ZrBtn::typeTool);
+    button.badge = 7;
+    button.resize(60, 60);
+    const QImage image = Painted(button);
+    int rows = 0;
+    for (int y = 0; y < image.height(); ++y)
+        rows += HasColour(image.copy(0, y, image.width(), 1), ZrTheme::ctrlCol) ? 1 : 0;
+    QFont least(ZrTheme::fontSmall);
+    least.setPixelSize(11);
+    QVERIFY2(rows >= QFontMetrics(least).height(), qPrintable(QString::number(rows)));
+}
+
+/// Letters reach below the line: a dark row at least stays between them and the bar.
+void tst_ZrBtnPaint::toolTextIsOffTheBar()
+{
+    for (const double dp : {0.67, 0.89, 1.0, 1.25, 2.0}) {
+        const ZrThemeState theme(dp);
+        ZrBtn button(nullptr, ZrBtn::typeTool);
+        button.img = Icon();
+        button.text = S("gjpqy");
+        button.on = true;
+        button.resize(button.sizeHint());
+        button.Changed();
+        const QImage image = Painted(button);
+        const ZrCtrlLook look = ZrCtrlLook::Of([] {
+            ZrCtrlState state;
+            state.on = true;
+            return state;
+        }());
+        const auto rowIs = [&](int y) {
+            const QImage row = image.copy(10, y, image.width() - 20, 1);
+            return HasColour(row, look.mark);
+        };
+        int bar = image.height() / 2;
+        while (bar < image.height() && !rowIs(bar))
+            ++bar;
+        QVERIFY(bar < image.height() - 4);
+        // Antialiased letters: whatever is not the fill.
+        for (int x = 10; x < image.width() - 10; ++x)
+            QCOMPARE(image.pixelColor(x, bar - 2), look.fill);
+        int text = bar - 2;
+        while (text > 0 && !HasColour(image.copy(10, text, image.width() - 20, 1), look.text))
+            --text;
+        QVERIFY(text > image.height() / 2);
+    }
 }
 
 QTEST_MAIN(tst_ZrBtnPaint)

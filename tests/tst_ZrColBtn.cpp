@@ -2,11 +2,13 @@
 
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrColBtn.h"
+#include "ZrUtil/ZrCtrlLook.h"
 
 #include <QColorDialog>
 #include <QPointer>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -51,6 +53,8 @@ private Q_SLOTS:
     void swatch();
     void swatchBesideText();
     void chequerBehindAlpha();
+    void chequerIsSeen();
+    void disabledLooksDisabledInside();
     void mirrored();
 
 private:
@@ -364,6 +368,33 @@ void tst_ZrColBtn::mirrored()
     QCOMPARE(image.pixelColor(140, 30), m_colour);
     QVERIFY(!HasColour(image.copy(0, 0, 80, 60), m_colour));
     QVERIFY(m_button->textRect.right() < 120);
+}
+
+/// Through a colour that is nearly opaque too.
+void tst_ZrColBtn::chequerIsSeen()
+{
+    m_colour = QColor(90, 160, 180, 200);
+    const QImage image = Painted(*m_button);
+    int least = 255;
+    int most = 0;
+    for (int x = 20; x < 80; ++x) {
+        least = std::min(least, image.pixelColor(x, 30).red());
+        most = std::max(most, image.pixelColor(x, 30).red());
+    }
+    QVERIFY2(most - least >= 32, qPrintable(QString::number(most - least)));
+}
+
+void tst_ZrColBtn::disabledLooksDisabledInside()
+{
+    for (const QColor& colour : {QColor(200, 100, 50), QColor(Qt::white), QColor(90, 160, 180, 200)}) {
+        m_colour = colour;
+        m_button->setEnabled(true);
+        const QColor usual = Painted(*m_button).pixelColor(50, 30);
+        m_button->setEnabled(false);
+        const QColor dim = Painted(*m_button).pixelColor(50, 30);
+        QVERIFY(dim.red() < usual.red() * 3 / 4);
+        QVERIFY(dim != ZrCtrlLook::Of(ZrCtrlState()).fill); // the colour can still be told
+    }
 }
 
 QTEST_MAIN(tst_ZrColBtn)

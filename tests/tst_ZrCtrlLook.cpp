@@ -82,6 +82,8 @@ private Q_SLOTS:
     void dashesLeaveGaps();
     void focusLineIsInside();
     void focusLineWithoutFocus();
+    void focusLineIsApart();
+    void iconsAreKeptApart();
     void barIsInside_data();
     void barIsInside();
     void focusThatIsShown_data();
@@ -629,6 +631,56 @@ void tst_ZrCtrlLook::targetsAreLargeEnough()
         QCOMPARE(radio.GetSel(radio.ItemRect(i).topLeft()), i);
         QCOMPARE(radio.GetSel(radio.ItemRect(i).bottomRight()), i);
     }
+}
+
+/// At every scale two pixels of the background lie between outline and focus line, and the line is two thick.
+void tst_ZrCtrlLook::focusLineIsApart()
+{
+    for (const double dp : scales) {
+        const ZrThemeState theme(dp);
+        const ZrCtrlLook look = ZrCtrlLook::Of(StateOf(16));
+        QImage image(100, 100, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        look.PaintFrame(painter, QRectF(0, 0, 100, 100), ZrTheme::rxy);
+        painter.end();
+        int x = 0;
+        const auto run = [&image, &x](const QColor& colour) {
+            const int from = x;
+            while (x < 50 && image.pixelColor(x, 50) == colour)
+                ++x;
+            return x - from;
+        };
+        QVERIFY(run(look.outline) >= 1);
+        QVERIFY2(run(look.fill) >= 2, qPrintable(QString::number(dp)));
+        QVERIFY2(run(look.focus) >= 2, qPrintable(QString::number(dp)));
+    }
+}
+
+/// Scaled icons are kept: another colour, size or pixel ratio, or a changed icon, is another one.
+void tst_ZrCtrlLook::iconsAreKeptApart()
+{
+    QImage icon(96, 96, QImage::Format_ARGB32);
+    icon.fill(Qt::white);
+    const auto paint = [&icon](double side, const QColor& colour, double ratio) {
+        QImage image(80, 80, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        ZrCtrlLook::PaintIcon(painter, QRectF(0, 0, side, side), icon, colour);
+        return image;
+    };
+    const QImage white = paint(24, Qt::white, 1.0);
+    QCOMPARE(white.pixelColor(23, 23), QColor(Qt::white));
+    QCOMPARE(white.pixelColor(24, 24), QColor(Qt::black));
+    QCOMPARE(paint(24, Qt::white, 1.0), white);
+    QCOMPARE(paint(24, Qt::red, 1.0).pixelColor(23, 23), QColor(Qt::red));
+    QCOMPARE(paint(30, Qt::white, 1.0).pixelColor(29, 29), QColor(Qt::white));
+    QCOMPARE(paint(24, Qt::white, 2.0).pixelColor(47, 47), QColor(Qt::white));
+    QCOMPARE(paint(12, Qt::white, 2.0).pixelColor(23, 23), QColor(Qt::white));
+    QCOMPARE(paint(12, Qt::white, 2.0).pixelColor(24, 24), QColor(Qt::black));
+    icon.fill(Qt::transparent);
+    QCOMPARE(paint(24, Qt::white, 1.0).pixelColor(10, 10), QColor(Qt::black));
 }
 
 QTEST_MAIN(tst_ZrCtrlLook)

@@ -108,6 +108,8 @@ private Q_SLOTS:
     void paintsReadableStrips_data();
     void paintsReadableStrips();
     void showsStatesOnKeys();
+    void hoveredKeysHaveWiderEdges();
+    void paintsPicturesSmoothly();
     void showsTheRefusal();
     void showsTheCursor();
     void slidesLongTexts();
@@ -841,6 +843,68 @@ void tst_ZrInputDlgKeys::paintsOddTexts()
     QPainter painter(&image);
     for (const QRect& rect : {QRect(), QRect(0, 0, 1, 1), QRect(5, 5, -20, -20)})
         dlg->DrawDisplay(painter, rect);
+}
+
+void tst_ZrInputDlgKeys::hoveredKeysHaveWiderEdges()
+{
+    for (const float dp : {0.667F, 0.889F, 1.0F, 1.25F}) {
+        ZrTheme::dp = dp;
+        ZrTheme::SetStdStyle();
+        ZrInputDlg* dlg = Open(ZrInput::kindInt);
+        const QPoint at = KeyAt(*dlg, zriKey, QLatin1Char('5'));
+        QRect key;
+        for (const ZrInputItem& item : dlg->Items()) {
+            if (item.rect.contains(at))
+                key = item.rect;
+        }
+        const auto edge = [&] {
+            const QImage image = dlg->grab(key).toImage();
+            const int y = image.height() / 2;
+            int wide = 0;
+            while (wide < 20 && image.pixel(wide, y) == image.pixel(0, y))
+                ++wide;
+            return wide;
+        };
+        const int usual = edge();
+        input::Mouse(*dlg, QEvent::MouseMove, at);
+        const int hovered = edge();
+        QVERIFY2(hovered > usual, qPrintable(QStringLiteral("%1: %2 %3").arg(dp).arg(usual).arg(hovered)));
+        input::Mouse(*dlg, QEvent::MouseButtonPress, at);
+        QVERIFY(edge() > hovered);
+        input::Mouse(*dlg, QEvent::MouseButtonRelease, at);
+    }
+}
+
+/// Pictures are several times larger than their place: every one of their pixels counts.
+void tst_ZrInputDlgKeys::paintsPicturesSmoothly()
+{
+    ZrTheme::dp = 0.667F;
+    ZrTheme::SetStdStyle();
+    ZrInputDlg* dlg = Open(ZrInput::kindInt);
+    int pictures = 0;
+    for (const ZrInputItem& item : dlg->Items()) {
+        if (item.picture.isNull() || !item.label.isEmpty())
+            continue;
+        ++pictures;
+        const QImage key = dlg->grab(item.rect).toImage();
+        // The light of the sign, in the middle of the key, against that of the whole picture.
+        double painted = 0.0;
+        const QColor fill = key.pixelColor(key.width() / 2, 5);
+        for (int y = 5; y < key.height() - 5; ++y) {
+            for (int x = 5; x < key.width() - 5; ++x)
+                painted += (key.pixelColor(x, y).red() - fill.red()) / (255.0 - fill.red());
+        }
+        double alpha = 0.0;
+        for (int y = 0; y < item.picture.height(); ++y) {
+            for (int x = 0; x < item.picture.width(); ++x)
+                alpha += item.picture.pixelColor(x, y).alphaF();
+        }
+        const int side = static_cast<int>(0.667F * 34.0F + 0.5F);
+        const double expected = alpha * side * side / (item.picture.width() * item.picture.height());
+        QVERIFY2(std::abs(painted - expected) < 0.03 * expected,
+            qPrintable(QStringLiteral("%1: %2, expected %3").arg(item.img).arg(painted).arg(expected)));
+    }
+    QCOMPARE(pictures, 6);
 }
 
 QTEST_MAIN(tst_ZrInputDlgKeys)

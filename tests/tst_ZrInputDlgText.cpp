@@ -38,6 +38,7 @@ private Q_SLOTS:
     void keepsShortcutsAway();
     void pastes();
     void composes();
+    void asksAfterAnInputMethodRemoves();
 
 private:
     ZrInput* Make(int kind, double value);
@@ -463,6 +464,22 @@ void tst_ZrInputDlgText::composes()
     absurd.setCommitString(QStringLiteral("z"), -500, 9000);
     QApplication::sendEvent(dlg, &absurd);
     QCOMPARE(dlg->text, QStringLiteral("z"));
+}
+
+/// An input method may take characters away without giving others: that is asked about too.
+void tst_ZrInputDlgText::asksAfterAnInputMethodRemoves()
+{
+    auto* in = new ZrInput(m_page);
+    in->SetValue(5.0);
+    in->show();
+    ZrInputDlg* dlg = Press(*in);
+    QCOMPARE(dlg->state, 1);
+    QInputMethodEvent removed;
+    removed.setCommitString(QString(), -1, 1);
+    QApplication::sendEvent(dlg, &removed);
+    QCOMPARE(dlg->text, QString());
+    QCOMPARE(dlg->state, 0);
+    QVERIFY(dlg->Refusal().startsWith(QStringLiteral("Error")));
 }
 
 QTEST_MAIN(tst_ZrInputDlgText)

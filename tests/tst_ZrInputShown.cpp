@@ -39,6 +39,8 @@ private Q_SLOTS:
     void isLargeEnoughForFingers();
     void isReadable();
     void marksErrorsWithoutColour();
+    void disabledIsSeenAtEveryScale();
+    void hoveringIsSeenWithoutColour();
 
     void writesTheRangeOut_data();
     void writesTheRangeOut();
@@ -223,6 +225,14 @@ void tst_ZrInputShown::givesReasons_data()
                                        << "a whole number is expected";
     QTest::newRow("integer, too large") << 0 << "99999999999"
                                         << "this number is too large";
+    QTest::newRow("integer, decimals") << 0 << "5.0"
+                                       << "a whole number is expected";
+    QTest::newRow("integer, exponent") << 0 << "1e3"
+                                       << "a whole number is expected";
+    QTest::newRow("integer, too far below") << 0 << "-99999999999"
+                                            << "this number is too large";
+    QTest::newRow("integer, not a number") << 0 << "nan"
+                                           << "a whole number is expected";
     QTest::newRow("number") << 9 << "1.."
                             << "a number is expected";
     QTest::newRow("latitude") << 4 << "north"
@@ -285,6 +295,69 @@ void tst_ZrInputShown::leavesAccessibleTextsOfTheApplication()
     m_top->show();
     QCOMPARE(in.accessibleName(), QStringLiteral("mine"));
     QCOMPARE(in.accessibleDescription(), QStringLiteral("my own"));
+}
+
+/// Readable, and with an edge of dashes that are told from what lies between them.
+void tst_ZrInputShown::disabledIsSeenAtEveryScale()
+{
+    for (const float dp : {0.5F, 0.667F, 1.0F, 1.25F, 2.0F}) {
+        ZrTheme::dp = dp;
+        ZrTheme::SetStdStyle();
+        for (const char* text : {"88", "88x"}) {
+            ZrInput in(m_top.get());
+            in.kind = ZrInput::kindDouble;
+            in.resize(200, 40);
+            in.SetText(QString::fromLatin1(text));
+            in.setEnabled(false);
+            const QImage image = in.grab().toImage();
+            const QColor back = image.pixelColor(150, 20);
+            double best = 0.0;
+            for (int x = 6; x < 60; ++x) {
+                for (int y = 8; y < 30; ++y)
+                    best = std::max(best, Contrast(back, image.pixelColor(x, y)));
+            }
+            QVERIFY2(best >= 4.5, qPrintable(QString::number(best)));
+            for (const int y : {0, 1}) {
+                double edge = 0.0;
+                int changes = 0;
+                bool wasLight = false;
+                for (int x = 20; x < 180; ++x) {
+                    const double contrast = Contrast(image.pixelColor(x, y), Qt::black);
+                    edge = std::max(edge, contrast);
+                    const bool isLight = contrast > 2.0;
+                    changes += isLight != wasLight ? 1 : 0;
+                    wasLight = isLight;
+                }
+                QVERIFY(edge >= 3.0);
+                QVERIFY2(changes >= 12, qPrintable(QString::number(changes)));
+            }
+        }
+    }
+}
+
+/// The edge gets wider, in the style sheet of the windows, at every scale.
+void tst_ZrInputShown::hoveringIsSeenWithoutColour()
+{
+    for (const float dp : {0.667F, 0.889F, 1.0F, 1.25F, 2.0F}) {
+        ZrTheme::dp = dp;
+        ZrTheme::SetStdStyle();
+        m_top->setStyleSheet(ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css")));
+        ZrInput in(m_top.get());
+        in.kind = ZrInput::kindDouble;
+        in.resize(200, 40);
+        in.SetText(QStringLiteral("1"));
+        const auto edge = [&in] {
+            const QImage image = in.grab().toImage();
+            int wide = 0;
+            while (wide < 20 && image.pixelColor(wide, 20) == image.pixelColor(0, 20))
+                ++wide;
+            return wide;
+        };
+        const int usual = edge();
+        in.setAttribute(Qt::WA_UnderMouse);
+        const int hovered = edge();
+        QVERIFY2(hovered > usual, qPrintable(QStringLiteral("%1 %2").arg(usual).arg(hovered)));
+    }
 }
 
 QTEST_MAIN(tst_ZrInputShown)

@@ -43,6 +43,8 @@ private Q_SLOTS:
     void rangesThatAreNone_data();
     void rangesThatAreNone();
     void stepsThatAreNone();
+    void stepsTooSmallToCount();
+    void sameRangeDoesNotRepaint();
     void valuesThatAreNone();
     void emptyRange();
     void tellsOnlyChanges();
@@ -484,6 +486,27 @@ void tst_ZrSlider::tinySizes()
         SendRelease(*m_slider, QPoint(0, 0));
         QVERIFY(m_slider->Value() >= 0.0 && m_slider->Value() <= 100.0);
     }
+}
+
+void tst_ZrSlider::stepsTooSmallToCount()
+{
+    m_slider->SetRange(0.0, 1.0);
+    m_slider->SetStep(std::numeric_limits<double>::denorm_min());
+    m_slider->SetValue(0.25);
+    QCOMPARE(m_slider->Value(), 0.25);
+    m_slider->SetStep(1e-310);
+    m_slider->SetValue(0.5);
+    QCOMPARE(m_slider->Value(), 0.5);
+}
+
+void tst_ZrSlider::sameRangeDoesNotRepaint()
+{
+    ZrPaintCounter paints(*m_slider);
+    paints.Take();
+    m_slider->SetRange(m_slider->Minimum(), m_slider->Maximum());
+    QCOMPARE(paints.Take(), 0);
+    m_slider->SetRange(m_slider->Minimum(), m_slider->Maximum() + 1.0);
+    QCOMPARE(paints.Take(), 1);
 }
 
 QTEST_MAIN(tst_ZrSlider)

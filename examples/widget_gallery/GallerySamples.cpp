@@ -22,6 +22,8 @@
 #include <QSpinBox>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 /// A panel that is dragged by its upper edge.
@@ -95,6 +97,8 @@ void Gallery::ShowStates()
                 QPointF(sample.widget->width() / 2.0, sample.widget->height() * 0.7));
         } else {
             sample.widget->setAttribute(Qt::WA_UnderMouse);
+            // A push button looks at where the mouse was last.
+            SendMouse(sample.widget, QEvent::MouseMove, QRectF(sample.widget->rect()).center());
         }
     }
 }
@@ -168,6 +172,7 @@ void Gallery::AddChoices()
     for (const State state : {stateNormal, stateHovered, stateDisabled, stateFocused}) {
         auto* radio = new ZrRadio(m_content);
         radio->items = QStringList({tr("GNSS"), tr("Acoustic"), tr("Inertial")});
+        radio->UseTouchHeight();
         radio->SetSel(state == stateNormal ? m_values.source : 1);
         if (state == stateNormal)
             connect(radio, &ZrRadio::SelChanged, this, [this](int sel) { m_values.source = sel; });
@@ -246,7 +251,8 @@ void Gallery::AddPanels()
     panel->setGeometry(ZrTheme::DpI(24), ZrTheme::DpI(24), ZrTheme::DpI(200), ZrTheme::DpI(160));
     auto* inside = new ZrBtn(panel, ZrBtn::typeStd);
     inside->text = tr("Inside");
-    inside->setGeometry(ZrTheme::DpI(24), ZrTheme::DpI(64), ZrTheme::DpI(152), ZrTheme::DpI(64));
+    inside->setGeometry(ZrTheme::DpI(24), ZrTheme::DpI(64), ZrTheme::DpI(152),
+        std::max(ZrTheme::DpI(64), inside->minimumSizeHint().height()));
     m_content->AddCell(tr("Panel to be dragged by its grip"), area, 4);
 }
 

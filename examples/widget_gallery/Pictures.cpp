@@ -22,7 +22,10 @@ QImage KeyboardPicture(ZrInput& input, const std::function<void(ZrInputDlg&)>& a
     QApplication::sendEvent(&input, &press);
     auto* keyboard = input.window()->findChild<ZrInputDlg*>();
     act(*keyboard);
-    QImage picture = keyboard->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    // As over a page: its corners are round.
+    QImage picture(keyboard->size(), QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    keyboard->render(&picture, QPoint(), QRegion(), QWidget::DrawChildren);
     delete keyboard;
     return picture;
 }
