@@ -38,6 +38,10 @@ void ZrGlSurface::OnCreate()
     }
     m_gl.initializeOpenGLFunctions();
     m_isCreated = true;
+    // What an earlier context had is gone with it.
+    m_program = 0;
+    m_current = -1;
+    m_bgTex = 0;
     ZrglInitShaders();
     ZrglInitPalette();
     m_gl.glGenTextures(1, &m_fontTex);

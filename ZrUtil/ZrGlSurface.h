@@ -246,6 +246,7 @@ private:
     void SetMatrix(const Locations& at);
     void Draw(unsigned mode, const float* vertices, int floats, bool hasTexCoords, int count);
     void RenderViewportQuad(unsigned tex);
+    bool IsTextureSize(const QSize& size);
     void Upload(GLuint tex, const QImage& image, int minFilter);
     void LogFailure(const char* what, const QByteArray& text) const;
 

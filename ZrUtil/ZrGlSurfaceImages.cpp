@@ -49,6 +49,18 @@ std::vector<uchar> GreyRamps()
 
 } // namespace
 
+/// Whether the context takes textures of \p size; the debug log has a line when not.
+bool ZrGlSurface::IsTextureSize(const QSize& size)
+{
+    GLint most = 0;
+    m_gl.glGetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
+    if (size.width() <= most && size.height() <= most)
+        return true;
+    ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrUtil-ZrGlSurface",
+        "An image of {} by {} pixels is larger than a texture may be: {}", size.width(), size.height(), most);
+    return false;
+}
+
 /// Uploads an RGBA image and sets how it is sampled; magnification is linear.
 void ZrGlSurface::Upload(GLuint tex, const QImage& image, int minFilter)
 {
@@ -67,7 +79,7 @@ bool ZrGlSurface::ZrglLoadImageToTexture(QString path, GLuint& tex)
     if (!IsReady())
         return false;
     const QImage image = QImage(path).convertToFormat(QImage::Format_RGBA8888);
-    if (image.isNull())
+    if (image.isNull() || !IsTextureSize(image.size()))
         return false;
     m_gl.glGenTextures(1, &tex);
     Upload(tex, image, GL_LINEAR);
@@ -80,7 +92,7 @@ void ZrGlSurface::ZrglInitPalette()
         return;
     m_gl.glGenTextures(1, &m_palTex);
     const QImage image = QImage(QStringLiteral(":/palettes.png")).convertToFormat(QImage::Format_RGBA8888);
-    if (!image.isNull()) {
+    if (!image.isNull() && IsTextureSize(image.size())) {
         m_palCount = image.height() / rowsOfPalette;
         Upload(m_palTex, image, GL_NEAREST);
         return;
@@ -97,8 +109,10 @@ void ZrGlSurface::ZrglInitMarkers()
         return;
     for (std::size_t i = 0; i < m_markers.size(); ++i) {
         m_markers[i] = 0;
-        if (!ZrglLoadImageToTexture(QString::fromLatin1(markerImages[i]), m_markers[i]))
+        if (!ZrglLoadImageToTexture(QString::fromLatin1(markerImages[i]), m_markers[i])) {
+            LogFailure("Marker image load failed: ", markerImages[i]);
             continue;
+        }
         m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
         m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
         m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -112,7 +126,7 @@ void ZrGlSurface::ZrglSetBackground(QString path)
     if (!IsReady())
         return;
     const QImage image = QImage(path).convertToFormat(QImage::Format_RGBA8888);
-    if (image.isNull()) {
+    if (image.isNull() || !IsTextureSize(image.size())) {
         ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrUtil-ZrGlSurface", "Background image load failed: {}", path);
         return;
     }

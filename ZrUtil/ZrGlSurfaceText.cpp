@@ -32,6 +32,19 @@ QSize AtlasSize(int width, int height)
     return {width, height};
 }
 
+/// Makes every pixel that is not transparent white: the raster painter leaves the edges of glyphs
+/// multiplied by their alpha, which would darken them once more when they are blended.
+void WhitenInk(QImage& image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            if (const int a = qAlpha(row[x]))
+                row[x] = qRgba(255, 255, 255, a);
+        }
+    }
+}
+
 /// The character at \p i of the glyph table.
 QChar GlyphChar(std::size_t i)
 {
@@ -63,6 +76,8 @@ void ZrGlSurface::ZrglSetFont(QFont font)
         row += glyph.width + glyphGap;
     }
     const QSize size = AtlasSize(row, high);
+    if (IsReady() && !IsTextureSize(size))
+        return;
     QImage image(size, QImage::Format_ARGB32);
     if (image.isNull())
         return;
@@ -93,6 +108,7 @@ void ZrGlSurface::ZrglSetFont(QFont font)
         x += glyph.width + glyphGap;
     }
     painter.end();
+    WhitenInk(image);
     if (IsReady() && m_fontTex != 0)
         Upload(m_fontTex, image.convertToFormat(QImage::Format_RGBA8888), GL_NEAREST);
 }
