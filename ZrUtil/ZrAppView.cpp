@@ -15,6 +15,7 @@
 #include <QGeoPositionInfoSource>
 #include <QMouseEvent>
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QTimer>
 
 #include <algorithm>
@@ -53,6 +54,11 @@ ZrAppView::ZrAppView(
 
 ZrAppView::~ZrAppView()
 {
+    // The pages go after the map that they would be taken from.
+    for (ZrPage* page : qAsConst(m_pages)) {
+        if (page)
+            disconnect(page, &QObject::destroyed, this, nullptr);
+    }
     if (s_pApp == this)
         s_pApp = nullptr;
 }
@@ -93,6 +99,15 @@ void ZrAppView::AddPage(QString name, ZrPage* page, bool show)
     m_pages.insert(name, page);
     if (!page)
         return;
+    // A page that goes by itself is forgotten.
+    connect(page, &QObject::destroyed, this, [this, page] {
+        for (ZrPage*& known : m_pages) {
+            if (known == page)
+                known = nullptr;
+        }
+        if (m_current == page)
+            m_current = nullptr;
+    });
     page->setGeometry(rect());
     if (!show && m_current)
         page->hide();
@@ -181,13 +196,16 @@ void ZrAppView::set_vsync_multiplier(int n)
 
 void ZrAppView::with_gl_context(const std::function<void(QOpenGLFunctions&)>& fn)
 {
-    // Without a context the functions of the view lead nowhere.
-    if (!fn || !s_pApp || !s_pApp->m_hasContext)
+    if (!fn)
         return;
-    if (QOpenGLContext::currentContext()) {
-        fn(*s_pApp);
+    // Before the window was shown the functions of the view lead nowhere.
+    const bool hasView = s_pApp && s_pApp->m_hasContext;
+    if (QOpenGLContext* context = QOpenGLContext::currentContext()) {
+        fn(hasView ? static_cast<QOpenGLFunctions&>(*s_pApp) : *context->functions());
         return;
     }
+    if (!hasView)
+        return;
     s_pApp->makeCurrent();
     fn(*s_pApp);
     s_pApp->doneCurrent();
@@ -324,9 +342,9 @@ void ZrAppView::PlaceControls()
     m_close->setGeometry(width() - close - margin, margin, close, close);
 
     const int left = ZrTheme::DpI(80);
-    const int top = ZrTheme::DpI(100);
+    const int top = ZrTheme::DpI(80);
     const int wide = std::min(width() - 2 * left, ZrTheme::DpI(600) + ZrTheme::DpI(250));
-    m_forms->setGeometry(left, top, wide, height() - ZrTheme::DpI(160));
+    m_forms->setGeometry(left, top, wide, height() - ZrTheme::DpI(100));
 
     const QSize panel(ZrTheme::DpI(500), ZrTheme::DpI(160));
     m_progress->setGeometry(

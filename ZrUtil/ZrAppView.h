@@ -90,7 +90,7 @@ public:
     static void set_vsync_multiplier(int n);
 
     /// Runs \p fn with a context current: that of the view, unless one is current already. Nothing happens
-    /// with an empty function, and before the window was shown.
+    /// with an empty function, nor, with no context current, before the window was shown.
     static void with_gl_context(const std::function<void(QOpenGLFunctions&)>& fn);
     static void with_gl_context(const std::function<void()>& fn); ///< the same
 

@@ -11,8 +11,10 @@
 
 #include <QCoreApplication>
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -181,57 +183,127 @@ void ZrFmApp::ShowChoices()
 
 void ZrFmApp::settings(zr::ZrSetModule& module)
 {
-    module.item(QStringLiteral("ScaleValue"), m_scale);
+    int scale = m_scale;
+    module.item(QStringLiteral("ScaleValue"), scale);
+    // A number that is none of the scales leaves the one in force.
     if (module.is_loading())
-        ApplyScale(m_scale);
+        ApplyScale(scale);
 }
 
 void ZrFmApp::paintEvent(QPaintEvent* /*event*/)
 {
     ShowChoices();
     QPainter p(this);
-    const int radio = ZrTheme::DpI(50);
+    p.translate(0, -m_scroll);
+    const int text = TextHeight();
     int y = 0;
     TextCtrl(p, tr("Units of Measurement"),
-        tr("Setting for units of measurement such as length, temperature and distance"), y,
-        std::max(0, m_units->height() - radio));
+        tr("Setting for units of measurement such as length, temperature and distance"), y, m_rows[0] - text);
     TextCtrl(p, tr("Coordinate System"),
         tr("Setting for desired coordinate system format for WGS84 latitude and longitude"), y,
-        std::max(0, m_style->height() - radio));
+        m_rows[1] - text);
     TextCtrl(p, tr("Display Scaling"),
         tr("Choose the display scale to have the text and controls the preferred size for your deployment."),
-        y, m_scaleBtns[0]->height() + ZrTheme::DpI(12));
-    TextCtrl(
-        p, tr("Tablet Mode"), tr("In Tablet Mode edit controls always bring up an onscreen keyboard."), y, 0);
+        y, m_rows[2] - text);
+    TextCtrl(p, tr("Tablet Mode"), tr("In Tablet Mode edit controls always bring up an onscreen keyboard."),
+        y, m_rows[3] - text);
+    if (ScrollRange() == 0)
+        return;
+    // Where the part shown lies in the whole.
+    p.resetTransform();
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(ZrTheme::bodyCol);
+    const double wide = ZrTheme::DpI(4);
+    const double all = height() + ScrollRange();
+    p.drawRoundedRect(QRectF(width() - wide, height() * m_scroll / all, wide, height() * (height() / all)),
+        wide / 2, wide / 2);
+}
+
+/// What the texts beside a control take.
+int ZrFmApp::TextHeight()
+{
+    return ZrTheme::DpI(28) + ZrTheme::DpI(8) + ZrTheme::DpI(4) + ZrTheme::DpI(50);
+}
+
+/// Pixels of the contents that find no room.
+int ZrFmApp::ScrollRange() const
+{
+    return std::max(0, m_rows[0] + m_rows[1] + m_rows[2] + m_rows[3] + 1 - height());
+}
+
+void ZrFmApp::ScrollTo(int y)
+{
+    const int to = std::clamp(y, 0, ScrollRange());
+    if (to == m_scroll)
+        return;
+    m_scroll = to;
+    Place();
+    update();
 }
 
 void ZrFmApp::resizeEvent(QResizeEvent* /*event*/)
 {
     // The theme may have another scale since the controls were made.
-    for (ZrRadio* radio : {m_units, m_style})
+    for (ZrRadio* radio : {m_units, m_style}) {
         radio->itemHeight = std::max(QFontMetrics(ZrTheme::font).height() * 3 / 2, ZrTheme::DpI(40));
-    const int column = ZrTheme::DpI(180);
-    const int left = width() - column;
-    const int text = ZrTheme::DpI(28) + ZrTheme::DpI(8) + ZrTheme::DpI(4) + ZrTheme::DpI(50);
-    const int help = ZrTheme::DpI(50);
+        radio->UseTouchHeight();
+    }
+    for (ZrBtn* btn : m_scaleBtns)
+        btn->font = ZrTheme::ctrlFont;
     const int gap = ZrTheme::DpI(8);
+    const int text = TextHeight();
+    m_rows[0] = std::max(text, m_units->sizeHint().height() + 2 * gap);
+    m_rows[1] = std::max(text, m_style->sizeHint().height() + 2 * gap);
+    m_rows[2] = text + BtnHeight() + 2 * gap;
+    m_rows[3] = std::max(text, BtnHeight() + 2 * gap);
+    m_scroll = std::min(m_scroll, ScrollRange());
+    Place();
+}
 
-    int y = 0;
-    const int unitsHigh = m_units->sizeHint().height();
-    m_units->setGeometry(left, y + gap, column, unitsHigh);
-    y += text + std::max(0, unitsHigh - help);
-    const int styleHigh = m_style->sizeHint().height();
-    m_style->setGeometry(left, y + gap, column, styleHigh);
-    y += text + std::max(0, styleHigh - help);
+int ZrFmApp::BtnHeight()
+{
+    return std::max(44, ZrTheme::DpI(52));
+}
 
-    const int btnHigh = std::max(44, ZrTheme::DpI(56));
-    const int step = (width() + gap) / 5;
+/// Puts the controls beside their texts: in one column at the right, the buttons of the scale below theirs.
+void ZrFmApp::Place()
+{
+    const int gap = ZrTheme::DpI(8);
+    const int column = ZrTheme::DpI(200) - 2 * gap;
+    const int left = width() - ZrTheme::DpI(200) + gap;
+    int y = -m_scroll;
+    m_units->setGeometry(left, y + gap, column, m_units->sizeHint().height());
+    y += m_rows[0];
+    m_style->setGeometry(left, y + gap, column, m_style->sizeHint().height());
+    y += m_rows[1];
+    const int room = ScrollRange() > 0 ? width() - 2 * gap : width();
+    const int step = (room + gap) / 5;
     for (int i = 0; i < 5; ++i) {
-        m_scaleBtns[i]->font = ZrTheme::ctrlFont;
-        m_scaleBtns[i]->setGeometry(i * step, y + text - gap, step - gap, btnHigh);
+        m_scaleBtns[i]->setGeometry(i * step, y + TextHeight(), step - gap, BtnHeight());
         m_scaleBtns[i]->Changed();
     }
-    y += text + btnHigh + ZrTheme::DpI(12);
-    const int tabletHigh = std::max(44, ZrTheme::DpI(52));
-    m_tablet->setGeometry(left, y + (text - tabletHigh) / 2, column, tabletHigh);
+    y += m_rows[2];
+    m_tablet->setGeometry(left, y + (m_rows[3] - BtnHeight()) / 2, column, BtnHeight());
+}
+
+void ZrFmApp::wheelEvent(QWheelEvent* event)
+{
+    ScrollTo(m_scroll - event->angleDelta().y() * ZrTheme::DpI(60) / 120);
+}
+
+void ZrFmApp::mousePressEvent(QMouseEvent* event)
+{
+    if (ScrollRange() == 0) {
+        ZrForm::mousePressEvent(event);
+        return;
+    }
+    m_pressY = event->globalY();
+    m_pressScroll = m_scroll;
+}
+
+void ZrFmApp::mouseMoveEvent(QMouseEvent* event)
+{
+    if (event->buttons() & Qt::LeftButton)
+        ScrollTo(m_pressScroll + m_pressY - event->globalY());
 }

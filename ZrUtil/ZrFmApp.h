@@ -9,7 +9,8 @@ class ZrRadio;
 
 /// The settings form that every application has: units, style of positions, display scale, tablet mode.
 ///
-/// Changes take effect at once, in every input control and in the view. GUI thread only.
+/// Changes take effect at once, in every input control and in the view. Where the form is not high enough for
+/// its controls, dragging its background or the wheel scrolls them. GUI thread only.
 class ZR_UTIL_EXPORT ZrFmApp : public ZrForm
 {
     Q_OBJECT
@@ -33,8 +34,16 @@ public Q_SLOTS:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override; ///< scrolls, where there is not enough room
+    void mousePressEvent(QMouseEvent* event) override; ///< begins to scroll by dragging
+    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
+    static int TextHeight();
+    static int BtnHeight();
+    int ScrollRange() const;
+    void ScrollTo(int y);
+    void Place();
     ZrBtn* AddScaleBtn(const QString& text, const QString& name, int scale);
     void SetScale(int width, int height, int scale);
     void ApplyScale(int scale);
@@ -45,4 +54,8 @@ private:
     ZrRadio* m_units;
     ZrRadio* m_style;
     ZrCheck* m_tablet;
+    int m_rows[4] = {}; ///< heights from line to line, real pixels
+    int m_scroll = 0; ///< of the contents, above the upper edge
+    int m_pressY = 0; ///< of a drag, global
+    int m_pressScroll = 0;
 };

@@ -9,9 +9,12 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontMetrics>
 #include <QProcess>
 #include <QSignalBlocker>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
@@ -50,7 +53,16 @@ ZrFmLogging::ZrFmLogging(QWidget* parent)
     update_bindings();
 }
 
-ZrFmLogging::~ZrFmLogging() = default;
+ZrFmLogging::~ZrFmLogging()
+{
+    // Nobody waits for the answer of the desktop any more.
+    const auto requests = findChildren<QProcess*>();
+    for (QProcess* request : requests) {
+        request->disconnect(this);
+        request->kill();
+        request->waitForFinished();
+    }
+}
 
 void ZrFmLogging::ConnectControls()
 {
@@ -127,18 +139,31 @@ void ZrFmLogging::browse_log_path()
 #else
     if (path.isEmpty())
         return;
-    // The desktop's file manager selects the file; without one, the folder is opened. No shell sees the path.
-    const QString url = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded);
-    const bool isAsked = QProcess::execute(QStringLiteral("dbus-send"),
-                             {QStringLiteral("--session"), QStringLiteral("--print-reply"),
-                                 QStringLiteral("--reply-timeout=2000"),
-                                 QStringLiteral("--dest=org.freedesktop.FileManager1"),
-                                 QStringLiteral("/org/freedesktop/FileManager1"),
-                                 QStringLiteral("org.freedesktop.FileManager1.ShowItems"),
-                                 QStringLiteral("array:string:") + url, QStringLiteral("string:")})
-        == 0;
-    if (!isAsked)
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    // The desktop's file manager selects the file; without one, the folder is opened. No shell sees the path,
+    // and nobody waits for the answer. A comma would part the path in two.
+    const QFileInfo file(path);
+    QString url = QUrl::fromLocalFile(file.absoluteFilePath()).toString(QUrl::FullyEncoded);
+    url.replace(QLatin1Char(','), QLatin1String("%2C"));
+    auto* request = new QProcess(this);
+    const auto end = [request, folder = file.absolutePath()](bool isShown) {
+        if (!isShown)
+            QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+        request->deleteLater();
+    };
+    connect(request, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+        [end](int code, QProcess::ExitStatus status) { end(status == QProcess::NormalExit && code == 0); });
+    connect(request, &QProcess::errorOccurred, this, [end](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            end(false);
+    });
+    request->setStandardOutputFile(QProcess::nullDevice());
+    request->setStandardErrorFile(QProcess::nullDevice());
+    request->start(QStringLiteral("dbus-send"),
+        {QStringLiteral("--session"), QStringLiteral("--print-reply"), QStringLiteral("--reply-timeout=2000"),
+            QStringLiteral("--dest=org.freedesktop.FileManager1"),
+            QStringLiteral("/org/freedesktop/FileManager1"),
+            QStringLiteral("org.freedesktop.FileManager1.ShowItems"), QStringLiteral("array:string:") + url,
+            QStringLiteral("string:")});
 #endif
 }
 
@@ -148,5 +173,27 @@ void ZrFmLogging::resizeEvent(QResizeEvent* event)
     const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css"));
     if (styleSheet() != sheet)
         setStyleSheet(sheet);
+    // On the grid of the other forms.
+    // A style sheet that sets the size alone does not hand the family down.
+    const auto controls = findChildren<QWidget*>();
+    for (QWidget* control : controls)
+        control->setFont(ZrTheme::font);
+    m_ui->gridLayout->setContentsMargins(0, ZrTheme::DpI(12), 0, 0);
+    m_ui->horizontalLayout->setSpacing(ZrTheme::DpI(8));
+    // The widest name of a level; the slider beside it keeps its length.
+    int widest = 0;
+    m_ui->levelLbl->ensurePolished();
+    const QFontMetrics metrics = m_ui->levelLbl->fontMetrics();
+    for (int level = -1; level <= ZR_DEBUG_LOG_TRACE; ++level)
+        widest = std::max(widest, metrics.horizontalAdvance(LevelName(level)));
+    m_ui->levelLbl->setMinimumWidth(widest + ZrTheme::DpI(8));
+    m_ui->flushLbl->setMinimumWidth(widest + ZrTheme::DpI(8));
+    // A finger hits them at any scale.
+    QWidget* const targets[] = {m_ui->toFile, m_ui->toDbg, m_ui->level, m_ui->flush, m_ui->logFilePath,
+        m_ui->logFileBtn, m_ui->openLogPath};
+    for (QWidget* target : targets)
+        target->setMinimumHeight(std::max(44, ZrTheme::DpI(44)));
+    m_ui->logFileBtn->setMinimumWidth(std::max(44, ZrTheme::DpI(64)));
+    m_ui->openLogPath->setMinimumWidth(std::max(44, ZrTheme::DpI(64)));
     ZrForm::resizeEvent(event);
 }

@@ -7,6 +7,7 @@
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -45,17 +46,21 @@ void ZrFormMgr::AddNewForm(ZrForm* form)
             m_form = nullptr;
     });
     form->setGeometry(FormArea());
-    if (!m_form && !form->m_isTiered)
+    if (!m_form && !form->m_isTiered) {
         m_form = form;
-    else
+        // A child that comes after the panel was shown stays hidden by itself.
+        form->show();
+    } else {
         form->hide();
+    }
     update();
 }
 
 ZrForm* ZrFormMgr::SetToForm(QString name)
 {
     ZrForm* found = nullptr;
-    for (ZrForm* form : qAsConst(m_forms)) {
+    const QList<ZrForm*> forms = m_forms;
+    for (ZrForm* form : forms) {
         const bool isIt = form->m_name == name;
         form->setVisible(isIt);
         if (isIt)
@@ -122,6 +127,9 @@ void ZrFormMgr::BuildImg()
     if (!m_tabs || m_tabs->isNull())
         return;
     m_tabs->fill(Qt::transparent);
+    // Tabs that are not drawn are not hit either.
+    for (ZrForm* form : qAsConst(m_forms))
+        form->m_tab = QRect();
     QPainter painter(m_tabs.get());
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
@@ -159,10 +167,8 @@ void ZrFormMgr::DrawLeft(QPainter& painter)
     const int step = ZrTheme::DpI(80);
     int position = 0;
     for (ZrForm* form : qAsConst(m_forms)) {
-        if (form->m_isTiered) {
-            form->m_tab = QRect();
+        if (form->m_isTiered)
             continue;
-        }
         form->m_tab = QRect(0, m_tabHeight + position * step, m_tabWidth, step);
         DrawTab(painter, *form, position == current);
         ++position;
@@ -236,6 +242,8 @@ void ZrFormMgr::paintEvent(QPaintEvent* /*event*/)
 void ZrFormMgr::mousePressEvent(QMouseEvent* event)
 {
     ZrDragWidget::mousePressEvent(event);
+    // The window below would take a press in its upper band for a drag of its own.
+    event->accept();
     const QList<ZrForm*> forms = m_forms;
     for (ZrForm* form : forms) {
         if (m_forms.contains(form) && form->m_tab.contains(event->pos()))
@@ -249,6 +257,21 @@ void ZrFormMgr::keyPressEvent(QKeyEvent* event)
         OnClose();
     else
         ZrDragWidget::keyPressEvent(event);
+}
+
+void ZrFormMgr::showEvent(QShowEvent* event)
+{
+    m_focusBefore = QApplication::focusWidget();
+    setFocus(Qt::PopupFocusReason);
+    ZrDragWidget::showEvent(event);
+}
+
+void ZrFormMgr::hideEvent(QHideEvent* event)
+{
+    ZrDragWidget::hideEvent(event);
+    if (m_focusBefore)
+        m_focusBefore->setFocus(Qt::PopupFocusReason);
+    m_focusBefore = nullptr;
 }
 
 void ZrFormMgr::OnClose()

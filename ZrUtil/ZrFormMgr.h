@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QImage>
 #include <QList>
+#include <QPointer>
 #include <QString>
 
 #include <memory>
@@ -68,6 +69,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override; ///< takes the focus, for Esc
+    void hideEvent(QHideEvent* event) override; ///< gives it back
 
 private:
     void DrawLeft(QPainter& painter);
@@ -81,5 +84,6 @@ private:
     std::unique_ptr<QImage> m_tabs;
     QImage m_closeImg;
     QFont m_tabFont;
+    QPointer<QWidget> m_focusBefore;
     QImage m_tabImg;
 };
