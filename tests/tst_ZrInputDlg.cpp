@@ -1,4 +1,4 @@
-#include "ZrInputChecks.h"
+#include "ZrInputWindow.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -14,13 +14,15 @@ using input::U;
 
 /// The keyboard on the screen: opening, and the round trip with the control. What is done to the text:
 /// tst_ZrInputDlgText; layouts, touches and painting: tst_ZrInputDlgKeys.
-class tst_ZrInputDlg : public QObject
+class tst_ZrInputDlg : public ZrInputWindow
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+
+    void init() { OpenWindow(); }
+
+    void cleanup() { CloseWindow(); }
 
     void opensAtThePress();
     void opensTheLayoutOfTheKind_data();
@@ -48,52 +50,7 @@ private Q_SLOTS:
     void survivesDeletionInSlots_data();
     void survivesDeletionInSlots();
     void isAccessible();
-
-private:
-    ZrInput* Make(int kind, double value);
-    ZrInput* MakeText(const QString& text);
-
-    std::unique_ptr<ZrTabletState> m_state;
-    std::unique_ptr<QWidget> m_top;
-    QWidget* m_page = nullptr;
 };
-
-void tst_ZrInputDlg::init()
-{
-    m_state = std::make_unique<ZrTabletState>();
-    m_top = std::make_unique<QWidget>();
-    m_top->resize(1280, 800);
-    m_page = new QWidget(m_top.get());
-    m_page->setGeometry(0, 0, 1280, 800);
-    m_top->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_top.get()));
-    m_top->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_top.get()));
-}
-
-void tst_ZrInputDlg::cleanup()
-{
-    m_top.reset();
-    m_state.reset();
-}
-
-ZrInput* tst_ZrInputDlg::Make(int kind, double value)
-{
-    auto* in = new ZrInput(m_page);
-    in->kind = kind;
-    in->SetValue(value);
-    in->show();
-    return in;
-}
-
-ZrInput* tst_ZrInputDlg::MakeText(const QString& text)
-{
-    auto* in = new ZrInput(m_page);
-    in->kind = ZrInput::kindText;
-    in->SetText(text);
-    in->show();
-    return in;
-}
 
 void tst_ZrInputDlg::opensAtThePress()
 {

@@ -1,4 +1,4 @@
-#include "ZrInputChecks.h"
+#include "ZrInputWindow.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -13,13 +13,15 @@ using input::Type;
 using input::U;
 
 /// The text that the keyboard on the screen edits: cursor, keys, keyboards of hardware, input methods.
-class tst_ZrInputDlgText : public QObject
+class tst_ZrInputDlgText : public ZrInputWindow
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+
+    void init() { OpenWindow(); }
+
+    void cleanup() { CloseWindow(); }
 
     void asksNobody();
     void limitsTheLength();
@@ -39,52 +41,7 @@ private Q_SLOTS:
     void pastes();
     void composes();
     void asksAfterAnInputMethodRemoves();
-
-private:
-    ZrInput* Make(int kind, double value);
-    ZrInput* MakeText(const QString& text);
-
-    std::unique_ptr<ZrTabletState> m_state;
-    std::unique_ptr<QWidget> m_top;
-    QWidget* m_page = nullptr;
 };
-
-void tst_ZrInputDlgText::init()
-{
-    m_state = std::make_unique<ZrTabletState>();
-    m_top = std::make_unique<QWidget>();
-    m_top->resize(1280, 800);
-    m_page = new QWidget(m_top.get());
-    m_page->setGeometry(0, 0, 1280, 800);
-    m_top->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_top.get()));
-    m_top->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_top.get()));
-}
-
-void tst_ZrInputDlgText::cleanup()
-{
-    m_top.reset();
-    m_state.reset();
-}
-
-ZrInput* tst_ZrInputDlgText::Make(int kind, double value)
-{
-    auto* in = new ZrInput(m_page);
-    in->kind = kind;
-    in->SetValue(value);
-    in->show();
-    return in;
-}
-
-ZrInput* tst_ZrInputDlgText::MakeText(const QString& text)
-{
-    auto* in = new ZrInput(m_page);
-    in->kind = ZrInput::kindText;
-    in->SetText(text);
-    in->show();
-    return in;
-}
 
 /// Without anybody connected nothing is valid.
 void tst_ZrInputDlgText::asksNobody()
