@@ -88,6 +88,7 @@ private Q_SLOTS:
     void palettesAreBands();
     void honeycombRepeats();
     void cornersAreTheApplications();
+    void imagesAgreeWithTheirSources_data();
     void imagesAgreeWithTheirSources();
     void sheetHasOnlyKnownTokens_data();
     void sheetHasOnlyKnownTokens();
@@ -231,25 +232,35 @@ void tst_ZrResources::cornersAreTheApplications()
         QVERIFY2(!QFile::exists(QString::fromLatin1(name)), name);
 }
 
+void tst_ZrResources::imagesAgreeWithTheirSources_data()
+{
+    QTest::addColumn<QString>("images");
+    QTest::addColumn<int>("count");
+    QTest::newRow("library") << QStringLiteral(ZR_SOURCE_DIR "/ZrUtil/resources/images") << 31;
+    QTest::newRow("kit") << QStringLiteral(ZR_SOURCE_DIR "/ZrKit/resources/icons") << 65;
+}
+
 void tst_ZrResources::imagesAgreeWithTheirSources()
 {
+    QFETCH(QString, images);
+    QFETCH(int, count);
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString folder = QStringLiteral(ZR_SOURCE_DIR "/ZrUtil/resources");
     QProcess script;
     script.start(QStringLiteral("python3"),
-        {folder + QStringLiteral("/render_images.py"), QStringLiteral("--out"), dir.path()});
+        {folder + QStringLiteral("/render_images.py"), QStringLiteral("--from"), images,
+            QStringLiteral("--out"), dir.path()});
     QVERIFY(script.waitForFinished());
     QVERIFY2(script.exitCode() == 0, script.readAllStandardError().constData());
-    const QStringList sources
-        = QDir(folder + QStringLiteral("/images")).entryList({QStringLiteral("*.svg")}, QDir::Files);
-    QVERIFY(sources.size() >= 31);
+    const QStringList sources = QDir(images).entryList({QStringLiteral("*.svg")}, QDir::Files);
+    QVERIFY(sources.size() >= count);
     for (const QString& source : sources) {
         const QString file = QFileInfo(source).completeBaseName() + QStringLiteral(".png");
         const QImage rendered
             = QImage(dir.filePath(file)).convertToFormat(QImage::Format_RGBA8888_Premultiplied);
-        const QImage committed = QImage(folder + QStringLiteral("/images/") + file)
-                                     .convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+        const QImage committed
+            = QImage(images + QLatin1Char('/') + file).convertToFormat(QImage::Format_RGBA8888_Premultiplied);
         QVERIFY2(!rendered.isNull(), qPrintable(file));
         QCOMPARE(committed.size(), rendered.size());
         for (int y = 0; y < rendered.height(); ++y) {

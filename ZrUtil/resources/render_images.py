@@ -3,6 +3,7 @@
 
   render_images.py            beside the SVG files: run it after changing one, and commit both
   render_images.py --out DIR  into DIR
+  render_images.py --from DIR the SVG files of DIR instead, beside them
 
 Icons are drawn on a grid of 24 units with lines of 2 units, white on nothing: the program colours them. They are
 rendered at 4 pixels a unit, about twice the size of the largest use on a screen at scale 1, so that they
@@ -19,11 +20,13 @@ IMAGES = pathlib.Path(__file__).resolve().parent / "images"
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--out", type=pathlib.Path, default=IMAGES, metavar="DIR")
-    out = parser.parse_args().out
-    sources = sorted(IMAGES.glob("*.svg"))
+    parser.add_argument("--from", dest="folder", type=pathlib.Path, default=IMAGES, metavar="DIR")
+    parser.add_argument("--out", type=pathlib.Path, metavar="DIR")
+    arguments = parser.parse_args()
+    out = arguments.out or arguments.folder
+    sources = sorted(arguments.folder.glob("*.svg"))
     if not sources:
-        sys.exit(f"no SVG files in {IMAGES}")
+        sys.exit(f"no SVG files in {arguments.folder}")
     for source in sources:
         target = out / (source.stem + ".png")
         try:

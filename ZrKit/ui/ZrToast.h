@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+
+#include <QString>
+#include <QWidget>
+
+#include <functional>
+
+class QTimer;
+class ZrBtn;
+
+/// A strip at the lower edge of its parent that tells something for some seconds, and may offer to take it
+/// back.
+///
+/// \code
+/// toast->Show(tr("Waypoint 7 deleted"), tr("Undo"), [this] { m_history.Undo(); });
+/// \endcode
+///
+/// One message at a time: a new one takes the place of the one shown, whose action is gone then. A tap on the
+/// strip hides it. GUI thread only.
+class ZR_KIT_EXPORT ZrToast : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum eKind : int
+    {
+        info = 0,
+        warning = 1,
+        error = 2
+    };
+
+    static constexpr int Milliseconds = 5000; ///< shown for so long; errors twice as long
+
+    explicit ZrToast(QWidget* parent);
+
+    /// Shows \p text; with \p action a button that calls \p run and hides the strip.
+    void Show(const QString& text, const QString& action = QString(), const std::function<void()>& run = {});
+    void Show(eKind kind, const QString& text);
+
+    QString Text() const { return m_text; }
+
+    void Place(); ///< at the lower edge of the parent; after a change of its size or of the scale
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    void Start(eKind kind, const QString& text);
+    QRect TextRect() const;
+
+    QString m_text;
+    eKind m_kind = info;
+    std::function<void()> m_run;
+    ZrBtn* m_action;
+    QTimer* m_timer;
+};

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "apps/ZrSurvey/SurveySettings.h"
+
+/// What the pages share.
+struct SurveyModel
+{
+    SurveySettings settings;
+};

@@ -1,0 +1,208 @@
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include "ZrKit/settings/ZrSettingsFile.h"
+#include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrToast.h"
+#include "ZrUtil/ZrFmApp.h"
+#include "ZrUtil/ZrFmLogging.h"
+#include "ZrUtil/ZrFormMgr.h"
+#include "ZrUtil/ZrSetApp.h"
+#include "ZrUtil/ZrSetModule.h"
+#include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/HomePage.h"
+#include "apps/ZrSurvey/PlanPage.h"
+#include "apps/ZrSurvey/RecordPage.h"
+#include "apps/ZrSurvey/ReviewPage.h"
+#include "apps/ZrSurvey/ScenePage.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QKeyEvent>
+
+#include <chrono>
+
+namespace {
+
+/// Pages ask for their frames themselves: the view's own timer need not paint a screen that stands still.
+constexpr std::chrono::milliseconds idle = std::chrono::hours(24);
+
+} // namespace
+
+SurveyView::SurveyView(const QString& settingsPath)
+    : ZrAppView(nullptr, idle, updateTimer, idle)
+    , m_model(std::make_unique<SurveyModel>())
+    , m_toast(new ZrToast(this))
+    , m_settingsPath(settingsPath)
+{
+    setWindowTitle(QStringLiteral("ZrSurvey"));
+    forms().AddNewForm(new ZrFmApp(&forms()));
+    forms().AddNewForm(new ZrFmLogging(&forms()));
+    AddPage(QStringLiteral("Home"), new HomePage(*this), true);
+    AddPage(QStringLiteral("Plan"), new PlanPage(*this), false);
+    AddPage(QStringLiteral("Record"), new RecordPage(*this), false);
+    AddPage(QStringLiteral("Review"), new ReviewPage(*this), false);
+    AddPage(QStringLiteral("Scene"), new ScenePage(*this), false);
+    LoadSettings();
+    ApplyColours();
+    m_current->OnPageOpen();
+}
+
+SurveyView::~SurveyView()
+{
+    // Pages use the model until their end.
+    qDeleteAll(m_pages);
+}
+
+SurveyPage* SurveyView::Page() const
+{
+    return static_cast<SurveyPage*>(m_current);
+}
+
+void SurveyView::Show(const QString& page)
+{
+    if (m_current != GetPage(page))
+        SetPageTo(page, true);
+}
+
+bool SurveyView::Open(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("log")) {
+        OpenLog(path);
+        return true;
+    }
+    return OpenPlan(path);
+}
+
+void SurveyView::OpenLog(const QString& path)
+{
+    static_cast<ReviewPage*>(GetPage(QStringLiteral("Review")))->OpenLog(path);
+    Show(QStringLiteral("Review"));
+}
+
+bool SurveyView::OpenPlan(const QString& path)
+{
+    Show(QStringLiteral("Plan"));
+    return static_cast<PlanPage*>(GetPage(QStringLiteral("Plan")))->OpenPlan(path);
+}
+
+void SurveyView::Tell(const QString& text, const QString& action, const std::function<void()>& run)
+{
+    m_toast->Show(text, action, run);
+}
+
+void SurveyView::Warn(const QString& text)
+{
+    m_toast->Show(ZrToast::error, text);
+}
+
+void SurveyView::LoadSettings()
+{
+    if (m_settingsPath.isEmpty())
+        return;
+    ZrSettingsFile file(m_settingsPath);
+    zr::ZrSetApp stored(zr::ePersistLoading);
+    if (file.Load(stored.root)) {
+        stored.synchronise(*this);
+        if (!file.Warning().isEmpty())
+            Warn(file.Warning());
+    } else if (file.State() != ZrSettingsFile::Missing) {
+        Warn(tr("The settings cannot be read; all are as at the first start. %1").arg(file.Error()));
+    }
+}
+
+bool SurveyView::SaveSettings()
+{
+    if (m_settingsPath.isEmpty())
+        return true;
+    ZrSettingsFile file(m_settingsPath);
+    zr::ZrSetApp stored(zr::ePersistStoring);
+    stored.synchronise(*this);
+    if (file.Save(stored.root))
+        return true;
+    Warn(tr("The settings cannot be saved. %1").arg(file.Error()));
+    return false;
+}
+
+void SurveyView::settings(zr::ZrSetModule& module)
+{
+    ZrAppView::settings(module);
+    module.sub_item(QStringLiteral("survey"), m_model->settings);
+}
+
+void SurveyView::OnExit()
+{
+    SaveSettings();
+}
+
+void SurveyView::SetColours(int scheme)
+{
+    m_model->settings.colours = scheme;
+    ApplyColours();
+}
+
+void SurveyView::ApplyColours()
+{
+    ZrColourScheme::Apply(m_model->settings.colours);
+    const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css"));
+    if (qApp->styleSheet() != sheet)
+        qApp->setStyleSheet(sheet);
+    m_toast->Place();
+    for (ZrPage* page : qAsConst(m_pages))
+        static_cast<SurveyPage*>(page)->OnColours();
+    Q_EMIT ColoursChanged();
+    update();
+}
+
+void SurveyView::resizeGL(int w, int h)
+{
+    ZrAppView::resizeGL(w, h);
+    // The library has set its standard style anew.
+    ApplyColours();
+}
+
+void SurveyView::paintGL()
+{
+    ZrAppView::paintGL();
+    Q_EMIT FramePainted();
+}
+
+void SurveyView::keyPressEvent(QKeyEvent* event)
+{
+    const bool isAlt = event->modifiers() == Qt::AltModifier;
+    if (Page() && Page()->OnKey(event->key(), event->modifiers()))
+        return;
+    switch (event->key()) {
+    case Qt::Key_F1:
+        Show(QStringLiteral("Home"));
+        return;
+    case Qt::Key_F2:
+        Show(QStringLiteral("Plan"));
+        return;
+    case Qt::Key_F3:
+        Show(QStringLiteral("Record"));
+        return;
+    case Qt::Key_F4:
+        Show(QStringLiteral("Review"));
+        return;
+    case Qt::Key_F5:
+        Show(QStringLiteral("Scene"));
+        return;
+    case Qt::Key_F10:
+        ToggleSettings();
+        return;
+    case Qt::Key_F11:
+        ScreenMode();
+        return;
+    case Qt::Key_Left:
+        if (isAlt) {
+            Back();
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    ZrAppView::keyPressEvent(event);
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ZrUtil/ZrAppView.h"
+
+#include <memory>
+
+class SurveyPage;
+class ZrToast;
+struct SurveyModel;
+
+/// The window of the application: its pages, the forms of its settings, its shortcuts, and what all of them
+/// share, the model.
+class SurveyView : public ZrAppView
+{
+    Q_OBJECT
+
+public:
+    /// \param settingsPath file of the settings; empty to keep none
+    explicit SurveyView(const QString& settingsPath);
+    ~SurveyView() override;
+
+    SurveyModel& Model() { return *m_model; }
+
+    SurveyPage* Page() const; ///< the one that is shown
+    void Show(const QString& page); ///< by name: "Home", "Plan", "Record", "Review", "Scene"
+
+    /// Opens a log or a plan, by its content. False, after a message, when it is neither.
+    bool Open(const QString& path);
+
+    void OpenLog(const QString& path); ///< shows the page "Review" with it
+    bool OpenPlan(const QString& path); ///< shows the page "Plan" with it
+
+    bool SaveSettings(); ///< false, after a message, when they cannot be written
+    void SetColours(int scheme); ///< a `ZrColourScheme::eScheme`
+
+    /// Shows a message for some seconds; with \p action a button that calls \p run.
+    void Tell(const QString& text, const QString& action = QString(), const std::function<void()>& run = {});
+    void Warn(const QString& text); ///< shows an error, longer
+
+    void settings(zr::ZrSetModule& module) override;
+
+Q_SIGNALS:
+    void ColoursChanged(); ///< colours, fonts or the scale
+    void FramePainted(); ///< for those who wait for the screen
+
+protected:
+    void OnExit() override;
+    void paintGL() override;
+    void resizeGL(int w, int h) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void LoadSettings();
+    void ApplyColours();
+
+    std::unique_ptr<SurveyModel> m_model;
+    ZrToast* m_toast;
+    QString m_settingsPath;
+};
