@@ -1,0 +1,139 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/planning/ZrArea.h"
+#include "ZrKit/planning/ZrRouteCheck.h"
+#include "ZrKit/planning/ZrRouteFinding.h"
+#include "ZrKit/planning/ZrRouteHistory.h"
+#include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrUtil/ZrWpts.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class QTimer;
+
+/// A plan that is being worked on: a route with undo, the areas that it covers or keeps clear of, the file it
+/// came from, and a draft on disk that survives whatever happens to the program.
+///
+/// \code
+/// ZrPlanDocument plan(draftPath);
+/// if (plan.HasDraft())
+///     offer([&] { plan.RestoreDraft(); }, [&] { plan.DiscardDraft(); });
+/// plan.History().Add(lat, lng, eZrWptBlue, ZrWpts::eAddTail);
+/// plan.Edited(); // after every edit of the route: updates what depends on it, and the draft
+/// if (!plan.Save(path))
+///     tell(plan.Error());
+/// \endcode
+///
+/// The draft is replaced in one step at once after an edit; of edits that follow within `DraftMilliseconds`,
+/// as in a drag, the last one is written when they pause. It is removed when the plan is saved, or abandoned
+/// by `New`, `Open` or `DiscardDraft`. Plans saved in the settings form (.json) hold the areas as well; other
+/// forms hold the route alone.
+///
+/// Lives on the user-interface thread, as routes do.
+class ZR_KIT_EXPORT ZrPlanDocument : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int DraftMilliseconds = 250;
+
+    /// \param draftPath file of the draft; empty to keep none
+    explicit ZrPlanDocument(const QString& draftPath, QObject* parent = nullptr);
+    ~ZrPlanDocument() override;
+
+    ZrWpts& Route() { return m_route; }
+
+    const ZrWpts& Route() const { return m_route; }
+
+    ZrRouteHistory& History() { return m_history; }
+
+    const std::vector<ZrArea>& Areas() const { return m_areas; } ///< that surveys are planned over
+
+    const std::vector<ZrArea>& NoGo() const { return m_noGo; } ///< that the path must keep clear of
+
+    void SetAreas(std::vector<ZrArea> areas); ///< counts as an edit
+    void SetNoGo(std::vector<ZrArea> areas); ///< likewise
+
+    double Margin() const { return m_margin; } ///< metres to keep from areas to keep clear of
+
+    void SetMargin(double metres);
+
+    /// To be called after every edit of the route.
+    void Edited();
+
+    /// The way along the route, of the state at the last edit.
+    const ZrRoutePath& Path();
+
+    /// What is to be said about it, likewise.
+    const std::vector<ZrRouteFinding>& Findings();
+
+    int LineCount() const; ///< survey lines: legs of waypoints named "… S" to "… E" by a pattern
+
+    /// \name File
+    /// @{
+    QString FilePath() const { return m_path; } ///< empty for a plan that was never saved
+
+    QString Name() const; ///< of the file, or "New plan"
+
+    bool IsDirty() const; ///< differs from its file; false for an empty new plan
+
+    void New(); ///< an empty plan
+
+    /// Replaces the plan by that of a file. False, with the reason in `Error` and the plan as it was.
+    bool Open(const QString& path);
+
+    /// Replaces the file, in the form that its suffix names. False, with the reason in `Error`.
+    bool Save(const QString& path);
+
+    /// Writes the route into a file of any form; the plan keeps its own.
+    bool Export(const QString& path);
+
+    QString Error() const { return m_error; }
+
+    QStringList Warnings() const { return m_warnings; } ///< of the last `Open`, `Save` or `Export`
+
+    /// @}
+
+    /// \name Draft
+    /// @{
+    bool HasDraft() const; ///< left by a program that ended without saving
+    bool RestoreDraft(); ///< false, with the reason in `Error`, when it cannot be read
+    void DiscardDraft();
+    void FlushDraft(); ///< writes what waits to be written
+    /// @}
+
+Q_SIGNALS:
+    void Changed(); ///< the route, the areas or the file
+    void DraftFailed(const QString& error); ///< the draft cannot be written; told once until it can again
+
+private:
+    void Forget();
+    void SetPath(const QString& path);
+    void WriteDraft();
+    QJsonObject ToJson() const;
+    void ExtrasFromJson(const QJsonObject& root);
+    void ExtrasToJson(QJsonObject& root) const;
+    bool Fail(const QString& error);
+
+    ZrWpts m_route;
+    ZrRouteHistory m_history;
+    std::vector<ZrArea> m_areas;
+    std::vector<ZrArea> m_noGo;
+    double m_margin = 0.0;
+    bool m_areasEdited = false;
+    std::unique_ptr<ZrRoutePath> m_pathway;
+    std::unique_ptr<std::vector<ZrRouteFinding>> m_findings;
+    QString m_path;
+    QString m_draftPath;
+    QTimer* m_draftTimer;
+    bool m_isDraftDue = false;
+    bool m_hasDraftFailed = false;
+    QString m_error;
+    QStringList m_warnings;
+};

@@ -1,0 +1,436 @@
+// A plan, its file and its draft.
+
+#include "ZrKit/planning/ZrPlanDocument.h"
+#include "ZrKit/planning/ZrSurveyPattern.h"
+#include "ZrKit/planning/ZrSurveyPatternSettings.h"
+#include "ZrUtil/ZrWpt.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <limits>
+
+namespace {
+
+const ZrArea harbour{
+    QStringLiteral("Häfen 港"), {{50.0, -4.0}, {50.01, -4.0}, {50.01, -3.99}, {50.0, -3.99}}};
+
+void AddThree(ZrPlanDocument& plan)
+{
+    for (int i = 0; i < 3; ++i) {
+        plan.History().Add(50.0 + 0.01 * i, -4.0 + (i == 1 ? 0.01 : 0.0), eZrWptBlue, ZrWpts::eAddTail);
+        plan.Edited();
+    }
+}
+
+QByteArray Content(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool Write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+} // namespace
+
+class tst_ZrPlanDocument : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void startsEmpty();
+    void editsMakeItDirty();
+    void undoToTheFileIsClean();
+    void areasMakeItDirty();
+    void pathFollowsEdits();
+    void findingsFollowAreas();
+    void countsLines();
+    void savesAndOpens_data();
+    void savesAndOpens();
+    void otherFormsLoseTheAreasOnly();
+    void exportKeepsTheFile();
+    void openFailureKeepsThePlan();
+    void saveFailureKeepsTheDraft();
+    void newForgetsAll();
+    void draftIsThereAtOnce();
+    void dragIsWrittenWhenItPauses();
+    void draftIsRestored();
+    void draftOfAreasAlone();
+    void draftIsGoneAfterSaving();
+    void damagedDraft_data();
+    void damagedDraft();
+    void draftFailureIsToldOnce();
+    void noDraftWanted();
+    void draftSurvivesKill();
+
+private:
+    QString At(const char* name) const { return m_dir->filePath(QString::fromUtf8(name)); }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+void tst_ZrPlanDocument::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+}
+
+void tst_ZrPlanDocument::startsEmpty()
+{
+    ZrPlanDocument plan(At("draft"));
+    QVERIFY(!plan.IsDirty());
+    QVERIFY(!plan.HasDraft());
+    QVERIFY(plan.Route().linked);
+    QCOMPARE(plan.Name(), QStringLiteral("New plan"));
+    QCOMPARE(plan.Path().Length(), 0.0);
+    QCOMPARE(plan.LineCount(), 0);
+    QCOMPARE(plan.Findings().front().code, ZrRouteFinding::eEmpty);
+}
+
+void tst_ZrPlanDocument::editsMakeItDirty()
+{
+    ZrPlanDocument plan(At("draft"));
+    QSignalSpy changed(&plan, &ZrPlanDocument::Changed);
+    AddThree(plan);
+    QVERIFY(plan.IsDirty());
+    QCOMPARE(changed.count(), 3);
+}
+
+void tst_ZrPlanDocument::undoToTheFileIsClean()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(plan.Save(At("a.json")));
+    QVERIFY(!plan.IsDirty());
+    plan.History().Reverse();
+    plan.Edited();
+    QVERIFY(plan.IsDirty());
+    plan.History().Undo();
+    plan.Edited();
+    QVERIFY(!plan.IsDirty());
+}
+
+void tst_ZrPlanDocument::areasMakeItDirty()
+{
+    ZrPlanDocument plan(At("draft"));
+    plan.SetAreas({harbour});
+    QVERIFY(plan.IsDirty());
+    ZrPlanDocument other(At("draft2"));
+    other.SetNoGo({harbour});
+    QVERIFY(other.IsDirty());
+    ZrPlanDocument third(At("draft3"));
+    third.SetMargin(std::numeric_limits<double>::quiet_NaN());
+    QVERIFY(!third.IsDirty());
+    third.SetMargin(20);
+    QVERIFY(third.IsDirty());
+}
+
+void tst_ZrPlanDocument::pathFollowsEdits()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    const double length = plan.Path().Length();
+    QVERIFY(length > 2000);
+    plan.History().Delete(plan.Route().GetTail());
+    plan.Edited();
+    QVERIFY(plan.Path().Length() < length);
+}
+
+void tst_ZrPlanDocument::findingsFollowAreas()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    const auto has = [&plan](ZrRouteFinding::eCode code) {
+        for (const ZrRouteFinding& finding : plan.Findings()) {
+            if (finding.code == code)
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(!has(ZrRouteFinding::eInNoGo));
+    plan.SetNoGo({harbour});
+    QVERIFY(has(ZrRouteFinding::eInNoGo));
+}
+
+void tst_ZrPlanDocument::countsLines()
+{
+    ZrPlanDocument plan(At("draft"));
+    ZrSurveyPattern pattern;
+    ZrSurveyPatternSettings settings;
+    settings.lineSpacing = 100;
+    QVERIFY(pattern.Make(harbour, settings));
+    pattern.Plan().AppendTo(plan.Route());
+    plan.History().Record(QStringLiteral("Survey"));
+    plan.Edited();
+    QCOMPARE(plan.LineCount(), int(pattern.Plan().lines.size()));
+    QVERIFY(plan.LineCount() > 3);
+}
+
+void tst_ZrPlanDocument::savesAndOpens_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"a.json", "a.xml", "a.gpx", "a.kml", "a.geojson", "a.txt", "Plan ä 港.json"})
+        QTest::newRow(name) << QString::fromUtf8(name);
+}
+
+void tst_ZrPlanDocument::savesAndOpens()
+{
+    QFETCH(QString, name);
+    const QString path = m_dir->filePath(name);
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY2(plan.Save(path), qPrintable(plan.Error()));
+    QVERIFY(!plan.IsDirty());
+    QCOMPARE(plan.FilePath(), path);
+    QCOMPARE(plan.Name(), QFileInfo(path).completeBaseName());
+    ZrPlanDocument other(At("draft2"));
+    QSignalSpy changed(&other, &ZrPlanDocument::Changed);
+    QVERIFY2(other.Open(path), qPrintable(other.Error()));
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(!other.IsDirty());
+    QVERIFY(!other.HasDraft());
+    QCOMPARE(other.Route().GetCount(), 3);
+    QVERIFY(std::abs(other.Path().Length() - plan.Path().Length()) < 0.1);
+}
+
+void tst_ZrPlanDocument::otherFormsLoseTheAreasOnly()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    plan.SetAreas({harbour});
+    plan.SetNoGo({harbour, harbour});
+    plan.SetMargin(12.5);
+    QVERIFY(plan.Save(At("a.json")));
+    ZrPlanDocument other(At("draft2"));
+    QVERIFY(other.Open(At("a.json")));
+    QCOMPARE(other.Areas().size(), std::size_t(1));
+    QCOMPARE(other.Areas()[0].name, harbour.name);
+    QVERIFY(other.Areas()[0].ring == harbour.ring);
+    QCOMPARE(other.NoGo().size(), std::size_t(2));
+    QCOMPARE(other.Margin(), 12.5);
+    QVERIFY(plan.Save(At("a.gpx")));
+    QVERIFY(other.Open(At("a.gpx")));
+    QVERIFY(other.Areas().empty());
+    QCOMPARE(other.Margin(), 0.0);
+}
+
+void tst_ZrPlanDocument::exportKeepsTheFile()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(plan.Export(At("a.gpx")));
+    QVERIFY(plan.IsDirty());
+    QVERIFY(plan.FilePath().isEmpty());
+    QVERIFY(plan.HasDraft());
+}
+
+void tst_ZrPlanDocument::openFailureKeepsThePlan()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(Write(At("bad.json"), "{\"waypoints\": [1,"));
+    for (const char* name : {"bad.json", "missing.gpx", "."}) {
+        QVERIFY2(!plan.Open(At(name)), name);
+        QVERIFY(!plan.Error().isEmpty());
+        QCOMPARE(plan.Route().GetCount(), 3);
+        QVERIFY(plan.HasDraft());
+    }
+}
+
+void tst_ZrPlanDocument::saveFailureKeepsTheDraft()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(QDir().mkdir(At("folder.json")));
+    QVERIFY(QDir().mkdir(At("folder.gpx")));
+    for (const char* name : {"folder.json", "folder.gpx", "no/such/folder/a.json"}) {
+        QVERIFY2(!plan.Save(At(name)), name);
+        QVERIFY(!plan.Error().isEmpty());
+        QVERIFY(plan.IsDirty());
+        QVERIFY(plan.HasDraft());
+    }
+}
+
+void tst_ZrPlanDocument::newForgetsAll()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    plan.SetAreas({harbour});
+    plan.New();
+    QVERIFY(!plan.IsDirty() && !plan.HasDraft() && plan.Areas().empty() && plan.FilePath().isEmpty());
+    QCOMPARE(plan.Route().GetCount(), 0);
+    QVERIFY(!plan.History().CanUndo());
+    QVERIFY(plan.Route().linked);
+}
+
+void tst_ZrPlanDocument::draftIsThereAtOnce()
+{
+    ZrPlanDocument plan(At("folder/draft"));
+    plan.History().Add(50, -4, eZrWptBlue, ZrWpts::eAddTail);
+    plan.Edited();
+    // Without the event loop having run.
+    QVERIFY(plan.HasDraft());
+}
+
+void tst_ZrPlanDocument::dragIsWrittenWhenItPauses()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    const QByteArray before = Content(At("draft"));
+    plan.History().Move(plan.Route().GetHead(), 49.5, -4.0);
+    plan.Edited();
+    QCOMPARE(Content(At("draft")), before);
+    QTRY_VERIFY(Content(At("draft")) != before);
+    plan.History().Move(plan.Route().GetHead(), 49.6, -4.0);
+    plan.Edited();
+    plan.FlushDraft();
+    ZrPlanDocument other(At("draft"));
+    QVERIFY(other.RestoreDraft());
+    QCOMPARE(other.Route().GetHead()->lat, 49.6);
+}
+
+void tst_ZrPlanDocument::draftIsRestored()
+{
+    {
+        ZrPlanDocument plan(At("draft"));
+        AddThree(plan);
+        QVERIFY(plan.Save(At("a.json")));
+        plan.SetAreas({harbour});
+        plan.SetMargin(3);
+        plan.History().Reverse();
+        plan.Edited();
+    }
+    ZrPlanDocument plan(At("draft"));
+    QVERIFY(plan.HasDraft());
+    QVERIFY(plan.RestoreDraft());
+    QCOMPARE(plan.Route().GetCount(), 3);
+    QCOMPARE(plan.Route().GetHead()->lat, 50.02);
+    QCOMPARE(plan.FilePath(), At("a.json"));
+    QCOMPARE(plan.Areas().size(), std::size_t(1));
+    QCOMPARE(plan.Margin(), 3.0);
+    QVERIFY(plan.IsDirty());
+    QVERIFY(plan.HasDraft());
+    plan.DiscardDraft();
+    QVERIFY(!plan.HasDraft());
+}
+
+void tst_ZrPlanDocument::draftOfAreasAlone()
+{
+    {
+        ZrPlanDocument plan(At("draft"));
+        plan.SetAreas({harbour});
+    }
+    ZrPlanDocument plan(At("draft"));
+    QVERIFY2(plan.RestoreDraft(), qPrintable(plan.Error()));
+    QCOMPARE(plan.Areas().size(), std::size_t(1));
+    QVERIFY(plan.Route().linked);
+}
+
+void tst_ZrPlanDocument::draftIsGoneAfterSaving()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(plan.Save(At("a.json")));
+    QVERIFY(!plan.HasDraft());
+    QTest::qWait(2 * ZrPlanDocument::DraftMilliseconds);
+    QVERIFY(!plan.HasDraft());
+}
+
+void tst_ZrPlanDocument::damagedDraft_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("garbage") << QByteArray("\0\1\2", 3);
+    QTest::newRow("cut") << QByteArray("{\"format\": \"zr-plan-draft\", \"route\": {");
+    QTest::newRow("another format") << QByteArray("{\"format\": \"song\"}");
+    QTest::newRow("waypoints of the wrong kind")
+        << QByteArray("{\"format\": \"zr-plan-draft\", \"route\": {\"waypoints\": [17]}}");
+}
+
+void tst_ZrPlanDocument::damagedDraft()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(Write(At("draft"), bytes));
+    ZrPlanDocument plan(At("draft"));
+    QVERIFY(plan.HasDraft());
+    if (!plan.RestoreDraft())
+        QVERIFY(plan.Error().startsWith(At("draft")));
+    QVERIFY(plan.Route().GetCount() <= 1);
+}
+
+void tst_ZrPlanDocument::draftFailureIsToldOnce()
+{
+    QVERIFY(QDir().mkdir(At("draft")));
+    ZrPlanDocument plan(At("draft"));
+    QSignalSpy failed(&plan, &ZrPlanDocument::DraftFailed);
+    AddThree(plan);
+    plan.FlushDraft();
+    plan.Edited();
+    plan.FlushDraft();
+    QCOMPARE(failed.count(), 1);
+    QVERIFY(!failed[0][0].toString().isEmpty());
+    QVERIFY(!plan.HasDraft());
+}
+
+void tst_ZrPlanDocument::noDraftWanted()
+{
+    ZrPlanDocument plan((QString()));
+    AddThree(plan);
+    QVERIFY(!plan.HasDraft());
+    QVERIFY(!plan.RestoreDraft());
+}
+
+/// Run with an argument the program plans until it is killed, saying after each edit how many there were.
+void tst_ZrPlanDocument::draftSurvivesKill()
+{
+    for (int round = 0; round < 5; ++round) {
+        QFile::remove(At("draft"));
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--plan"), At("draft")});
+        QByteArray output;
+        const int wanted = 3 + round * 7;
+        while (output.count('\n') < wanted && child.waitForReadyRead(10000))
+            output += child.readAllStandardOutput();
+        child.kill();
+        QVERIFY(child.waitForFinished());
+        output += child.readAllStandardOutput();
+        const int told = output.count('\n');
+        QVERIFY(told >= wanted);
+        ZrPlanDocument plan(At("draft"));
+        QVERIFY(plan.RestoreDraft());
+        // An edit may have been written and not told yet.
+        const int found = plan.Route().GetCount();
+        QVERIFY2(
+            found == told || found == told + 1, qPrintable(QStringLiteral("%1 of %2").arg(found).arg(told)));
+        plan.DiscardDraft();
+    }
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    if (argc == 3 && qstrcmp(argv[1], "--plan") == 0) {
+        ZrPlanDocument plan(QString::fromLocal8Bit(argv[2]));
+        for (int i = 0; i < 10000; ++i) {
+            plan.History().Add(50.0 + 0.001 * i, -4.0, eZrWptBlue, ZrWpts::eAddTail);
+            plan.Edited();
+            plan.FlushDraft();
+            std::puts("edited");
+            std::fflush(stdout);
+        }
+        return 0;
+    }
+    tst_ZrPlanDocument test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_ZrPlanDocument.moc"
