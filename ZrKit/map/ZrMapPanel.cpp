@@ -41,6 +41,11 @@ void ZrMapPanel::Match()
     Q_EMIT Changed();
 }
 
+void ZrMapPanel::moveEvent(QMoveEvent* /*event*/)
+{
+    Match();
+}
+
 void ZrMapPanel::resizeEvent(QResizeEvent* /*event*/)
 {
     Match();

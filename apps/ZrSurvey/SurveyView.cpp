@@ -29,11 +29,11 @@ constexpr std::chrono::milliseconds idle = std::chrono::hours(24);
 
 } // namespace
 
-SurveyView::SurveyView(const QString& settingsPath)
+SurveyView::SurveyView(const QString& dataDir)
     : ZrAppView(nullptr, idle, updateTimer, idle)
-    , m_model(std::make_unique<SurveyModel>())
+    , m_model(std::make_unique<SurveyModel>(dataDir))
     , m_toast(new ZrToast(this))
-    , m_settingsPath(settingsPath)
+    , m_settingsPath(dataDir.isEmpty() ? QString() : dataDir + QStringLiteral("/settings.json"))
 {
     setWindowTitle(QStringLiteral("ZrSurvey"));
     forms().AddNewForm(new ZrFmApp(&forms()));
@@ -67,12 +67,14 @@ void SurveyView::Show(const QString& page)
 
 bool SurveyView::Open(const QString& path)
 {
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    if (suffix == QLatin1String("log")) {
-        OpenLog(path);
-        return true;
+    if (!QFileInfo(path).isFile()) {
+        Warn(tr("%1 is no file").arg(path));
+        return false;
     }
-    return OpenPlan(path);
+    if (QFileInfo(path).suffix().toLower() != QLatin1String("log"))
+        return OpenPlan(path);
+    OpenLog(path);
+    return true;
 }
 
 void SurveyView::OpenLog(const QString& path)

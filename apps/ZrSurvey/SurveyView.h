@@ -15,8 +15,8 @@ class SurveyView : public ZrAppView
     Q_OBJECT
 
 public:
-    /// \param settingsPath file of the settings; empty to keep none
-    explicit SurveyView(const QString& settingsPath);
+    /// \param dataDir folder of the settings and of the plan's draft; empty to keep neither
+    explicit SurveyView(const QString& dataDir);
     ~SurveyView() override;
 
     SurveyModel& Model() { return *m_model; }

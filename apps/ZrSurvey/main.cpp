@@ -5,8 +5,9 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileInfo>
+#include <QStandardPaths>
 #include <QSurfaceFormat>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -37,8 +38,49 @@ int main(int argc, char** argv)
 
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();
-    SurveyView view((QString()));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QCoreApplication::translate("main", "Plans, records and reviews surveys of underwater vehicles."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+        QCoreApplication::translate("main", "Show this text."));
+    const QCommandLineOption data(QStringLiteral("data"),
+        QCoreApplication::translate("main", "Keep the settings and the plan's draft in DIR."),
+        QStringLiteral("DIR"));
+    const QCommandLineOption screenshot(QStringLiteral("screenshot"),
+        QCoreApplication::translate("main", "Write a picture of the first screen into FILE and end."),
+        QStringLiteral("FILE"));
+    parser.addOptions({help, data, screenshot});
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+        QCoreApplication::translate("main", "A log to review or a plan to work on."),
+        QStringLiteral("[FILE]"));
+    const bool isUnderstood = parser.parse(QCoreApplication::arguments());
+    if (isUnderstood && parser.isSet(help)) {
+        std::printf("%s", qPrintable(parser.helpText()));
+        return 0;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (!isUnderstood || files.size() > 1) {
+        const QString what = isUnderstood
+            ? QCoreApplication::translate("main", "Unexpected argument %1").arg(files[1])
+            : parser.errorText();
+        std::fprintf(stderr, "%s\n%s", qPrintable(what), qPrintable(parser.helpText()));
+        return 1;
+    }
+
+    SurveyView view(parser.isSet(data) ? parser.value(data)
+                                       : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     view.resize(1280, 800);
     view.show();
+    if (!files.isEmpty())
+        view.Open(files[0]);
+    if (parser.isSet(screenshot)) {
+        bool isSaved = false;
+        QTimer::singleShot(1500, &view, [&] {
+            isSaved = view.grab().save(parser.value(screenshot));
+            QCoreApplication::quit();
+        });
+        QApplication::exec();
+        return isSaved ? 0 : 3;
+    }
     return QApplication::exec();
 }
