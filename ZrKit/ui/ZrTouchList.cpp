@@ -1,0 +1,260 @@
+#include "ZrKit/ui/ZrTouchList.h"
+
+#include "ZrUtil/ZrTheme.h"
+
+#include <QAbstractListModel>
+#include <QContextMenuEvent>
+#include <QGestureEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QScroller>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+
+class ZrTouchList::Model : public QAbstractListModel
+{
+public:
+    QVector<ZrListItem> items;
+
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : items.size(); }
+
+    QVariant data(const QModelIndex& index, int role) const override
+    {
+        if (index.row() < 0 || index.row() >= items.size())
+            return {};
+        const ZrListItem& item = items[index.row()];
+        if (role == Qt::AccessibleTextRole || role == Qt::DisplayRole) {
+            QStringList parts{item.title, item.subtitle, item.detail};
+            parts.removeAll(QString());
+            return parts.join(QStringLiteral(", "));
+        }
+        return {};
+    }
+
+    void Replace(const QVector<ZrListItem>& others)
+    {
+        beginResetModel();
+        items = others;
+        endResetModel();
+    }
+
+    void Tell(int row) { Q_EMIT dataChanged(index(row), index(row)); }
+};
+
+class ZrTouchList::Delegate : public QStyledItemDelegate
+{
+public:
+    explicit Delegate(ZrTouchList& list)
+        : QStyledItemDelegate(&list)
+        , m_list(list)
+    {
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& index) const override
+    {
+        const bool isTall = !m_list.Items().value(index.row()).subtitle.isEmpty();
+        return {ZrTheme::DpI(100), std::max(ZrTheme::DpI(isTall ? RowHeight : 56), 44)};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const ZrListItem item = m_list.Items().value(index.row());
+        const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
+        const QRect row = option.rect;
+        painter->save();
+        if (isCurrent)
+            painter->fillRect(row, ZrTheme::ctrlActiveCol);
+        if (isCurrent && m_list.hasFocus()) {
+            painter->setPen(QPen(ZrTheme::ctrlHighlightCol, ZrTheme::DpI(2)));
+            painter->drawRect(row.adjusted(1, 1, -2, -2));
+        }
+        painter->fillRect(QRect(row.x(), row.bottom(), row.width(), 1), ZrTheme::gridCol);
+        const int edge = ZrTheme::DpI(6);
+        if (item.edge.isValid() || isCurrent)
+            painter->fillRect(QRect(row.x(), row.y(), edge, row.height() - 1),
+                item.edge.isValid() ? item.edge : ZrTheme::ctrlCheckCol);
+        const int gap = ZrTheme::DpI(12);
+        QRect text = row.adjusted(edge + gap, 0, -gap, 0);
+        if (!item.image.isNull())
+            text.setLeft(text.left() + PaintImage(*painter, item, text) + gap);
+        if (!item.detail.isEmpty())
+            text.setRight(text.right() - PaintDetail(*painter, item, text) - gap);
+        PaintText(*painter, item, text);
+        painter->restore();
+    }
+
+private:
+    /// Returns the width that the image takes.
+    static int PaintImage(QPainter& painter, const ZrListItem& item, const QRect& area)
+    {
+        const int height = item.isPicture ? area.height() - ZrTheme::DpI(12) : ZrTheme::DpI(28);
+        const int width
+            = std::min(item.image.width() * height / std::max(item.image.height(), 1), 2 * height);
+        const QRect target(area.x(), area.center().y() - height / 2, width, height);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(
+            target, item.isPicture ? item.image : ZrTheme::ColourImg(item.image, ZrTheme::ctrlCol));
+        return width;
+    }
+
+    static int PaintDetail(QPainter& painter, const ZrListItem& item, const QRect& area)
+    {
+        painter.setFont(ZrTheme::font);
+        painter.setPen(ZrTheme::bodyCol);
+        const int width = std::min(painter.fontMetrics().horizontalAdvance(item.detail), area.width() / 2);
+        const QRect target(area.right() - width, area.y(), width + 1, area.height());
+        painter.drawText(target, Qt::AlignRight | Qt::AlignVCenter,
+            painter.fontMetrics().elidedText(item.detail, Qt::ElideRight, target.width()));
+        return width;
+    }
+
+    static void PaintText(QPainter& painter, const ZrListItem& item, const QRect& area)
+    {
+        painter.setFont(ZrTheme::font);
+        painter.setPen(ZrTheme::ctrlCol);
+        const QString title = painter.fontMetrics().elidedText(item.title, Qt::ElideRight, area.width());
+        if (item.subtitle.isEmpty()) {
+            painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, title);
+            return;
+        }
+        QFont small = ZrTheme::font;
+        small.setPixelSize(std::max(ZrTheme::DpI(15), 11));
+        const int between = area.y() + area.height() * 9 / 16;
+        painter.drawText(QRect(QPoint(area.x(), area.y()), QPoint(area.right(), between)),
+            Qt::AlignLeft | Qt::AlignBottom, title);
+        painter.setFont(small);
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(QRect(QPoint(area.x(), between), area.bottomRight()), Qt::AlignLeft | Qt::AlignTop,
+            painter.fontMetrics().elidedText(item.subtitle, Qt::ElideRight, area.width()));
+    }
+
+    ZrTouchList& m_list;
+};
+
+ZrTouchList::ZrTouchList(QWidget* parent)
+    : QListView(parent)
+    , m_model(new Model(this))
+{
+    setModel(m_model);
+    setItemDelegate(new Delegate(*this));
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFrameShape(NoFrame);
+    QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);
+    viewport()->grabGesture(Qt::TapAndHoldGesture);
+    connect(this, &QListView::clicked, this, [this](const QModelIndex& index) {
+        if (!m_isHeld)
+            Q_EMIT Chosen(index.row());
+        m_isHeld = false;
+    });
+    Restyle();
+}
+
+ZrTouchList::~ZrTouchList() = default;
+
+void ZrTouchList::Restyle()
+{
+    setStyleSheet(QStringLiteral("QListView { background: transparent; border: none; outline: none; }"));
+    scheduleDelayedItemsLayout();
+    viewport()->update();
+}
+
+const QVector<ZrListItem>& ZrTouchList::Items() const
+{
+    return m_model->items;
+}
+
+void ZrTouchList::SetItems(const QVector<ZrListItem>& items)
+{
+    const int current = Current();
+    const int position = verticalScrollBar()->value();
+    m_isSetting = true;
+    m_model->Replace(items);
+    m_isSetting = false;
+    SetCurrent(std::min(current, items.size() - 1));
+    verticalScrollBar()->setValue(position);
+}
+
+void ZrTouchList::SetItem(int row, const ZrListItem& item)
+{
+    if (row < 0 || row >= m_model->items.size())
+        return;
+    m_model->items[row] = item;
+    m_model->Tell(row);
+}
+
+int ZrTouchList::Current() const
+{
+    return currentIndex().isValid() ? currentIndex().row() : -1;
+}
+
+void ZrTouchList::SetCurrent(int row)
+{
+    m_isSetting = true;
+    if (row < 0 || row >= m_model->items.size())
+        clearSelection();
+    setCurrentIndex(row < 0 ? QModelIndex() : m_model->index(row));
+    m_isSetting = false;
+}
+
+void ZrTouchList::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QListView::currentChanged(current, previous);
+    if (!m_isSetting && current.isValid())
+        Q_EMIT CurrentChanged(current.row());
+}
+
+void ZrTouchList::paintEvent(QPaintEvent* event)
+{
+    QListView::paintEvent(event);
+    if (!m_model->items.isEmpty() || m_empty.isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setFont(ZrTheme::font);
+    painter.setPen(ZrTheme::bodyCol);
+    const int margin = ZrTheme::DpI(16);
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+        Qt::AlignCenter | Qt::TextWordWrap, m_empty);
+}
+
+void ZrTouchList::keyPressEvent(QKeyEvent* event)
+{
+    const bool isChoice = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isChoice && Current() >= 0) {
+        Q_EMIT Chosen(Current());
+        return;
+    }
+    QListView::keyPressEvent(event);
+}
+
+void ZrTouchList::contextMenuEvent(QContextMenuEvent* event)
+{
+    const QModelIndex at
+        = event->reason() == QContextMenuEvent::Keyboard ? currentIndex() : indexAt(event->pos());
+    if (at.isValid())
+        Q_EMIT Held(at.row());
+}
+
+bool ZrTouchList::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonPress)
+        m_isHeld = false;
+    if (event->type() == QEvent::Gesture) {
+        auto* gesture = static_cast<QTapAndHoldGesture*>(
+            static_cast<QGestureEvent*>(event)->gesture(Qt::TapAndHoldGesture));
+        if (gesture && gesture->state() == Qt::GestureFinished) {
+            const QModelIndex at = indexAt(viewport()->mapFromGlobal(gesture->position().toPoint()));
+            m_isHeld = at.isValid();
+            if (at.isValid())
+                Q_EMIT Held(at.row());
+            return true;
+        }
+    }
+    return QListView::viewportEvent(event);
+}

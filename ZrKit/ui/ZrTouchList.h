@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/ui/ZrListItem.h"
+
+#include <QListView>
+#include <QVector>
+
+/// A list for fingers: rows that a finger hits, scrolled by it and coasting on, with one current row.
+///
+/// \code
+/// list->SetItems({{tr("Line 1"), tr("1.2 km"), QString(), QImage(), false, QColor(), 1}});
+/// connect(list, &ZrTouchList::Chosen, this, [this](int row) { Open(row); });
+/// \endcode
+///
+/// A tap makes a row the current one and chooses it; Return chooses the current one; a finger held on a row
+/// tells `Held`. Rows are painted from the items in view alone, so that lists may be long. GUI thread only.
+class ZR_KIT_EXPORT ZrTouchList : public QListView
+{
+    Q_OBJECT
+
+public:
+    static constexpr float RowHeight = 72.0F; ///< design pixels; rows without a subtitle take 56
+
+    QString m_empty; ///< shown while there is no item
+
+    explicit ZrTouchList(QWidget* parent);
+    ~ZrTouchList() override;
+
+    /// Replaces all rows; the current row stays where it was as far as there is one, and so does the
+    /// position.
+    void SetItems(const QVector<ZrListItem>& items);
+    void SetItem(int row, const ZrListItem& item); ///< nothing for a row that is none
+
+    const QVector<ZrListItem>& Items() const;
+
+    int Current() const; ///< -1 for none
+    void SetCurrent(int row); ///< shows it; -1 for none; tells nobody
+
+    void Restyle(); ///< after a change of colours, fonts or scale
+
+Q_SIGNALS:
+    void Chosen(int row);
+    void Held(int row); ///< a finger or the mouse stays on it, or the menu key was pressed
+    void CurrentChanged(int row); ///< by the user
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+private:
+    class Model;
+    class Delegate;
+
+    Model* m_model;
+    bool m_isSetting = false;
+    bool m_isHeld = false; ///< the press was told as `Held`: its release chooses nothing
+};

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+
+#include <QString>
+#include <QWidget>
+
+/// A value to be read at arm's length: caption above, the number large, its unit beside it.
+///
+/// \code
+/// auto* depth = new ZrValueTile(page, tr("Depth"));
+/// depth->Set(QStringLiteral("12.4"), QStringLiteral("m"));
+/// depth->SetState(ZrValueTile::stale); // older than it should be: dimmed, and marked
+/// \endcode
+///
+/// Repaints only when what it shows changes. GUI thread only.
+class ZR_KIT_EXPORT ZrValueTile : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum eState : int
+    {
+        normal = 0,
+        good = 1,
+        warning = 2,
+        error = 3,
+        stale = 4
+    };
+
+    ZrValueTile(QWidget* parent, const QString& caption);
+
+    void Set(const QString& value, const QString& unit); ///< an empty value is shown as a dash
+    void SetNote(const QString& note); ///< small, below the value; may be empty
+    void SetState(eState state);
+
+    QString Value() const { return m_value; }
+
+    QString Unit() const { return m_unit; }
+
+    QString Note() const { return m_note; }
+
+    eState State() const { return m_state; }
+
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void Clicked();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void Tell();
+
+    QString m_caption;
+    QString m_value;
+    QString m_unit;
+    QString m_note;
+    eState m_state = normal;
+};
