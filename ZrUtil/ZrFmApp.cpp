@@ -194,6 +194,9 @@ void ZrFmApp::paintEvent(QPaintEvent* /*event*/)
 {
     ShowChoices();
     QPainter p(this);
+    // The lines end before the bar that shows how far the form is scrolled.
+    if (ScrollRange() > 0)
+        p.setClipRect(0, 0, width() - 2 * ZrTheme::DpI(8), height());
     p.translate(0, -m_scroll);
     const int text = TextHeight();
     int y = 0;
@@ -211,6 +214,7 @@ void ZrFmApp::paintEvent(QPaintEvent* /*event*/)
         return;
     // Where the part shown lies in the whole.
     p.resetTransform();
+    p.setClipping(false);
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(Qt::NoPen);
     p.setBrush(ZrTheme::bodyCol);
@@ -277,10 +281,11 @@ void ZrFmApp::Place()
     y += m_rows[0];
     m_style->setGeometry(left, y + gap, column, m_style->sizeHint().height());
     y += m_rows[1];
+    // To the right edge of the lines, whatever the division leaves.
     const int room = ScrollRange() > 0 ? width() - 2 * gap : width();
-    const int step = (room + gap) / 5;
+    const auto edge = [&](int i) { return i * (room + gap) / 5; };
     for (int i = 0; i < 5; ++i) {
-        m_scaleBtns[i]->setGeometry(i * step, y + TextHeight(), step - gap, BtnHeight());
+        m_scaleBtns[i]->setGeometry(edge(i), y + TextHeight(), edge(i + 1) - edge(i) - gap, BtnHeight());
         m_scaleBtns[i]->Changed();
     }
     y += m_rows[2];

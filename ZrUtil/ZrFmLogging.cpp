@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontMetrics>
+#include <QPainter>
 #include <QProcess>
 #include <QSignalBlocker>
 #include <QUrl>
@@ -37,6 +38,19 @@ QString CurrentFile()
 QString LevelName(int level)
 {
     return QString::fromUtf8(zr_debug_log_level_to_string(level));
+}
+
+/// A round handle at every scale: a radius beyond half of the rounded side would make it a square.
+QString HandleSheet()
+{
+    const int line = std::max(1, ZrTheme::DpI(2));
+    const int beside = ZrTheme::DpI(15); // of the groove
+    const int side = ZrTheme::DpI(6) + 2 * beside;
+    return QStringLiteral(
+        "QSlider::handle:horizontal { width: %1px; margin: -%2px 0px; border-radius: %3px; }")
+        .arg(std::max(1, side - 2 * line))
+        .arg(beside)
+        .arg(side / 2);
 }
 
 } // namespace
@@ -102,6 +116,7 @@ void ZrFmLogging::update_bindings()
     m_ui->levelLbl->setText(LevelName(level));
     m_ui->flushLbl->setText(LevelName(flush));
     m_ui->logFilePath->setText(cur_log_path());
+    m_ui->logFilePath->setToolTip(cur_log_path()); // one that is longer than the field
     m_ui->level->setValue(level);
     m_ui->flush->setValue(flush);
     m_ui->toFile->setChecked(zr_debug_log_read_switch(&zr_debug_log_to_file) != 0);
@@ -167,18 +182,38 @@ void ZrFmLogging::browse_log_path()
 #endif
 }
 
+void ZrFmLogging::paintEvent(QPaintEvent* /*event*/)
+{
+    // Lines as below the controls of the other forms: outputs, levels, path.
+    QPainter p(this);
+    p.setPen(ZrTheme::ctrlOutlineCol);
+    const int half = m_ui->gridLayout->verticalSpacing() / 2;
+    for (const QWidget* last : {static_cast<QWidget*>(m_ui->toDbg), static_cast<QWidget*>(m_ui->label_3),
+             static_cast<QWidget*>(m_ui->logFilePath)}) {
+        const int y = last->geometry().bottom() + half;
+        p.drawLine(0, y, width(), y);
+    }
+}
+
 void ZrFmLogging::resizeEvent(QResizeEvent* event)
 {
     // Sizes in the style sheet follow the scale.
     const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css"));
     if (styleSheet() != sheet)
         setStyleSheet(sheet);
-    // On the grid of the other forms.
     // A style sheet that sets the size alone does not hand the family down.
     const auto controls = findChildren<QWidget*>();
     for (QWidget* control : controls)
         control->setFont(ZrTheme::font);
+    const QString handle = HandleSheet();
+    for (QSlider* slider : {m_ui->level, m_ui->flush}) {
+        if (slider->styleSheet() != handle)
+            slider->setStyleSheet(handle);
+    }
+    // On the grid of the other forms.
     m_ui->gridLayout->setContentsMargins(0, ZrTheme::DpI(12), 0, 0);
+    m_ui->gridLayout->setHorizontalSpacing(ZrTheme::DpI(16));
+    m_ui->gridLayout->setVerticalSpacing(ZrTheme::DpI(16));
     m_ui->horizontalLayout->setSpacing(ZrTheme::DpI(8));
     // The widest name of a level; the slider beside it keeps its length.
     int widest = 0;
@@ -194,6 +229,7 @@ void ZrFmLogging::resizeEvent(QResizeEvent* event)
     for (QWidget* target : targets)
         target->setMinimumHeight(std::max(44, ZrTheme::DpI(44)));
     m_ui->logFileBtn->setMinimumWidth(std::max(44, ZrTheme::DpI(64)));
-    m_ui->openLogPath->setMinimumWidth(std::max(44, ZrTheme::DpI(64)));
+    m_ui->openLogPath->setMinimumWidth(std::max(
+        44, QFontMetrics(ZrTheme::font).horizontalAdvance(m_ui->openLogPath->text()) + ZrTheme::DpI(32)));
     ZrForm::resizeEvent(event);
 }

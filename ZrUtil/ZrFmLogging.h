@@ -35,6 +35,7 @@ public Q_SLOTS:
     void browse_log_path(); ///< shows the current log file in the file browser of the desktop
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

@@ -8,9 +8,11 @@
 #include "ZrUtil/ZrTheme.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -157,8 +159,9 @@ void ZrFormMgr::BuildImg()
 /// The panel beside the tabs, open towards the tab that is current, and a tab for every form that has one.
 void ZrFormMgr::DrawLeft(QPainter& painter)
 {
-    const double line = std::max(1.0, static_cast<double>(ZrTheme::DpI(2)));
-    const QRectF panel = QRectF(rect()).adjusted(m_tabWidth, line / 2, -line / 2, -line / 2);
+    const int line = std::max(1, ZrTheme::DpI(2));
+    const QRectF panel
+        = QRectF(rect()).adjusted(m_tabWidth + line / 2.0, line / 2.0, -line / 2.0, -line / 2.0);
     painter.setPen(QPen(ZrTheme::formBdr, line));
     painter.setBrush(ZrTheme::formBack);
     painter.drawRoundedRect(panel, ZrTheme::rxy, ZrTheme::rxy);
@@ -173,20 +176,25 @@ void ZrFormMgr::DrawLeft(QPainter& painter)
         DrawTab(painter, *form, position == current);
         ++position;
     }
-    painter.setPen(QPen(ZrTheme::ctrlOutlineCol, ZrTheme::DpI(1)));
-    const int y = m_tabHeight;
-    const QLine lines[] = {QLine(m_tabWidth + ZrTheme::DpI(8), y, width() - ZrTheme::DpI(8), y)};
+    // Below the caption, on the grid of the forms.
+    const int margin = ZrTheme::DpI(20);
+    const int thin = std::max(1, ZrTheme::DpI(1));
+    const double y = m_tabHeight - thin / 2.0;
+    painter.setPen(QPen(ZrTheme::ctrlOutlineCol, thin, Qt::SolidLine, Qt::FlatCap));
+    const QLineF lines[] = {QLineF(m_tabWidth + margin, y, width() - margin, y)};
     painter.drawLines(lines, 1);
 }
 
+/// Lines cover whole pixels.
 void ZrFormMgr::DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent)
 {
-    const double line = std::max(1.0, static_cast<double>(ZrTheme::DpI(2)));
-    const QRectF tab = QRectF(form.m_tab).adjusted(line / 2, ZrTheme::DpI(3), 0, -ZrTheme::DpI(3));
+    const int border = std::max(1, ZrTheme::DpI(2));
+    const int line = isCurrent ? border : std::max(1, ZrTheme::DpI(1));
+    const int gap = ZrTheme::DpI(3);
+    const QRect tab = form.m_tab.adjusted(0, gap, 0, -gap);
     painter.save();
-    painter.setClipRect(
-        QRectF(0, tab.top() - line, m_tabWidth + (isCurrent ? line : 0.0), tab.height() + 2 * line));
-    painter.setPen(QPen(isCurrent ? ZrTheme::formBdr : ZrTheme::ctrlOutlineCol, isCurrent ? line : line / 2));
+    painter.setClipRect(QRect(0, tab.top(), m_tabWidth + (isCurrent ? border : 0), tab.height()));
+    painter.setPen(QPen(isCurrent ? ZrTheme::formBdr : ZrTheme::ctrlOutlineCol, line));
     if (isCurrent) {
         // The tab and the panel become one surface: its border between them goes.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -194,8 +202,10 @@ void ZrFormMgr::DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent)
     } else {
         painter.setBrush(ZrTheme::formMgr);
     }
-    painter.drawRoundedRect(tab.adjusted(0, 0, ZrTheme::rxy + line, 0), ZrTheme::rxy, ZrTheme::rxy);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    // Its right edge lies outside of the clip.
+    painter.drawRoundedRect(
+        QRectF(tab).adjusted(line / 2.0, line / 2.0, ZrTheme::rxy + 2 * border, -line / 2.0), ZrTheme::rxy,
+        ZrTheme::rxy);
     painter.restore();
     if (isCurrent) {
         // A bar at the outer edge: the state is not told by colour alone.
@@ -203,14 +213,14 @@ void ZrFormMgr::DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent)
         bar.setAlpha(255);
         painter.setPen(Qt::NoPen);
         painter.setBrush(bar);
-        const double wide = ZrTheme::DpI(4);
+        const double wide = std::max(2, ZrTheme::DpI(5));
         painter.drawRoundedRect(
-            QRectF(tab.left() + line * 2, tab.top() + tab.height() / 4, wide, tab.height() / 2), wide / 2,
+            QRectF(tab.left() + 2 * line, tab.top() + tab.height() / 4, wide, tab.height() / 2), wide / 2,
             wide / 2);
     }
     const double side = ZrTheme::DpI(42);
     QRectF icon(0, 0, side, side);
-    icon.moveCenter(tab.center());
+    icon.moveCenter(QRectF(tab).center());
     if (!form.m_icon.isNull())
         painter.drawImage(
             icon, ZrTheme::ColourImg(form.m_icon, isCurrent ? ZrTheme::ctrlCol : ZrTheme::bodyCol));
@@ -231,12 +241,28 @@ void ZrFormMgr::paintEvent(QPaintEvent* /*event*/)
     painter.drawImage(0, 0, *m_tabs);
     if (!m_form)
         return;
-    painter.setFont(ZrTheme::fontLarge);
+    // The captions of the form below have the same size.
+    QFont font = ZrTheme::fontLarge;
+    font.setBold(true);
+    painter.setFont(font);
     painter.setPen(ZrTheme::titleCol);
     const int margin = ZrTheme::DpI(20);
     const QRect title(
         m_tabWidth + margin, 0, width() - m_tabWidth - 2 * margin - ZrTheme::DpI(45), m_tabHeight);
-    painter.drawText(title, m_form->m_name, ZrTheme::left);
+    ZrCtrlLook::PaintText(painter, title, m_form->m_name, Qt::AlignLeft);
+}
+
+QRect ZrFormMgr::CloseArea() const
+{
+    const int least = std::max(ZrCtrlLook::smallestTarget, ZrTheme::DpI(64));
+    QRect area = m_close->geometry();
+    const int wide = std::max(0, least - area.width());
+    const int high = std::max(0, least - area.height());
+    area.adjust(-wide / 2, -high / 2, wide - wide / 2, high - high / 2);
+    // What lies outside of the panel cannot be hit: the other side grows.
+    area.moveRight(std::min(area.right(), rect().right()));
+    area.moveTop(std::max(area.top(), 0));
+    return area;
 }
 
 void ZrFormMgr::mousePressEvent(QMouseEvent* event)
@@ -244,11 +270,47 @@ void ZrFormMgr::mousePressEvent(QMouseEvent* event)
     ZrDragWidget::mousePressEvent(event);
     // The window below would take a press in its upper band for a drag of its own.
     event->accept();
+    m_mayClose = event->button() == Qt::LeftButton && CloseArea().contains(event->pos());
+    m_pressAt = event->globalPos();
     const QList<ZrForm*> forms = m_forms;
     for (ZrForm* form : forms) {
         if (m_forms.contains(form) && form->m_tab.contains(event->pos()))
             SetToForm(form->m_name);
     }
+}
+
+void ZrFormMgr::mouseMoveEvent(QMouseEvent* event)
+{
+    // A drag that begins there is one.
+    if ((event->globalPos() - m_pressAt).manhattanLength() >= QApplication::startDragDistance())
+        m_mayClose = false;
+    ZrDragWidget::mouseMoveEvent(event);
+}
+
+void ZrFormMgr::mouseReleaseEvent(QMouseEvent* event)
+{
+    ZrDragWidget::mouseReleaseEvent(event);
+    const bool isTap = m_mayClose && event->button() == Qt::LeftButton;
+    m_mayClose = false;
+    if (isTap)
+        OnClose();
+}
+
+bool ZrFormMgr::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return ZrDragWidget::event(event);
+    // A tab shows an icon alone.
+    const auto* help = static_cast<QHelpEvent*>(event);
+    for (const ZrForm* form : qAsConst(m_forms)) {
+        if (!form->m_tab.contains(help->pos()))
+            continue;
+        QToolTip::showText(help->globalPos(), form->m_name, this, form->m_tab);
+        return true;
+    }
+    QToolTip::hideText();
+    event->ignore();
+    return true;
 }
 
 void ZrFormMgr::keyPressEvent(QKeyEvent* event)
@@ -269,6 +331,7 @@ void ZrFormMgr::showEvent(QShowEvent* event)
 void ZrFormMgr::hideEvent(QHideEvent* event)
 {
     ZrDragWidget::hideEvent(event);
+    m_mayClose = false;
     if (m_focusBefore)
         m_focusBefore->setFocus(Qt::PopupFocusReason);
     m_focusBefore = nullptr;

@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QImage>
 #include <QList>
+#include <QPoint>
 #include <QPointer>
 #include <QString>
 
@@ -20,7 +21,8 @@ class ZrForm;
 /// The panel with the settings forms: a column of tabs, one form shown at a time, dragged by the band beside
 /// the tabs.
 ///
-/// The forms added belong to it. GUI thread only.
+/// A tap beside the close button closes as well: the button alone is too small for a finger. The forms added
+/// belong to the panel. GUI thread only.
 class ZR_UTIL_EXPORT ZrFormMgr : public ZrDragWidget, public zr::IPersistable
 {
     Q_OBJECT
@@ -65,8 +67,11 @@ public Q_SLOTS:
     void OnClose(); ///< hides the panel
 
 protected:
+    bool event(QEvent* event) override; ///< tool tips of the tabs
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override; ///< takes the focus, for Esc
@@ -79,11 +84,14 @@ private:
     void DrawBottom(QPainter& painter);
     void DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent);
     QRect FormArea() const;
+    QRect CloseArea() const; ///< where a tap closes
 
     ZrBtn* m_close;
     std::unique_ptr<QImage> m_tabs;
     QImage m_closeImg;
     QFont m_tabFont;
     QPointer<QWidget> m_focusBefore;
+    QPoint m_pressAt; ///< global
+    bool m_mayClose = false; ///< a press began in the area of the close button and did not move
     QImage m_tabImg;
 };

@@ -66,6 +66,8 @@ private Q_SLOTS:
     void scaleLoaded();
     void storingAppliesNothing();
     void captions();
+    void helpFits_data();
+    void helpFits();
     void controlsStayInTheForm_data();
     void controlsStayInTheForm();
     void targets_data();
@@ -468,6 +470,36 @@ void tst_ZrFmApp::captions()
         lines += isLine ? 1 : 0;
     }
     QCOMPARE(lines, 4);
+}
+
+void tst_ZrFmApp::helpFits_data()
+{
+    QTest::addColumn<double>("dp");
+    for (const QSize& window : {QSize(900, 600), QSize(1280, 800), QSize(1920, 1080), QSize(2560, 1440)}) {
+        for (const QSize& design :
+            {QSize(1024, 640), QSize(1280, 800), QSize(1440, 900), QSize(1680, 1050), QSize(1920, 1200)})
+            QTest::newRow(qPrintable(QStringLiteral("%1 for %2").arg(window.width()).arg(design.width())))
+                << std::min(
+                       double(window.width()) / design.width(), double(window.height()) / design.height());
+    }
+}
+
+/// No help text is cut: neither by its box nor by the control beside it.
+void tst_ZrFmApp::helpFits()
+{
+    QFETCH(double, dp);
+    const ZrThemeState theme(dp);
+    // As wide as the view makes it, less tabs and margins.
+    const int width = ZrTheme::DpI(600) + ZrTheme::DpI(250) - ZrTheme::DpI(80) - 2 * ZrTheme::DpI(20);
+    const QRect box(0, 0, width - ZrTheme::DpI(200), ZrTheme::DpI(50));
+    for (const char* help : {"Setting for units of measurement such as length, temperature and distance",
+             "Setting for desired coordinate system format for WGS84 latitude and longitude",
+             "Choose the display scale to have the text and controls the preferred size for your deployment.",
+             "In Tablet Mode edit controls always bring up an onscreen keyboard."}) {
+        const QRect needed
+            = QFontMetrics(ZrTheme::bodyFont).boundingRect(box, Qt::TextWordWrap, QLatin1String(help));
+        QVERIFY2(box.contains(needed), help);
+    }
 }
 
 void tst_ZrFmApp::controlsStayInTheForm_data()

@@ -6,8 +6,10 @@
 #include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrSetApp.h"
 
+#include <QHelpEvent>
 #include <QPointer>
 #include <QPushButton>
+#include <QToolTip>
 #include <QtTest>
 
 #include <memory>
@@ -60,12 +62,16 @@ private Q_SLOTS:
     void currentTabIsHighlighted();
     void parentsTabIsHighlighted();
     void pressOnTab();
+    void tabsTellTheirNames();
     void pressBelowTabs();
     void pressesStayInThePanel();
     void doubleClickStaysInThePanel();
     void dragByTheBand();
     void noDragByTheTabs();
     void closeButton();
+    void tapBesideTheCloseButton_data();
+    void tapBesideTheCloseButton();
+    void dragFromBesideTheCloseButton();
     void escape();
     void otherKeysGoOn();
     void focusComesBack();
@@ -411,6 +417,23 @@ void tst_ZrFormMgr::pressOnTab()
     QCOMPARE(m_mgr->m_form, b);
 }
 
+void tst_ZrFormMgr::tabsTellTheirNames()
+{
+    const ZrForm* a = Add(QStringLiteral("A"));
+    const ZrForm* b = Add(QStringLiteral("B"));
+    Add(QStringLiteral("C"), true);
+    Shown();
+    const auto ask = [this](const QPoint& pos) {
+        QHelpEvent event(QEvent::ToolTip, pos, m_mgr->mapToGlobal(pos));
+        QCoreApplication::sendEvent(m_mgr, &event);
+        return QToolTip::text();
+    };
+    QCOMPARE(ask(a->m_tab.center()), QStringLiteral("A"));
+    QCOMPARE(ask(b->m_tab.center()), QStringLiteral("B"));
+    ask(QPoint(40, b->m_tab.bottom() + 20));
+    QTRY_VERIFY(!QToolTip::isVisible());
+}
+
 void tst_ZrFormMgr::pressBelowTabs()
 {
     ZrFormPage* a = Add(QStringLiteral("A"));
@@ -481,6 +504,62 @@ void tst_ZrFormMgr::closeButton()
     QTest::mouseClick(&Close(), Qt::LeftButton);
     QVERIFY(m_mgr->isHidden());
     m_mgr->OnClose();
+    QVERIFY(m_mgr->isHidden());
+}
+
+void tst_ZrFormMgr::tapBesideTheCloseButton_data()
+{
+    QTest::addColumn<double>("dp");
+    QTest::addColumn<QPoint>("fromCorner");
+    QTest::addColumn<bool>("closes");
+    // The button covers 40 design pixels, 5 from the edges; a finger wants 44 real ones.
+    QTest::newRow("beside") << 1.0 << QPoint(50, 25) << true;
+    QTest::newRow("above") << 1.0 << QPoint(25, 2) << true;
+    QTest::newRow("in the corner") << 1.0 << QPoint(1, 0) << true;
+    QTest::newRow("farther") << 1.0 << QPoint(66, 25) << false;
+    QTest::newRow("far below") << 1.0 << QPoint(10, 66) << false;
+    QTest::newRow("beside, small") << 0.5 << QPoint(43, 12) << true;
+    QTest::newRow("below, small") << 0.5 << QPoint(8, 43) << true;
+    QTest::newRow("farther, small") << 0.5 << QPoint(46, 12) << false;
+}
+
+void tst_ZrFormMgr::tapBesideTheCloseButton()
+{
+    QFETCH(double, dp);
+    QFETCH(QPoint, fromCorner);
+    QFETCH(bool, closes);
+    const ZrThemeState theme(dp);
+    m_mgr->resize(601, 460);
+    Add(QStringLiteral("A"));
+    Shown();
+    const QPoint at(m_mgr->width() - fromCorner.x(), fromCorner.y());
+    QVERIFY(!Close().geometry().contains(at));
+    SendPress(*m_mgr, at);
+    QVERIFY(m_mgr->isVisible());
+    SendRelease(*m_mgr, at);
+    QCOMPARE(m_mgr->isHidden(), closes);
+    // A release alone closes nothing.
+    m_mgr->show();
+    SendRelease(*m_mgr, at);
+    QVERIFY(m_mgr->isVisible());
+}
+
+void tst_ZrFormMgr::dragFromBesideTheCloseButton()
+{
+    Add(QStringLiteral("A"));
+    Shown();
+    const QPoint at(m_mgr->width() - 50, 25);
+    SendPress(*m_mgr, at);
+    SendMove(*m_mgr, at + QPoint(QApplication::startDragDistance(), 0));
+    QCOMPARE(m_mgr->x(), 20 + QApplication::startDragDistance());
+    // Back where it began it is still a drag.
+    SendMove(*m_mgr, at - QPoint(QApplication::startDragDistance(), 0));
+    SendRelease(*m_mgr, at);
+    QVERIFY(m_mgr->isVisible());
+    // A finger trembles.
+    SendPress(*m_mgr, at);
+    SendMove(*m_mgr, at + QPoint(2, 1));
+    SendRelease(*m_mgr, at);
     QVERIFY(m_mgr->isHidden());
 }
 

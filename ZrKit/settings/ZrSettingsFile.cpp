@@ -167,6 +167,16 @@ bool ZrSettingsFile::Save(const QJsonObject& root)
     return true;
 }
 
+bool ZrSettingsFile::PutAside(QString* error) const
+{
+    QString reason;
+    const Content file = ReadFile(m_path);
+    const bool ok = !file.bytes.isEmpty() && WriteBeside(DamagedPath(), file.bytes, m_path, reason);
+    if (error)
+        *error = reason;
+    return ok;
+}
+
 void ZrSettingsFile::KeepFormer(eState state, const QByteArray& bytes, const QString& reason)
 {
     if (state == Whole)

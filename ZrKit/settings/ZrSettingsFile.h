@@ -70,6 +70,11 @@ public:
     /// `MaxSize` or nested more than 1,024 deep), or when what is there cannot be read.
     bool Save(const QJsonObject& root);
 
+    /// Copies what the file holds, good or not, to `DamagedPath`; the file stays, and so do `State`, `Error`
+    /// and `Warning`. False when that cannot be done, with the reason in \p error (may be null), or when
+    /// there is nothing to be read in it, without one.
+    bool PutAside(QString* error) const;
+
     /// How the last call ended.
     eState State() const { return m_state; }
 
