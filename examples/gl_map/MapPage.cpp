@@ -1,0 +1,216 @@
+#include "examples/gl_map/MapPage.h"
+
+#include "ZrUtil/ZrAppView.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+ZrMapMarker MarkerAt(const QPointF& position, int image, const QColor& colour)
+{
+    ZrMapMarker marker;
+    marker.position = position;
+    marker.image = image;
+    marker.colour = colour;
+    return marker;
+}
+
+ZrMapLabel LabelAt(const QPointF& position, const QString& text)
+{
+    ZrMapLabel label;
+    label.position = position;
+    label.text = text;
+    label.offset = QPointF(16, 0);
+    label.alignY = ZrMapLabel::alignMiddle;
+    return label;
+}
+
+} // namespace
+
+MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
+    : ZrPage(view)
+    , m_panel(new ZrMapPanel(this, m_map))
+{
+    m_hasBackground = false;
+    setFocusProxy(m_panel);
+    m_map.m_layers = {&m_grid, &m_wander, &m_track, &m_markers, &m_labels};
+    m_grid.SetProjection(ZrUnits::wgs84, track.grid.Projection());
+
+    const QPointF first = track.positions.front();
+    const QPointF last = track.positions.back();
+    m_track.m_track.Append(track.positions);
+    m_track.m_casing = QColor(0, 0, 0, 160);
+    m_trackBounds = m_track.m_track.Bounds();
+    m_wander.m_track.Append(Wander(m_trackBounds.bottomRight() + QPointF(200, 0), wanderCount));
+    m_wander.m_colour = ZrTheme::posB;
+    m_wander.m_width = 1.5F;
+
+    constexpr int circle = 3;
+    m_markers.SetMarkers(
+        {MarkerAt(first, circle, ZrTheme::goodCol), MarkerAt(last, circle, ZrTheme::errorCol)});
+    m_markers.m_halo = QColor(0, 0, 0, 200);
+    m_labels.SetLabels({LabelAt(first, tr("Start")), LabelAt(last, tr("End"))});
+
+    AddButton(QStringLiteral("zoom_in"), tr("Nearer (+)"), &MapPage::ZoomIn);
+    AddButton(QStringLiteral("zoom_out"), tr("Farther (-)"), &MapPage::ZoomOut);
+    AddButton(QStringLiteral("north"), tr("North up (N)"), &MapPage::TurnNorthUp);
+    AddButton(QStringLiteral("target"), tr("The recording (R)"), &MapPage::ShowRecording);
+    AddButton(QStringLiteral("fit"), tr("Both tracks (A)"), &MapPage::ShowAll);
+    AddButton(QStringLiteral("info"), tr("Statistics of the frames (S)"), &MapPage::ToggleStatistics);
+
+    connect(m_panel, &ZrMapPanel::Changed, view, [view] { view->update(); });
+    connect(m_panel, &ZrMapPanel::DoubleTapped, this, [this](const QPointF& /*world*/, const QPointF& pixel) {
+        m_map.m_camera.ZoomAbout(pixel, 2.0);
+        m_panel->Moved();
+    });
+    connect(m_panel, &ZrMapPanel::Tapped, this, [this](const QPointF& /*world*/, const QPointF& pixel) {
+        if (m_grid.NorthArrowRect(m_map.m_camera).contains(pixel))
+            TurnNorthUp();
+    });
+}
+
+ZrBtn* MapPage::AddButton(const QString& icon, const QString& hint, void (MapPage::*action)())
+{
+    auto* button = new ZrBtn(this, ZrBtn::typeStd);
+    button->img = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    connect(button, &ZrBtn::Clicked, this, action);
+    m_buttons.append(button);
+    return button;
+}
+
+void MapPage::ZoomIn()
+{
+    m_map.m_camera.ZoomAbout({m_map.m_camera.Width() / 2.0, m_map.m_camera.Height() / 2.0}, 1.5);
+    m_panel->Moved();
+}
+
+void MapPage::ZoomOut()
+{
+    m_map.m_camera.ZoomAbout({m_map.m_camera.Width() / 2.0, m_map.m_camera.Height() / 2.0}, 1.0 / 1.5);
+    m_panel->Moved();
+}
+
+void MapPage::TurnNorthUp()
+{
+    m_map.m_camera.SetRotation(0.0);
+    m_panel->Moved();
+}
+
+void MapPage::ShowRecording()
+{
+    m_map.m_camera.Fit(m_trackBounds, ZrTheme::DpI(100));
+    m_panel->Moved();
+}
+
+void MapPage::ShowAll()
+{
+    m_map.m_camera.Fit(m_trackBounds | m_wander.m_track.Bounds(), ZrTheme::DpI(60));
+    m_panel->Moved();
+}
+
+void MapPage::ToggleStatistics()
+{
+    SetStatistics(!m_hasStatistics);
+}
+
+void MapPage::SetStatistics(bool isOn)
+{
+    m_hasStatistics = isOn;
+    m_frames = 0;
+    m_seconds = 0.0;
+    m_longest = 0.0;
+    update();
+}
+
+QString MapPage::Statistics() const
+{
+    const int vertices = m_wander.Picture().VertexCount() + m_track.Picture().VertexCount();
+    const QString frames = m_frames == 0 ? tr("no frame yet")
+                                         : tr("%1 frames, mean %2 ms, longest %3 ms")
+                                               .arg(m_frames)
+                                               .arg(m_seconds / m_frames * 1e3, 0, 'f', 2)
+                                               .arg(m_longest * 1e3, 0, 'f', 2);
+    return tr("%1; %2 vertices of %3 positions")
+        .arg(frames)
+        .arg(vertices)
+        .arg(m_wander.m_track.Count() + m_track.m_track.Count());
+}
+
+void MapPage::zr_initializeGL()
+{
+    m_map.OnCreate();
+}
+
+void MapPage::zr_paintGL()
+{
+    QElapsedTimer timer;
+    timer.start();
+    m_map.Render();
+    if (!m_hasStatistics)
+        return;
+    // Without it the time would be that of asking, not that of drawing.
+    m_map.m_gl.glFinish();
+    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
+    ++m_frames;
+    m_seconds += seconds;
+    m_longest = std::max(m_longest, seconds);
+    update();
+}
+
+void MapPage::resizeEvent(QResizeEvent* event)
+{
+    ZrPage::resizeEvent(event);
+    m_panel->setGeometry(rect());
+    const int side = std::max(ZrTheme::DpI(64), 44);
+    const int gap = ZrTheme::DpI(8);
+    int y = (height() - m_buttons.size() * (side + gap) + gap) / 2;
+    for (ZrBtn* button : qAsConst(m_buttons)) {
+        button->setGeometry(width() - side - 2 * gap, y, side, side);
+        y += side + gap;
+    }
+    m_grid.SetMargins(QMarginsF(gap, gap, side + 3 * gap, gap) * devicePixelRatioF());
+    if (!m_isPlaced)
+        ShowRecording();
+    m_isPlaced = true;
+}
+
+void MapPage::paintEvent(QPaintEvent* /*event*/)
+{
+    if (!m_hasStatistics)
+        return;
+    QPainter painter(this);
+    painter.setFont(ZrTheme::font);
+    const QString text = Statistics();
+    const int gap = ZrTheme::DpI(12);
+    const QRect box = painter.fontMetrics().boundingRect(text).adjusted(-gap, -gap, gap, gap);
+    const QRect at((width() - box.width()) / 2, gap, box.width(), box.height());
+    painter.fillRect(at, ZrTheme::toolBack);
+    painter.setPen(ZrTheme::ctrlCol);
+    painter.drawText(at, Qt::AlignCenter, text);
+}
+
+void MapPage::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_R:
+        ShowRecording();
+        break;
+    case Qt::Key_A:
+        ShowAll();
+        break;
+    case Qt::Key_S:
+        ToggleStatistics();
+        break;
+    default:
+        ZrPage::keyPressEvent(event);
+        break;
+    }
+}
