@@ -14,7 +14,7 @@
 #include "CliTypes.h"
 #include "ZrKit/export/ZrTrackExport.h"
 #include "ZrKit/export/ZrTrackSimplify.h"
-#include "ZrKit/review/ZrRecordTimes.h"
+#include "ZrKit/review/ZrDatasetTrack.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -67,55 +67,12 @@ bool WriteCsv(Job& job)
     return job.dataset.ExportTrack(job.path, job.first, job.end, job.progress);
 }
 
-ZrTrackPoint PointOf(const ZrLogRec& rec)
-{
-    ZrTrackPoint point;
-    point.time = rec.time;
-    point.latitude = rec.latitude;
-    point.longitude = rec.longitude;
-    point.depth = static_cast<double>(rec.depth);
-    point.altitude = static_cast<double>(rec.altitude);
-    point.heading = static_cast<double>(rec.heading);
-    point.pitch = static_cast<double>(rec.pitch);
-    point.roll = static_cast<double>(rec.roll);
-    return point;
-}
-
-/// The events whose nearest record is one of the job's, where the vehicle was then. One without a time has
-/// no place; it belongs to the whole track only.
-std::vector<ZrTrackEvent> EventsOf(const Job& job)
-{
-    const std::vector<ZrLogRec>& recs = job.dataset.recs;
-    const ZrRecordTimes times(recs);
-    const std::size_t first = static_cast<std::size_t>(job.first);
-    const std::size_t end = static_cast<std::size_t>(job.end);
-    std::vector<ZrTrackEvent> events;
-    for (ZrListPos* pos = job.dataset.events.GetHeadPos(); pos;) {
-        const ZrLogEvt* const from = job.dataset.events.GetNext(pos);
-        const std::size_t nearest = times.Nearest(from->time);
-        const bool placed = nearest < recs.size();
-        if (placed ? nearest < first || nearest >= end : end - first < recs.size())
-            continue;
-        ZrTrackEvent event;
-        event.time = from->time;
-        if (placed) {
-            event.latitude = recs[nearest].latitude;
-            event.longitude = recs[nearest].longitude;
-        }
-        event.text = from->text;
-        event.detail = from->detail;
-        events.push_back(event);
-    }
-    return events;
-}
-
 /// Track and events. Straight into the temporary file of the target, which a signal knows to remove.
 template <ZrTrackExport::eFormat format> bool WriteAs(Job& job)
 {
-    std::vector<ZrTrackPoint> points;
-    points.reserve(static_cast<std::size_t>(job.end - job.first));
-    for (int i = job.first; i < job.end; ++i)
-        points.push_back(PointOf(job.dataset.recs[static_cast<std::size_t>(i)]));
+    const auto first = static_cast<std::size_t>(job.first);
+    const auto end = static_cast<std::size_t>(job.end);
+    std::vector<ZrTrackPoint> points = ZrDatasetTrack::Points(job.dataset, first, end);
     ZrTrackData data;
     data.name = QFileInfo(job.dataset.fileName).completeBaseName();
     if (job.simplify > 0.0) {
@@ -127,7 +84,7 @@ template <ZrTrackExport::eFormat format> bool WriteAs(Job& job)
     const auto placed = std::count_if(
         points.begin(), points.end(), [](const ZrTrackPoint& point) { return point.HasPosition(); });
     job.points = static_cast<u64>(placed);
-    const std::vector<ZrTrackEvent> events = EventsOf(job);
+    const std::vector<ZrTrackEvent> events = ZrDatasetTrack::Events(job.dataset, first, end);
     data.points = points;
     data.events = events;
     QFile file(job.path);

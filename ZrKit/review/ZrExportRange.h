@@ -1,0 +1,106 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrTypes.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QString>
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+
+class IZrProgress;
+class QFile;
+class QIODevice;
+class ZrDataset;
+class ZrLogScan;
+class ZrLogWriter;
+class ZrSteadyTime;
+
+/// Writes a part of a recording into files: as a log of its own, as a track for other programs, as tables.
+///
+/// The part is a range of records of a dataset, its end excluded. Each file is built beside its place and
+/// takes it in one step at the end; a failure or `cancel` leaves what was there.
+///
+/// \code
+/// ZrExportRange part(dataset, ZrExportRange::FirstFrom(steady, begin), ZrExportRange::EndAt(steady, end));
+/// part.progress = &progress;
+/// if (part.WriteLog(path) == ZrExportRange::Failed)
+///     return part.Error();
+/// \endcode
+///
+/// The dataset is only read; it must not change meanwhile. One thread at a time; `cancel` may be set from any
+/// thread or a signal handler.
+class ZR_KIT_EXPORT ZrExportRange
+{
+    Q_DECLARE_TR_FUNCTIONS(ZrExportRange)
+
+public:
+    enum eResult : int
+    {
+        Done,
+        Failed, ///< `Error` says why
+        Cancelled
+    };
+
+    IZrProgress* progress = nullptr; ///< told each whole percent; may be null
+    std::atomic<bool> cancel{false}; ///< ends the export soon; never cleared here
+
+    /// Records \p first ... \p end - 1, as far as there are any.
+    ZrExportRange(const ZrDataset& dataset, std::size_t first, std::size_t end);
+
+    /// The first record at or behind the steady time \p begin, and the one behind the last at or before \p
+    /// end.
+    static std::size_t FirstFrom(const ZrSteadyTime& times, double begin);
+    static std::size_t EndAt(const ZrSteadyTime& times, double end);
+
+    /// The items from the first record of the part up to the one behind it, byte for byte; from the first
+    /// record of the log on all items in front of it too, to its last one all behind it. In front stand, in
+    /// the order of the log, the latest items of the coordinate types before the part, so that views have a
+    /// state from its first moment on. Events of the part that the event file of the recording holds go into
+    /// an event file beside \p out; an index that lies there is removed.
+    ///
+    /// Of a damaged log the items in front of the damage are written; see `Damage`.
+    eResult WriteLog(const QString& out);
+
+    /// Track and events in the format that the suffix of \p out asks for, see `ZrTrackExport::FormatOf`.
+    eResult WriteTrack(const QString& out);
+
+    /// A table of the records (RFC 4180, UTF-8):
+    /// `time,latitude,longitude,depth,altitude,seabed,heading,pitch,roll`. Times are ISO 8601, UTC; what is
+    /// not known is empty.
+    eResult WriteRecords(const QString& out);
+
+    /// A table of the events: `time,source,code,uid,text,detail`.
+    eResult WriteEvents(const QString& out);
+
+    QString Error() const { return m_error; } ///< why the last call failed, a sentence; else empty
+
+    QString Damage() const { return m_damage; } ///< what is damaged in the part that was written as a log
+
+    u64 Items() const { return m_items; } ///< items, points, records or events written by the last call
+
+private:
+    using Fill = std::function<bool(QIODevice& out)>;
+
+    void Begin();
+    eResult Fail(const QString& error);
+    void Report(double share);
+    bool IsWritable(const QString& out);
+    eResult WriteFile(const QString& out, double expectedBytes, const Fill& fill);
+    bool CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log);
+    bool CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from);
+    bool CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from, u64 to);
+    bool WriteEventFile(const QString& out);
+
+    const ZrDataset& m_dataset;
+    std::size_t m_first;
+    std::size_t m_end;
+    QByteArray m_item;
+    QString m_error;
+    QString m_damage;
+    u64 m_items = 0;
+    int m_percent = -1;
+};

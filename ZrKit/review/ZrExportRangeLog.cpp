@@ -1,0 +1,167 @@
+// A part of a recording as a log of its own.
+
+#include "ZrKit/recording/ZrLogWriter.h"
+#include "ZrKit/review/ZrDatasetTrack.h"
+#include "ZrKit/review/ZrEventFile.h"
+#include "ZrKit/review/ZrExportRange.h"
+#include "ZrKit/review/ZrIndexStamp.h"
+#include "ZrKit/review/ZrLogScan.h"
+#include "ZrUtil/ZrDataset.h"
+#include "ZrUtil/ZrSameFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+/// Whether \p out may be written: not over the recording, nor over a file that belongs to it.
+bool ZrExportRange::IsWritable(const QString& out)
+{
+    const QString& log = m_dataset.fileName;
+    if (!zr::is_possible_path(out)) {
+        m_error = tr("The export needs a name for its file");
+        return false;
+    }
+    const QFileInfo info(out);
+    if (info.exists() && !info.isFile()) { // a rename would put a file in the place of a device
+        m_error = tr("%1 is no file").arg(out);
+        return false;
+    }
+    for (const QString& own : {log, ZrEventFile::PathOf(log), ZrIndexStamp::IndexPathOf(log),
+             ZrIndexStamp::PathOf(log), log + QLatin1String(".xml")}) {
+        if (zr::is_same_file(out, own)) {
+            m_error = tr("%1 belongs to the recording itself; choose another name").arg(out);
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Copies the item that \p scan gives next. False with `m_error` when that is not possible.
+bool ZrExportRange::CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log)
+{
+    ZrLogItem item;
+    u64 pos = 0;
+    if (!scan.Next(item, pos))
+        return false;
+    const u64 size = u64(ZrLogItem::Size) + item.storedSize;
+    if (item.storedSize > ZrLogWriter::MaxPayload) {
+        m_error = tr("The item at %1 is larger than 2 GiB").arg(pos);
+        return false;
+    }
+    m_item.resize(static_cast<int>(std::min<u64>(size, ZrLogWriter::MaxPayload)));
+    if (static_cast<u64>(m_item.size()) != size || !in.seek(static_cast<qint64>(pos))
+        || in.read(m_item.data(), m_item.size()) != m_item.size()) {
+        m_error = tr("Cannot read %1: %2").arg(m_dataset.fileName, in.errorString());
+        return false;
+    }
+    if (!log.WriteRaw(zr::bytes_of(m_item))) {
+        m_error = log.Error();
+        return false;
+    }
+    ++m_items;
+    return true;
+}
+
+/// The latest items of the coordinate types in front of the position \p from.
+bool ZrExportRange::CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from)
+{
+    std::array<u64, 8> positions; // records are packed, and hold theirs at odd places
+    std::memcpy(positions.data(),
+        reinterpret_cast<const char*>(&m_dataset.recs[m_first]) + offsetof(ZrLogRec, crdPos),
+        sizeof positions);
+    std::vector<u64> state;
+    for (std::size_t i = 0; i < m_dataset.crdTypes.size(); ++i) {
+        const u64 pos = positions[i];
+        ZrLogItem item;
+        u64 found = 0;
+        // The index is a file: what it says is looked at.
+        if (pos > 0 && pos < from && scan.SeekTo(pos) && scan.Next(item, found)
+            && item.RecType() == m_dataset.crdTypes[i])
+            state.push_back(pos);
+    }
+    std::sort(state.begin(), state.end());
+    state.erase(std::unique(state.begin(), state.end()), state.end());
+    for (const u64 pos : state) {
+        if (cancel || !scan.SeekTo(pos) || !CopyItem(scan, in, log))
+            return false;
+    }
+    return true;
+}
+
+bool ZrExportRange::CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from, u64 to)
+{
+    if (!scan.SeekTo(from))
+        return false;
+    while (scan.Pos() < to) {
+        if (cancel)
+            return false;
+        if (!CopyItem(scan, in, log))
+            break;
+        Report(0.99 * static_cast<double>(scan.Pos() - from) / static_cast<double>(to - from));
+    }
+    if (!m_error.isEmpty())
+        return false;
+    if (scan.State() == ZrLogScan::Damaged)
+        m_damage = tr("%1 (at position %2)").arg(scan.Error()).arg(scan.ErrorPos());
+    return true;
+}
+
+/// The events of the part beside \p out, in the place of those that lie there.
+bool ZrExportRange::WriteEventFile(const QString& out)
+{
+    std::vector<ZrLogEvt> events;
+    for (const ZrDatasetTrack::PlacedEvent& placed : ZrDatasetTrack::EventsIn(m_dataset, m_first, m_end))
+        events.push_back(*placed.event);
+    if (events.empty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
+        return true;
+    return ZrEventFile::Update(
+        out,
+        [&events](ZrEventFile& file) {
+            file.events = events;
+            return true;
+        },
+        &m_error);
+}
+
+ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
+{
+    Begin();
+    if (m_first == m_end)
+        return Fail(tr("There is nothing to export"));
+    if (!IsWritable(out))
+        return Fail(m_error);
+    ZrLogScan scan;
+    QFile in(m_dataset.fileName);
+    if (!scan.Open(m_dataset.fileName))
+        return Fail(tr("Cannot read %1: %2").arg(m_dataset.fileName, scan.Error()));
+    if (!in.open(QIODevice::ReadOnly))
+        return Fail(tr("Cannot read %1: %2").arg(m_dataset.fileName, in.errorString()));
+    const u64 from = m_first == 0 ? scan.Pos() : m_dataset.recs[m_first].pos;
+    const u64 to = m_end == m_dataset.recs.size() ? scan.FileSize() : m_dataset.recs[m_end].pos;
+    if (from > to || to > scan.FileSize())
+        return Fail(tr("%1 has changed since it was loaded").arg(m_dataset.fileName));
+
+    const double created = m_dataset.recs[m_first].time;
+    ZrLogWriter log;
+    if (!log.Open(out, std::isfinite(created) ? created : 0.0))
+        return Fail(log.Error());
+    if (!CopyState(scan, in, log, from) || !CopyItems(scan, in, log, from, to))
+        return Fail(
+            m_error.isEmpty() ? tr("Cannot read %1: %2").arg(m_dataset.fileName, scan.Error()) : m_error);
+    if (!log.Commit())
+        return Fail(log.Error());
+    // An index of the log before would be taken for that of this one by readers that know no stamps.
+    QFile::remove(ZrIndexStamp::IndexPathOf(out));
+    QFile::remove(ZrIndexStamp::PathOf(out));
+    const u64 items = m_items;
+    if (!WriteEventFile(out)) {
+        m_error = tr("The log was written, but not its events: %1").arg(m_error);
+        return Failed;
+    }
+    m_items = items;
+    Report(1.0);
+    return Done;
+}
