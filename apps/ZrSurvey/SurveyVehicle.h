@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <limits>
+#include <vector>
 
 /// Where the vehicle is and how it lies, as the pages "Record" (live) and "Review" (at the cursor) tell it to
 /// the others.
@@ -25,6 +26,17 @@ public:
         double speed = std::numeric_limits<double>::quiet_NaN(); ///< m/s over ground
     };
 
+    /// A place on the vehicle's way; what is not known is NaN.
+    struct Place
+    {
+        double lat; ///< degrees
+        double lng;
+        double depth; ///< metres
+        double altitude; ///< metres
+    };
+
+    static constexpr std::size_t MostPlaces = 200000; ///< of more the oldest go
+
     using QObject::QObject;
 
     const Pose& Current() const { return m_pose; }
@@ -33,7 +45,17 @@ public:
 
     /// \param isLive of the vehicle itself; false of a recording
     void Set(const Pose& pose, const QString& source, bool isLive);
-    void Clear();
+    void Clear(); ///< the way as well
+
+    const std::vector<Place>& Way() const { return m_way; } ///< of the vehicle up to now, or of the recording
+
+    int WayRevision() const
+    {
+        return m_revision;
+    } ///< counted up when the way is another one, not when it grows
+
+    /// The way of a recording; of the vehicle itself `Set` adds each place to it.
+    void SetWay(std::vector<Place> way);
 
     bool IsLive() const { return m_isLive; }
 
@@ -44,4 +66,6 @@ private:
     Pose m_pose;
     QString m_source;
     bool m_isLive = false;
+    std::vector<Place> m_way;
+    int m_revision = 0;
 };
