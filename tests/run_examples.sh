@@ -61,6 +61,16 @@ status=0
 "$bin/ex_survey_pattern" 40 25 48.480 -68.515 48.480 -68.510 48.480 -68.512 2>"$dir/out" || status=$?
 [ "$status" -eq 2 ] || { echo "no area gave exit code $status"; exit 1; }
 grep -qx 'The corners of the area lie on one line.' "$dir/out"
+# A simulated survey is a sound log with both sides of the sonar, and the same each time.
+"$bin/ex_simulate" "$dir/simulated.log" 3 >"$dir/out" 2>"$dir/errors" || { echo "ex_simulate failed"; exit 1; }
+[ ! -s "$dir/errors" ] || { echo "ex_simulate complained: $(cat "$dir/errors")"; exit 1; }
+grep -qE '^29[0-9] m in 1[45][0-9] s: [0-9]+ items, 7[0-9][0-9] pings$' "$dir/out" || { cat "$dir/out"; exit 1; }
+grep -q '^wreck ' "$dir/out"
+"$bin/ex_play_log" "$dir/simulated.log" >"$dir/played" 2>/dev/null || { echo "its log is not sound"; exit 1; }
+grep -qE '^  type 17 ' "$dir/played"
+status=0
+"$bin/ex_simulate" "$dir/none/simulated.log" >/dev/null 2>&1 || status=$?
+[ "$status" -eq 3 ] || { echo "a missing folder gave exit code $status"; exit 1; }
 # The widget gallery tells its options without a display; its pictures are tested elsewhere.
 env -u DISPLAY QT_QPA_PLATFORM=offscreen "$bin/widget_gallery" --help >"$dir/out"
 grep -q -- '--screenshots <DIR>' "$dir/out"

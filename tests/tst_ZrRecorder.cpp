@@ -58,6 +58,8 @@ private Q_SLOTS:
     void warnsOnce();
     void tellsStatusEverySecond();
     void prefixNamesTheLog();
+    void recordsKeepTheirTime();
+    void recordsCountForTheDisk();
 };
 
 void tst_ZrRecorder::logsTextAndDecodedPosition()
@@ -270,6 +272,58 @@ void tst_ZrRecorder::prefixNamesTheLog()
     const QString name = QFileInfo(recorder.CurrentStatus().file).fileName();
     QVERIFY2(QRegularExpression(QStringLiteral("^dive_\\d{8}_\\d{6}\\.log$")).match(name).hasMatch(),
         qPrintable(name));
+}
+
+void tst_ZrRecorder::recordsKeepTheirTime()
+{
+    const QTemporaryDir dir;
+    ZrRecorder::Options options = In(dir);
+    options.source = 9;
+    ZrRecorder recorder(options, nullptr);
+    recorder.AddRecord(CRecType(0, 16), 1, 5.0, "before");
+    QString error;
+    QVERIFY(recorder.Start(&error));
+    recorder.AddRecord(CRecType(1, 17), 3, 1000.5, QByteArray("\0ping\0", 6));
+    recorder.AddLine(fixLine);
+    recorder.AddRecord(CRecType(0, 18), ZrFixRecord::Format, 1001.5, ZrFixRecord().Encode());
+    recorder.AddRecord(CRecType(0, 200), 0, 999.0, QByteArray());
+    const ZrRecorder::Status status = recorder.CurrentStatus();
+    recorder.Stop();
+    recorder.AddRecord(CRecType(0, 16), 1, 5.0, "after");
+
+    const std::vector<Item> items = ReadLog(status.file);
+    QCOMPARE(items.size(), std::size_t(5));
+    QCOMPARE(items[0].inf.type, u16(17));
+    QCOMPARE(items[0].inf.sub, u16(1));
+    QCOMPARE(items[0].inf.format, u16(3));
+    QCOMPARE(items[0].inf.source, u16(9));
+    QCOMPARE(items[0].inf.time, 1000.5);
+    QCOMPARE(items[0].payload, QByteArray("\0ping\0", 6));
+    QCOMPARE(items[1].payload, fixLine + QByteArray(1, '\0'));
+    QCOMPARE(items[3].inf.time, 1001.5);
+    QCOMPARE(items[4].inf.time, 999.0);
+    QCOMPARE(items[4].payload, QByteArray());
+    QCOMPARE(status.items, u64(5));
+    QCOMPARE(status.fixes, u64(2));
+    QCOMPARE(status.bytes, u64(QFileInfo(status.file).size()));
+}
+
+void tst_ZrRecorder::recordsCountForTheDisk()
+{
+    const QTemporaryDir dir;
+    ZrRecorder::Options options = In(dir);
+    qint64 freeBytes = 1000000;
+    options.stopBelow = 1000;
+    options.freeSpace = [&freeBytes] { return freeBytes; };
+    ZrRecorder recorder(options, nullptr);
+    QSignalSpy failed(&recorder, &ZrRecorder::Failed);
+    QString error;
+    QVERIFY(recorder.Start(&error));
+    freeBytes = 10;
+    recorder.AddRecord(CRecType(0, 17), 1, 1.0, QByteArray(9 * 1024 * 1024, 'x'));
+    QCOMPARE(failed.size(), 1);
+    QVERIFY(!recorder.IsRecording());
+    QCOMPARE(ReadLog(recorder.CurrentStatus().file).size(), std::size_t(1));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrRecorder)

@@ -1,6 +1,7 @@
 #include "ZrKit/recording/ZrRecorder.h"
 
 #include "ZrKit/records/ZrKitTypes.h"
+#include "ZrUtil/ZrLogItem.h"
 
 #include <QTimer>
 
@@ -11,6 +12,8 @@ constexpr int tickMs = 1000;
 /// The disk is asked at every tick, and besides whenever this much was written since: a fast source could
 /// otherwise fill a small volume within one tick.
 constexpr u64 bytesBetweenChecks = 8 * 1024 * 1024;
+
+constexpr int largestRecord = 1024 * 1024 * 1024;
 
 /// Weight of the newest second in the rates shown.
 constexpr double rateWeight = 0.3;
@@ -115,6 +118,37 @@ void ZrRecorder::AddLine(const QByteArray& line)
                 ++m_status.fixes;
         }
     }
+    CheckAfterWriting();
+}
+
+void ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteArray& payload)
+{
+    if (!IsRecording() || payload.size() >= largestRecord)
+        return;
+    ZrLogItem item;
+    item.type = type.type;
+    item.sub = type.sub;
+    item.format = format;
+    item.source = m_options.source;
+    item.time = time;
+    item.dataSize = item.storedSize = static_cast<u32>(payload.size());
+    const auto header = item.Encode();
+    QByteArray bytes(reinterpret_cast<const char*>(header.data()), static_cast<int>(header.size()));
+    bytes += payload;
+    {
+        // The logger stamps its items with the time of writing; this one comes whole, in one write.
+        const std::lock_guard<std::mutex> lock(m_logger.mutex);
+        m_logger.RawWrite(bytes.data(), static_cast<unsigned>(bytes.size()));
+        ++m_logger.itemCount;
+        m_logger.bytesWritten += static_cast<u64>(bytes.size());
+    }
+    if (type == zr::rec_type(krtFix))
+        ++m_status.fixes;
+    CheckAfterWriting();
+}
+
+void ZrRecorder::CheckAfterWriting()
+{
     if (m_logger.WriteErrors() > 0 || m_logger.bytesWritten - m_bytesAtCheck >= bytesBetweenChecks)
         CheckDisk();
 }

@@ -77,6 +77,10 @@ public:
     /// Logs one line (without its end).
     void AddLine(const QByteArray& line);
 
+    /// Logs one record whose item carries \p time, seconds since the epoch, rather than that of its arrival:
+    /// for sources that tell their own time, such as simulations. Ignored when \p payload has 1 GiB or more.
+    void AddRecord(CRecType type, u16 format, double time, const QByteArray& payload);
+
 Q_SIGNALS:
     /// About once a second while recording.
     void StatusChanged();
@@ -87,6 +91,7 @@ Q_SIGNALS:
 
 private:
     void OnTick();
+    void CheckAfterWriting();
     void CheckDisk();
     void Fail(const QString& message);
 

@@ -22,6 +22,7 @@
 #include "CmdLogRecord.h"
 #include "CmdLogRecover.h"
 #include "CmdLogSeek.h"
+#include "CmdLogSimulate.h"
 #include "CmdLogTrack.h"
 #include "CmdMesh.h"
 #include "CmdRouteCheck.h"
@@ -65,6 +66,7 @@ void AddLog(CLI::App& app, CliRun& run)
     AddLogTrack(*log, run);
     AddLogSeek(*log, run);
     AddLogPlan(*log, run);
+    AddLogSimulate(*log, run);
 }
 
 void AddRoute(CLI::App& app, CliRun& run)
