@@ -47,9 +47,9 @@ private:
 
     ZrSceneSurface m_scene;
     ScenePanel* m_panel;
+    QVector<ZrBtn*> m_buttons; ///< before those that are among them
     ZrBtn* m_follow;
     ZrBtn* m_exaggerate;
-    QVector<ZrBtn*> m_buttons;
     ZrValueTile* m_heading;
     ZrValueTile* m_pitch;
     ZrValueTile* m_roll;
