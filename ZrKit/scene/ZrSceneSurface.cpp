@@ -224,8 +224,18 @@ void ZrSceneSurface::SetColour(const QColor& colour, bool isLit)
     m_gl.glUniform4f(m_program.Uniform(*this, "uColour"), static_cast<float>(colour.redF()),
         static_cast<float>(colour.greenF()), static_cast<float>(colour.blueF()),
         static_cast<float>(colour.alphaF()));
+    SetLowColour(colour, 0.0F, 1.0F);
     m_gl.glUniform1f(m_program.Uniform(*this, "uLight"), isLit ? 1.0F : 0.0F);
     m_gl.glUniform1f(m_program.Uniform(*this, "uTexture"), 0.0F);
+}
+
+/// The colour at the height \p low, which becomes that of `SetColour` at \p high.
+void ZrSceneSurface::SetLowColour(const QColor& colour, float low, float high)
+{
+    m_gl.glUniform4f(m_program.Uniform(*this, "uColourLow"), static_cast<float>(colour.redF()),
+        static_cast<float>(colour.greenF()), static_cast<float>(colour.blueF()), 1.0F);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uLow"), low);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uHigh"), std::max(high, low + 0.01F));
 }
 
 void ZrSceneSurface::Bind(const Buffer& buffer)
@@ -286,7 +296,8 @@ void ZrSceneSurface::DrawFloor()
     if (m_floor.IsEmpty() || m_floorBuffer.count == 0)
         return;
     SetModel(QMatrix4x4());
-    SetColour(ZrTheme::seabed, true);
+    SetColour(ZrTheme::seabed.lighter(135), true);
+    SetLowColour(ZrTheme::seabed.darker(260), m_floor.Lowest(), m_floor.Highest());
     Bind(m_floorBuffer);
     m_gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_floorIndices);
     m_gl.glDrawElements(
@@ -317,7 +328,7 @@ void ZrSceneSurface::DrawLines()
         std::round(m_camera.Target().y() / step) * step, 0.0F);
     model.scale(step, step, 1.0F);
     QColor colour = ZrTheme::gridCol;
-    colour.setAlpha(90);
+    colour.setAlpha(40);
     draw(m_gridBuffer, colour, GL_LINES, model);
 }
 

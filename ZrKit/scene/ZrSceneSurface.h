@@ -81,6 +81,7 @@ private:
     bool Begin();
     void SetModel(const QMatrix4x4& model);
     void SetColour(const QColor& colour, bool isLit);
+    void SetLowColour(const QColor& colour, float low, float high);
     void Bind(const Buffer& buffer);
     void DrawFloor();
     void DrawLines();

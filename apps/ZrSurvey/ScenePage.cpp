@@ -18,7 +18,7 @@
 namespace {
 
 /// Of the floor's grid at least, metres.
-constexpr float floorSpacing = 1.0F;
+constexpr float floorSpacing = 2.5F;
 
 /// The floor is made anew when so many soundings more have come, in parts of those that it has.
 constexpr double floorGrowth = 0.05;
