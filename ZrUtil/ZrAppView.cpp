@@ -5,6 +5,7 @@
 #include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrPage.h"
 #include "ZrUtil/ZrProgress.h"
+#include "ZrUtil/ZrScoped.h"
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
@@ -27,6 +28,21 @@ namespace {
 
 const auto homeName = QLatin1String("Home");
 
+const char* ErrorText(QGeoPositionInfoSource::Error error)
+{
+    switch (error) {
+    case QGeoPositionInfoSource::AccessError:
+        return "access denied";
+    case QGeoPositionInfoSource::ClosedError:
+        return "closed by the device";
+    case QGeoPositionInfoSource::NoError:
+        return "no error";
+    case QGeoPositionInfoSource::UnknownSourceError:
+        break;
+    }
+    return "unknown error";
+}
+
 } // namespace
 
 ZrAppView::ZrAppView(
@@ -47,7 +63,7 @@ ZrAppView::ZrAppView(
     m_close->img = ZrTheme::ColourImg(QImage(QStringLiteral(":/btn_close.png")), ZrTheme::ctrlCol);
     m_close->setToolTip(tr("Close the application"));
     m_close->setAccessibleName(tr("Close"));
-    ApplyStyleSheet();
+    ApplyStyle();
     setMinimumSize(900, 600);
     StartTimers(period, mode, second);
 }
@@ -86,9 +102,13 @@ void ZrAppView::StartTimers(
     m_timer->start(second);
 }
 
-/// The style sheet with the sizes of the moment, unless the application has it already.
-void ZrAppView::ApplyStyleSheet()
+/// Font and style sheet with the sizes of the moment, unless the application has them already. The style
+/// sheet leaves the font to the widgets, so that those with one of their own keep it.
+void ZrAppView::ApplyStyle()
 {
+    // Before the theme has a style it has no font either.
+    if (ZrTheme::bodyFont.pixelSize() > 0 && QApplication::font() != ZrTheme::bodyFont)
+        QApplication::setFont(ZrTheme::bodyFont);
     const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css"));
     if (qApp->styleSheet() != sheet)
         qApp->setStyleSheet(sheet);
@@ -113,12 +133,16 @@ void ZrAppView::AddPage(QString name, ZrPage* page, bool show)
         page->hide();
     else
         m_current = page;
-    m_close->raise();
-    if (!m_hasContext)
+    if (m_current == page && isVisible())
+        page->show();
+    RaiseControls();
+    if (!HasContext())
         return;
-    with_gl_context([page] { page->zr_initializeGL(); });
     const double ratio = devicePixelRatioF();
-    page->zr_resizeGL(qRound(width() * ratio), qRound(height() * ratio));
+    with_gl_context(std::function<void()>([this, page, ratio] {
+        page->zr_initializeGL();
+        page->zr_resizeGL(qRound(width() * ratio), qRound(height() * ratio));
+    }));
 }
 
 ZrPage* ZrAppView::GetPage(QString name)
@@ -194,24 +218,30 @@ void ZrAppView::set_vsync_multiplier(int n)
     QSurfaceFormat::setDefaultFormat(format);
 }
 
-void ZrAppView::with_gl_context(const std::function<void(QOpenGLFunctions&)>& fn)
+bool ZrAppView::HasContext() const
+{
+    return m_hasContext && isValid();
+}
+
+void ZrAppView::with_gl_context(std::function<void(QOpenGLFunctions&)> fn)
 {
     if (!fn)
         return;
-    // Before the window was shown the functions of the view lead nowhere.
-    const bool hasView = s_pApp && s_pApp->m_hasContext;
+    // Without a context the functions of the view lead nowhere.
+    ZrAppView* view = s_pApp && s_pApp->HasContext() ? s_pApp : nullptr;
     if (QOpenGLContext* context = QOpenGLContext::currentContext()) {
-        fn(hasView ? static_cast<QOpenGLFunctions&>(*s_pApp) : *context->functions());
+        fn(view ? static_cast<QOpenGLFunctions&>(*view) : *context->functions());
         return;
     }
-    if (!hasView)
+    if (!view)
         return;
-    s_pApp->makeCurrent();
-    fn(*s_pApp);
-    s_pApp->doneCurrent();
+    view->makeCurrent();
+    const auto guard = zr::make_scoped([view] { view->doneCurrent(); });
+    if (QOpenGLContext::currentContext())
+        fn(*view);
 }
 
-void ZrAppView::with_gl_context(const std::function<void()>& fn)
+void ZrAppView::with_gl_context(std::function<void()> fn)
 {
     if (fn)
         with_gl_context([&fn](QOpenGLFunctions& /*functions*/) { fn(); });
@@ -230,14 +260,21 @@ void ZrAppView::set_last_path(const QString& path)
 void ZrAppView::CaptureGps()
 {
     const QStringList sources = QGeoPositionInfoSource::availableSources();
+    // The old one goes after the new one has come: a plugin that shares its port among sources gives it up
+    // only later.
+    QGeoPositionInfoSource* const source = QGeoPositionInfoSource::createDefaultSource(this);
     delete m_source;
-    m_source = QGeoPositionInfoSource::createDefaultSource(this);
+    m_source = source;
     if (!m_source) {
         qDebug() << "No default sources:" << sources;
         return;
     }
     qDebug() << "Found default positioning source" << m_source->sourceName();
     connect(m_source, &QGeoPositionInfoSource::positionUpdated, this, &ZrAppView::OnPosUpd);
+    connect(m_source, QOverload<QGeoPositionInfoSource::Error>::of(&QGeoPositionInfoSource::error), this,
+        [](QGeoPositionInfoSource::Error error) {
+            qDebug() << "Positioning source failed:" << ErrorText(error);
+        });
     m_source->startUpdates();
 }
 
@@ -250,6 +287,7 @@ void ZrAppView::OnPosUpd(const QGeoPositionInfo& info)
 
 void ZrAppView::StartPosition(QString source, double latitude, double longitude, double third)
 {
+    m_start = {source, latitude, longitude, third};
     Q_EMIT PositionChanged(source, latitude, longitude, third);
 }
 
@@ -293,7 +331,9 @@ void ZrAppView::initializeGL()
     initializeOpenGLFunctions();
     m_hasContext = true;
     m_back->OnCreate();
-    for (ZrPage* page : qAsConst(m_pages)) {
+    // A copy: a page may add another one, which is then initialised there.
+    const QMap<QString, ZrPage*> pages = m_pages;
+    for (ZrPage* page : pages) {
         if (page)
             page->zr_initializeGL();
     }
@@ -320,13 +360,14 @@ void ZrAppView::resizeGL(int w, int h)
     m_titleHeight = ZrTheme::DpI(100);
     ZrTheme::SetAppSize(static_cast<float>(w), static_cast<float>(h));
     ZrTheme::SetStdStyle();
-    ApplyStyleSheet();
+    ApplyStyle();
     const double ratio = devicePixelRatioF();
     const int wide = qRound(w * ratio);
     const int high = qRound(h * ratio);
     m_back->m_pixelFactor = qRound(ratio);
     m_back->OnResize(wide, high);
-    for (ZrPage* page : qAsConst(m_pages)) {
+    const QMap<QString, ZrPage*> pages = m_pages;
+    for (ZrPage* page : pages) {
         if (!page)
             continue;
         page->setGeometry(0, 0, w, h);
@@ -335,20 +376,26 @@ void ZrAppView::resizeGL(int w, int h)
     PlaceControls();
 }
 
+/// The close button in the upper right corner; the forms left and below of where it ends; progress in the
+/// middle.
 void ZrAppView::PlaceControls()
 {
     const int margin = ZrTheme::DpI(16);
     const int close = std::max(ZrTheme::DpI(48), 44);
     m_close->setGeometry(width() - close - margin, margin, close, close);
 
-    const int left = ZrTheme::DpI(80);
-    const int top = ZrTheme::DpI(80);
-    const int wide = std::min(width() - 2 * left, ZrTheme::DpI(600) + ZrTheme::DpI(250));
-    m_forms->setGeometry(left, top, wide, height() - ZrTheme::DpI(100));
+    const int edge = std::max(ZrTheme::DpI(80), close + margin);
+    const int wide = std::min(width() - 2 * edge, ZrTheme::DpI(600) + ZrTheme::DpI(250));
+    m_forms->setGeometry(edge, edge, wide, height() - edge - (ZrTheme::DpI(100) - ZrTheme::DpI(80)));
 
-    const QSize panel(ZrTheme::DpI(500), ZrTheme::DpI(160));
+    const QSize panel = QSize(ZrTheme::DpI(500), ZrTheme::DpI(160)).boundedTo(size());
     m_progress->setGeometry(
         QRect(QPoint((width() - panel.width()) / 2, (height() - panel.height()) / 2), panel));
+    RaiseControls();
+}
+
+void ZrAppView::RaiseControls()
+{
     m_close->raise();
     m_forms->raise();
     m_progress->raise();

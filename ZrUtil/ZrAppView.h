@@ -7,12 +7,13 @@
 #include <QMap>
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>
-#include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 
 #include <chrono>
 #include <functional>
+#include <limits>
 #include <string>
 
 class QGeoPositionInfoSource;
@@ -30,12 +31,20 @@ class ZrProgress;
 /// QApplication app(argc, argv);
 /// ZrTheme::SetDesignScale(1440, 900);
 /// ZrTheme::SetStdStyle();
-/// ZrAppView view(nullptr, std::chrono::milliseconds(40), ZrAppView::updateTimer,
-/// std::chrono::milliseconds(40)); view.AddPage("Home", new HomePage(&view), true); view.show(); return
-/// app.exec(); \endcode
+/// const std::chrono::milliseconds period(40);
+/// ZrAppView view(nullptr, period, ZrAppView::updateTimer, period);
+/// view.AddPage("Home", new HomePage(&view), true);
+/// view.show();
+/// return app.exec();
+/// \endcode
 ///
 /// Pages are added before the window is shown; of those added later the GL part is initialised at once. The
-/// upper band of the window drags it, a double click there makes it full screen.
+/// upper band of the window, 200 design pixels high, 100 once it has been resized, drags it, and a double
+/// click there makes it full screen.
+///
+/// At every resize the theme is scaled to the window, and with it the style sheet and the font of the
+/// application. Where no OpenGL context can be had the window stays empty and the program goes on; nothing
+/// named …GL is called then.
 ///
 /// GUI thread only. The process has one object of this class at a time.
 class ZR_UTIL_EXPORT ZrAppView : public QOpenGLWidget, public QOpenGLFunctions, public zr::IPersistable
@@ -50,6 +59,15 @@ public:
         updateAdjusted = 1, ///< the timer, adjusted by the second duration
         updateContinuous
         = 2 ///< the timer, and every frame asks for the next one: the swap interval paces them
+    };
+
+    /// Where the boat is, degrees and metres; NaN until a position has come, and what a position lacks.
+    struct StartPos
+    {
+        QString source;
+        double latitude = std::numeric_limits<double>::quiet_NaN();
+        double longitude = std::numeric_limits<double>::quiet_NaN();
+        double altitude = std::numeric_limits<double>::quiet_NaN();
     };
 
     static ZrAppView* s_pApp; ///< the one object; null without one
@@ -70,7 +88,8 @@ public:
     static ZrAppView& get();
 
     /// Adds a page under a name; it becomes the current one when \p show is set or none was. Neither hides
-    /// the page before nor calls `OnPageOpen`. A null page is kept under its name as none.
+    /// the page before nor calls `OnPageOpen`. A null page is kept under its name as none. A page that had
+    /// the name before stays a child of the view.
     void AddPage(QString name, ZrPage* page, bool show);
 
     ZrPage* GetPage(QString name); ///< null when there is none
@@ -89,17 +108,23 @@ public:
     /// Frames for each tick of the display, in windows shown from now on; 0 does not wait for it.
     static void set_vsync_multiplier(int n);
 
-    /// Runs \p fn with a context current: that of the view, unless one is current already. Nothing happens
-    /// with an empty function, nor, with no context current, before the window was shown.
-    static void with_gl_context(const std::function<void(QOpenGLFunctions&)>& fn);
-    static void with_gl_context(const std::function<void()>& fn); ///< the same
+    /// Runs \p fn with a context current: that of the view, released afterwards, unless one is current
+    /// already. Nothing happens with an empty function, nor, with no context current, while the view has
+    /// none: before the window was shown, and where OpenGL is missing.
+    static void with_gl_context(std::function<void(QOpenGLFunctions&)> fn);
+    static void with_gl_context(std::function<void()> fn); ///< the same
 
     QString last_path() const; ///< the folder used last in file dialogs
     void set_last_path(const QString& path);
 
-    void CaptureGps(); ///< follows the default source of positions, when there is one
+    /// Follows the default source of positions, when there is one; the debug output says which, and what it
+    /// fails with. Not from within `OnPosUpd`: a second call replaces the source.
+    void CaptureGps();
 
-    /// A position has come: degrees, and the altitude in metres, NaN or 0 when it is not known.
+    /// Keeps a position and emits `PositionChanged`.
+    /// \param source who says so: tr("Local") for the machine's own receiver
+    /// \param latitude, longitude degrees; NaN when they are not known
+    /// \param third altitude in metres; NaN or 0 when it is not known
     virtual void StartPosition(QString source, double latitude, double longitude, double third);
 
     void settings(zr::ZrSetModule& module) override;
@@ -109,6 +134,8 @@ public:
     ZrProgress& progress() { return *m_progress; } ///< the panel for long work; owned by the view
 
     const QGeoPositionInfo& last_position() const { return m_position; } ///< invalid until one has come
+
+    const StartPos& start_position() const { return m_start; } ///< what `StartPosition` was told last
 
 public Q_SLOTS:
     void OnClose(); ///< saves through `OnExit` and ends the event loop
@@ -131,8 +158,10 @@ protected:
 
 private:
     void StartTimers(std::chrono::milliseconds period, eUpdateMode mode, std::chrono::milliseconds second);
-    void ApplyStyleSheet();
+    void ApplyStyle();
     void PlaceControls();
+    void RaiseControls();
+    bool HasContext() const;
     bool IsInTitle(const QMouseEvent& event) const;
 
     ZrBtn* m_close;
@@ -140,7 +169,8 @@ private:
     ZrProgress* m_progress;
     ZrAppBack* m_back;
     QGeoPositionInfo m_position;
-    QGeoPositionInfoSource* m_source = nullptr;
+    StartPos m_start;
+    QPointer<QGeoPositionInfoSource> m_source;
     QTimer* m_timer;
     QTimer* m_idleTimer = nullptr;
     std::wstring m_lastPath;

@@ -10,7 +10,7 @@ zr_fail() {
 }
 
 zr_build_packages=(g++ cmake ninja-build ccache pkg-config python3 qtbase5-dev qtpositioning5-dev libfmt-dev libspdlog-dev libcli11-dev zlib1g-dev)
-zr_test_packages=(libbenchmark-dev libtinyobjloader-dev libgeographiclib-dev libproj-dev xvfb xauth libgl1-mesa-dri gpsbabel gdal-bin fonts-liberation librsvg2-bin)
+zr_test_packages=(libbenchmark-dev libtinyobjloader-dev libgeographiclib-dev libproj-dev xvfb xauth openbox libgl1-mesa-dri gpsbabel gdal-bin fonts-liberation librsvg2-bin)
 
 # zr_install PACKAGE...: installs what is missing; says nothing when all is there.
 zr_install() {

@@ -1,0 +1,3 @@
+#include "ZrTestPositions.h"
+
+std::function<QGeoPositionInfoSource*(QObject*)> ZrTestPositions::s_make;
