@@ -1,0 +1,293 @@
+#include "ZrKit/map/ZrGridLayer.h"
+
+#include "ZrKit/map/ZrGridLines.h"
+#include "ZrKit/map/ZrMapShapes.h"
+#include "ZrKit/map/ZrMapView.h"
+#include "ZrUtil/ZrGlSurface.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+
+#include <QDataStream>
+#include <QtMath>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// Design pixels.
+constexpr double lineWidth = 1.2;
+constexpr double lineCasing = 2.6; ///< for the lines to be seen on light ground
+constexpr double edge = 12.0; ///< of the area, beside bar and arrow
+constexpr double inset = 5.0; ///< of the texts of the grid
+constexpr double gridText = 16.0;
+constexpr double northText = 14.0;
+constexpr double barText = 18.0;
+constexpr double barTextHeight = 24.0;
+constexpr double barWidth = 220.0; ///< at most
+constexpr double barHeight = 9.0;
+constexpr double casing = 2.0;
+constexpr double arrowRadius = 30.0;
+
+constexpr double farthest = 2e7; ///< metres
+
+QColor Valid(const QColor& colour, const QColor& otherwise)
+{
+    return colour.isValid() ? colour : otherwise;
+}
+
+QColor Opaque(QColor colour)
+{
+    colour.setAlpha(255);
+    return colour;
+}
+
+/// Pixels of a design pixel; 0 when nothing can be drawn.
+double PixelOf(int factor)
+{
+    const double pixel = static_cast<double>(ZrTheme::dp) * factor;
+    return std::isfinite(pixel) && pixel > 0.0 ? pixel : 0.0;
+}
+
+} // namespace
+
+ZrGridLayer::ZrGridLayer()
+    : m_batch(QStringLiteral(":/map_shape.fsh"))
+{
+}
+
+void ZrGridLayer::SetProjection(const ZrSphd& spheroid, const ZrProj& projection)
+{
+    m_spheroid = spheroid;
+    m_projection = projection;
+    m_hasProjection = true;
+    m_key.clear();
+}
+
+void ZrGridLayer::ClearProjection()
+{
+    m_hasProjection = false;
+    m_key.clear();
+}
+
+void ZrGridLayer::SetMargins(const QMarginsF& margins)
+{
+    const auto usable = [](double v) { return std::isfinite(v) ? std::max(v, 0.0) : 0.0; };
+    m_margins = QMarginsF(
+        usable(margins.left()), usable(margins.top()), usable(margins.right()), usable(margins.bottom()));
+}
+
+void ZrGridLayer::SetSpacing(double spacing)
+{
+    if (std::isfinite(spacing))
+        m_spacing = std::max(spacing, LeastSpacing);
+}
+
+double ZrGridLayer::NorthAngle(const ZrMapView& view) const
+{
+    if (m_north != northTrue || !m_hasProjection)
+        return view.Rotation();
+    // Beyond the earth there is no other north.
+    if (std::fabs(view.Centre().x()) > farthest || std::fabs(view.Centre().y()) > farthest)
+        return view.Rotation();
+    double lat = 0.0;
+    double lng = 0.0;
+    ZrUnits::EN2LL(m_spheroid, m_projection, view.Centre().x(), view.Centre().y(), lat, lng);
+    const double convergence = std::fabs(lat) < 89.9
+        ? ZrUnits::Convergence(m_spheroid, m_projection, lat, lng)
+        : std::numeric_limits<double>::quiet_NaN();
+    return std::isfinite(convergence) ? view.Rotation() + convergence : view.Rotation();
+}
+
+/// The pixels of the view that nothing covers.
+QRectF ZrGridLayer::Area(const ZrMapView& view) const
+{
+    const QRectF area = QRectF(0.0, 0.0, view.Width(), view.Height()).marginsRemoved(m_margins);
+    return area.isValid() ? area : QRectF();
+}
+
+QRectF ZrGridLayer::NorthArrowRect(const ZrMapView& view, int factor) const
+{
+    const double pixel = PixelOf(factor);
+    const QRectF area = Area(view);
+    const double side = 2.0 * std::round(arrowRadius * pixel);
+    const double gap = std::round(edge * pixel);
+    if (!m_hasNorthArrow || pixel == 0.0 || area.width() < side + 2.0 * gap
+        || area.height() < side + 2.0 * gap)
+        return {};
+    return {std::floor(area.right() - gap - side), std::ceil(area.top() + gap), side, side};
+}
+
+ZrScaleBar ZrGridLayer::BarOf(const ZrMapView& view, double pixel) const
+{
+    const double room = Area(view).width() - 2.0 * (edge + casing) * pixel;
+    return ZrScaleBar::Of(view.Scale(), std::min(barWidth * pixel, room));
+}
+
+QRectF ZrGridLayer::ScaleBarRect(const ZrMapView& view, int factor) const
+{
+    const double pixel = PixelOf(factor);
+    const QRectF area = Area(view);
+    const double gap = std::round(edge * pixel);
+    const double high = std::round((barTextHeight + barHeight + 2.0 * casing) * pixel);
+    const ZrScaleBar bar = BarOf(view, pixel);
+    if (!m_hasScaleBar || pixel == 0.0 || bar.metres == 0.0 || area.height() < high + 2.0 * gap)
+        return {};
+    return {std::ceil(area.left() + gap), std::floor(area.bottom() - gap - high),
+        std::round(bar.pixels) + 2.0 * std::round(casing * pixel), high};
+}
+
+/// All that vertices and texts are made of.
+QByteArray ZrGridLayer::Key(const ZrMapView& view, double pixel) const
+{
+    QByteArray key;
+    QDataStream stream(&key, QIODevice::WriteOnly);
+    stream << view.Width() << view.Height() << view.Centre() << view.Scale() << view.Rotation() << pixel
+           << m_hasGrid << m_hasTexts << m_hasScaleBar << m_hasNorthArrow << static_cast<int>(m_north)
+           << m_margins.left() << m_margins.top() << m_margins.right() << m_margins.bottom() << m_spacing
+           << static_cast<int>(ZrUnits::geoStyle) << ZrUnits::tinyLengthUnit << ZrUnits::tinyLengthScale
+           << ZrUnits::shortLengthUnit << ZrUnits::shortLengthScale << ZrUnits::longLengthUnit
+           << ZrUnits::longLengthScale << ZrTheme::gridCol << ZrTheme::darken << ZrTheme::ctrlCol
+           << ZrTheme::formBack << ZrTheme::formBdr << ZrTheme::errorCol;
+    return key;
+}
+
+void ZrGridLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
+{
+    const double pixel = PixelOf(surface.m_pixelFactor);
+    if (pixel == 0.0 || !m_batch.Use(surface))
+        return;
+    const QByteArray key = Key(view, pixel);
+    if (key != m_key || !m_batch.IsUploaded()) {
+        Build(surface, view, pixel);
+        m_key = key;
+    }
+    m_batch.Draw(surface, view);
+    m_labels.Paint(surface, view);
+}
+
+void ZrGridLayer::Build(ZrGlSurface& surface, const ZrMapView& view, double pixel)
+{
+    ZrMapShapes shapes;
+    std::vector<ZrMapLabel> labels;
+    const QRectF bar = ScaleBarRect(view, surface.m_pixelFactor);
+    const QRectF arrow = NorthArrowRect(view, surface.m_pixelFactor);
+    if (m_hasGrid)
+        AddGrid(shapes, labels, view, pixel);
+    if (!bar.isEmpty())
+        AddScaleBar(shapes, labels, BarOf(view, pixel), bar, pixel);
+    if (!arrow.isEmpty())
+        AddNorthArrow(shapes, labels, view, arrow, pixel);
+    m_batch.Upload(surface, shapes.Triangles());
+    m_labels.SetLabels(labels);
+    const double gap = edge / 2.0 * pixel;
+    const QMarginsF around(gap, gap, gap, gap);
+    std::vector<QRectF> taken;
+    for (const QRectF& rect : {bar, arrow}) {
+        if (!rect.isEmpty())
+            taken.push_back(rect.marginsAdded(around));
+    }
+    m_labels.SetDeclutter(true, taken);
+}
+
+void ZrGridLayer::AddGrid(
+    ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view, double pixel)
+{
+    const eGeoStyle style = ZrUnits::GetGeoStyle();
+    const bool isGeographic = m_hasProjection && style != eGeoUTM;
+    const ZrGridLines::Lines lines = isGeographic
+        ? ZrGridLines::Geographic(view, m_spacing * pixel, style, m_spheroid, m_projection)
+        : ZrGridLines::Projected(view, m_spacing * pixel);
+    const QColor colour = Valid(ZrTheme::gridCol, QColor(128, 128, 128, 128));
+    const QColor under = Valid(ZrTheme::darken, QColor(0, 0, 0, 50));
+    for (const ZrGridLines::Line& line : lines)
+        shapes.AddWorldLine(line.points, lineCasing * pixel, under);
+    for (const ZrGridLines::Line& line : lines)
+        shapes.AddWorldLine(line.points, lineWidth * pixel, colour);
+    if (!m_hasTexts)
+        return;
+    std::vector<QSizeF> sizes;
+    for (const ZrGridLines::Line& line : lines)
+        sizes.push_back(m_labels.TextSize(line.text, static_cast<float>(gridText)) * pixel);
+    for (ZrMapLabel& label : ZrGridLines::Labels(lines, view, Area(view), inset * pixel, sizes)) {
+        label.size = static_cast<float>(gridText);
+        labels.push_back(label);
+    }
+}
+
+void ZrGridLayer::AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrScaleBar& bar,
+    const QRectF& rect, double pixel)
+{
+    const double border = std::round(casing * pixel);
+    const QRectF box(rect.left(), rect.bottom() - std::round(barHeight * pixel) - 2.0 * border, rect.width(),
+        std::round(barHeight * pixel) + 2.0 * border);
+    const QRectF inner = box.adjusted(border, border, -border, -border);
+    const QColor light = Opaque(Valid(ZrTheme::ctrlCol, Qt::white));
+    const QColor dark = Opaque(Valid(ZrTheme::formBack, Qt::black));
+    shapes.AddRect(box, dark);
+    // Blocks in turn, as on a printed chart; the dark ones are the casing.
+    for (int i = 0; i < bar.parts; i += 2) {
+        const double left = inner.left() + std::round(inner.width() * i / bar.parts);
+        const double right = inner.left() + std::round(inner.width() * (i + 1) / bar.parts);
+        shapes.AddRect(QRectF(left, inner.top(), right - left, inner.height()), light);
+    }
+    const double line = std::max(std::round(pixel), 1.0);
+    shapes.AddRect(QRectF(inner.left(), inner.top(), inner.width(), line), light);
+    shapes.AddRect(QRectF(inner.left(), inner.bottom() - line, inner.width(), line), light);
+    shapes.AddRect(QRectF(inner.right() - line, inner.top(), line, inner.height()), light);
+
+    ZrMapLabel label;
+    label.text = bar.text;
+    label.isOnScreen = true;
+    label.position = {box.left(), box.top()};
+    label.size = static_cast<float>(barText);
+    label.priority = ZrMapLabel::AlwaysShown;
+    labels.push_back(label);
+}
+
+void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view,
+    const QRectF& rect, double pixel)
+{
+    const QPointF centre = rect.center();
+    const double radius = rect.width() / 2.0;
+    const QColor light = Opaque(Valid(ZrTheme::formBdr, Qt::white));
+    const QColor north = Opaque(Valid(ZrTheme::errorCol, Qt::red));
+    shapes.AddDisc(centre, radius, light);
+    shapes.AddDisc(centre, radius - casing * pixel, Opaque(Valid(ZrTheme::formBack, Qt::black)));
+
+    const double angle = qDegreesToRadians(NorthAngle(view));
+    const auto turned = [&](double right, double up) {
+        return QPointF(right * std::cos(angle) - up * std::sin(angle),
+                   right * std::sin(angle) + up * std::cos(angle))
+            * radius;
+    };
+    // A needle, its middle below that of the disc for the letter to have room.
+    shapes.AddPolygon(centre, {turned(-0.28, -0.20), turned(0.28, -0.20), turned(0.0, 0.43)}, north);
+    shapes.AddPolygon(centre, {turned(-0.28, -0.20), turned(0.0, -0.86), turned(0.28, -0.20)}, light);
+
+    ZrMapLabel label;
+    label.text = m_north == northTrue && m_hasProjection ? QStringLiteral("N") : QStringLiteral("GN");
+    label.isOnScreen = true;
+    const QPointF letter = turned(0.0, 0.69);
+    label.position = centre + QPointF(letter.x(), -letter.y());
+    label.alignX = ZrMapLabel::alignCentre;
+    label.alignY = ZrMapLabel::alignMiddle;
+    label.size = static_cast<float>(northText);
+    label.haloWidth = 0.0F;
+    label.colour = light;
+    label.priority = ZrMapLabel::AlwaysShown;
+    labels.push_back(label);
+}
+
+void ZrGridLayer::OnRelease(ZrGlSurface& surface)
+{
+    m_batch.Release(surface);
+    m_labels.Release(surface);
+}
+
+void ZrGridLayer::OnForget()
+{
+    m_batch.Forget();
+    // It finds out by itself that its context is gone.
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/map/ZrMapProgram.h"
+
+#include <QColor>
+#include <QPointF>
+#include <QSize>
+
+#include <vector>
+
+class ZrGlSurface;
+class ZrMapView;
+
+/// Triangles that are drawn in one call: each vertex at a world position or a pixel of the view, moved by
+/// pixels that turn with the map or stay upright.
+///
+/// One buffer and one program. Upright corners are counted from a whole pixel. The context is current; GUI
+/// thread only.
+class ZR_KIT_EXPORT ZrMapBatch
+{
+public:
+    /// One corner of a triangle, as the shaders take it.
+    struct Vertex
+    {
+        float position[4] = {}; ///< `ZrMapSplit::Split`, or pixels right and down in the first two
+        float corner[2] = {}; ///< pixels right and up
+        float texture[2] = {}; ///< texels; for lines: pixels from the middle and half the width
+        unsigned char colour[4] = {}; ///< red, green, blue, alpha
+        float edge = 0.0F; ///< distance where ink ends, 0 to 1
+        float sharpness = 0.0F; ///< pixels for the whole range of distances
+        float isOnScreen = 0.0F; ///< 1: the position is in pixels
+        float isTurning = 0.0F; ///< 1: the corner turns with the map
+
+        void SetWorld(const QPointF& world);
+        void SetPixel(const QPointF& pixel); ///< also upright
+        void SetColour(const QColor& value);
+    };
+
+    using Vertices = std::vector<Vertex>;
+
+    explicit ZrMapBatch(const QString& fragment); ///< resource of the fragment shader
+
+    /// Makes the program current; false when it did not build.
+    bool Use(ZrGlSurface& surface);
+
+    /// Takes the triangles to be drawn. After `Use`.
+    void Upload(ZrGlSurface& surface, const Vertices& vertices);
+
+    bool IsUploaded() const { return m_isUploaded; } ///< in the context there is
+
+    /// Draws them, blended, with the texture that is bound. \p texture is its size; without one 1 × 1. After
+    /// `Use`; nothing without triangles.
+    void Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& texture = QSize(1, 1));
+
+    void Release(ZrGlSurface& surface); ///< deletes buffer and program
+    void Forget(); ///< the context is gone with them
+
+private:
+    ZrMapProgram m_program;
+    unsigned m_buffer = 0;
+    int m_count = 0;
+    bool m_isUploaded = false;
+};
