@@ -56,6 +56,7 @@ MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
         {MarkerAt(first, circle, ZrTheme::goodCol), MarkerAt(last, circle, ZrTheme::errorCol)});
     m_markers.m_halo = QColor(0, 0, 0, 200);
     m_labels.SetLabels({LabelAt(first, tr("Start")), LabelAt(last, tr("End"))});
+    m_labels.SetDeclutter(true);
 
     AddButton(QStringLiteral("zoom_in"), tr("Nearer (+)"), &MapPage::ZoomIn);
     AddButton(QStringLiteral("zoom_out"), tr("Farther (-)"), &MapPage::ZoomOut);
@@ -65,6 +66,7 @@ MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
     AddButton(QStringLiteral("info"), tr("Statistics of the frames (S)"), &MapPage::ToggleStatistics);
 
     connect(m_panel, &ZrMapPanel::Changed, view, [view] { view->update(); });
+    connect(m_panel, &ZrMapPanel::CameraMoved, this, [this] { m_fitted = 0; });
     connect(m_panel, &ZrMapPanel::DoubleTapped, this, [this](const QPointF& /*world*/, const QPointF& pixel) {
         m_map.m_camera.ZoomAbout(pixel, 2.0);
         m_panel->Moved();
@@ -104,16 +106,21 @@ void MapPage::TurnNorthUp()
     m_panel->Moved();
 }
 
+void MapPage::Fit(const QRectF& world, float margin, int fitted)
+{
+    m_map.m_camera.Fit(world, ZrTheme::DpI(margin));
+    m_panel->Moved();
+    m_fitted = fitted;
+}
+
 void MapPage::ShowRecording()
 {
-    m_map.m_camera.Fit(m_trackBounds, ZrTheme::DpI(100));
-    m_panel->Moved();
+    Fit(m_trackBounds, 100, 1);
 }
 
 void MapPage::ShowAll()
 {
-    m_map.m_camera.Fit(m_trackBounds | m_wander.m_track.Bounds(), ZrTheme::DpI(60));
-    m_panel->Moved();
+    Fit(m_trackBounds | m_wander.m_track.Bounds(), 60, 2);
 }
 
 void MapPage::ToggleStatistics()
@@ -177,9 +184,12 @@ void MapPage::resizeEvent(QResizeEvent* event)
         y += side + gap;
     }
     m_grid.SetMargins(QMarginsF(gap, gap, side + 3 * gap, gap) * devicePixelRatioF());
-    if (!m_isPlaced)
+    // A widget that was not shown yet learns its size later.
+    m_panel->Match();
+    if (m_fitted == 1)
         ShowRecording();
-    m_isPlaced = true;
+    else if (m_fitted == 2)
+        ShowAll();
 }
 
 void MapPage::paintEvent(QPaintEvent* /*event*/)
@@ -191,7 +201,8 @@ void MapPage::paintEvent(QPaintEvent* /*event*/)
     const QString text = Statistics();
     const int gap = ZrTheme::DpI(12);
     const QRect box = painter.fontMetrics().boundingRect(text).adjusted(-gap, -gap, gap, gap);
-    const QRect at((width() - box.width()) / 2, gap, box.width(), box.height());
+    const QRect at(
+        (width() - box.width()) / 2, height() - box.height() - gap, box.width(), box.height());
     painter.fillRect(at, ZrTheme::toolBack);
     painter.setPen(ZrTheme::ctrlCol);
     painter.drawText(at, Qt::AlignCenter, text);

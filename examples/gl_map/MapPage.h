@@ -39,6 +39,7 @@ protected:
 
 private:
     ZrBtn* AddButton(const QString& icon, const QString& hint, void (MapPage::*action)());
+    void Fit(const QRectF& world, float margin, int fitted);
     void ZoomIn();
     void ZoomOut();
     void TurnNorthUp();
@@ -53,7 +54,7 @@ private:
     ZrMapPanel* m_panel;
     QVector<ZrBtn*> m_buttons;
     QRectF m_trackBounds;
-    bool m_isPlaced = false;
+    int m_fitted = 1; ///< what a new size shows all of: 1 the recording, 2 both tracks; 0: the map was moved
     bool m_hasStatistics = false;
     int m_frames = 0;
     double m_seconds = 0.0; ///< in all frames

@@ -20,10 +20,10 @@ Track ReadTrack(const QString& logPath)
     std::vector<double> lats;
     std::vector<double> lngs;
     for (const ZrLogRec& rec : dataset.recs) {
-        if (!std::isfinite(rec.lat) || !std::isfinite(rec.lng))
+        if (!std::isfinite(rec.latitude) || !std::isfinite(rec.longitude))
             continue;
-        lats.push_back(rec.lat);
-        lngs.push_back(rec.lng);
+        lats.push_back(rec.latitude);
+        lngs.push_back(rec.longitude);
     }
     if (lats.empty()) {
         track.error = QStringLiteral("%1: there is no position in it").arg(logPath);
