@@ -28,6 +28,10 @@ void ZrMapSurface::Render()
     m_camera.Apply(*this);
     for (ZrMapLayer* layer : qAsConst(m_layers))
         layer->Paint(*this, m_camera);
+    // What was blended has left its mark on alpha; pictures of the window would be seen through there.
+    m_gl.glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    m_gl.glClear(GL_COLOR_BUFFER_BIT);
+    m_gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     m_gl.glDisable(GL_SCISSOR_TEST);
 }
 

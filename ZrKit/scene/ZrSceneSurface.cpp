@@ -374,5 +374,9 @@ void ZrSceneSurface::Render()
         End();
     }
     m_gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    // What was blended has left its mark on alpha; pictures of the window would be seen through there.
+    m_gl.glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    m_gl.glClear(GL_COLOR_BUFFER_BIT);
+    m_gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     m_gl.glDisable(GL_SCISSOR_TEST);
 }
