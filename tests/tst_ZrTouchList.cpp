@@ -1,0 +1,223 @@
+// A list for fingers.
+
+#include "ZrKit/ui/ZrTouchList.h"
+#include "ZrUtil/ZrTheme.h"
+
+#include <QContextMenuEvent>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+QVector<ZrListItem> Items(int count, bool isTall = false)
+{
+    QVector<ZrListItem> items;
+    for (int i = 0; i < count; ++i) {
+        ZrListItem item;
+        item.title = QStringLiteral("Zeile %1 港").arg(i);
+        if (isTall)
+            item.subtitle = QStringLiteral("more of it");
+        item.detail = QStringLiteral("%1 m").arg(i);
+        items.append(item);
+    }
+    return items;
+}
+
+QRect RowRect(const ZrTouchList& list, int row)
+{
+    return list.visualRect(list.model()->index(row, 0));
+}
+
+void Tap(ZrTouchList& list, int row)
+{
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, RowRect(list, row).center());
+}
+
+} // namespace
+
+class tst_ZrTouchList : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void tapChooses();
+    void keysChoose();
+    void setCurrentTellsNobody();
+    void itemsKeepTheCurrentRow();
+    void rowsAreTallEnough();
+    void contextMenuIsHeld();
+    void wrongRows();
+    void emptyText();
+    void paintsWithoutRoom();
+    void manyRows();
+    void accessibleText();
+};
+
+void tst_ZrTouchList::init()
+{
+    ZrTheme::dp = 1.0F;
+    ZrTheme::SetStdStyle();
+}
+
+void tst_ZrTouchList::tapChooses()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(5));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    QSignalSpy changed(&list, &ZrTouchList::CurrentChanged);
+    Tap(list, 3);
+    QTRY_COMPARE(chosen.count(), 1);
+    QCOMPARE(chosen[0][0].toInt(), 3);
+    QCOMPARE(list.Current(), 3);
+    QCOMPARE(changed.count(), 1);
+}
+
+void tst_ZrTouchList::keysChoose()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(5));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    QTest::keyClick(&list, Qt::Key_Return);
+    QCOMPARE(chosen.count(), 0);
+    list.SetCurrent(1);
+    QTest::keyClick(&list, Qt::Key_Down);
+    QCOMPARE(list.Current(), 2);
+    QTest::keyClick(&list, Qt::Key_Return);
+    QTest::keyClick(&list, Qt::Key_Enter);
+    QCOMPARE(chosen.count(), 2);
+    QCOMPARE(chosen[1][0].toInt(), 2);
+}
+
+void tst_ZrTouchList::setCurrentTellsNobody()
+{
+    ZrTouchList list(nullptr);
+    list.SetItems(Items(5));
+    QSignalSpy changed(&list, &ZrTouchList::CurrentChanged);
+    list.SetCurrent(2);
+    QCOMPARE(list.Current(), 2);
+    list.SetCurrent(-1);
+    QCOMPARE(list.Current(), -1);
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_ZrTouchList::itemsKeepTheCurrentRow()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 200);
+    list.SetItems(Items(50));
+    list.show();
+    list.SetCurrent(20);
+    list.verticalScrollBar()->setValue(700);
+    const int position = list.verticalScrollBar()->value();
+    list.SetItems(Items(50));
+    QCOMPARE(list.Current(), 20);
+    QCOMPARE(list.verticalScrollBar()->value(), position);
+    list.SetItems(Items(10));
+    QCOMPARE(list.Current(), 9);
+    list.SetItems({});
+    QCOMPARE(list.Current(), -1);
+}
+
+void tst_ZrTouchList::rowsAreTallEnough()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(2));
+    list.show();
+    QCOMPARE(RowRect(list, 0).height(), 56);
+    list.SetItems(Items(2, true));
+    QTRY_COMPARE(RowRect(list, 0).height(), int(ZrTouchList::RowHeight));
+    // A finger does not shrink with the scale.
+    ZrTheme::dp = 0.3F;
+    ZrTheme::SetStdStyle();
+    list.SetItems(Items(2));
+    list.Restyle();
+    QTRY_COMPARE(RowRect(list, 0).height(), 44);
+}
+
+void tst_ZrTouchList::contextMenuIsHeld()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(5));
+    list.show();
+    QSignalSpy held(&list, &ZrTouchList::Held);
+    const QPoint at = RowRect(list, 1).center();
+    QContextMenuEvent mouse(QContextMenuEvent::Mouse, at, list.mapToGlobal(at));
+    QCoreApplication::sendEvent(list.viewport(), &mouse);
+    QCOMPARE(held.count(), 1);
+    QCOMPARE(held[0][0].toInt(), 1);
+    list.SetCurrent(4);
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QCoreApplication::sendEvent(list.viewport(), &key);
+    QCOMPARE(held.count(), 2);
+    QCOMPARE(held[1][0].toInt(), 4);
+}
+
+void tst_ZrTouchList::wrongRows()
+{
+    ZrTouchList list(nullptr);
+    list.SetItems(Items(3));
+    list.SetItem(-1, {});
+    list.SetItem(3, {});
+    QCOMPARE(list.Items().size(), 3);
+    list.SetCurrent(99);
+    QCOMPARE(list.Current(), -1);
+    ZrListItem item;
+    item.title = QStringLiteral("other");
+    list.SetItem(1, item);
+    QCOMPARE(list.Items()[1].title, QStringLiteral("other"));
+}
+
+void tst_ZrTouchList::emptyText()
+{
+    ZrTouchList list(nullptr);
+    list.resize(300, 200);
+    const QImage without = list.grab().toImage();
+    list.m_empty = QStringLiteral("Nothing here");
+    QVERIFY(list.grab().toImage() != without);
+}
+
+void tst_ZrTouchList::paintsWithoutRoom()
+{
+    ZrTouchList list(nullptr);
+    QVector<ZrListItem> items = Items(3, true);
+    items[0].image = QImage(1, 1000, QImage::Format_ARGB32);
+    items[1].image = QImage(1000, 1, QImage::Format_ARGB32);
+    items[1].isPicture = true;
+    items[2].edge = Qt::red;
+    items[2].title = QString(10000, QLatin1Char('x'));
+    list.SetItems(items);
+    list.SetCurrent(2);
+    for (const QSize& size : {QSize(1, 1), QSize(20, 300), QSize(600, 300)}) {
+        list.resize(size);
+        QCOMPARE(list.grab().toImage().size(), list.size());
+    }
+}
+
+void tst_ZrTouchList::manyRows()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(100000));
+    list.show();
+    list.SetCurrent(99999);
+    QVERIFY(list.viewport()->rect().intersects(RowRect(list, 99999)));
+}
+
+void tst_ZrTouchList::accessibleText()
+{
+    ZrTouchList list(nullptr);
+    list.SetItems(Items(2, true));
+    QCOMPARE(list.model()->index(1, 0).data(Qt::AccessibleTextRole).toString(),
+        QStringLiteral("Zeile 1 港, more of it, 1 m"));
+}
+
+QTEST_MAIN(tst_ZrTouchList)
+#include "tst_ZrTouchList.moc"
