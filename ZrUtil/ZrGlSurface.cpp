@@ -133,12 +133,15 @@ void ZrGlSurface::ZrglRenderPolyline(float* xy, int count, QColor colour)
     ZrglSetColour(colour);
     ZrglSetPgm(solid);
     Draw(GL_LINES, xy, 2, false, count);
+    m_gl.glDisable(GL_BLEND);
 }
 
 void ZrGlSurface::ZrglRenderVboLine(float* v, unsigned count)
 {
-    if (IsReady())
-        Draw(GL_LINE_LOOP, v, texturedFloats, false, static_cast<int>(count));
+    if (!IsReady())
+        return;
+    Draw(GL_LINE_LOOP, v, texturedFloats, false, static_cast<int>(count));
+    m_gl.glDisable(GL_BLEND);
 }
 
 void ZrGlSurface::ZrglRenderPixelRect(int x, int y, int w, int h, QColor colour)
@@ -156,6 +159,7 @@ void ZrGlSurface::ZrglRenderPixelRect(int x, int y, int w, int h, QColor colour)
     ZrglSetColour(colour);
     ZrglSetPgm(solid);
     Draw(GL_TRIANGLE_STRIP, corners, 2, false, quadCorners);
+    m_gl.glDisable(GL_BLEND);
     m_proj = saved;
 }
 

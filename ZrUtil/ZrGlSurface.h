@@ -45,6 +45,19 @@ enum eColSpace : int
 /// Positions are world units of the view transform unless a function says pixels; colours are not
 /// premultiplied. Blending is off after every primitive, and texture unit 0 is the active one. GL objects
 /// live as long as the context. GUI thread only.
+///
+/// Positions on a map do not fit into floats. A view that draws them sets the uniform "uMap" to 1 after
+/// `ZrglSetPgm`, and back to 0 before other primitives, and gives each position as 4 floats: x and y ordinal,
+/// x and y decimal, which add up. The scale, pixels for a metre, and the scaled origin are in two parts
+/// likewise; uOffX takes back what this sum is off at the centre of the map. y is computed as x is:
+///
+/// \code
+/// x * uScale - uOriginX - uOriginXd + x * uScaleD + dx * uScale + dx * uScaleD + uOffX // in this order
+/// \endcode
+///
+/// The product of an ordinal and uScale must fit into the 24 bits of a float. At 100 pixels for a metre
+/// ordinals in multiples of 8 m are exact to the pixel, whole metres are not; at any scale multiples of 256 m
+/// are, with a uScale rounded to 9 bits.
 class ZR_UTIL_EXPORT ZrGlSurface : public QObject, public ZrGl2dOrtho
 {
     Q_OBJECT
@@ -196,6 +209,11 @@ public:
     void ZrglRenderOverlay(); ///< the overlay over the whole viewport; nothing without one
 
     /// A marker at x, y, turned by \p angleDeg counter-clockwise.
+    ///
+    /// The first row of the image is at the lower edge where y points up. The images of the library are
+    /// stored upside down (render_images.py mirrors marker_* and handle_*), so that at 0 degrees they stand
+    /// upright on maps: the arrow and the vector point up, so that a heading is drawn at its negative. Where
+    /// y points down they are upside down.
     ///
     /// \param size   half its side, design pixels
     /// \param tex    one of `m_markers`; nothing is drawn with 0

@@ -47,6 +47,13 @@ std::vector<uchar> GreyRamps()
     return pixels;
 }
 
+/// The pixels of an image file, null where there are none to be had.
+QImage ReadImage(const QString& path)
+{
+    // Qt writes a warning of its own about a file without a name.
+    return path.isEmpty() ? QImage() : QImage(path).convertToFormat(QImage::Format_RGBA8888);
+}
+
 } // namespace
 
 /// Whether the context takes textures of \p size; the debug log has a line when not.
@@ -78,7 +85,7 @@ bool ZrGlSurface::ZrglLoadImageToTexture(QString path, GLuint& tex)
 {
     if (!IsReady())
         return false;
-    const QImage image = QImage(path).convertToFormat(QImage::Format_RGBA8888);
+    const QImage image = ReadImage(path);
     if (image.isNull() || !IsTextureSize(image.size()))
         return false;
     m_gl.glGenTextures(1, &tex);
@@ -91,7 +98,7 @@ void ZrGlSurface::ZrglInitPalette()
     if (!IsReady())
         return;
     m_gl.glGenTextures(1, &m_palTex);
-    const QImage image = QImage(QStringLiteral(":/palettes.png")).convertToFormat(QImage::Format_RGBA8888);
+    const QImage image = ReadImage(QStringLiteral(":/palettes.png"));
     if (!image.isNull() && IsTextureSize(image.size())) {
         m_palCount = image.height() / rowsOfPalette;
         Upload(m_palTex, image, GL_NEAREST);
@@ -125,7 +132,7 @@ void ZrGlSurface::ZrglSetBackground(QString path)
     m_background = path;
     if (!IsReady())
         return;
-    const QImage image = QImage(path).convertToFormat(QImage::Format_RGBA8888);
+    const QImage image = ReadImage(path);
     if (image.isNull() || !IsTextureSize(image.size())) {
         ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrUtil-ZrGlSurface", "Background image load failed: {}", path);
         return;

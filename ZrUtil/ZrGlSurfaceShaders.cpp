@@ -72,14 +72,14 @@ int ZrGlSurface::ZrglLinkProgram(int vertexShader, int fragmentShader)
         LogFailure("Cannot create a program", QByteArray());
         return 0;
     }
-    // Attaching 0 is an error of GL's that nobody would fetch.
-    if (vertexShader != 0)
-        m_gl.glAttachShader(program, static_cast<GLuint>(vertexShader));
-    if (fragmentShader != 0)
-        m_gl.glAttachShader(program, static_cast<GLuint>(fragmentShader));
     GLint isLinked = 0;
     GLint length = 0;
-    if (vertexShader != 0 && fragmentShader != 0) {
+    const auto vertex = static_cast<GLuint>(vertexShader);
+    const auto fragment = static_cast<GLuint>(fragmentShader);
+    // Attaching what is no shader is an error of GL's that nobody would fetch.
+    if (m_gl.glIsShader(vertex) && m_gl.glIsShader(fragment)) {
+        m_gl.glAttachShader(program, vertex);
+        m_gl.glAttachShader(program, fragment);
         m_gl.glLinkProgram(program);
         m_gl.glGetProgramiv(program, GL_LINK_STATUS, &isLinked);
         m_gl.glGetProgramiv(program, GL_INFO_LOG_LENGTH, &length);

@@ -18,14 +18,27 @@ void ZrSfHolder::MatchViewport()
 {
     if (!m_surface)
         return;
+    PlaceViewport();
+    const int factor = m_surface->m_pixelFactor;
+    m_surface->OnResize(width() * factor, height() * factor);
+}
+
+/// Tells the surface where the holder is, in device pixels from the lower left of the parent.
+void ZrSfHolder::PlaceViewport()
+{
     const QRect at = geometry();
     const QWidget* parent = parentWidget();
-    const int height = parent ? parent->height() : at.height();
+    const int below = (parent ? parent->height() : at.height()) - at.bottom();
     const int factor = m_surface->m_pixelFactor;
     // The lower edge is Qt's inclusive one: the viewport lies a pixel above the geometric edge.
-    m_surface->ZrglSetViewport(
-        at.left() * factor, (height - at.bottom()) * factor, at.width() * factor, at.height() * factor);
-    m_surface->OnResize(at.width() * factor, at.height() * factor);
+    m_surface->ZrglSetViewport(at.left() * factor, below * factor, at.width() * factor, at.height() * factor);
+}
+
+void ZrSfHolder::moveEvent(QMoveEvent* /*event*/)
+{
+    // The size is as it was: the surface has nothing to compute anew.
+    if (m_surface)
+        PlaceViewport();
 }
 
 void ZrSfHolder::resizeEvent(QResizeEvent* /*event*/)

@@ -7,7 +7,8 @@
 class ZrGlSurface;
 
 /// A plain child widget that marks where on the application's GL widget a surface draws. It keeps the
-/// surface's viewport in step with its own geometry and hands mouse and wheel events on.
+/// surface's viewport in step with its own geometry and hands mouse and wheel events on. The viewport counts
+/// from the lower edge of the parent: when that moves and the holder does not, call `MatchViewport`.
 ///
 /// Without a surface it ignores both. GUI thread only.
 class ZR_UTIL_EXPORT ZrSfHolder : public QWidget
@@ -26,10 +27,14 @@ public:
     void MatchViewport();
 
 protected:
+    void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void PlaceViewport();
 };

@@ -4,6 +4,8 @@
 #include <QtTest>
 
 #include <cmath>
+#include <limits>
+#include <utility>
 
 class tst_ZrGl2dOrtho : public QObject
 {
@@ -14,6 +16,10 @@ private Q_SLOTS:
     void aspects_data();
     void aspects();
     void cornersOfTheRectangleInForceFillTheView();
+    void anyOtherAspectStretches_data();
+    void anyOtherAspectStretches();
+    void tieFollowsX();
+    void requestIsKept();
     void mirroringIsKept_data();
     void mirroringIsKept();
     void resizingRepeatsTheRequest();
@@ -22,9 +28,16 @@ private Q_SLOTS:
     void worldToScreenUsesTheRequestedRectangle();
     void conversionsAreInverseWhenStretched();
     void conversionsLeaveOutputsAloneWhenRotated();
+    void noPixels_data();
     void noPixels();
+    void noPixelsOneWay();
     void noExtent();
+    void noExtentOneWay();
+    void notANumber();
     void settingsRoundTrip();
+    void settingsTakeEffectLater();
+    void missingSettingsChangeNothing();
+    void copiesCarryEverything_data();
     void copiesCarryEverything();
 };
 
@@ -32,6 +45,11 @@ void tst_ZrGl2dOrtho::isEmptyAtFirst()
 {
     const ZrGl2dOrtho view;
     QVERIFY(view.m_proj.isIdentity());
+    QVERIFY(view.m_view.isIdentity());
+    QCOMPARE(int(view.m_aspect), 0);
+    for (const float zero : {view.m_reqLeft, view.m_reqRight, view.m_reqTop, view.m_reqBottom, view.m_left,
+             view.m_right, view.m_top, view.m_bottom})
+        QCOMPARE(zero, 0.0F);
     QCOMPARE(view.m_width, 100);
     QCOMPARE(view.m_height, 100);
     QCOMPARE(view.m_scaleX, 1.0F);
@@ -83,22 +101,87 @@ void tst_ZrGl2dOrtho::cornersOfTheRectangleInForceFillTheView()
     QVERIFY(std::fabs(view.m_proj.map(QVector3D(0, 0, -100)).z() - 1) < 1e-6F);
 }
 
-void tst_ZrGl2dOrtho::mirroringIsKept_data()
+void tst_ZrGl2dOrtho::anyOtherAspectStretches_data()
 {
     QTest::addColumn<int>("aspect");
-    QTest::newRow("y follows x") << 1;
-    QTest::newRow("x follows y") << 2;
+    for (const int aspect : {-1, 4, 1000})
+        QTest::addRow("%d", aspect) << aspect;
+}
+
+void tst_ZrGl2dOrtho::anyOtherAspectStretches()
+{
+    QFETCH(int, aspect);
+    ZrGl2dOrtho view;
+    view.zrgl2dViewport(200, 100);
+    view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, static_cast<eAspect>(aspect));
+    QCOMPARE(int(view.m_aspect), aspect);
+    QCOMPARE(view.m_left, 0.0F);
+    QCOMPARE(view.m_right, 1.0F);
+    QCOMPARE(view.m_bottom, 0.0F);
+    QCOMPARE(view.m_top, 1.0F);
+    QCOMPARE(view.m_scaleX, 0.005F);
+    QCOMPARE(view.m_scaleY, 0.01F);
+}
+
+void tst_ZrGl2dOrtho::tieFollowsX()
+{
+    // With equal scales y follows x: x stays to the bit, y may round.
+    int differences = 0;
+    for (int i = 1; i < 200; ++i) {
+        const float low = 0.1F * static_cast<float>(i);
+        const float high = low + 0.3F;
+        ZrGl2dOrtho view;
+        view.zrgl2dViewport(301, 301);
+        view.zrgl2dProjection(low, high, low, high, aspectAuto);
+        QVERIFY(view.m_left == low && view.m_right == high);
+        differences += view.m_bottom == low && view.m_top == high ? 0 : 1;
+    }
+    QVERIFY(differences > 0);
+}
+
+void tst_ZrGl2dOrtho::requestIsKept()
+{
+    ZrGl2dOrtho view;
+    view.zrgl2dViewport(200, 100);
+    view.zrgl2dProjection(1.0F, 2.0F, 3.0F, 4.0F, aspectAuto);
+    QCOMPARE(view.m_reqLeft, 1.0F);
+    QCOMPARE(view.m_reqRight, 2.0F);
+    QCOMPARE(view.m_reqBottom, 3.0F);
+    QCOMPARE(view.m_reqTop, 4.0F);
+    QCOMPARE(int(view.m_aspect), 3);
+    QCOMPARE(view.m_width, 200);
+    QCOMPARE(view.m_height, 100);
+}
+
+void tst_ZrGl2dOrtho::mirroringIsKept_data()
+{
+    // 200 x 100 pixels for a request of 1 by 1, mirrored in x, in y, or in both.
+    QTest::addColumn<int>("aspect");
+    QTest::addColumn<QVector<float>>("request"); // left, right, bottom, top
+    QTest::addColumn<QVector<float>>("inForce");
+    using V = QVector<float>;
+    QTest::newRow("y follows x, x") << 1 << V{1, 0, 0, 1} << V{1, 0, 0.25F, 0.75F};
+    QTest::newRow("y follows x, y") << 1 << V{0, 1, 1, 0} << V{0, 1, 0.75F, 0.25F};
+    QTest::newRow("y follows x, both") << 1 << V{1, 0, 1, 0} << V{1, 0, 0.75F, 0.25F};
+    QTest::newRow("x follows y, x") << 2 << V{1, 0, 0, 1} << V{1.5F, -0.5F, 0, 1};
+    QTest::newRow("x follows y, y") << 2 << V{0, 1, 1, 0} << V{-0.5F, 1.5F, 1, 0};
+    QTest::newRow("x follows y, both") << 2 << V{1, 0, 1, 0} << V{1.5F, -0.5F, 1, 0};
+    QTest::newRow("automatic, x") << 3 << V{1, 0, 0, 1} << V{1.5F, -0.5F, 0, 1};
 }
 
 void tst_ZrGl2dOrtho::mirroringIsKept()
 {
     QFETCH(int, aspect);
+    QFETCH(QVector<float>, request);
+    QFETCH(QVector<float>, inForce);
     ZrGl2dOrtho view;
     view.zrgl2dViewport(200, 100);
-    view.zrgl2dProjection(1.0F, 0.0F, 1.0F, 0.0F, static_cast<eAspect>(aspect));
-    QVERIFY(view.m_left > view.m_right);
-    QVERIFY(view.m_bottom > view.m_top);
-    QVERIFY(view.m_scaleX > 0.0F);
+    view.zrgl2dProjection(request[0], request[1], request[2], request[3], static_cast<eAspect>(aspect));
+    QCOMPARE(view.m_left, inForce[0]);
+    QCOMPARE(view.m_right, inForce[1]);
+    QCOMPARE(view.m_bottom, inForce[2]);
+    QCOMPARE(view.m_top, inForce[3]);
+    QCOMPARE(view.m_scaleX, aspect == 1 ? 0.005F : 0.01F);
     QCOMPARE(view.m_scaleX, view.m_scaleY);
 }
 
@@ -184,18 +267,57 @@ void tst_ZrGl2dOrtho::conversionsLeaveOutputsAloneWhenRotated()
     QCOMPARE(b, 8.0F);
 }
 
-void tst_ZrGl2dOrtho::noPixels()
+void tst_ZrGl2dOrtho::noPixels_data()
+{
+    QTest::addColumn<int>("aspect");
+    for (int aspect = 0; aspect < 4; ++aspect)
+        QTest::addRow("%d", aspect) << aspect;
+}
+
+void tst_ZrGl2dOrtho::noPixelsOneWay()
 {
     ZrGl2dOrtho view;
     view.zrgl2dProjection(2.0F, 4.0F, 1.0F, 3.0F, aspectStretch);
+    float x = 0.0F;
+    float y = 0.0F;
+    view.zrgl2dViewport(0, 100);
+    QVERIFY(std::isinf(view.m_scaleX));
+    QCOMPARE(view.m_scaleY, 0.02F);
+    view.ScreenToXy(50.0F, 50.0F, x, y);
+    QCOMPARE(x, 2.0F);
+    QCOMPARE(y, 2.0F);
+    view.zrgl2dViewport(100, 0);
+    view.ScreenToXy(50.0F, 50.0F, x, y);
+    QCOMPARE(x, 3.0F);
+    QCOMPARE(y, 3.0F);
+    float sx = 1.0F;
+    float sy = 1.0F;
+    view.XyToScreen(3.0F, 2.0F, sx, sy);
+    QCOMPARE(sx, 50.0F);
+    QCOMPARE(sy, 0.0F);
+}
+
+void tst_ZrGl2dOrtho::noPixels()
+{
+    QFETCH(int, aspect);
+    ZrGl2dOrtho view;
+    view.zrgl2dProjection(2.0F, 4.0F, 1.0F, 3.0F, static_cast<eAspect>(aspect));
     view.zrgl2dViewport(0, 0);
     QVERIFY(std::isinf(view.m_scaleX));
     QVERIFY(std::isinf(view.m_scaleY));
     float x = 0.0F;
     float y = 0.0F;
     view.ScreenToXy(50.0F, 50.0F, x, y);
-    QCOMPARE(x, 2.0F);
-    QCOMPARE(y, 3.0F);
+    // What a rectangle is in the other direction is not defined where one follows the other.
+    if (aspect != aspectFollowY)
+        QCOMPARE(x, 2.0F);
+    if (aspect == aspectStretch || aspect == aspectFollowY)
+        QCOMPARE(y, 3.0F);
+    // It comes back with the pixels.
+    view.zrgl2dViewport(100, 100);
+    QCOMPARE(view.m_left, 2.0F);
+    QCOMPARE(view.m_top, 3.0F);
+    QCOMPARE(view.m_scaleX, 0.02F);
 }
 
 void tst_ZrGl2dOrtho::noExtent()
@@ -208,6 +330,72 @@ void tst_ZrGl2dOrtho::noExtent()
     QCOMPARE(sx, 0.0F);
     QCOMPARE(sy, 0.0F);
     QCOMPARE(view.m_scaleX, 0.0F);
+}
+
+void tst_ZrGl2dOrtho::noExtentOneWay()
+{
+    ZrGl2dOrtho view;
+    view.zrgl2dProjection(2.0F, 2.0F, 1.0F, 3.0F, aspectStretch);
+    float sx = -1.0F;
+    float sy = -1.0F;
+    view.XyToScreen(5.0F, 2.0F, sx, sy);
+    QCOMPARE(sx, 0.0F);
+    QCOMPARE(sy, 50.0F);
+    view.zrgl2dProjection(1.0F, 3.0F, 2.0F, 2.0F, aspectStretch);
+    view.XyToScreen(2.0F, 5.0F, sx, sy);
+    QCOMPARE(sx, 50.0F);
+    QCOMPARE(sy, 0.0F);
+}
+
+void tst_ZrGl2dOrtho::notANumber()
+{
+    // Nothing to see, and nothing that lasts.
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+             -std::numeric_limits<float>::max()}) {
+        for (const eAspect aspect : {aspectStretch, aspectFollowX, aspectFollowY, aspectAuto}) {
+            ZrGl2dOrtho view;
+            view.zrgl2dProjection(bad, 1.0F, 0.0F, bad, aspect);
+            view.zrgl2dViewport(-5, 7);
+            float x = 0.0F;
+            float y = 0.0F;
+            view.ScreenToXy(bad, bad, x, y);
+            view.XyToScreen(bad, bad, x, y);
+            view.zrgl2dViewport(100, 100);
+            view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, aspect);
+            QCOMPARE(view.m_scaleX, 0.01F);
+            QCOMPARE(view.m_left, 0.0F);
+            QCOMPARE(view.m_top, 1.0F);
+        }
+    }
+}
+
+void tst_ZrGl2dOrtho::settingsTakeEffectLater()
+{
+    ZrGl2dOrtho view;
+    view.zrgl2dProjection(-1.0F, 1.0F, -1.0F, 1.0F, aspectStretch);
+    const QMatrix4x4 before = view.m_proj;
+    QJsonObject object{{QStringLiteral("rotation"), 90.0}};
+    zr::ZrSetModule load(zr::ePersistLoading, object);
+    view.settings(load);
+    QCOMPARE(view.m_rotation, 90.0F);
+    QCOMPARE(view.m_proj, before);
+    view.zrgl2dViewport(100, 100);
+    QVERIFY(std::fabs(view.m_proj.map(QVector3D(1, 0, 0)).y() - 1.0F) < 1e-6F);
+}
+
+void tst_ZrGl2dOrtho::missingSettingsChangeNothing()
+{
+    ZrGl2dOrtho view;
+    view.m_originX = 1.0F;
+    view.m_originY = 2.0F;
+    view.m_rotation = 3.0F;
+    QJsonObject object{{QStringLiteral("origin-y"), 5.0}, {QStringLiteral("aspect"), 2.0}};
+    zr::ZrSetModule load(zr::ePersistLoading, object);
+    view.settings(load);
+    QCOMPARE(view.m_originX, 1.0F);
+    QCOMPARE(view.m_originY, 5.0F);
+    QCOMPARE(view.m_rotation, 3.0F);
+    QCOMPARE(int(view.m_aspect), 0);
 }
 
 void tst_ZrGl2dOrtho::settingsRoundTrip()
@@ -229,28 +417,53 @@ void tst_ZrGl2dOrtho::settingsRoundTrip()
     QCOMPARE(other.m_rotation, 30.0F);
 }
 
+void tst_ZrGl2dOrtho::copiesCarryEverything_data()
+{
+    QTest::addColumn<int>("how");
+    QTest::newRow("copied") << 0;
+    QTest::newRow("moved") << 1;
+    QTest::newRow("copy-assigned") << 2;
+    QTest::newRow("move-assigned") << 3;
+}
+
 void tst_ZrGl2dOrtho::copiesCarryEverything()
 {
-    ZrGl2dOrtho view;
-    view.m_view.translate(1.0F, 2.0F);
-    view.m_originX = 3.0F;
-    view.m_rotation = 4.0F;
-    view.zrgl2dViewport(320, 240);
-    view.zrgl2dProjection(1.0F, 2.0F, 3.0F, 4.0F, aspectFollowX);
-    const ZrGl2dOrtho copy(view);
-    ZrGl2dOrtho assigned;
-    assigned = view;
-    for (const ZrGl2dOrtho* other : {&copy, static_cast<const ZrGl2dOrtho*>(&assigned)}) {
-        QCOMPARE(other->m_proj, view.m_proj);
-        QCOMPARE(other->m_view, view.m_view);
-        QCOMPARE(other->m_originX, view.m_originX);
-        QCOMPARE(other->m_rotation, view.m_rotation);
-        QCOMPARE(other->m_width, view.m_width);
-        QCOMPARE(other->m_aspect, view.m_aspect);
-        QCOMPARE(other->m_reqRight, view.m_reqRight);
-        QCOMPARE(other->m_top, view.m_top);
-        QCOMPARE(other->m_scaleY, view.m_scaleY);
+    QFETCH(int, how);
+    const auto make = [] {
+        ZrGl2dOrtho view;
+        view.m_view.translate(1.0F, 2.0F);
+        view.m_originX = 3.0F;
+        view.m_originY = 30.0F;
+        view.m_rotation = 4.0F;
+        view.zrgl2dViewport(320, 240);
+        view.zrgl2dProjection(1.0F, 2.0F, 3.0F, 4.0F, aspectFollowX);
+        // Each its own value.
+        view.m_scaleY = 77.0F;
+        return view;
+    };
+    const ZrGl2dOrtho view = make();
+    ZrGl2dOrtho source = make();
+    ZrGl2dOrtho other = how == 0 ? ZrGl2dOrtho(source)
+        : how == 1               ? ZrGl2dOrtho(std::move(source))
+                                 : ZrGl2dOrtho();
+    if (how == 2)
+        other = source;
+    else if (how == 3)
+        other = std::move(source);
+    QCOMPARE(other.m_proj, view.m_proj);
+    QCOMPARE(other.m_view, view.m_view);
+    QVERIFY(!view.m_proj.isIdentity() && !view.m_view.isIdentity());
+    using Member = float ZrGl2dOrtho::*;
+    for (const Member member : {&ZrGl2dOrtho::m_originX, &ZrGl2dOrtho::m_originY, &ZrGl2dOrtho::m_reqLeft,
+             &ZrGl2dOrtho::m_reqRight, &ZrGl2dOrtho::m_reqTop, &ZrGl2dOrtho::m_reqBottom,
+             &ZrGl2dOrtho::m_rotation, &ZrGl2dOrtho::m_left, &ZrGl2dOrtho::m_right, &ZrGl2dOrtho::m_top,
+             &ZrGl2dOrtho::m_bottom, &ZrGl2dOrtho::m_scaleX, &ZrGl2dOrtho::m_scaleY}) {
+        QVERIFY(view.*member != 0.0F);
+        QCOMPARE(other.*member, view.*member);
     }
+    QCOMPARE(int(other.m_aspect), 1);
+    QCOMPARE(other.m_width, 320);
+    QCOMPARE(other.m_height, 240);
 }
 
 QTEST_APPLESS_MAIN(tst_ZrGl2dOrtho)

@@ -1,185 +1,110 @@
-// Programs, resources, errors and failures of the drawing surface, in both kinds of context.
+// The surface as a class, its programs and their uniforms, in both kinds of context.
 
 #include "GlRecorder.h"
-#include "GlView.h"
-#include "WithoutResource.h"
-#include "ZrDebugLog/ZrDebugLog.h"
-#include "ZrUtil/ZrTheme.h"
+#include "GlSurfaceTest.h"
 
-#include <QtWidgets>
+#include <type_traits>
 
 namespace {
-
-using gl::Api;
-
-struct Line
-{
-    int level;
-    QString category;
-    QString text;
-};
-
-std::vector<Line> s_lines;
-QStringList s_messages;
-
-void Collect(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
-{
-    s_messages << text;
-}
-
-QString Lines()
-{
-    QStringList texts;
-    for (const Line& line : s_lines)
-        texts << line.text;
-    return texts.join(QLatin1Char('\n'));
-}
 
 constexpr const char* uniformNames[] = {"uMatrix", "uColour", "uTexUnit", "uPalIndex", "uPalUnit", "uColKey",
     "uTexY", "uTexCb", "uTexCr", "uColourSpace"};
 
+static_assert(std::is_base_of_v<QObject, ZrGlSurface> && std::is_base_of_v<ZrGl2dOrtho, ZrGlSurface>);
+static_assert(std::is_abstract_v<ZrGlSurface>);
+static_assert(ZrGlSurface::solid == 0 && ZrGlSurface::texture == 1 && ZrGlSurface::palette == 2
+    && ZrGlSurface::alpha == 3 && ZrGlSurface::luminance == 4 && ZrGlSurface::colourkey == 5
+    && ZrGlSurface::yuvplanar == 6);
+static_assert(colSpaceBt601 == 1 && colSpaceBt709 == 2);
+
 } // namespace
 
-// Takes the place of the library's function.
-void zr_debug_log_modern(int level, const char* /*source_file*/, int /*source_line*/,
-    const char* /*function*/, const char* category, int /*reserved*/, int64_t /*steady_time_ns*/,
-    const char* message)
-{
-    s_lines.push_back({level, QString::fromUtf8(category), QString::fromUtf8(message)});
-}
-
-class tst_ZrGlSurface : public QObject
+class tst_ZrGlSurface : public GlSurfaceTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data();
-    void init();
-    void cleanup();
-
     void constructed();
+    void signalsInOrder();
+    void cursorIsShared();
+    void viewport();
+    void colours();
     void programsBuild();
     void programsHaveTheirUniforms();
+    void unitsAreSetAnew();
+    void programMadeCurrentByText();
     void shaderResourceCompiles_data();
     void shaderResourceCompiles();
     void applicationProgramsBuild_data();
     void applicationProgramsBuild();
-    void locationsAreLookedUpOnce();
-    void oneDrawEach();
     void setPgmBeyondTheLast();
     void colourKeyErrorStays();
-    void noOtherErrorIsPending();
-    void brokenShader();
-    void missingShader();
-    void linkWithoutShaders();
-    void linkThatFails();
-    void failedProgramDrawsNothing();
-    void withoutShaders();
-    void withoutImages();
-    void paletteFallback();
-    void paletteCount_data();
-    void paletteCount();
-    void missingBackground();
-    void imageToTexture();
-    void damagedImage();
-    void tooLargeImage();
-    void tooLargeFont();
-    void withoutContext();
-    void contextLost();
-    void createdAgain();
-    void zeroViewport();
-
-private:
-    void Create();
-    void DrawAll(GlView& view);
-
-    std::unique_ptr<gl::Context> m_context;
-    std::unique_ptr<GlView> m_view;
-    GLuint m_tex = 0;
 };
-
-void tst_ZrGlSurface::initTestCase_data()
-{
-    QTest::addColumn<gl::Api>("api");
-    QTest::newRow("GL") << Api::desktop;
-    QTest::newRow("ES") << Api::es;
-}
-
-void tst_ZrGlSurface::init()
-{
-    QFETCH_GLOBAL(gl::Api, api);
-    ZrTheme::dp = 1.0F;
-    zr_debug_log_level = 2;
-    zr_debug_log_to_dbg = 1;
-    s_lines.clear();
-    s_messages.clear();
-    m_context = std::make_unique<gl::Context>(api);
-    QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
-    m_context->Clear(Qt::black);
-    m_view = std::make_unique<GlView>();
-    QImage white(1, 1, QImage::Format_RGBA8888);
-    white.fill(Qt::white);
-    m_tex = m_context->Texture(white);
-}
-
-void tst_ZrGlSurface::cleanup()
-{
-    qInstallMessageHandler(nullptr);
-    zr_debug_log_level = -1;
-    zr_debug_log_to_dbg = 0;
-    m_view.reset();
-    m_context.reset();
-}
-
-/// The surface as an application makes it, with a background that is there.
-void tst_ZrGlSurface::Create()
-{
-    m_view->m_background = QStringLiteral(":/back_light.png");
-    m_view->OnCreate();
-    QVERIFY2(s_lines.empty(), qPrintable(Lines()));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-/// Every primitive once, but for the colour key, which raises an error.
-void tst_ZrGlSurface::DrawAll(GlView& view)
-{
-    float lines[] = {0, 0, 60, 60, 0, 60, 60, 0};
-    float quad[] = {10, 10, 0, 0, 10, 50, 0, 1, 50, 10, 1, 0, 50, 50, 1, 1};
-    ZrGlTextBuffer text;
-    view.ZrglRenderBackground();
-    view.ZrglRenderLine(0, 0, 60, 60, Qt::red);
-    view.ZrglRenderPolyline(lines, 4, Qt::red);
-    view.ZrglRenderVboLine(quad, 4);
-    view.ZrglRenderPixelRect(3, 4, 10, 20, Qt::green);
-    view.ZrglRenderVbo(quad, m_tex, ZrGlSurface::texture);
-    view.ZrglRenderVbo(quad, m_tex, ZrGlSurface::palette);
-    view.ZrglRenderVbo(quad, m_tex, ZrGlSurface::alpha);
-    view.ZrglRenderVbo(quad, m_tex, ZrGlSurface::luminance);
-    view.ZrglRenderVbo(quad, {m_tex, m_tex, m_tex}, ZrGlSurface::yuvplanar);
-    view.ZrglRenderMarker(30, 30, 20, 10, m_tex, Qt::blue, 0, ZrGlSurface::alpha);
-    view.ZrglAddText(text, 5, 5, 0, QStringLiteral("Depth"), 0);
-    view.ZrglRenderText(text);
-    view.m_overlayTex = m_tex;
-    view.ZrglRenderOverlay();
-}
-
-constexpr std::size_t primitiveCount = 13;
 
 void tst_ZrGlSurface::constructed()
 {
     const GlView view;
     QCOMPARE(view.m_clearColour, QColor(0, 0, 0, 255));
     QVERIFY(!view.m_colour.isValid());
+    QVERIFY(!view.m_colKey.isValid());
+    QVERIFY(view.m_background.isEmpty());
     QCOMPARE(view.m_palIndex, 1);
     QCOMPARE(view.m_palCount, 1);
     QCOMPARE(view.m_colourSpace, 0);
-    QCOMPARE(view.m_overlayTex, 0U);
     QCOMPARE(view.m_pixelFactor, 1);
+    for (const GLuint none : {view.m_overlayTex, view.m_palTex, view.m_bgTex, view.m_fontTex, view.m_program})
+        QCOMPARE(none, 0U);
+    for (const GLuint none : view.m_markers)
+        QCOMPARE(none, 0U);
+    for (const GLuint none : view.m_programs)
+        QCOMPARE(none, 0U);
+    QCOMPARE(view.m_glyphs.size(), std::size_t(94));
+}
+
+void tst_ZrGlSurface::signalsInOrder()
+{
+    const QMetaObject& meta = ZrGlSurface::staticMetaObject;
+    const int first = meta.methodOffset();
+    QCOMPARE(meta.method(first).methodSignature(), QByteArrayLiteral("Update()"));
+    QCOMPARE(meta.method(first + 1).methodSignature(), QByteArrayLiteral("SetCursor(QCursor)"));
+    for (int i = first; i < meta.methodCount(); ++i)
+        QCOMPARE(meta.method(i).methodType() == QMetaMethod::Signal, i < first + 2);
+}
+
+void tst_ZrGlSurface::cursorIsShared()
+{
+    GlView other;
+    QCOMPARE(&m_view->s_cursor, &other.s_cursor);
+    ZrGlSurface::s_cursor.SetOwner(&other);
+    QCOMPARE(ZrGlSurface::s_cursor.GetOwner(), static_cast<ZrGlSurface*>(&other));
+    ZrGlSurface::s_cursor.SetOwner(nullptr);
+    QVERIFY(!ZrGlSurface::s_cursor.GetOwner());
+}
+
+void tst_ZrGlSurface::viewport()
+{
+    m_view->ZrglSetViewport(QRect(3, 4, 50, 20));
+    QCOMPARE(m_view->m_viewport, QRect(3, 4, 50, 20));
+    m_view->ZrglSetViewport(5, 6, 7, 8);
+    QCOMPARE(m_view->m_viewport, QRect(5, 6, 7, 8));
+    GLint seen[4] = {};
+    m_context->Functions()->glGetIntegerv(GL_VIEWPORT, seen);
+    QCOMPARE(seen[2], 64);
+    m_view->ZrGlClipToViewport();
+    m_context->Functions()->glGetIntegerv(GL_VIEWPORT, seen);
+    QVERIFY(seen[0] == 5 && seen[1] == 6 && seen[2] == 7 && seen[3] == 8);
+}
+
+void tst_ZrGlSurface::colours()
+{
+    m_view->ZrglSetColour(0.0F, 1.0F, 0.2F, 0.4F);
+    QCOMPARE(m_view->m_colour, QColor(0, 255, 51, 102));
+    m_view->ZrglSetColour(QColor(1, 2, 3, 4));
+    QCOMPARE(m_view->m_colour, QColor(1, 2, 3, 4));
 }
 
 void tst_ZrGlSurface::programsBuild()
 {
-    Create();
     QSet<GLuint> different;
     for (const GLuint program : m_view->m_programs) {
         QVERIFY(program != 0);
@@ -197,7 +122,6 @@ void tst_ZrGlSurface::programsBuild()
 
 void tst_ZrGlSurface::programsHaveTheirUniforms()
 {
-    Create();
     const QMap<int, QByteArrayList> expected = {
         {ZrGlSurface::solid, {"uMatrix", "uColour"}},
         {ZrGlSurface::texture, {"uMatrix", "uTexUnit"}},
@@ -260,6 +184,42 @@ void tst_ZrGlSurface::programsHaveTheirUniforms()
             QCOMPARE(intOf("uColourSpace"), 2);
         }
     }
+    // That of the colour key.
+    QCOMPARE(m_context->TakeErrors(), GLenum(GL_INVALID_OPERATION));
+}
+
+void tst_ZrGlSurface::unitsAreSetAnew()
+{
+    // Whoever else uses the programs may leave other units.
+    QOpenGLFunctions* f = m_context->Functions();
+    for (int i = ZrGlSurface::texture; i < ZrGlSurface::ProgramCount; ++i) {
+        const GLuint program = m_view->m_programs[static_cast<std::size_t>(i)];
+        f->glUseProgram(program);
+        for (const char* name : {"uTexUnit", "uPalUnit", "uTexY", "uTexCb", "uTexCr"})
+            f->glUniform1i(f->glGetUniformLocation(program, name), 5);
+        m_view->ZrglSetPgm(static_cast<ZrGlSurface::eProgram>(i));
+        m_context->TakeErrors();
+        const QMap<QByteArray, int> expected{
+            {"uTexUnit", 0}, {"uPalUnit", 1}, {"uTexY", 0}, {"uTexCb", 1}, {"uTexCr", 2}};
+        for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
+            const GLint at = f->glGetUniformLocation(program, it.key().constData());
+            GLint unit = it.value();
+            if (at >= 0)
+                f->glGetUniformiv(program, at, &unit);
+            QVERIFY2(unit == it.value(), it.key().constData());
+        }
+    }
+}
+
+void tst_ZrGlSurface::programMadeCurrentByText()
+{
+    m_view->ZrglSetPgm(ZrGlSurface::palette);
+    ZrGlTextBuffer buffer;
+    m_view->ZrglAddText(buffer, 4, 4, 0, QStringLiteral("1"), 0);
+    m_view->ZrglRenderText(buffer);
+    GLint current = 0;
+    m_context->Functions()->glGetIntegerv(GL_CURRENT_PROGRAM, &current);
+    QCOMPARE(static_cast<GLuint>(current), m_view->m_programs[ZrGlSurface::texture]);
 }
 
 void tst_ZrGlSurface::shaderResourceCompiles_data()
@@ -275,10 +235,9 @@ void tst_ZrGlSurface::shaderResourceCompiles_data()
 void tst_ZrGlSurface::shaderResourceCompiles()
 {
     QFETCH(int, type);
-    Create();
     const QString name = QString::fromLatin1(QTest::currentDataTag());
     const int shader = m_view->ZrglCompileShader(type, name);
-    QVERIFY2(shader != 0, qPrintable(Lines()));
+    QVERIFY2(shader != 0, qPrintable(gl::Lines()));
     QVERIFY(m_context->Functions()->glIsShader(static_cast<GLuint>(shader)));
     QFile file(name);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -298,87 +257,14 @@ void tst_ZrGlSurface::applicationProgramsBuild_data()
 void tst_ZrGlSurface::applicationProgramsBuild()
 {
     QFETCH(QString, fragment);
-    Create();
     const int program = m_view->ZrglBuildProgram(QString::fromLatin1(QTest::currentDataTag()), fragment);
-    QVERIFY2(program != 0, qPrintable(Lines()));
+    QVERIFY2(program != 0, qPrintable(gl::Lines()));
     QVERIFY(m_context->Functions()->glIsProgram(static_cast<GLuint>(program)));
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
-void tst_ZrGlSurface::locationsAreLookedUpOnce()
-{
-    gl::Recorder recorder;
-    Create();
-    for (int i = 0; i < 3; ++i)
-        DrawAll(*m_view);
-    m_view->ZrglSetPgm(ZrGlSurface::colourkey);
-    m_view->ZrglSetPgm(ZrGlSurface::colourkey);
-    m_context->TakeErrors();
-    for (auto it = recorder.lookUps.cbegin(); it != recorder.lookUps.cend(); ++it)
-        QVERIFY2(it.value() == 1, it.key().second.constData());
-    for (const GLuint program : m_view->m_programs)
-        QVERIFY(recorder.lookUps.contains({program, QByteArrayLiteral("uMatrix")}));
-    recorder.Reset();
-    DrawAll(*m_view);
-    QCOMPARE(recorder.LookUpCount(), 0);
-    QCOMPARE(recorder.uploadedBytes, qint64(0));
-}
-
-void tst_ZrGlSurface::oneDrawEach()
-{
-    Create();
-    gl::Recorder recorder;
-    DrawAll(*m_view);
-    QCOMPARE(recorder.draws.size(), primitiveCount);
-
-    struct Expected
-    {
-        GLenum mode;
-        int count;
-        bool isBlended;
-        ZrGlSurface::eProgram program;
-    };
-
-    const Expected expected[primitiveCount] = {
-        {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::texture}, // background
-        {GL_LINES, 2, false, ZrGlSurface::solid}, {GL_LINES, 4, false, ZrGlSurface::solid},
-        {GL_LINE_LOOP, 4, false, ZrGlSurface::solid},
-        {GL_TRIANGLE_STRIP, 4, false, ZrGlSurface::solid}, // pixel rectangle
-        {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::texture},
-        {GL_TRIANGLE_STRIP, 4, false, ZrGlSurface::palette}, {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::alpha},
-        {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::luminance},
-        {GL_TRIANGLE_STRIP, 4, false, ZrGlSurface::yuvplanar},
-        {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::alpha}, // marker
-        {GL_TRIANGLES, 30, true, ZrGlSurface::texture}, // five characters
-        {GL_TRIANGLE_STRIP, 4, true, ZrGlSurface::texture}, // overlay
-    };
-    for (std::size_t i = 0; i < primitiveCount; ++i) {
-        const gl::Recorder::DrawCall& call = recorder.draws[i];
-        QVERIFY2(call.mode == expected[i].mode && call.count == expected[i].count
-                && call.isBlended == expected[i].isBlended
-                && static_cast<GLuint>(call.program)
-                    == m_view->m_programs[static_cast<std::size_t>(expected[i].program)],
-            qPrintable(QString::number(i)));
-    }
-    QVERIFY(!m_context->Functions()->glIsEnabled(GL_BLEND));
-    GLint unit = 0;
-    m_context->Functions()->glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
-    QCOMPARE(unit, GL_TEXTURE0);
-    // The colour key is blended too, and blending that was on is off where it does not belong.
-    recorder.Reset();
-    float quad[16] = {0, 0, 0, 0, 0, 9, 0, 1, 9, 0, 1, 0, 9, 9, 1, 1};
-    m_view->ZrglRenderVbo(quad, m_tex, ZrGlSurface::colourkey);
-    m_context->Functions()->glEnable(GL_BLEND);
-    m_view->ZrglRenderVbo(quad, m_tex, ZrGlSurface::palette);
-    QCOMPARE(recorder.draws.size(), std::size_t(2));
-    QVERIFY(recorder.draws[0].isBlended);
-    QVERIFY(!recorder.draws[1].isBlended);
-    QVERIFY(!m_context->Functions()->glIsEnabled(GL_BLEND));
-}
-
 void tst_ZrGlSurface::setPgmBeyondTheLast()
 {
-    Create();
     QOpenGLFunctions* f = m_context->Functions();
     for (const int value : {7, 8, 1000}) {
         m_view->zrgl2dProjection(0, 10, 0, 10, aspectStretch);
@@ -406,360 +292,27 @@ void tst_ZrGlSurface::setPgmBeyondTheLast()
 
 void tst_ZrGlSurface::colourKeyErrorStays()
 {
-    Create();
     QOpenGLFunctions* f = m_context->Functions();
-    m_view->m_colKey = QColor(255, 0, 255, 255);
+    m_view->m_colKey = QColor(255, 0, 254, 128);
+    gl::Recorder recorder;
     m_view->ZrglSetPgm(ZrGlSurface::colourkey);
     QCOMPARE(f->glGetError(), GLenum(GL_INVALID_OPERATION));
     QCOMPARE(f->glGetError(), GLenum(GL_NO_ERROR));
     float key[4] = {9, 9, 9, 9};
     const GLuint program = m_view->m_program;
-    f->glGetUniformfv(program, f->glGetUniformLocation(program, "uColKey"), key);
+    const GLint at = f->glGetUniformLocation(program, "uColKey");
+    f->glGetUniformfv(program, at, key);
     for (const float channel : key)
         QCOMPARE(channel, 0.0F);
-}
-
-void tst_ZrGlSurface::noOtherErrorIsPending()
-{
-    Create();
-    gl::Recorder recorder;
-    DrawAll(*m_view);
-    QCOMPARE(recorder.draws.size(), primitiveCount);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    // Nothing to draw, or absurd.
-    float nan[] = {NAN, 0, INFINITY, 1e38F};
-    ZrGlTextBuffer empty;
-    m_view->ZrglRenderPolyline(nan, 2, QColor());
-    m_view->ZrglRenderPolyline(nan, 0, Qt::red);
-    m_view->ZrglRenderPolyline(nan, -1, Qt::red);
-    m_view->ZrglRenderPolyline(nullptr, 2, Qt::red);
-    m_view->ZrglRenderVboLine(nullptr, 4);
-    m_view->ZrglRenderVboLine(nan, 0);
-    m_view->ZrglRenderVboLine(nan, 0xffffffffU);
-    m_view->ZrglRenderVbo(nullptr, m_tex, ZrGlSurface::texture);
-    m_view->ZrglRenderVbo(nan, {}, static_cast<ZrGlSurface::eProgram>(-1));
-    m_view->ZrglRenderPixelRect(-100, -100, -5, 2000000000, Qt::red);
-    m_view->ZrglRenderMarker(NAN, INFINITY, NAN, -1, m_tex, QColor(), -1, 99);
-    m_view->ZrglRenderText(empty);
-    m_view->ZrglSetViewport(0, 0, -5, -5);
-    m_view->ZrGlClipToViewport();
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::brokenShader()
-{
-    Create();
-    QTemporaryDir dir;
-    QFile file(dir.filePath(QStringLiteral("broken.fsh")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("void main() { gl_FragColor = nothing; }\n");
-    file.close();
-    QCOMPARE(m_view->ZrglCompileShader(GL_FRAGMENT_SHADER, file.fileName()), 0);
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QCOMPARE(s_lines[0].level, 2);
-    QCOMPARE(s_lines[0].category, QStringLiteral("ZrUtil-ZrGlSurface"));
-    QVERIFY2(s_lines[0].text.contains(QLatin1String("nothing")), qPrintable(s_lines[0].text));
-    QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/map.vsh"), file.fileName()), 0);
-    QVERIFY(file.resize(0));
-    s_lines.clear();
-    QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/map.vsh"), file.fileName()), 0);
-    QVERIFY(!s_lines.empty());
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::missingShader()
-{
-    Create();
-    QCOMPARE(m_view->ZrglCompileShader(GL_VERTEX_SHADER, QStringLiteral(":/none.vsh")), 0);
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QVERIFY(s_lines[0].text.contains(QLatin1String(":/none.vsh")));
-    QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/none.vsh"), QStringLiteral(":/solid.fsh")), 0);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::linkWithoutShaders()
-{
-    Create();
-    const int vertex = m_view->ZrglCompileShader(GL_VERTEX_SHADER, QStringLiteral(":/map.vsh"));
-    QCOMPARE(m_view->ZrglLinkProgram(0, 0), 0);
-    QCOMPARE(m_view->ZrglLinkProgram(vertex, 0), 0);
-    QCOMPARE(s_lines.size(), std::size_t(2));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::linkThatFails()
-{
-    Create();
-    // The texture shader wants coordinates that this one does not give.
-    QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/solid.vsh"), QStringLiteral(":/texture.fsh")), 0);
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QVERIFY2(s_lines[0].text.contains(QLatin1String("vTexCoords")), qPrintable(s_lines[0].text));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::failedProgramDrawsNothing()
-{
-    Create();
-    m_view->m_programs.fill(0);
-    DrawAll(*m_view);
-    float quad[16] = {0, 0, 0, 0, 0, 64, 0, 1, 64, 0, 1, 0, 64, 64, 1, 1};
-    m_view->ZrglRenderVbo(quad, m_tex, ZrGlSurface::colourkey);
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
-    QCOMPARE(m_view->m_program, 0U);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::withoutShaders()
-{
-    const resource::Without without(QStringLiteral(":/map.vsh"));
-    QVERIFY(without.IsDone());
-    m_view->m_background = QStringLiteral(":/back_light.png");
-    m_view->OnCreate();
-    for (const GLuint program : m_view->m_programs)
-        QCOMPARE(program, 0U);
-    QCOMPARE(s_lines.size(), std::size_t(14));
-    DrawAll(*m_view);
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::withoutImages()
-{
-    const resource::Without without(QStringLiteral(":/marker_pin.png"));
-    QVERIFY(without.IsDone());
-    qInstallMessageHandler(Collect);
-    m_view->m_background = QStringLiteral(":/back_light.png");
-    m_view->OnCreate();
-    qInstallMessageHandler(nullptr);
-    for (const GLuint tex : m_view->m_markers)
-        QCOMPARE(tex, 0U);
-    QCOMPARE(m_view->m_bgTex, 0U);
-    // Each marker, and the background.
-    QCOMPARE(s_lines.size(), std::size_t(16));
-    QVERIFY(s_lines[0].text.contains(QLatin1String(":/marker_alpha.png")));
-    m_view->ZrglRenderBackground();
-    m_view->ZrglRenderMarker(30, 30, 0, 20, m_view->m_markers[0], Qt::red, 0, ZrGlSurface::alpha);
-    m_view->ZrglRenderOverlay();
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::paletteFallback()
-{
-    const resource::Without without(QStringLiteral(":/palettes.png"));
-    QVERIFY(without.IsDone());
-    m_view->OnCreate();
-    qInstallMessageHandler(Collect);
-    m_view->m_palCount = 5;
-    m_view->ZrglInitPalette();
-    qInstallMessageHandler(nullptr);
-    QCOMPARE(s_messages,
-        QStringList(QStringLiteral(
-            "zrglInitPalette, Cannot load palettes bitmap from resource, using default greyscale")));
-    QCOMPARE(m_view->m_palCount, 1);
-    const QImage image = m_context->ReadTexture(m_view->m_palTex, QSize(256, 256));
-    QVERIFY(!image.isNull());
-    // 256 rows of bytes 0 to 255 one behind the other, then three of 255 that the last entry left.
-    const uchar* bytes = image.constBits();
-    for (int i = 0; i < 256 * 256 * 4; ++i) {
-        const int expected = i < 256 * 256 ? i % 256 : i < 256 * 256 + 3 ? 255 : 0;
-        if (bytes[i] != expected)
-            QVERIFY2(false, qPrintable(QString::number(i)));
+    // The packed colour was asked for all the same.
+    int count = 0;
+    for (const gl::Recorder::IntUniform& uniform : recorder.ints) {
+        if (uniform.location == at) {
+            ++count;
+            QCOMPARE(static_cast<uint>(uniform.value), 0x80ff00feU);
+        }
     }
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::paletteCount_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::newRow("25") << 2;
-    QTest::newRow("10") << 1;
-    QTest::newRow("9") << 0;
-    QTest::newRow("120") << 12;
-}
-
-void tst_ZrGlSurface::paletteCount()
-{
-    QFETCH(int, count);
-    const QByteArray tag(QTest::currentDataTag());
-    QImage image(256, tag.toInt(), QImage::Format_RGBA8888);
-    image.fill(Qt::red);
-    QTemporaryDir dir;
-    QVERIFY(image.save(dir.filePath(QStringLiteral("palettes.png"))));
-    QFile list(dir.filePath(QStringLiteral("p.qrc")));
-    QVERIFY(list.open(QIODevice::WriteOnly));
-    list.write("<RCC><qresource prefix=\"/\"><file>palettes.png</file></qresource></RCC>");
-    list.close();
-    const QString compiled = dir.filePath(QStringLiteral("p.rcc"));
-    QCOMPARE(QProcess::execute(QStringLiteral(ZR_RCC),
-                 {QStringLiteral("--binary"), list.fileName(), QStringLiteral("-o"), compiled}),
-        0);
-    const resource::Without without(QStringLiteral(":/palettes.png"));
-    QVERIFY(without.IsDone());
-    QVERIFY(QResource::registerResource(compiled));
-    m_view->OnCreate();
-    QVERIFY(QResource::unregisterResource(compiled));
-    QCOMPARE(m_view->m_palCount, count);
-    QCOMPARE(m_context->ReadTexture(m_view->m_palTex, image.size()), image);
-    float quad[16] = {0, 0, 0, 0, 0, 64, 0, 1, 64, 0, 1, 0, 64, 64, 1, 1};
-    m_view->ZrglRenderVbo(quad, m_tex, ZrGlSurface::palette);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::missingBackground()
-{
-    Create();
-    const GLuint before = m_view->m_bgTex;
-    m_view->ZrglSetBackground(QStringLiteral("/no/\u00fcber.png"));
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QCOMPARE(s_lines[0].level, 2);
-    QCOMPARE(s_lines[0].category, QStringLiteral("ZrUtil-ZrGlSurface"));
-    QCOMPARE(s_lines[0].text, QStringLiteral("Background image load failed: /no/\u00fcber.png"));
-    QCOMPARE(m_view->m_bgTex, before);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::imageToTexture()
-{
-    Create();
-    GLuint tex = 4711;
-    QVERIFY(!m_view->ZrglLoadImageToTexture(QStringLiteral(":/none.png"), tex));
-    QCOMPARE(tex, 4711U);
-    // Three pixels of three bytes: rows that are not multiples of four.
-    QImage image(3, 2, QImage::Format_RGB888);
-    for (int i = 0; i < 6; ++i)
-        image.setPixelColor(i % 3, i / 3, QColor(40 * i, 255 - 40 * i, i));
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.png"));
-    QVERIFY(image.save(path));
-    QVERIFY(m_view->ZrglLoadImageToTexture(path, tex));
-    QCOMPARE(m_context->ReadTexture(tex, image.size()), image.convertToFormat(QImage::Format_RGBA8888));
-    QOpenGLFunctions* f = m_context->Functions();
-    f->glBindTexture(GL_TEXTURE_2D, tex);
-    const auto parameter = [f](GLenum name) {
-        GLint value = 0;
-        f->glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
-        return value;
-    };
-    QCOMPARE(parameter(GL_TEXTURE_WRAP_S), GL_CLAMP_TO_EDGE);
-    QCOMPARE(parameter(GL_TEXTURE_WRAP_T), GL_CLAMP_TO_EDGE);
-    QCOMPARE(parameter(GL_TEXTURE_MAG_FILTER), GL_LINEAR);
-    QCOMPARE(parameter(GL_TEXTURE_MIN_FILTER), GL_LINEAR);
-    for (const GLuint other : {m_view->m_palTex, m_view->m_bgTex, m_view->m_fontTex, m_view->m_markers[14]}) {
-        f->glBindTexture(GL_TEXTURE_2D, other);
-        QCOMPARE(parameter(GL_TEXTURE_WRAP_S), GL_CLAMP_TO_EDGE);
-        QCOMPARE(parameter(GL_TEXTURE_WRAP_T), GL_CLAMP_TO_EDGE);
-        QCOMPARE(parameter(GL_TEXTURE_MAG_FILTER), GL_LINEAR);
-        QCOMPARE(parameter(GL_TEXTURE_MIN_FILTER), GL_NEAREST);
-    }
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::damagedImage()
-{
-    Create();
-    QTemporaryDir dir;
-    QFile file(dir.filePath(QStringLiteral("a.png")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("\x89PNG\r\n\x1a\n and no more");
-    file.close();
-    GLuint tex = 0;
-    QVERIFY(!m_view->ZrglLoadImageToTexture(file.fileName(), tex));
-    m_view->ZrglSetBackground(file.fileName());
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::tooLargeImage()
-{
-    Create();
-    GLint most = 0;
-    m_context->Functions()->glGetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
-    QImage image(most + 1, 1, QImage::Format_Grayscale8);
-    image.fill(Qt::white);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("wide.png"));
-    QVERIFY(image.save(path));
-    GLuint tex = 0;
-    QVERIFY(!m_view->ZrglLoadImageToTexture(path, tex));
-    QCOMPARE(tex, 0U);
-    QVERIFY(!s_lines.empty());
-    s_lines.clear();
-    m_view->ZrglSetBackground(path);
-    QVERIFY(Lines().contains(QLatin1String("Background image load failed: ") + path));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::tooLargeFont()
-{
-    Create();
-    QFont font(QStringLiteral("Liberation Sans"));
-    font.setPixelSize(4000);
-    m_view->ZrglSetFont(font);
-    QVERIFY(!s_lines.empty());
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::withoutContext()
-{
-    m_context->DoneCurrent();
-    m_view->OnCreate();
-    QCOMPARE(s_lines.size(), std::size_t(1));
-    QCOMPARE(s_lines[0].category, QStringLiteral("ZrUtil-ZrGlSurface"));
-    for (const GLuint program : m_view->m_programs)
-        QCOMPARE(program, 0U);
-    DrawAll(*m_view);
-    GLuint tex = 0;
-    QVERIFY(!m_view->ZrglLoadImageToTexture(QStringLiteral(":/back_light.png"), tex));
-    QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/map.vsh"), QStringLiteral(":/solid.fsh")), 0);
-    m_view->ZrglInitShaders();
-    m_view->ZrglInitPalette();
-    m_view->ZrglInitMarkers();
-    m_view->ZrglSetBackground(QStringLiteral(":/back_light.png"));
-    m_view->ZrGlClipToViewport();
-    QVERIFY(m_context->MakeCurrent());
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
-}
-
-void tst_ZrGlSurface::contextLost()
-{
-    Create();
-    m_context->DoneCurrent();
-    DrawAll(*m_view);
-    m_view->ZrglSetFont(QFont());
-    QVERIFY(m_context->MakeCurrent());
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
-    QFETCH_GLOBAL(gl::Api, api);
-    m_context = std::make_unique<gl::Context>(api);
-    m_view.reset();
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::createdAgain()
-{
-    Create();
-    DrawAll(*m_view);
-    QFETCH_GLOBAL(gl::Api, api);
-    m_context.reset();
-    m_context = std::make_unique<gl::Context>(api);
-    m_context->Clear(Qt::black);
-    Create();
-    QCOMPARE(m_view->m_program, 0U);
-    m_view->ZrglRenderPixelRect(0, 0, 64, 64, Qt::green);
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::green), 0);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
-
-void tst_ZrGlSurface::zeroViewport()
-{
-    Create();
-    m_view->ZrglSetViewport(0, 0, 0, 0);
-    m_view->zrgl2dViewport(0, 0);
-    m_view->ZrGlClipToViewport();
-    DrawAll(*m_view);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
+    QCOMPARE(count, 1);
 }
 
 GL_TEST_MAIN(tst_ZrGlSurface)

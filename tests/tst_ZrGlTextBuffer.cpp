@@ -63,7 +63,10 @@ private Q_SLOTS:
     void surrogates();
     void longText();
 
+    void noFontYet();
     void glyphsAreMeasured();
+    void narrowAtlasStays_data();
+    void narrowAtlasStays();
     void atlasIsFolded_data();
     void atlasIsFolded();
     void glyphsDoNotOverlap_data();
@@ -334,6 +337,51 @@ void tst_ZrGlTextBuffer::longText()
     QCOMPARE(buffer.m_count, count);
     const float right = buffer.m_data[(count * 6 - 1) * 4];
     QCOMPARE(right, static_cast<float>(count) * static_cast<float>(view.m_glyphs['x' - 32].width));
+}
+
+void tst_ZrGlTextBuffer::noFontYet()
+{
+    // Characters have no size before there is a font: nothing that is not a number comes of it.
+    View view;
+    ZrGlTextBuffer buffer;
+    view.ZrglAddText(buffer, 3, 4, 30, QStringLiteral("abc"), 18);
+    QCOMPARE(buffer.m_count, 3);
+    for (int v = 0; v < 18; ++v) {
+        QCOMPARE(buffer.m_data[v * 4], 3.0F);
+        QCOMPARE(buffer.m_data[v * 4 + 1], 4.0F);
+    }
+}
+
+void tst_ZrGlTextBuffer::narrowAtlasStays_data()
+{
+    QTest::addColumn<int>("pixels");
+    for (const int pixels : {333, 400, 501})
+        QTest::addRow("%d", pixels) << pixels;
+}
+
+void tst_ZrGlTextBuffer::narrowAtlasStays()
+{
+    // A row of glyphs that is at most twice as wide as high is not folded, and its sides are not rounded.
+    QFETCH(int, pixels);
+    QFont font = Font(pixels);
+    font.setStretch(1);
+    View view;
+    view.ZrglSetFont(font);
+    int wide = 0;
+    for (const ZrGlSurface::Glyph& g : view.m_glyphs) {
+        QVERIFY(g.width > 0);
+        wide += g.width + 2;
+    }
+    const int high = view.m_glyphs[0].height;
+    QVERIFY2(wide <= 2 * high, qPrintable(QStringLiteral("%1 x %2").arg(wide).arg(high)));
+    QVERIFY(!IsPowerOfTwo(wide) && !IsPowerOfTwo(high));
+    int x = 0;
+    for (const ZrGlSurface::Glyph& g : view.m_glyphs) {
+        QCOMPARE(g.s0, static_cast<float>(x) / static_cast<float>(wide));
+        QCOMPARE(g.t0, 0.0F);
+        QCOMPARE(g.t1, 1.0F);
+        x += g.width + 2;
+    }
 }
 
 void tst_ZrGlTextBuffer::glyphsAreMeasured()

@@ -59,6 +59,8 @@ private Q_SLOTS:
     void viewport_data();
     void viewport();
     void viewportFollowsTheGeometry();
+    void viewportFollowsAMove();
+    void parentGrows();
     void withoutParent();
     void withoutSurface();
     void surfaceIsTakenAway();
@@ -131,6 +133,37 @@ void tst_ZrSfHolder::viewportFollowsTheGeometry()
     QCOMPARE(surface.sizes.last(), QSize(120, 60));
 }
 
+void tst_ZrSfHolder::viewportFollowsAMove()
+{
+    Surface surface;
+    m_holder->setGeometry(10, 20, 100, 50);
+    m_holder->SetSurface(&surface);
+    surface.m_pixelFactor = 2;
+    m_holder->MatchViewport();
+    m_parent->show();
+    QApplication::processEvents();
+    surface.sizes.clear();
+    m_holder->move(30, 60);
+    QCOMPARE(surface.m_viewport, QRect(60, 382, 200, 100));
+    // The size is what it was.
+    QVERIFY(surface.sizes.isEmpty());
+    // Both at once are one resize.
+    m_holder->setGeometry(0, 0, 400, 300);
+    QCOMPARE(surface.m_viewport, QRect(0, 2, 800, 600));
+    QCOMPARE(surface.sizes, QList<QSize>({QSize(800, 600)}));
+}
+
+void tst_ZrSfHolder::parentGrows()
+{
+    // y is up from the lower edge of the parent; the holder at the same place has to be told.
+    Surface surface;
+    m_holder->setGeometry(10, 20, 100, 50);
+    m_holder->SetSurface(&surface);
+    m_parent->resize(400, 500);
+    m_holder->MatchViewport();
+    QCOMPARE(surface.m_viewport, QRect(10, 431, 100, 50));
+}
+
 void tst_ZrSfHolder::withoutParent()
 {
     ZrSfHolder holder(nullptr);
@@ -162,6 +195,7 @@ void tst_ZrSfHolder::withoutSurface()
 {
     m_parent->show();
     m_holder->resize(50, 50);
+    m_holder->move(5, 5);
     m_holder->MatchViewport();
     int count = 0;
     SendEvents([&](const QString&, const QEvent*) { ++count; });

@@ -23,7 +23,7 @@ void main()
 {
     highp vec4 pos = aPosition;
     if (uMap == 1) {
-        // Whole metres and their fractions apart: the large terms cancel before the small ones are added.
+        // Ordinals (pos.xy) and decimals (pos.zw) apart: the large terms cancel before the small ones are added.
         highp float x = pos.x * uScale - uOriginX - uOriginXd + pos.x * uScaleD + pos.z * uScale + pos.z * uScaleD;
         highp float y = pos.y * uScale - uOriginY - uOriginYd + pos.y * uScaleD + pos.w * uScale + pos.w * uScaleD;
         x = x + uOffX;

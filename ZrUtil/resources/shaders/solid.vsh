@@ -7,8 +7,8 @@ precision mediump float;
 #define lowp
 #endif
 
-uniform mat4 uMatrix;
-attribute vec3 aPosition;
+uniform highp mat4 uMatrix;
+attribute highp vec3 aPosition;
 
 void main()
 {
