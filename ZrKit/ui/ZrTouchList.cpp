@@ -114,7 +114,10 @@ private:
 
     static void PaintText(QPainter& painter, const ZrListItem& item, const QRect& area)
     {
-        painter.setFont(ZrTheme::font);
+        // Never smaller than the line below it.
+        QFont large = ZrTheme::font;
+        large.setPixelSize(std::max(large.pixelSize(), 12));
+        painter.setFont(large);
         painter.setPen(ZrTheme::ctrlCol);
         const QString title = painter.fontMetrics().elidedText(item.title, Qt::ElideRight, area.width());
         if (item.subtitle.isEmpty()) {

@@ -1,10 +1,19 @@
 #pragma once
 
+#include "ZrKit/review/ZrRecordingList.h"
+#include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
-class ZrBtn;
+#include <functional>
 
-/// The state at a glance, and the way to everything else.
+class QTimer;
+class ZrEntryBtn;
+class ZrTouchList;
+
+/// The state at a glance, the latest recordings, and the way to everything else.
+///
+/// The tiles are looked at once a second while the page is shown, the folder of recordings every ten: what
+/// says the same as before is not painted.
 class HomePage : public SurveyPage
 {
     Q_OBJECT
@@ -12,11 +21,37 @@ class HomePage : public SurveyPage
 public:
     explicit HomePage(SurveyView& view);
 
+    void OnPageOpen() override;
+    void OnColours() override;
+
 protected:
     void Place() override;
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
-    ZrBtn* AddEntry(const QString& icon, const QString& text, const QString& hint, const QString& page);
+    void AddEntry(const QString& icon, const QString& title, const QString& hint, const QString& key,
+        const std::function<void()>& open);
+    void ListRecordings();
+    void ShowRecordings();
+    void ShowState();
+    void OnVehicle();
+    void OnTick();
+    QImage Preview(const ZrRecording& recording) const;
+    QRect HeadingRect() const;
 
-    QVector<ZrBtn*> m_entries;
+    QVector<ZrEntryBtn*> m_entries;
+    ZrValueTile* m_position;
+    ZrValueTile* m_data;
+    ZrValueTile* m_recording;
+    ZrValueTile* m_space;
+    ZrTouchList* m_list;
+    ZrRecordingList* m_recordings;
+    QVector<ZrRecording> m_shown;
+    QRect m_panel; ///< around the list
+    QTimer* m_tick;
+    int m_ticks = 0;
+    QElapsedTimer m_dataClock; ///< since the last data of the vehicle
+    QElapsedTimer m_fixClock; ///< since its last position
 };

@@ -15,6 +15,12 @@
 #include <cmath>
 #include <utility>
 
+/// The resources of a static library do not register themselves. Qt wants this outside of namespaces.
+static void InitSurveyResources()
+{
+    Q_INIT_RESOURCE(survey);
+}
+
 namespace {
 
 /// Of the floor's grid at least, metres.
@@ -71,6 +77,7 @@ void ScenePage::LoadMesh()
 {
     if (std::exchange(m_isMeshLoaded, true))
         return;
+    InitSurveyResources();
     ZglObject::LoadObj(QStringLiteral(":/survey/vessel.obj"), m_scene.m_mesh);
     m_scene.m_meshImage = QImage(QStringLiteral(":/survey/vessel.png"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/planning/ZrPlanDocument.h"
+#include "apps/ZrSurvey/SurveyRecording.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
 
@@ -16,4 +17,5 @@ struct SurveyModel
     SurveySettings settings;
     ZrPlanDocument plan;
     SurveyVehicle vehicle;
+    SurveyRecording recording;
 };

@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
@@ -15,6 +16,12 @@ constexpr int frameMs = 16;
 
 /// A page that was not painted for so long goes on as if it had been, seconds.
 constexpr double longestFrame = 0.25;
+
+/// As large as the window's close button beside them.
+int ButtonSide()
+{
+    return std::max(ZrTheme::DpI(48), 44);
+}
 
 ZrBtn* Tool(QWidget* parent, const QString& icon, const QString& name)
 {
@@ -39,6 +46,9 @@ SurveyPage::SurveyPage(SurveyView& view, const QString& title)
     connect(m_settings, &ZrBtn::Clicked, &view, [&view] { view.ToggleSettings(); });
     connect(m_frames, &QTimer::timeout, this, &SurveyPage::OnTick);
     m_frames->setTimerType(Qt::PreciseTimer);
+    const SurveyRecording& recording = view.Model().recording;
+    connect(&recording, &SurveyRecording::Changed, this, [this] { update(RecordingRect()); });
+    connect(&recording, &SurveyRecording::Switched, this, &SurveyPage::OnColours);
 }
 
 void SurveyPage::SetTitle(const QString& title)
@@ -60,7 +70,12 @@ int SurveyPage::Gap() const
 
 QRect SurveyPage::Content() const
 {
-    return rect().adjusted(0, ZrTheme::DpI(BandHeight), 0, 0);
+    return rect().adjusted(0, BandBottom(), 0, 0);
+}
+
+int SurveyPage::BandBottom() const
+{
+    return std::max(ZrTheme::DpI(BandHeight), ButtonSide() + 2 * ZrTheme::DpI(16));
 }
 
 int SurveyPage::BandLeft() const
@@ -70,7 +85,34 @@ int SurveyPage::BandLeft() const
 
 int SurveyPage::BandRight() const
 {
-    return m_settings->x() - Gap();
+    const QRect recording = RecordingRect();
+    return (recording.isEmpty() ? m_settings->x() : recording.x()) - Gap();
+}
+
+QRect SurveyPage::RecordingRect() const
+{
+    if (!View().Model().recording.IsOn())
+        return {};
+    const int wide = ZrTheme::DpI(128);
+    return {m_settings->x() - 2 * Gap() - wide, 0, wide, BandBottom()};
+}
+
+/// A dot, which blinks for nobody, and the time.
+void SurveyPage::PaintRecording(QPainter& painter) const
+{
+    const QRect area = RecordingRect();
+    if (area.isEmpty())
+        return;
+    const int dot = ZrTheme::DpI(16);
+    const QRect place(area.x(), area.center().y() - dot / 2, dot, dot);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ZrTheme::errorCol);
+    painter.drawEllipse(place);
+    painter.setFont(ZrTheme::fontLarge);
+    painter.setPen(ZrTheme::titleCol);
+    painter.drawText(area.adjusted(dot + Gap(), 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+        View().Model().recording.ElapsedText());
 }
 
 void SurveyPage::Changed()
@@ -126,7 +168,7 @@ void SurveyPage::resizeEvent(QResizeEvent* event)
 void SurveyPage::PlaceAll()
 {
     const int margin = ZrTheme::DpI(16);
-    const int side = std::max(ZrTheme::DpI(48), 44);
+    const int side = ButtonSide();
     m_back->setGeometry(margin, margin, side, side);
     // The window's close button is to the right of it.
     m_settings->setGeometry(width() - 2 * (side + margin), margin, side, side);
@@ -136,8 +178,9 @@ void SurveyPage::PlaceAll()
 void SurveyPage::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    const QRect band(0, 0, width(), ZrTheme::DpI(BandHeight));
+    const QRect band(0, 0, width(), BandBottom());
     painter.fillRect(band, ZrTheme::toolBack);
+    PaintRecording(painter);
     const int left = m_back->isVisible() ? m_back->geometry().right() + 2 * Gap() : 2 * Gap();
     const QRect text(left, 0, BandLeft() - left - Gap(), band.height());
     QFont font = ZrTheme::fontLarge;

@@ -18,7 +18,8 @@ class SurveyPage : public ZrPage
     Q_OBJECT
 
 public:
-    static constexpr float BandHeight = 80.0F; ///< design pixels; the window's close button is in it
+    static constexpr float BandHeight
+        = 80.0F; ///< design pixels, at least; the window's close button is in it
 
     SurveyPage(SurveyView& view, const QString& title);
 
@@ -30,6 +31,7 @@ public:
     void SetSubtitle(const QString& subtitle); ///< what the page is working on, for instance a file
 
     QRect Content() const; ///< below the band
+    int BandBottom() const; ///< real pixels: the buttons in it are never smaller than a finger
     int Gap() const; ///< between controls: every distance is a multiple of it
 
     void Changed(); ///< asks for one frame
@@ -53,6 +55,8 @@ protected:
 
 private:
     void PlaceAll();
+    QRect RecordingRect() const; ///< of the state at the right of the band; empty while there is none
+    void PaintRecording(QPainter& painter) const;
     void OnTick();
 
     SurveyView& m_survey;

@@ -11,14 +11,16 @@
 
 namespace {
 
-/// A value that a person wrote into the file may be anything.
-template <class T> void Clamp(T& value, T least, T most, T otherwise)
+void Clamp(double& value, double least, double most, double otherwise)
 {
-    if constexpr (std::is_floating_point_v<T>) {
-        if (!std::isfinite(value))
-            value = otherwise;
-    }
-    value = std::clamp(value, least, most);
+    value = std::isfinite(value) ? std::clamp(value, least, most) : otherwise;
+}
+
+/// The nearest one would be as wrong as any.
+void Choose(int& value, int first, int last, int otherwise)
+{
+    if (value < first || value > last)
+        value = otherwise;
 }
 
 } // namespace
@@ -60,19 +62,59 @@ void SurveySettings::settings(zr::ZrSetModule& module)
     module.item(QStringLiteral("contrast"), contrast);
     module.item(QStringLiteral("slant"), slant);
     module.item(QStringLiteral("bottom"), bottom);
-    if (!module.is_loading())
-        return;
-    Clamp(colours, 0, 2, 1);
-    Clamp(splitMegabytes, 0, 1024 * 1024, 0);
-    Clamp(splitMinutes, 0, 24 * 60, 0);
-    Clamp(stopBelowMegabytes, 50, 1024 * 1024, 500);
-    Clamp(source, 0, 5, 0);
-    Clamp(udpPort, 1, 65535, 10110);
-    Clamp(tcpPort, 1, 65535, 10110);
-    Clamp(simSpeed, 0.1, 50.0, 1.0);
-    Clamp(simCurrent, 0.0, 5.0, 0.0);
-    Clamp(simSet, 0.0, 360.0, 0.0);
-    Clamp(palette, 0, 255, 1);
-    Clamp(gain, -20.0, 20.0, 0.0);
-    Clamp(contrast, 0.25, 4.0, 1.0);
+    if (module.is_loading())
+        PutRight();
+}
+
+/// What a file holds may be anything.
+void SurveySettings::PutRight()
+{
+    const SurveySettings standard;
+    Choose(colours, 0, 2, standard.colours);
+    if (recordDir.trimmed().isEmpty())
+        recordDir = standard.recordDir;
+    if (!PrefixProblem(recordPrefix).isEmpty())
+        recordPrefix = standard.recordPrefix;
+    splitMegabytes = std::clamp(splitMegabytes, 0, MostSplitMegabytes);
+    splitMinutes = std::clamp(splitMinutes, 0, MostSplitMinutes);
+    stopBelowMegabytes = std::clamp(stopBelowMegabytes, LeastStopBelow, MostStopBelow);
+    eventLabels = UsableLabels(eventLabels);
+    Choose(source, 0, LastSource, standard.source);
+    Choose(udpPort, 1, MostPort, standard.udpPort);
+    if (tcpHost.trimmed().isEmpty())
+        tcpHost = standard.tcpHost;
+    Choose(tcpPort, 1, MostPort, standard.tcpPort);
+    Choose(serialBaud, LeastBaud, MostBaud, standard.serialBaud);
+    Clamp(simSpeed, LeastSimSpeed, MostSimSpeed, standard.simSpeed);
+    Clamp(simCurrent, 0.0, MostSimCurrent, standard.simCurrent);
+    Clamp(simSet, 0.0, 360.0, standard.simSet);
+    Choose(palette, 0, LastPalette, standard.palette);
+    Clamp(gain, -MostGain, MostGain, standard.gain);
+    Clamp(contrast, LeastContrast, MostContrast, standard.contrast);
+}
+
+QString SurveySettings::PrefixProblem(const QString& prefix)
+{
+    if (prefix.size() > LongestPrefix)
+        return QCoreApplication::translate("SurveySettings", "At most %1 characters").arg(LongestPrefix);
+    const QString forbidden = QStringLiteral("/\\:*?\"<>|");
+    const auto isBad
+        = [&forbidden](QChar c) { return forbidden.contains(c) || c.category() == QChar::Other_Control; };
+    if (std::any_of(prefix.begin(), prefix.end(), isBad))
+        return QCoreApplication::translate("SurveySettings", "None of %1 in the name of a file")
+            .arg(QStringLiteral("/ \\ : * ? \" < > |"));
+    if (prefix.startsWith(QLatin1Char('.')))
+        return QCoreApplication::translate("SurveySettings", "A dot in front would hide the file");
+    return {};
+}
+
+QStringList SurveySettings::UsableLabels(const QStringList& labels)
+{
+    QStringList usable;
+    for (const QString& label : labels) {
+        const QString text = label.simplified().left(LongestLabel).trimmed();
+        if (!text.isEmpty() && usable.size() < MostLabels)
+            usable.append(text);
+    }
+    return usable;
 }

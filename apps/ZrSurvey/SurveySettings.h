@@ -9,6 +9,29 @@
 class SurveySettings final : public zr::IPersistable
 {
 public:
+    /// \name Limits
+    /// What is outside is not taken from a file, and refused by the forms.
+    /// @{
+    static constexpr int LastSource = 5; ///< of `SurveySource::eKind`
+    static constexpr int LastPalette = 13; ///< of `ZrSonarPalette::Names`
+    static constexpr int MostSplitMegabytes = 1024 * 1024;
+    static constexpr int MostSplitMinutes = 24 * 60;
+    static constexpr int LeastStopBelow = 50; ///< megabytes
+    static constexpr int MostStopBelow = 1024 * 1024;
+    static constexpr int MostPort = 65535;
+    static constexpr int LeastBaud = 300;
+    static constexpr int MostBaud = 4000000;
+    static constexpr double LeastSimSpeed = 0.1;
+    static constexpr double MostSimSpeed = 50.0;
+    static constexpr double MostSimCurrent = 5.0; ///< m/s
+    static constexpr double MostGain = 20.0; ///< dB, either way
+    static constexpr double LeastContrast = 0.25;
+    static constexpr double MostContrast = 4.0;
+    static constexpr int MostLabels = 8; ///< event buttons
+    static constexpr int LongestLabel = 40; ///< characters
+    static constexpr int LongestPrefix = 64;
+    /// @}
+
     /// \name Display
     /// @{
     int colours = 1; ///< a `ZrColourScheme::eScheme`
@@ -21,7 +44,7 @@ public:
     int splitMegabytes = 0; ///< a new log after so many; 0 for never
     int splitMinutes = 0; ///< likewise
     int stopBelowMegabytes = 500; ///< free space at which recording ends
-    QStringList eventLabels; ///< of the event buttons
+    QStringList eventLabels; ///< of the event buttons, one line each
     /// @}
 
     /// \name Source of the vehicle's data
@@ -40,7 +63,7 @@ public:
 
     /// \name Display of sonar
     /// @{
-    int palette = 1;
+    int palette = 1; ///< index in `ZrSonarPalette::Names`
     double gain = 0.0; ///< dB
     double contrast = 1.0;
     bool slant = false; ///< corrected for slant range
@@ -50,4 +73,13 @@ public:
     SurveySettings();
 
     void settings(zr::ZrSetModule& module) override;
+
+    /// Why \p prefix cannot begin the name of a file, a sentence; empty when it can.
+    static QString PrefixProblem(const QString& prefix);
+
+    /// What can be on the event buttons: without blanks around, empty ones, and what is too much.
+    static QStringList UsableLabels(const QStringList& labels);
+
+private:
+    void PutRight();
 };

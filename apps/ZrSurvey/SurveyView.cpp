@@ -1,14 +1,20 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
-#include "ZrKit/settings/ZrSettingsFile.h"
+#include "ZrKit/settings/ZrAppSettings.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrInputColours.h"
+#include "ZrKit/ui/ZrNotice.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrFmApp.h"
 #include "ZrUtil/ZrFmLogging.h"
 #include "ZrUtil/ZrFormMgr.h"
-#include "ZrUtil/ZrSetApp.h"
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/FormAbout.h"
+#include "apps/ZrSurvey/FormDisplay.h"
+#include "apps/ZrSurvey/FormRecording.h"
+#include "apps/ZrSurvey/FormSonar.h"
+#include "apps/ZrSurvey/FormSources.h"
 #include "apps/ZrSurvey/HomePage.h"
 #include "apps/ZrSurvey/PlanPage.h"
 #include "apps/ZrSurvey/RecordPage.h"
@@ -19,6 +25,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QTimer>
 
 #include <chrono>
 
@@ -27,17 +34,24 @@ namespace {
 /// Pages ask for their frames themselves: the view's own timer need not paint a screen that stands still.
 constexpr std::chrono::milliseconds idle = std::chrono::hours(24);
 
+/// From a change to its being saved: a slider that is dragged is saved once.
+constexpr std::chrono::milliseconds saveDelay(800);
+
 } // namespace
 
 SurveyView::SurveyView(const QString& dataDir)
     : ZrAppView(nullptr, idle, updateTimer, idle)
     , m_model(std::make_unique<SurveyModel>(dataDir))
     , m_toast(new ZrToast(this))
-    , m_settingsPath(dataDir.isEmpty() ? QString() : dataDir + QStringLiteral("/settings.json"))
+    , m_dataDir(dataDir)
+    , m_save(new QTimer(this))
 {
     setWindowTitle(QStringLiteral("ZrSurvey"));
-    forms().AddNewForm(new ZrFmApp(&forms()));
-    forms().AddNewForm(new ZrFmLogging(&forms()));
+    new ZrInputColours(this);
+    m_save->setSingleShot(true);
+    m_save->setInterval(saveDelay);
+    connect(m_save, &QTimer::timeout, this, &SurveyView::SaveSettings);
+    AddForms();
     AddPage(QStringLiteral("Home"), new HomePage(*this), true);
     AddPage(QStringLiteral("Plan"), new PlanPage(*this), false);
     AddPage(QStringLiteral("Record"), new RecordPage(*this), false);
@@ -99,32 +113,56 @@ void SurveyView::Warn(const QString& text)
     m_toast->Show(ZrToast::error, text);
 }
 
+/// The log of the library has no tab: with one more the tabs would not fit into the smallest window.
+void SurveyView::AddForms()
+{
+    auto* about = new FormAbout(*this);
+    m_rowForms = {new FormDisplay(*this), new FormRecording(*this), new FormSources(*this),
+        new FormSonar(*this), about};
+    m_logging = new ZrFmLogging(&forms());
+    m_logging->m_isTiered = true;
+    m_logging->m_parentForm = about;
+    forms().AddNewForm(new ZrFmApp(&forms()));
+    for (ZrRowForm* form : qAsConst(m_rowForms))
+        forms().AddNewForm(form);
+    forms().AddNewForm(m_logging);
+    about->m_logForm = m_logging->m_name;
+}
+
+void SurveyView::ShowSettings(const QString& form)
+{
+    if (!form.isEmpty())
+        forms().SetToForm(form);
+    if (forms().isHidden())
+        ToggleSettings();
+}
+
 void SurveyView::LoadSettings()
 {
-    if (m_settingsPath.isEmpty())
+    if (m_dataDir.isEmpty())
         return;
-    ZrSettingsFile file(m_settingsPath);
-    zr::ZrSetApp stored(zr::ePersistLoading);
-    if (file.Load(stored.root)) {
-        stored.synchronise(*this);
-        if (!file.Warning().isEmpty())
-            Warn(file.Warning());
-    } else if (file.State() != ZrSettingsFile::Missing) {
-        Warn(tr("The settings cannot be read; all are as at the first start. %1").arg(file.Error()));
-    }
+    ZrAppSettings file(m_dataDir + QStringLiteral("/settings.json"));
+    file.Load(*this);
+    if (!file.Message().isEmpty())
+        new ZrNotice(this, file.Message());
 }
 
 bool SurveyView::SaveSettings()
 {
-    if (m_settingsPath.isEmpty())
+    m_save->stop();
+    if (m_dataDir.isEmpty())
         return true;
-    ZrSettingsFile file(m_settingsPath);
-    zr::ZrSetApp stored(zr::ePersistStoring);
-    stored.synchronise(*this);
-    if (file.Save(stored.root))
-        return true;
-    Warn(tr("The settings cannot be saved. %1").arg(file.Error()));
-    return false;
+    ZrAppSettings file(m_dataDir + QStringLiteral("/settings.json"));
+    const bool isSaved = file.Save(*this);
+    if (!file.Message().isEmpty())
+        Warn(file.Message());
+    return isSaved;
+}
+
+void SurveyView::SettingsEdited()
+{
+    m_save->start();
+    Q_EMIT SettingsChanged();
 }
 
 void SurveyView::settings(zr::ZrSetModule& module)
@@ -142,6 +180,7 @@ void SurveyView::SetColours(int scheme)
 {
     m_model->settings.colours = scheme;
     ApplyColours();
+    SettingsEdited();
 }
 
 void SurveyView::ApplyColours()
@@ -153,6 +192,10 @@ void SurveyView::ApplyColours()
     m_toast->Place();
     for (ZrPage* page : qAsConst(m_pages))
         static_cast<SurveyPage*>(page)->OnColours();
+    for (ZrRowForm* form : qAsConst(m_rowForms))
+        form->Restyle();
+    m_logging->setStyleSheet(ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css")));
+    forms().update();
     Q_EMIT ColoursChanged();
     update();
 }

@@ -4,7 +4,10 @@
 
 #include <memory>
 
+class QTimer;
 class SurveyPage;
+class ZrFmLogging;
+class ZrRowForm;
 class ZrToast;
 struct SurveyModel;
 
@@ -31,6 +34,11 @@ public:
     bool OpenPlan(const QString& path); ///< shows the page "Plan" with it
 
     bool SaveSettings(); ///< false, after a message, when they cannot be written
+    void SettingsEdited(); ///< tells of `SurveySettings` that were changed, and saves them soon
+    void ShowSettings(const QString& form); ///< by name; the form shown last when there is none
+
+    QString DataDir() const { return m_dataDir; } ///< empty when nothing is kept
+
     void SetColours(int scheme); ///< a `ZrColourScheme::eScheme`
 
     /// Shows a message for some seconds; with \p action a button that calls \p run.
@@ -41,6 +49,7 @@ public:
 
 Q_SIGNALS:
     void ColoursChanged(); ///< colours, fonts or the scale
+    void SettingsChanged(); ///< some of the model's
     void FramePainted(); ///< for those who wait for the screen
 
 protected:
@@ -50,10 +59,14 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void AddForms();
     void LoadSettings();
     void ApplyColours();
 
     std::unique_ptr<SurveyModel> m_model;
     ZrToast* m_toast;
-    QString m_settingsPath;
+    QString m_dataDir;
+    QTimer* m_save;
+    QVector<ZrRowForm*> m_rowForms;
+    ZrFmLogging* m_logging = nullptr;
 };

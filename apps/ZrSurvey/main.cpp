@@ -38,6 +38,8 @@ int main(int argc, char** argv)
 
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();
+    // Lines for typing take their letters from here, all else from the theme.
+    QApplication::setFont(QFont(ZrTheme::fontFamily));
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QCoreApplication::translate("main", "Plans, records and reviews surveys of underwater vehicles."));

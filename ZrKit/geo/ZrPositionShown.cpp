@@ -1,0 +1,29 @@
+#include "ZrKit/geo/ZrPositionShown.h"
+
+#include "ZrUtil/ZrUnits.h"
+
+#include <cmath>
+
+QStringList ZrPositionShown::Parts(double lat, double lng)
+{
+    if (!std::isfinite(lat) || !std::isfinite(lng))
+        return {};
+    if (ZrUnits::GetGeoStyle() != eGeoUTM)
+        return {ZrUnits::GetLatString(lat), ZrUnits::GetLngString(lng)};
+    // From -180 on and below 180: the zones begin anew there.
+    const double turned = std::remainder(lng, 360.0);
+    const double near = turned == 180.0 ? -180.0 : turned;
+    ZrProj projection = ZrUnits::utm;
+    projection.SetupUTM(lat, near);
+    double east = 0.0;
+    double north = 0.0;
+    ZrUnits::LLToEN(ZrUnits::wgs84, projection, lat, near, east, north);
+    const int zone = static_cast<int>(std::floor((near + 180.0) / 6.0)) + 1;
+    return {QStringLiteral("%1 %2").arg(zone).arg(lat < 0.0 ? QLatin1Char('S') : QLatin1Char('N')),
+        ZrUnits::GetEString(east, 2, true), ZrUnits::GetNString(north, 2, true)};
+}
+
+QString ZrPositionShown::Text(double lat, double lng)
+{
+    return Parts(lat, lng).join(QStringLiteral("  "));
+}

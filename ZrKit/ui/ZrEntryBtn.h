@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrBtn.h"
+
+#include <QImage>
+#include <QString>
+
+/// A large button that leads somewhere: an icon at the left, a title, and below it what is there. Several of
+/// them below one another are in line.
+class ZR_KIT_EXPORT ZrEntryBtn : public ZrBtn
+{
+    Q_OBJECT
+
+public:
+    QImage icon; ///< an alpha mask
+
+    ZrEntryBtn(QWidget* parent, const QString& title, const QString& hint);
+
+    QString Title() const { return m_title; }
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_title;
+    QString m_hint;
+};

@@ -1,0 +1,27 @@
+#include "ZrKit/ui/ZrInputColours.h"
+
+#include "ZrUtil/ZrInput.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+ZrInputColours::ZrInputColours(QObject* parent)
+    : QObject(parent)
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool ZrInputColours::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::StyleChange)
+        return false;
+    auto* input = qobject_cast<ZrInput*>(watched);
+    if (!input)
+        return false;
+    const QString sheet = input->styleSheet();
+    if (sheet.contains(QLatin1String("#515151")))
+        input->setStyleSheet(QString());
+    else if (sheet.contains(QLatin1String("#aa0000")) && !sheet.contains(QLatin1String("#ffffff")))
+        input->setStyleSheet(QStringLiteral("QLineEdit { background-color : #aa0000; color : #ffffff; }"));
+    return false;
+}

@@ -1,0 +1,56 @@
+#include "ZrKit/ui/ZrPaletteBtn.h"
+
+#include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrUtil/ZrCtrlLook.h"
+#include "ZrUtil/ZrTheme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+ZrPaletteBtn::ZrPaletteBtn(QWidget* parent, const QString& palette)
+    : ZrBtn(parent, typeStd)
+    , m_colours(256, 1, QImage::Format_RGB32)
+{
+    ZrSonarPalette colours;
+    colours.Load(palette);
+    for (int i = 0; i < m_colours.width(); ++i)
+        m_colours.setPixel(i, 0, colours.Colour(i));
+    text = palette;
+    if (!text.isEmpty())
+        text[0] = text[0].toUpper();
+    checkable = false;
+    setAccessibleName(text);
+}
+
+QSize ZrPaletteBtn::sizeHint() const
+{
+    return {std::max(ZrTheme::DpI(96), ZrCtrlLook::smallestTarget),
+        std::max(ZrTheme::DpI(72), ZrCtrlLook::smallestTarget)};
+}
+
+/// The upper half inside the frame.
+QRectF ZrPaletteBtn::Swatch() const
+{
+    const double margin = std::max(ZrTheme::DpI(8), 5);
+    return {margin, margin, std::max(width() - 2 * margin, 1.0), std::max(height() / 2.0 - margin, 1.0)};
+}
+
+QRectF ZrPaletteBtn::ContentRect() const
+{
+    const QRectF swatch = Swatch();
+    return {swatch.x(), swatch.bottom(), swatch.width(), height() - swatch.bottom() - swatch.y() / 2.0};
+}
+
+void ZrPaletteBtn::paintEvent(QPaintEvent* event)
+{
+    ZrBtn::paintEvent(event);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QRectF swatch = ZrCtrlLook::Snapped(painter, Swatch());
+    painter.drawImage(swatch, m_colours);
+    // A palette that ends in the colour of the button would have no end.
+    painter.setPen(ZrTheme::ctrlOutlineCol);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(swatch.adjusted(0, 0, -1, -1));
+}

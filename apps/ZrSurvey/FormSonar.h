@@ -1,0 +1,12 @@
+#pragma once
+
+#include "apps/ZrSurvey/SurveyForm.h"
+
+/// How sonar is displayed.
+class FormSonar : public SurveyForm
+{
+    Q_OBJECT
+
+public:
+    explicit FormSonar(SurveyView& view);
+};

@@ -1,0 +1,151 @@
+#include "apps/ZrSurvey/HomeState.h"
+
+#include "ZrKit/geo/ZrPositionShown.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <cmath>
+
+namespace {
+
+constexpr double megabyte = 1e6;
+constexpr double latestTime = 253402300800.0; // the year 10000, seconds since 1970
+constexpr double shortTime = 15.0 * 60.0; // seconds
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("HomeState", text);
+}
+
+/// Number and unit apart.
+void SetSize(HomeState::Tile& tile, double bytes)
+{
+    const QStringList parts = HomeState::SizeText(bytes).split(QLatin1Char(' '));
+    tile.value = parts.value(0);
+    tile.unit = parts.value(1);
+}
+
+} // namespace
+
+QString HomeState::SizeText(double bytes)
+{
+    static const char* const units[] = {"kB", "MB", "GB", "TB"};
+    double size = std::max(bytes, 0.0) / 1000.0;
+    std::size_t unit = 0;
+    // What would be rounded to 1000 is 1 of the next.
+    while (size >= 999.5 && unit + 1 < std::size(units)) {
+        size /= 1000.0;
+        ++unit;
+    }
+    return QStringLiteral("%1 %2")
+        .arg(size, 0, 'f', unit == 0 || size >= 99.95 ? 0 : 1)
+        .arg(QLatin1String(units[unit]));
+}
+
+QString HomeState::DurationText(double seconds)
+{
+    if (!std::isfinite(seconds) || seconds < 0.0)
+        return {};
+    if (seconds < 60.0)
+        return Tr("%1 s").arg(static_cast<int>(seconds));
+    if (seconds < 3600.0)
+        return Tr("%1 min").arg(static_cast<int>(seconds / 60.0));
+    const double hours = std::floor(seconds / 3600.0);
+    if (hours >= 48.0)
+        return Tr("%1 days").arg(std::floor(hours / 24.0), 0, 'f', 0);
+    return Tr("%1 h %2 min").arg(hours, 0, 'f', 0).arg(static_cast<int>(seconds / 60.0) % 60);
+}
+
+HomeState::Tile HomeState::Position(const SurveyVehicle::Pose& pose, bool isLive, double age)
+{
+    Tile tile;
+    tile.value = ZrPositionShown::Text(pose.lat, pose.lng);
+    if (tile.value.isEmpty()) {
+        tile.note = Tr("No position yet");
+        return tile;
+    }
+    if (!isLive) {
+        tile.note = Tr("From a recording");
+        tile.state = ZrValueTile::stale;
+    } else if (std::isnan(age)) {
+        tile.state = ZrValueTile::stale;
+    } else if (age < 1.0) {
+        tile.note = Tr("Fix now");
+    } else {
+        tile.note = Tr("Fix %1 ago").arg(DurationText(age));
+        if (age >= Late)
+            tile.state = ZrValueTile::stale;
+    }
+    return tile;
+}
+
+HomeState::Tile HomeState::Data(const QString& source, bool isLive, double age)
+{
+    Tile tile;
+    tile.note = source;
+    if (!isLive || std::isnan(age)) {
+        tile.value = Tr("Off");
+        return tile;
+    }
+    if (age < Late) {
+        tile.value = Tr("Receiving");
+        tile.state = ZrValueTile::good;
+    } else {
+        tile.value = Tr("Silent");
+        tile.unit = DurationText(age);
+        tile.state = age < Lost ? ZrValueTile::warning : ZrValueTile::error;
+    }
+    return tile;
+}
+
+HomeState::Tile HomeState::Recording(
+    const QString& elapsed, const ZrRecorder::Status& status, const QString& folder)
+{
+    Tile tile;
+    if (elapsed.isEmpty()) {
+        tile.value = Tr("Off");
+        tile.note = folder;
+        return tile;
+    }
+    tile.value = elapsed;
+    tile.note = SizeText(static_cast<double>(status.bytes)) + QStringLiteral(", ")
+        + QFileInfo(status.file).fileName();
+    tile.state = ZrValueTile::good;
+    return tile;
+}
+
+HomeState::Tile HomeState::Space(qint64 freeBytes, int stopBelowMegabytes, double secondsLeft)
+{
+    Tile tile;
+    if (freeBytes < 0) {
+        tile.note = Tr("Not known");
+        return tile;
+    }
+    SetSize(tile, static_cast<double>(freeBytes));
+    const double least = stopBelowMegabytes * megabyte;
+    tile.note = secondsLeft >= 0.0 ? Tr("For %1").arg(DurationText(secondsLeft))
+                                   : Tr("Stops at %1").arg(SizeText(least));
+    if (static_cast<double>(freeBytes) < least)
+        tile.state = ZrValueTile::error;
+    else if (static_cast<double>(freeBytes) < 2.0 * least || (secondsLeft >= 0.0 && secondsLeft < shortTime))
+        tile.state = ZrValueTile::warning;
+    return tile;
+}
+
+QString HomeState::RecordingText(const ZrRecentLog& log)
+{
+    QStringList parts;
+    if (std::isfinite(log.start) && std::abs(log.start) < latestTime) {
+        const auto start = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(log.start * 1e3));
+        parts.append(start.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    }
+    if (log.duration >= 0.0)
+        parts.append(DurationText(log.duration));
+    parts.append(SizeText(static_cast<double>(log.size)));
+    if (log.sonar == ZrRecentLog::sonarPresent)
+        parts.append(Tr("sonar"));
+    return parts.join(QStringLiteral("  ·  "));
+}

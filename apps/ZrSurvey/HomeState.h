@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ZrKit/recording/ZrRecorder.h"
+#include "ZrKit/review/ZrRecentLog.h"
+#include "ZrKit/ui/ZrValueTile.h"
+#include "apps/ZrSurvey/SurveyVehicle.h"
+
+#include <QString>
+
+/// What the tiles of the home page say. Ages are seconds, NaN for what never came.
+struct HomeState
+{
+    struct Tile
+    {
+        QString value;
+        QString unit;
+        QString note;
+        ZrValueTile::eState state = ZrValueTile::normal;
+    };
+
+    static constexpr double Late = 5.0; ///< seconds without data after which they are missed
+    static constexpr double Lost = 30.0; ///< and after which they are not expected any more
+
+    /// \param age of the last position
+    static Tile Position(const SurveyVehicle::Pose& pose, bool isLive, double age);
+
+    /// \param source where data are to come from; \param age of the last of them
+    static Tile Data(const QString& source, bool isLive, double age);
+
+    /// \param elapsed time of the recording that is going on, empty for none; \param folder of recordings
+    static Tile Recording(const QString& elapsed, const ZrRecorder::Status& status, const QString& folder);
+
+    /// \param freeBytes -1 when not known; \param secondsLeft at the rate of the moment, -1 when not known
+    static Tile Space(qint64 freeBytes, int stopBelowMegabytes, double secondsLeft);
+
+    /// When it was made, how long it is and how large, and whether there is sonar in it.
+    static QString RecordingText(const ZrRecentLog& log);
+
+    static QString SizeText(double bytes); ///< "12.3 GB"
+    static QString DurationText(double seconds); ///< "3 h 20 min", "12 min", "40 s"
+};

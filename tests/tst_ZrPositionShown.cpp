@@ -1,0 +1,81 @@
+// Positions as people read them, in the style in force.
+
+#include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrUnitsState.h"
+
+#include <QtTest>
+
+#include <limits>
+
+class tst_ZrPositionShown : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void styles();
+    void grid_data();
+    void grid();
+    void notFinite();
+};
+
+void tst_ZrPositionShown::styles()
+{
+    const ZrUnitsState state;
+    for (const int style : {0, 1, 2, 3, 4, 5, 6, 7}) {
+        ZrUnits::SetGeoStyle(eGeoStyle(style));
+        const QStringList expected({ZrUnits::GetLatString(51.5), ZrUnits::GetLngString(-1.25)});
+        QCOMPARE(ZrPositionShown::Parts(51.5, -1.25), expected);
+        QCOMPARE(ZrPositionShown::Text(51.5, -1.25), expected.join(QStringLiteral("  ")));
+    }
+}
+
+void tst_ZrPositionShown::grid_data()
+{
+    QTest::addColumn<double>("lat");
+    QTest::addColumn<double>("lng");
+    QTest::addColumn<QString>("zone");
+    QTest::newRow("north") << 51.5 << -1.25 << "30 N";
+    QTest::newRow("south") << -33.9 << 151.2 << "56 S";
+    QTest::newRow("equator") << 0.0 << 3.0 << "31 N";
+    QTest::newRow("edge west") << 10.0 << 6.0 << "32 N";
+    QTest::newRow("edge east") << 10.0 << 5.999999 << "31 N";
+    QTest::newRow("first") << 10.0 << -180.0 << "1 N";
+    QTest::newRow("last") << 10.0 << 179.999 << "60 N";
+    QTest::newRow("date line") << 10.0 << 180.0 << "1 N";
+    QTest::newRow("around") << 10.0 << 361.0 << "31 N";
+}
+
+void tst_ZrPositionShown::grid()
+{
+    QFETCH(double, lat);
+    QFETCH(double, lng);
+    QFETCH(QString, zone);
+    const ZrUnitsState state;
+    ZrUnits::SetGeoStyle(eGeoUTM);
+    ZrUnits::CalcUTM(51.5, -1.25);
+    const double before = ZrUnits::utm.lngOrigin;
+    const QStringList parts = ZrPositionShown::Parts(lat, lng);
+    QCOMPARE(parts.size(), 3);
+    QCOMPARE(parts[0], zone);
+    QCOMPARE(ZrUnits::utm.lngOrigin, before);
+    QString east;
+    QString north;
+    ZrUnits::GetENStrings(
+        lat, std::remainder(lng, 360.0) == 180.0 ? -180.0 : std::remainder(lng, 360.0), east, north);
+    QCOMPARE(parts[1], east);
+    QCOMPARE(parts[2], north);
+}
+
+void tst_ZrPositionShown::notFinite()
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    for (const double wrong : {nan, inf, -inf}) {
+        QVERIFY(ZrPositionShown::Parts(wrong, 1.0).isEmpty());
+        QVERIFY(ZrPositionShown::Parts(1.0, wrong).isEmpty());
+        QCOMPARE(ZrPositionShown::Text(wrong, wrong), QString());
+    }
+}
+
+QTEST_APPLESS_MAIN(tst_ZrPositionShown)
+#include "tst_ZrPositionShown.moc"
