@@ -20,9 +20,10 @@ class QPointF;
 ///
 /// There are at most `m_vertexLimit` vertices and 5 draw calls in a frame: one for the casing, one for the
 /// line, and with a cursor one for its other part and two for the pieces on both sides of it. Where the
-/// driver has no lines as wide as wanted each of them is drawn several times side by side, for 3 pixels of
-/// lines of one pixel 5 times. A new position costs 32 bytes of upload; a frame of the same view and track
-/// none. Seen from another place the vertices are chosen again when the view leaves those there are.
+/// driver has no lines as wide as wanted each of them is drawn several times side by side, vertices and all:
+/// 3 pixels of lines of one pixel 5 times. A new position costs 32 bytes of upload; a frame of the same view
+/// and track none. Seen from another place the vertices are chosen again when the view leaves those there
+/// are.
 ///
 /// A colour that is not opaque is blended, and denser where the track crosses itself.
 class ZR_KIT_EXPORT ZrTrackLayer : public ZrMapLayer
@@ -31,8 +32,7 @@ public:
     ZrTrackLod m_track;
     QColor m_colour; ///< up to the cursor; while it is not valid, as at first, the theme's `track`
     QColor m_futureColour; ///< behind the cursor, where the line is thinner too; not valid: a darker one
-    QColor
-        m_casing; ///< under the line, one design pixel on both sides; none while it is not valid, as at first
+    QColor m_casing; ///< under the line, a design pixel wider on both sides; not valid, as at first: none
     float m_width = 3.0F; ///< design pixels
     i64 m_cursor = -1; ///< index of a position; below 0 for none
     int m_vertexLimit = 50000; ///< of a frame; at least 100 are used
