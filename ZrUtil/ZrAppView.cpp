@@ -17,6 +17,7 @@
 #include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
+#include <QResizeEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -211,6 +212,27 @@ void ZrAppView::Update()
         m_current->update();
 }
 
+void ZrAppView::Rescale()
+{
+    const QSize before = size();
+    if (!isFullScreen() && !isMaximized()) {
+        // Every widget of the application is polished at a change of its style sheet: once is enough.
+        m_holdsStyle = true;
+        resize(before / 2);
+        m_holdsStyle = false;
+        const bool wasResized = size() != before;
+        resize(before);
+        if (wasResized)
+            return;
+    }
+    // It is told that its size changed, and so is the page, whose size is the same; a hidden page is told
+    // when it is shown.
+    QResizeEvent event(before, before / 2);
+    QCoreApplication::sendEvent(this, &event);
+    if (m_current && m_current->size() == before)
+        QCoreApplication::sendEvent(m_current, &event);
+}
+
 void ZrAppView::set_vsync_multiplier(int n)
 {
     QSurfaceFormat format = QSurfaceFormat::defaultFormat();
@@ -360,7 +382,8 @@ void ZrAppView::resizeGL(int w, int h)
     m_titleHeight = ZrTheme::DpI(100);
     ZrTheme::SetAppSize(static_cast<float>(w), static_cast<float>(h));
     ZrTheme::SetStdStyle();
-    ApplyStyle();
+    if (!m_holdsStyle)
+        ApplyStyle();
     const double ratio = devicePixelRatioF();
     const int wide = qRound(w * ratio);
     const int high = qRound(h * ratio);

@@ -105,6 +105,12 @@ public:
     void ScreenMode(); ///< full screen and back
     void Update(); ///< repaints the view and the current page
 
+    /// Has theme and layout computed anew, after a change of `ZrTheme::designWidth` or `designHeight`: goes
+    /// to half of its size and back. A window whose size is not its own to change, full screen or maximised,
+    /// and one that cannot become smaller keep theirs; they and the current page get a resize event all the
+    /// same.
+    void Rescale();
+
     /// Frames for each tick of the display, in windows shown from now on; 0 does not wait for it.
     static void set_vsync_multiplier(int n);
 
@@ -179,5 +185,6 @@ private:
     int m_pressX = 0;
     int m_pressY = 0;
     bool m_isClosed = false;
+    bool m_holdsStyle = false; ///< the size of the moment does not last
     bool m_hasContext = false;
 };

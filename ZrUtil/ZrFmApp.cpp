@@ -9,11 +9,9 @@
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
-#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QResizeEvent>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -150,21 +148,8 @@ void ZrFmApp::SetScale(int width, int height, int scale)
     ZrTheme::designHeight = height;
     m_scale = scale;
     ShowScale();
-    ZrAppView* view = ZrAppView::s_pApp;
-    if (!view)
-        return;
-    // A change of size makes the view compute theme and layout anew.
-    const QSize size = view->size();
-    if (!view->isFullScreen() && !view->isMaximized()) {
-        view->resize(size / 2);
-        const bool wasResized = view->size() != size;
-        view->resize(size);
-        if (wasResized)
-            return;
-    }
-    // A window whose size is not ours to change is told that it changed.
-    QResizeEvent event(size, size / 2);
-    QCoreApplication::sendEvent(view, &event);
+    if (ZrAppView::s_pApp)
+        ZrAppView::get().Rescale();
 }
 
 void ZrFmApp::ShowScale()

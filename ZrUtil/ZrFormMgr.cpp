@@ -116,7 +116,6 @@ void ZrFormMgr::resizeEvent(QResizeEvent* /*event*/)
     m_tabs = std::make_unique<QImage>(size(), QImage::Format_ARGB32);
     m_tabWidth = ZrTheme::DpI(80);
     m_tabHeight = ZrTheme::DpI(50);
-    m_tabFont = ZrTheme::fontSmall;
     grip = QRect(m_tabWidth, 0, width() - m_tabWidth, m_tabHeight);
     m_close->setGeometry(width() - ZrTheme::DpI(45), ZrTheme::DpI(5), ZrTheme::DpI(40), ZrTheme::DpI(40));
     BuildImg();
@@ -129,6 +128,9 @@ void ZrFormMgr::BuildImg()
     if (!m_tabs || m_tabs->isNull())
         return;
     m_tabs->fill(Qt::transparent);
+    // The captions of the form have the same size.
+    m_tabFont = ZrTheme::fontLarge;
+    m_tabFont.setBold(true);
     // Tabs that are not drawn are not hit either.
     for (ZrForm* form : qAsConst(m_forms))
         form->m_tab = QRect();
@@ -221,9 +223,10 @@ void ZrFormMgr::DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent)
     const double side = ZrTheme::DpI(42);
     QRectF icon(0, 0, side, side);
     icon.moveCenter(QRectF(tab).center());
-    if (!form.m_icon.isNull())
-        painter.drawImage(
-            icon, ZrTheme::ColourImg(form.m_icon, isCurrent ? ZrTheme::ctrlCol : ZrTheme::bodyCol));
+    if (form.m_icon.isNull())
+        return;
+    m_tabImg = ZrTheme::ColourImg(form.m_icon, isCurrent ? ZrTheme::ctrlCol : ZrTheme::bodyCol);
+    painter.drawImage(icon, m_tabImg);
 }
 
 void ZrFormMgr::DrawTop(QPainter& /*painter*/) { }
@@ -241,10 +244,7 @@ void ZrFormMgr::paintEvent(QPaintEvent* /*event*/)
     painter.drawImage(0, 0, *m_tabs);
     if (!m_form)
         return;
-    // The captions of the form below have the same size.
-    QFont font = ZrTheme::fontLarge;
-    font.setBold(true);
-    painter.setFont(font);
+    painter.setFont(m_tabFont);
     painter.setPen(ZrTheme::titleCol);
     const int margin = ZrTheme::DpI(20);
     const QRect title(

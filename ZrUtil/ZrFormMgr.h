@@ -60,6 +60,13 @@ public:
 
     void BuildImg(); ///< draws the tabs into their image
 
+    /// The panel and the tabs of a layout, drawn by `BuildImg`; `DrawLeft` also sets where each tab is. The
+    /// others draw nothing.
+    void DrawLeft(QPainter& painter);
+    void DrawTop(QPainter& painter);
+    void DrawRight(QPainter& painter);
+    void DrawBottom(QPainter& painter);
+
     /// "forms" of the settings: one object for each form, by its name.
     void settings(zr::ZrSetModule& module) override;
 
@@ -78,10 +85,6 @@ protected:
     void hideEvent(QHideEvent* event) override; ///< gives it back
 
 private:
-    void DrawLeft(QPainter& painter);
-    void DrawTop(QPainter& painter);
-    void DrawRight(QPainter& painter);
-    void DrawBottom(QPainter& painter);
     void DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent);
     QRect FormArea() const;
     QRect CloseArea() const; ///< where a tap closes
@@ -89,9 +92,9 @@ private:
     ZrBtn* m_close;
     std::unique_ptr<QImage> m_tabs;
     QImage m_closeImg;
-    QFont m_tabFont;
+    QFont m_tabFont; ///< of the name above the form
+    QImage m_tabImg; ///< the icon of a tab in its colour
     QPointer<QWidget> m_focusBefore;
     QPoint m_pressAt; ///< global
     bool m_mayClose = false; ///< a press began in the area of the close button and did not move
-    QImage m_tabImg;
 };

@@ -16,8 +16,32 @@
 #include <QApplication>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
+
+namespace {
+
+/// Where the forms begin, left and below of the close button, which a finger hits at any scale.
+int FormsEdge()
+{
+    return std::max(ZrTheme::DpI(80), std::max(ZrTheme::DpI(48), 44) + ZrTheme::DpI(16));
+}
+
+/// Counts how often a widget is given another style.
+class StyleCounter : public QObject
+{
+public:
+    int m_count = 0;
+
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        m_count += event->type() == QEvent::StyleChange ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
 
 class tst_SettingsInView : public QObject
 {
@@ -29,6 +53,9 @@ private Q_SLOTS:
     void scales_data();
     void scales();
     void scaleOfThePressedButtonStays();
+    void styleChangesOnce();
+    void pagesFollow_data();
+    void pagesFollow();
     void unitsInOpenInputs();
     void unitsWhileTyping();
     void tabs();
@@ -116,7 +143,7 @@ void tst_SettingsInView::scales()
     QVERIFY(std::abs(double(ZrTheme::dp) - dp) < 1e-6);
     QCOMPARE(m_view->size(), QSize(1280, 800));
     QCOMPARE(ZrTheme::font.pixelSize(), ZrTheme::DpI(18));
-    QCOMPARE(m_view->forms().pos(), QPoint(ZrTheme::DpI(80), ZrTheme::DpI(80)));
+    QCOMPARE(m_view->forms().pos(), QPoint(FormsEdge(), FormsEdge()));
     QVERIFY(m_view->rect().contains(m_view->forms().geometry()));
     QCOMPARE(m_view->forms().m_tabWidth, ZrTheme::DpI(80));
     QCOMPARE(m_app->x(), ZrTheme::DpI(80) + ZrTheme::DpI(20));
@@ -142,6 +169,73 @@ void tst_SettingsInView::scaleOfThePressedButtonStays()
     }
     QCOMPARE(ZrTheme::dp, 1.0F);
     QCOMPARE(m_view->size(), QSize(1280, 800));
+}
+
+/// A change of the style sheet costs every widget: the size between the two is none that lasts.
+void tst_SettingsInView::styleChangesOnce()
+{
+    StyleCounter counter;
+    m_page->installEventFilter(&counter);
+    // Qt tells a widget of one change as often as it lies deep.
+    qApp->setStyleSheet(qApp->styleSheet() + QLatin1Char(' '));
+    const int once = counter.m_count;
+    QVERIFY(once > 0);
+    for (const char* text : {"+2", "-1"}) {
+        counter.m_count = 0;
+        QTest::mouseClick(&Scale(QLatin1String(text)), Qt::LeftButton);
+        QCOMPARE(counter.m_count, once);
+        QCOMPARE(qApp->styleSheet(), ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css")));
+        QCOMPARE(QApplication::font(), ZrTheme::bodyFont);
+    }
+    // A resize of its own changes it again.
+    counter.m_count = 0;
+    m_view->resize(1000, 700);
+    QCOMPARE(counter.m_count, once);
+    QCOMPARE(qApp->styleSheet(), ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css")));
+}
+
+void tst_SettingsInView::pagesFollow_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("isFullScreen");
+    QTest::newRow("a window") << QSize(1280, 800) << false;
+    QTest::newRow("that cannot become smaller") << QSize(900, 600) << false;
+    QTest::newRow("full screen") << QSize(1280, 800) << true;
+}
+
+/// Pages place their widgets as they are resized: also where the size stays.
+void tst_SettingsInView::pagesFollow()
+{
+    QFETCH(QSize, size);
+    QFETCH(bool, isFullScreen);
+
+    class Page : public ZrPage
+    {
+    public:
+        using ZrPage::ZrPage;
+
+        int m_unit = 0;
+
+    protected:
+        void resizeEvent(QResizeEvent* /*event*/) override { m_unit = ZrTheme::DpI(100); }
+    };
+
+    auto* page = new Page(m_view.get());
+    auto* hidden = new Page(m_view.get());
+    m_view->AddPage(QStringLiteral("A"), page, false);
+    m_view->AddPage(QStringLiteral("B"), hidden, false);
+    m_view->SetPageTo(QStringLiteral("A"), false);
+    m_view->resize(size);
+    if (isFullScreen)
+        m_view->showFullScreen();
+    Settle();
+    for (const char* text : {"+2", "-2", "Default"}) {
+        QTest::mouseClick(&Scale(QLatin1String(text)), Qt::LeftButton);
+        QCOMPARE(page->m_unit, ZrTheme::DpI(100));
+    }
+    QCOMPARE(m_view->isFullScreen(), isFullScreen);
+    m_view->SetPageTo(QStringLiteral("B"), false);
+    QCOMPARE(hidden->m_unit, ZrTheme::DpI(100));
 }
 
 void tst_SettingsInView::unitsInOpenInputs()
@@ -210,7 +304,7 @@ void tst_SettingsInView::settingsBeforeTheWindow()
     QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
     Settle();
     QCOMPARE(ZrTheme::dp, float(1280.0 / 1920.0));
-    QCOMPARE(m_view->forms().x(), ZrTheme::DpI(80));
+    QCOMPARE(m_view->forms().x(), FormsEdge());
 }
 
 GL_TEST_MAIN(tst_SettingsInView)

@@ -22,6 +22,10 @@ private Q_SLOTS:
 
     void works();
 
+    void fadeAndLight_data() { Apis(); }
+
+    void fadeAndLight();
+
     void survivesBrokenScales_data() { Apis(); }
 
     void survivesBrokenScales();
@@ -73,6 +77,43 @@ void tst_ZrAppBack::works()
     context.Clear(Qt::black);
     back.Render();
     QCOMPARE(context.Read().pixelColor(100, 100), QColor(Qt::black));
+}
+
+/// The fade covers everything, darker towards the corners; the light lies along the lower edge.
+void tst_ZrAppBack::fadeAndLight()
+{
+    QFETCH(gl::Api, api);
+    gl::Context context(api, QSize(800, 500));
+    QVERIFY2(context.Error().isEmpty(), qPrintable(context.Error()));
+    ZrAppBack back;
+    back.OnCreate();
+    back.OnResize(800, 500);
+    back.m_hexTex = 0;
+    const GLuint light = back.m_lightTex;
+    back.m_lightTex = 0;
+    context.Clear(Qt::white);
+    back.Render();
+    const QImage fade = context.Read();
+    QVERIFY(fade.pixelColor(400, 250).red() > 240);
+    for (const QPoint& corner : {QPoint(2, 2), QPoint(797, 2), QPoint(2, 497), QPoint(797, 497)}) {
+        const int red = fade.pixelColor(corner).red();
+        QVERIFY2(red < 60, qPrintable(QString::number(red)));
+    }
+
+    back.m_fadeTex = 0;
+    back.m_lightTex = light;
+    context.Clear(Qt::black);
+    back.Render();
+    const QImage lit = context.Read();
+    // 217 design pixels high, and nothing above.
+    for (int x = 0; x < 800; x += 7) {
+        for (int y = 0; y < 500 - 217; y += 7)
+            QCOMPARE(lit.pixelColor(x, y), QColor(Qt::black));
+    }
+    QVERIFY(lit.pixelColor(400, 495).red() > 16);
+    QVERIFY(lit.pixelColor(200, 495).red() > 8);
+    QVERIFY(lit.pixelColor(600, 495).red() > 8);
+    QCOMPARE(context.TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
 /// A scale that is infinite, nothing or no number must not tile for ever.

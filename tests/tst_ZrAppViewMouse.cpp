@@ -19,8 +19,12 @@ private Q_SLOTS:
     void noDragBelowTheBand();
     void noDragByTheRightButton();
     void noDragWhileMaximised();
+    void noDragWhileMinimised();
+    void dragWhileFullScreen();
     void dragFollowsTheGlobalPosition();
     void releaseEndsTheDrag();
+    void releaseElsewhereEndsNothing_data();
+    void releaseElsewhereEndsNothing();
     void dragFromAPage();
 };
 
@@ -138,6 +142,31 @@ void tst_ZrAppViewMouse::noDragWhileMaximised()
     QCOMPARE(m_view->pos(), before);
 }
 
+void tst_ZrAppViewMouse::noDragWhileMinimised()
+{
+    m_view->show();
+    m_view->move(100, 50);
+    Settle();
+    m_view->setWindowState(Qt::WindowMinimized);
+    QVERIFY(m_view->isMinimized());
+    SendPress(*m_view, QPoint(300, 20));
+    m_view->setWindowState(Qt::WindowNoState);
+    m_view->move(100, 50);
+    SendMove(*m_view, QPoint(330, 45));
+    QCOMPARE(m_view->pos(), QPoint(100, 50));
+}
+
+/// A full screen is neither maximised nor minimised.
+void tst_ZrAppViewMouse::dragWhileFullScreen()
+{
+    m_view->showFullScreen();
+    Settle();
+    const QPoint before = m_view->pos();
+    SendPress(*m_view, QPoint(300, 20));
+    SendMove(*m_view, QPoint(330, 45));
+    QCOMPARE(m_view->pos(), before + QPoint(30, 25));
+}
+
 void tst_ZrAppViewMouse::dragFollowsTheGlobalPosition()
 {
     m_view->show();
@@ -158,6 +187,30 @@ void tst_ZrAppViewMouse::releaseEndsTheDrag()
     SendRelease(*m_view, QPoint(300, 20));
     SendMove(*m_view, QPoint(330, 45));
     QCOMPARE(m_view->pos(), QPoint(100, 50));
+}
+
+void tst_ZrAppViewMouse::releaseElsewhereEndsNothing_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<int>("button");
+    QTest::newRow("below the band") << 200 << int(Qt::LeftButton);
+    QTest::newRow("another button") << 20 << int(Qt::RightButton);
+}
+
+void tst_ZrAppViewMouse::releaseElsewhereEndsNothing()
+{
+    QFETCH(int, y);
+    QFETCH(int, button);
+    m_view->show();
+    m_view->move(100, 50);
+    Settle();
+    SendPress(*m_view, QPoint(300, 20));
+    const QPointF at(300, y);
+    QMouseEvent release(
+        QEvent::MouseButtonRelease, at, at, at, Qt::MouseButton(button), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view.get(), &release);
+    SendMove(*m_view, QPoint(330, 45));
+    QCOMPARE(m_view->pos(), QPoint(130, 75));
 }
 
 void tst_ZrAppViewMouse::dragFromAPage()

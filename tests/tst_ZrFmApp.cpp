@@ -1,19 +1,12 @@
 // The settings form of the application: units, style of positions, display scale, tablet mode.
 
-#include "ZrUiChecks.h"
-#include "ZrUnitsState.h"
-#include "ZrUtil/ZrAppView.h"
-#include "ZrUtil/ZrBtn.h"
+#include "ZrFmAppTest.h"
 #include "ZrUtil/ZrCheck.h"
-#include "ZrUtil/ZrFmApp.h"
-#include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrInput.h"
-#include "ZrUtil/ZrRadio.h"
+#include "ZrUtil/ZrPage.h"
 #include "ZrUtil/ZrSetApp.h"
 
 #include <QtTest>
-
-#include <memory>
 
 static_assert(std::is_base_of_v<ZrForm, ZrFmApp>);
 
@@ -35,13 +28,15 @@ public:
 
 } // namespace
 
-class tst_ZrFmApp : public QObject
+class tst_ZrFmApp : public ZrFmAppTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+
+    void init() { Make(); }
+
+    void cleanup() { Drop(); }
 
     void asMade();
     void labels();
@@ -52,6 +47,7 @@ private Q_SLOTS:
     void stylesByPress();
     void unknownStyles();
     void unitsWhileInputsAreOpen();
+    void viewFollows();
     void listsShowWhatIsInForce();
     void paintingEnds();
     void scales_data();
@@ -65,83 +61,7 @@ private Q_SLOTS:
     void scaleLoaded_data();
     void scaleLoaded();
     void storingAppliesNothing();
-    void captions();
-    void helpFits_data();
-    void helpFits();
-    void controlsStayInTheForm_data();
-    void controlsStayInTheForm();
-    void targets_data();
-    void targets();
-    void controlsStandBesideTheirTexts();
-
-private:
-    ZrRadio& Radio(const QString& name);
-    ZrBtn& Scale(const QString& text);
-    void MakeView();
-    void Show(int width, int height);
-
-    std::unique_ptr<ZrThemeState> m_theme;
-    std::unique_ptr<ZrUnitsState> m_units;
-    std::unique_ptr<ZrAppView> m_view;
-    std::unique_ptr<QWidget> m_window;
-    ZrFormMgr* m_mgr = nullptr;
-    ZrFmApp* m_form = nullptr;
 };
-
-void tst_ZrFmApp::init()
-{
-    m_theme = std::make_unique<ZrThemeState>();
-    m_units = std::make_unique<ZrUnitsState>();
-    ZrTheme::designWidth = 1440;
-    ZrTheme::designHeight = 900;
-    ZrTheme::tabletMode = false;
-    ZrUnits::SetToMetric();
-    ZrUnits::SetGeoStyle(eGeoDeg);
-    m_window = std::make_unique<QWidget>();
-    m_window->resize(900, 800);
-    m_mgr = new ZrFormMgr(m_window.get());
-    m_form = new ZrFmApp(m_mgr);
-    m_mgr->AddNewForm(m_form);
-}
-
-void tst_ZrFmApp::cleanup()
-{
-    m_window.reset();
-    m_view.reset();
-    m_units.reset();
-    m_theme.reset();
-}
-
-ZrRadio& tst_ZrFmApp::Radio(const QString& name)
-{
-    for (ZrRadio* radio : m_form->findChildren<ZrRadio*>()) {
-        if (radio->accessibleName() == name)
-            return *radio;
-    }
-    qFatal("no such list");
-}
-
-ZrBtn& tst_ZrFmApp::Scale(const QString& text)
-{
-    for (ZrBtn* btn : m_form->findChildren<ZrBtn*>()) {
-        if (btn->text == text)
-            return *btn;
-    }
-    qFatal("no such button");
-}
-
-void tst_ZrFmApp::MakeView()
-{
-    m_view = std::make_unique<ZrAppView>(
-        nullptr, std::chrono::milliseconds(10000), ZrAppView::updateTimer, std::chrono::milliseconds(0));
-}
-
-void tst_ZrFmApp::Show(int width, int height)
-{
-    m_mgr->setGeometry(10, 10, width, height);
-    m_window->show();
-    Settle();
-}
 
 void tst_ZrFmApp::asMade()
 {
@@ -250,6 +170,28 @@ void tst_ZrFmApp::unitsWhileInputsAreOpen()
     QCOMPARE(depth.QLineEdit::text(), metres);
     QCOMPARE(lat.QLineEdit::text(), degrees);
     QCOMPARE(depth.value, 100.0);
+}
+
+/// The view and its page are painted anew, with what is in force.
+void tst_ZrFmApp::viewFollows()
+{
+    MakeView();
+    auto* page = new ZrPage(m_view.get());
+    m_view->AddPage(QStringLiteral("Home"), page, true);
+    m_view->show();
+    ZrPaintCounter paints(*page);
+    paints.Take();
+    QCOMPARE(paints.Take(), 0);
+    m_form->OnUom(1);
+    QVERIFY(paints.Take() > 0);
+    m_form->OnUom(0);
+    QVERIFY(paints.Take() > 0);
+    for (const int index : {0, 1, 2, 3}) {
+        m_form->OnCs(index);
+        QVERIFY(paints.Take() > 0);
+    }
+    m_form->OnCs(4);
+    QCOMPARE(paints.Take(), 0);
 }
 
 void tst_ZrFmApp::listsShowWhatIsInForce()
@@ -454,142 +396,6 @@ void tst_ZrFmApp::storingAppliesNothing()
     stored.synchronise(*m_form);
     QCOMPARE(ZrTheme::designWidth, 1234);
     QVERIFY(log.m_sizes.isEmpty());
-}
-
-void tst_ZrFmApp::captions()
-{
-    // A page as large as it takes: every text and control is there, and a line below each.
-    Show(850, 760);
-    const QImage image = Painted(*m_form);
-    int lines = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        const QRgb first = image.pixel(0, y);
-        bool isLine = first != image.pixel(0, image.height() - 1);
-        for (int x = 0; x < image.width() && isLine; ++x)
-            isLine = image.pixel(x, y) == first;
-        lines += isLine ? 1 : 0;
-    }
-    QCOMPARE(lines, 4);
-}
-
-void tst_ZrFmApp::helpFits_data()
-{
-    QTest::addColumn<double>("dp");
-    for (const QSize& window : {QSize(900, 600), QSize(1280, 800), QSize(1920, 1080), QSize(2560, 1440)}) {
-        for (const QSize& design :
-            {QSize(1024, 640), QSize(1280, 800), QSize(1440, 900), QSize(1680, 1050), QSize(1920, 1200)})
-            QTest::newRow(qPrintable(QStringLiteral("%1 for %2").arg(window.width()).arg(design.width())))
-                << std::min(
-                       double(window.width()) / design.width(), double(window.height()) / design.height());
-    }
-}
-
-/// No help text is cut: neither by its box nor by the control beside it.
-void tst_ZrFmApp::helpFits()
-{
-    QFETCH(double, dp);
-    const ZrThemeState theme(dp);
-    // As wide as the view makes it, less tabs and margins.
-    const int width = ZrTheme::DpI(600) + ZrTheme::DpI(250) - ZrTheme::DpI(80) - 2 * ZrTheme::DpI(20);
-    const QRect box(0, 0, width - ZrTheme::DpI(200), ZrTheme::DpI(50));
-    for (const char* help : {"Setting for units of measurement such as length, temperature and distance",
-             "Setting for desired coordinate system format for WGS84 latitude and longitude",
-             "Choose the display scale to have the text and controls the preferred size for your deployment.",
-             "In Tablet Mode edit controls always bring up an onscreen keyboard."}) {
-        const QRect needed
-            = QFontMetrics(ZrTheme::bodyFont).boundingRect(box, Qt::TextWordWrap, QLatin1String(help));
-        QVERIFY2(box.contains(needed), help);
-    }
-}
-
-void tst_ZrFmApp::controlsStayInTheForm_data()
-{
-    QTest::addColumn<double>("dp");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("1440 x 900") << 1.0 << QSize(850, 800);
-    QTest::newRow("1024 x 640") << 1.0 << QSize(850, 540);
-    QTest::newRow("1440 x 900, +2") << 1.40625 << QSize(1195, 759);
-    QTest::newRow("1440 x 900, -2") << 0.75 << QSize(638, 825);
-    QTest::newRow("900 x 600") << 0.625 << QSize(531, 537);
-    QTest::newRow("900 x 600, +2") << 0.879 << QSize(747, 512);
-}
-
-void tst_ZrFmApp::controlsStayInTheForm()
-{
-    QFETCH(double, dp);
-    QFETCH(QSize, size);
-    const ZrThemeState theme(dp);
-    m_window->resize(1400, 900);
-    Show(size.width(), size.height());
-    const auto wheel = [this](int turn) {
-        QWheelEvent event(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, turn), Qt::NoButton,
-            Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(m_form, &event);
-    };
-    // Every control comes into view, by the wheel at the latest.
-    wheel(120000);
-    QVERIFY(m_form->rect().contains(Radio(QStringLiteral("Units of Measurement")).geometry()));
-    QVERIFY(m_form->rect().contains(Radio(QStringLiteral("Coordinate System")).geometry()));
-    wheel(-120000);
-    const int atEnd = m_form->findChild<ZrCheck*>()->y();
-    QVERIFY(m_form->rect().contains(m_form->findChild<ZrCheck*>()->geometry()));
-    for (const ZrBtn* btn : m_form->findChildren<ZrBtn*>())
-        QVERIFY(m_form->rect().contains(btn->geometry()));
-    wheel(120000);
-    QCOMPARE(Radio(QStringLiteral("Units of Measurement")).y(), ZrTheme::DpI(8));
-
-    // Likewise by a finger on the background.
-    const int before = m_form->findChild<ZrCheck*>()->y();
-    SendPress(*m_form, QPoint(10, 300));
-    QMouseEvent move(QEvent::MouseMove, QPointF(10, 290), QPointF(10, 290),
-        QPointF(m_form->mapToGlobal(QPoint(10, 290))), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(m_form, &move);
-    QCOMPARE(m_form->findChild<ZrCheck*>()->y(), before - std::min(10, before - atEnd));
-    QCOMPARE(before - atEnd > 10, size.height() < 760 && dp > 0.8);
-}
-
-void tst_ZrFmApp::targets_data()
-{
-    controlsStayInTheForm_data();
-}
-
-void tst_ZrFmApp::targets()
-{
-    QFETCH(double, dp);
-    QFETCH(QSize, size);
-    const ZrThemeState theme(dp);
-    m_window->resize(1400, 900);
-    Show(size.width(), size.height());
-    for (const QString& name :
-        {QStringLiteral("Units of Measurement"), QStringLiteral("Coordinate System")}) {
-        ZrRadio& radio = Radio(name);
-        QVERIFY(radio.itemHeight >= 44);
-        QVERIFY(radio.height() >= radio.sizeHint().height());
-        const QFontMetrics metrics(ZrTheme::font);
-        for (const QString& item : radio.items)
-            QVERIFY(radio.width() >= metrics.horizontalAdvance(item) + metrics.height() + ZrTheme::DpI(28));
-    }
-    for (const ZrBtn* btn : m_form->findChildren<ZrBtn*>())
-        QVERIFY(btn->width() >= 44 && btn->height() >= 44);
-    QVERIFY(m_form->findChild<ZrCheck*>()->height() >= 44);
-    QVERIFY(m_form->findChild<ZrCheck*>()->width() >= m_form->findChild<ZrCheck*>()->sizeHint().width());
-}
-
-void tst_ZrFmApp::controlsStandBesideTheirTexts()
-{
-    Show(850, 760);
-    const ZrRadio& uom = Radio(QStringLiteral("Units of Measurement"));
-    const ZrRadio& cs = Radio(QStringLiteral("Coordinate System"));
-    const auto* tablet = m_form->findChild<ZrCheck*>();
-    QVERIFY(uom.x() >= m_form->width() - 200);
-    QCOMPARE(cs.x(), uom.x());
-    QCOMPARE(tablet->x(), uom.x());
-    QCOMPARE(cs.width(), uom.width());
-    QVERIFY(cs.y() > uom.geometry().bottom());
-    QVERIFY(Scale(QStringLiteral("+2")).y() > cs.geometry().bottom());
-    QVERIFY(tablet->y() > Scale(QStringLiteral("+2")).geometry().bottom());
-    QCOMPARE(Scale(QStringLiteral("-2")).y(), Scale(QStringLiteral("+2")).y());
-    QVERIFY(Scale(QStringLiteral("+1")).x() > Scale(QStringLiteral("+2")).geometry().right());
 }
 
 QTEST_MAIN(tst_ZrFmApp)

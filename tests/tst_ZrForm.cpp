@@ -1,118 +1,18 @@
 // The base of the settings forms: what it starts with, and the texts that it paints.
 
 #include "ZrFormPage.h"
+#include "ZrTextSheet.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrSetApp.h"
 
-#include <QPaintEngine>
 #include <QtTest>
 
 #include <memory>
 
 static_assert(std::is_base_of_v<QWidget, ZrForm>);
 static_assert(std::is_base_of_v<zr::IPersistable, ZrForm>);
-
-namespace {
-
-/// Notes the texts and lines painted on it.
-class Recorder : public QPaintEngine
-{
-public:
-    struct Text
-    {
-        QPointF at; ///< on the baseline
-        QString text;
-        int pixelSize;
-        QColor colour;
-    };
-
-    QVector<Text> m_texts;
-    QVector<QLineF> m_lines;
-    QVector<QColor> m_lineColours;
-
-    Recorder()
-        : QPaintEngine(AllFeatures)
-    {
-    }
-
-    bool begin(QPaintDevice* /*device*/) override { return true; }
-
-    bool end() override { return true; }
-
-    void updateState(const QPaintEngineState& changed) override
-    {
-        if (changed.state() & DirtyPen)
-            m_pen = changed.pen();
-    }
-
-    Type type() const override { return User; }
-
-    void drawPixmap(const QRectF& /*r*/, const QPixmap& /*pm*/, const QRectF& /*sr*/) override { }
-
-    void drawTextItem(const QPointF& p, const QTextItem& item) override
-    {
-        m_texts.append({p, item.text(), item.font().pixelSize(), m_pen.color()});
-    }
-
-    void drawLines(const QLineF* lines, int count) override
-    {
-        for (int i = 0; i < count; ++i) {
-            m_lines.append(lines[i]);
-            m_lineColours.append(m_pen.color());
-        }
-    }
-
-    void drawLines(const QLine* lines, int count) override
-    {
-        for (int i = 0; i < count; ++i) {
-            const QLineF line(lines[i]);
-            drawLines(&line, 1);
-        }
-    }
-
-private:
-    QPen m_pen;
-};
-
-class Sheet : public QPaintDevice
-{
-public:
-    mutable Recorder m_recorder;
-
-    QPaintEngine* paintEngine() const override { return &m_recorder; }
-
-protected:
-    int metric(PaintDeviceMetric metric) const override
-    {
-        switch (metric) {
-        case PdmWidth:
-        case PdmHeight:
-            return 1000;
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY:
-            return 96;
-        case PdmWidthMM:
-        case PdmHeightMM:
-            return 265;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return int(devicePixelRatioFScale());
-        case PdmDepth:
-            return 32;
-        case PdmNumColors:
-            return 1 << 24;
-        default:
-            return QPaintDevice::metric(metric);
-        }
-    }
-};
-
-} // namespace
 
 class tst_ZrForm : public QObject
 {
@@ -209,7 +109,7 @@ void tst_ZrForm::texts()
     const ZrThemeState theme(dp);
     ZrForm form(nullptr);
     form.resize(800, 400);
-    Sheet sheet;
+    ZrTextSheet sheet;
     QPainter p(&sheet);
     int y = 10;
     if (isTab)
@@ -219,7 +119,7 @@ void tst_ZrForm::texts()
     p.end();
     QTEST(y, "line");
 
-    const Recorder& seen = sheet.m_recorder;
+    const ZrTextRecorder& seen = sheet.m_recorder;
     QCOMPARE(seen.m_texts.size(), 2);
     QCOMPARE(seen.m_texts[0].text, QStringLiteral("Title"));
     QCOMPARE(seen.m_texts[0].at.x(), 0.0);
@@ -243,7 +143,7 @@ void tst_ZrForm::textsAddUp()
     const ZrThemeState theme;
     ZrForm form(nullptr);
     form.resize(800, 400);
-    Sheet sheet;
+    ZrTextSheet sheet;
     QPainter p(&sheet);
     int y = 0;
     form.TextCtrl(p, QStringLiteral("A"), QStringLiteral("a"), y, 0);
@@ -259,7 +159,7 @@ void tst_ZrForm::helpWraps()
     const QString help
         = QStringLiteral("several words that do not find room in one line of three hundred pixels");
     for (const bool isTab : {false, true}) {
-        Sheet sheet;
+        ZrTextSheet sheet;
         QPainter p(&sheet);
         int y = 0;
         if (isTab)
@@ -270,7 +170,7 @@ void tst_ZrForm::helpWraps()
         QVERIFY(sheet.m_recorder.m_texts.size() > 2);
         double widest = 0;
         for (int i = 1; i < sheet.m_recorder.m_texts.size(); ++i) {
-            const Recorder::Text& line = sheet.m_recorder.m_texts[i];
+            const ZrTextRecorder::Text& line = sheet.m_recorder.m_texts[i];
             widest = std::max(widest,
                 line.at.x() + QFontMetricsF(ZrTheme::bodyFont).horizontalAdvance(line.text.trimmed()));
         }

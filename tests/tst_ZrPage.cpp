@@ -5,6 +5,9 @@
 #include "ZrUtil/ZrPage.h"
 #include "ZrUtil/ZrSetApp.h"
 
+#include <QProcess>
+#include <QResource>
+#include <QTemporaryDir>
 #include <QtTest>
 
 static_assert(std::is_base_of_v<QWidget, ZrPage>);
@@ -16,6 +19,7 @@ class tst_ZrPage : public QObject
 
 private Q_SLOTS:
     void asMade();
+    void cornersOfTheApplication();
     void viewIsTheParent();
     void defaultsDoNothing();
     void blank();
@@ -35,6 +39,37 @@ void tst_ZrPage::asMade()
     QVERIFY(page.m_topRight.isNull());
     QVERIFY(page.m_bottomLeft.isNull());
     QVERIFY(page.m_bottomRight.isNull());
+}
+
+/// Images of these names, among the resources of the application, become the corners.
+void tst_ZrPage::cornersOfTheApplication()
+{
+    const QTemporaryDir dir;
+    QFile list(dir.filePath(QStringLiteral("corners.qrc")));
+    QVERIFY(list.open(QIODevice::WriteOnly));
+    list.write("<RCC><qresource prefix=\"/\">");
+    int side = 1;
+    for (const char* name : {"top_left", "top_right", "bottom_left", "bottom_right"}) {
+        const QByteArray file = QByteArray("blank_") + name + ".png";
+        QImage corner(side, 10 * side, QImage::Format_ARGB32);
+        corner.fill(Qt::red);
+        QVERIFY(corner.save(dir.filePath(QString::fromLatin1(file))));
+        list.write("<file>" + file + "</file>");
+        ++side;
+    }
+    list.write("</qresource></RCC>");
+    list.close();
+    const QString compiled = dir.filePath(QStringLiteral("corners.rcc"));
+    QCOMPARE(QProcess::execute(QStringLiteral(ZR_RCC),
+                 {QStringLiteral("--binary"), list.fileName(), QStringLiteral("-o"), compiled}),
+        0);
+    QVERIFY(QResource::registerResource(compiled));
+    const ZrPage page(nullptr);
+    QVERIFY(QResource::unregisterResource(compiled));
+    QCOMPARE(page.m_topLeft.size(), QSize(1, 10));
+    QCOMPARE(page.m_topRight.size(), QSize(2, 20));
+    QCOMPARE(page.m_bottomLeft.size(), QSize(3, 30));
+    QCOMPARE(page.m_bottomRight.size(), QSize(4, 40));
 }
 
 void tst_ZrPage::viewIsTheParent()
