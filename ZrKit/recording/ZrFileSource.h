@@ -24,6 +24,8 @@ public:
     bool Start(QString* error) override;
     QString Name() const override;
 
+    u64 Dropped() const override { return m_lines.Dropped(); }
+
 private:
     void OnDue();
     bool NextLine();

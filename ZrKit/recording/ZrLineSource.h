@@ -2,11 +2,14 @@
 
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/recording/ZrLineSplitter.h"
+#include "ZrUtil/ZrRecType.h"
 
 #include <QObject>
 #include <QString>
 
-/// Where a recorder gets its lines from: standard input, a network port, a file that is replayed.
+/// Where a recorder gets its data from: standard input, a port, a file that is replayed, a simulation.
+///
+/// Most give lines. Those that know more than lines can say give records instead.
 ///
 /// A source lives on a thread with an event loop and emits its signals there. After `Start` it delivers lines
 /// until it emits `Finished` or is destroyed. A source that loses its connection says so by `Trouble` and
@@ -26,11 +29,13 @@ public:
     virtual QString Name() const = 0;
 
     /// Lines that were too long and had to be dropped.
-    u64 Dropped() const { return m_splitter.Dropped(); }
+    virtual u64 Dropped() const { return m_splitter.Dropped(); }
 
 Q_SIGNALS:
     /// One line without its end.
     void Line(const QByteArray& line);
+    /// One record whose time, seconds since the epoch, the source knows itself. \p payload is not compressed.
+    void Record(CRecType type, u16 format, double time, const QByteArray& payload);
     /// The source has come to its end and delivers nothing more.
     void Finished();
     /// Something a person should know; the source goes on.

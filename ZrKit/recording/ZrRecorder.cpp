@@ -1,8 +1,12 @@
 #include "ZrKit/recording/ZrRecorder.h"
 
+#include "ZrKit/recording/ZrLogName.h"
 #include "ZrKit/records/ZrKitTypes.h"
+#include "ZrUtil/ZrLogEvt.h"
 #include "ZrUtil/ZrLogItem.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QTimer>
 
 namespace {
@@ -17,6 +21,11 @@ constexpr int largestRecord = 1024 * 1024 * 1024;
 
 /// Weight of the newest second in the rates shown.
 constexpr double rateWeight = 0.3;
+
+double SecondsNow()
+{
+    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
+}
 
 double Smoothed(double shown, double measured)
 {
@@ -35,6 +44,10 @@ ZrRecorder::ZrRecorder(const Options& options, QObject* parent)
     connect(m_tick, &QTimer::timeout, this, &ZrRecorder::OnTick);
     if (!m_options.freeSpace)
         m_options.freeSpace = [this] { return m_logger.DiskSpace(); };
+    m_clock.start();
+    if (!m_options.clock)
+        m_options.clock = [this] { return static_cast<double>(m_clock.elapsed()) / 1000.0; };
+    m_head.SetPlan(m_options.plan);
 }
 
 ZrRecorder::~ZrRecorder()
@@ -53,20 +66,84 @@ bool ZrRecorder::Start(QString* error)
                          ZrLogger::SpaceStr(static_cast<u64>(m_options.stopBelow)));
         return false;
     }
-    m_logger.OpenLog();
-    if (!m_logger.IsActive()) {
+    const bool isSplit = m_options.splitBytes > 0 || m_options.splitSeconds > 0.0;
+    m_stem = ZrLogName::Stem(m_options.dir, m_options.prefix, QDateTime::currentDateTime());
+    m_status = Status();
+    m_status.part = isSplit ? 1 : 0;
+    m_status.freeBytes = freeBytes;
+    m_doneItems = m_doneBytes = 0;
+    m_started = m_options.clock();
+    if (!OpenPart()) {
         *error = QStringLiteral("Cannot create a log: %1").arg(m_logger.CurFile());
         return false;
     }
-    m_status = Status();
-    m_status.file = m_logger.CurFile();
-    m_status.freeBytes = freeBytes;
     m_lastTick = 0.0;
     m_lastBytes = m_lastItems = m_bytesAtCheck = 0;
     m_warned = false;
-    m_clock.start();
     m_tick->start();
     return true;
+}
+
+/// Creates the log of `Status::part` and writes its head.
+bool ZrRecorder::OpenPart()
+{
+    m_logger.OpenFile(m_options.dir + QDir::separator() + ZrLogName::Of(m_stem, m_status.part));
+    if (!m_logger.IsActive())
+        return false;
+    m_status.file = m_logger.CurFile();
+    m_partStarted = Elapsed();
+    if (m_options.writesHead) {
+        m_head.Write(SecondsNow(), [this](const ZrRecordHead::Record& record) {
+            LogRecord(record.type, record.format, record.time, record.payload);
+        });
+    }
+    m_partHead = m_logger.itemCount;
+    return true;
+}
+
+/// Goes on in a new part if one is due, or if \p bytes more would be too many. False when the recording had
+/// to end.
+bool ZrRecorder::MakeRoom(u64 bytes)
+{
+    // A part that holds nothing but its head would be followed by another one for ever.
+    if (m_status.part == 0 || m_logger.itemCount == m_partHead)
+        return true;
+    const bool isFull
+        = m_options.splitBytes > 0 && m_logger.bytesWritten + bytes > static_cast<u64>(m_options.splitBytes);
+    const bool isOld = m_options.splitSeconds > 0.0 && Elapsed() - m_partStarted >= m_options.splitSeconds;
+    if (!isFull && !isOld)
+        return true;
+    CheckDisk();
+    if (!IsRecording())
+        return false;
+    m_doneItems += m_logger.itemCount;
+    m_doneBytes += m_logger.bytesWritten;
+    m_logger.CloseLog();
+    ++m_status.part;
+    if (OpenPart())
+        return true;
+    --m_status.part;
+    m_tick->stop();
+    m_status.items = Items();
+    m_status.bytes = Bytes();
+    m_status.seconds = Elapsed();
+    Q_EMIT Failed(QStringLiteral("Recording stopped: cannot create %1").arg(m_logger.CurFile()));
+    return false;
+}
+
+double ZrRecorder::Elapsed() const
+{
+    return m_options.clock() - m_started;
+}
+
+u64 ZrRecorder::Items() const
+{
+    return m_doneItems + m_logger.itemCount;
+}
+
+u64 ZrRecorder::Bytes() const
+{
+    return m_doneBytes + m_logger.bytesWritten;
 }
 
 void ZrRecorder::Stop()
@@ -87,9 +164,9 @@ ZrRecorder::Status ZrRecorder::CurrentStatus() const
 {
     Status status = m_status;
     if (IsRecording()) {
-        status.items = m_logger.itemCount;
-        status.bytes = m_logger.bytesWritten;
-        status.seconds = static_cast<double>(m_clock.elapsed()) / 1000.0;
+        status.items = Items();
+        status.bytes = Bytes();
+        status.seconds = Elapsed();
         if (status.freeBytes >= 0 && status.bytesPerSecond > 0.0)
             status.secondsLeft
                 = static_cast<double>(status.freeBytes - m_options.stopBelow) / status.bytesPerSecond;
@@ -99,12 +176,15 @@ ZrRecorder::Status ZrRecorder::CurrentStatus() const
 
 void ZrRecorder::AddLine(const QByteArray& line)
 {
-    if (!IsRecording())
+    // What is decoded from a line stays in one part with it.
+    if (!IsRecording() || !MakeRoom(ZrLogItem::Size + static_cast<u64>(line.size()) + 1))
         return;
+    const double now = SecondsNow();
     ++m_status.lines;
     static const u8 endOfText = 0;
     m_logger.LogData(CRecType(rtSerialText), m_options.source, 0, false,
         {zr::bytes_of(line), zr::bytes_of(&endOfText, sizeof endOfText)});
+    Remember(CRecType(rtSerialText), 0, now, line + QByteArray(1, '\0'));
 
     ZrNmeaSentence sentence;
     QString error;
@@ -114,6 +194,7 @@ void ZrRecorder::AddLine(const QByteArray& line)
         for (const ZrDecodedRecord& record : m_decoder.Decode(sentence)) {
             m_logger.LogData(
                 record.type, m_options.source, record.format, false, {zr::bytes_of(record.payload)});
+            Remember(record.type, record.format, now, record.payload);
             if (record.type == zr::rec_type(krtFix))
                 ++m_status.fixes;
         }
@@ -123,8 +204,36 @@ void ZrRecorder::AddLine(const QByteArray& line)
 
 void ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteArray& payload)
 {
-    if (!IsRecording() || payload.size() >= largestRecord)
+    if (!IsRecording() || payload.size() >= largestRecord
+        || !MakeRoom(ZrLogItem::Size + static_cast<u64>(payload.size())))
         return;
+    LogRecord(type, format, time, payload);
+    Remember(type, format, time, payload);
+    if (type == zr::rec_type(krtFix))
+        ++m_status.fixes;
+    CheckAfterWriting();
+}
+
+void ZrRecorder::AddEvent(ZrLogEvt event)
+{
+    QByteArray bytes;
+    event.Save(bytes);
+    AddRecord(CRecType(rtEvent), 0, event.time, bytes);
+}
+
+void ZrRecorder::Remember(CRecType type, u16 format, double time, const QByteArray& payload)
+{
+    if (m_options.writesHead)
+        m_head.Keep(type, format, time, payload);
+}
+
+void ZrRecorder::Forget()
+{
+    m_head.Clear();
+}
+
+void ZrRecorder::LogRecord(CRecType type, u16 format, double time, const QByteArray& payload)
+{
     ZrLogItem item;
     item.type = type.type;
     item.sub = type.sub;
@@ -142,30 +251,27 @@ void ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteAr
         ++m_logger.itemCount;
         m_logger.bytesWritten += static_cast<u64>(bytes.size());
     }
-    if (type == zr::rec_type(krtFix))
-        ++m_status.fixes;
-    CheckAfterWriting();
 }
 
 void ZrRecorder::CheckAfterWriting()
 {
-    if (m_logger.WriteErrors() > 0 || m_logger.bytesWritten - m_bytesAtCheck >= bytesBetweenChecks)
+    if (m_logger.WriteErrors() > 0 || Bytes() - m_bytesAtCheck >= bytesBetweenChecks)
         CheckDisk();
 }
 
 void ZrRecorder::OnTick()
 {
-    const double now = static_cast<double>(m_clock.elapsed()) / 1000.0;
+    const double now = Elapsed();
     const double passed = now - m_lastTick;
     if (passed > 0.0) {
-        m_status.bytesPerSecond = Smoothed(
-            m_status.bytesPerSecond, static_cast<double>(m_logger.bytesWritten - m_lastBytes) / passed);
-        m_status.itemsPerSecond = Smoothed(
-            m_status.itemsPerSecond, static_cast<double>(m_logger.itemCount - m_lastItems) / passed);
+        m_status.bytesPerSecond
+            = Smoothed(m_status.bytesPerSecond, static_cast<double>(Bytes() - m_lastBytes) / passed);
+        m_status.itemsPerSecond
+            = Smoothed(m_status.itemsPerSecond, static_cast<double>(Items() - m_lastItems) / passed);
     }
     m_lastTick = now;
-    m_lastBytes = m_logger.bytesWritten;
-    m_lastItems = m_logger.itemCount;
+    m_lastBytes = Bytes();
+    m_lastItems = Items();
     CheckDisk();
     if (IsRecording())
         Q_EMIT StatusChanged();
@@ -173,7 +279,7 @@ void ZrRecorder::OnTick()
 
 void ZrRecorder::CheckDisk()
 {
-    m_bytesAtCheck = m_logger.bytesWritten;
+    m_bytesAtCheck = Bytes();
     if (m_logger.WriteErrors() > 0) {
         Fail(QStringLiteral("Recording stopped: the disk does not take any more data (%1)")
                  .arg(m_status.file));
@@ -195,6 +301,13 @@ void ZrRecorder::CheckDisk()
 
 void ZrRecorder::Fail(const QString& message)
 {
+    if (m_options.logsReason && m_logger.WriteErrors() == 0) {
+        ZrLogEvt event(SecondsNow(), esSystem, message);
+        event.uid = QUuid::createUuid();
+        QByteArray bytes;
+        event.Save(bytes);
+        LogRecord(CRecType(rtEvent), 0, event.time, bytes);
+    }
     Stop();
     Q_EMIT Failed(message);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/recording/ZrRecordHead.h"
 #include "ZrKit/records/ZrNmeaDecoder.h"
 #include "ZrUtil/ZrLogger.h"
 #include "ZrUtil/ZrTypes.h"
@@ -12,6 +13,7 @@
 #include <functional>
 
 class QTimer;
+class ZrLogEvt;
 
 /// A recording session: lines go in, a data log grows, and the recording ends cleanly before the disk is
 /// full.
@@ -19,6 +21,10 @@ class QTimer;
 /// Every line is logged as serial text exactly as it came, damaged ones too; a sound NMEA sentence is
 /// followed by the records decoded from it (position fix, depth, motion, environment). Item times are the
 /// times of arrival.
+///
+/// A long recording may be split into parts, numbered logs of which each can be understood alone: with
+/// `writesHead` they begin with the plan and the latest records (`ZrRecordHead`). No item is ever cut, and no
+/// log overwritten.
 ///
 /// \code
 /// ZrRecorder::Options options;
@@ -43,11 +49,18 @@ public:
         qint64 stopBelow = 100 * 1024 * 1024; ///< bytes: recording ends when fewer are free
         qint64 warnBelow = 1024 * 1024 * 1024; ///< bytes: a warning is given once when fewer are free
         std::function<qint64()> freeSpace; ///< asks for the free bytes; empty: the volume of `dir`
+        qint64 splitBytes = 0; ///< a new part before a log gets larger; 0 for never
+        double splitSeconds = 0.0; ///< a new part when a log is so old; 0 for never
+        std::function<double()> clock; ///< seconds, never going back; empty: that of the system
+        bool writesHead = false; ///< each log begins with the plan and the latest records
+        QByteArray plan; ///< of the head, in the line form of a settings store; empty: that of the source
+        bool logsReason = false; ///< a recording that has to end has an event as its last item that says why
     };
 
     struct Status
     {
-        QString file; ///< path of the log
+        QString file; ///< path of the log, or of its part that is being written
+        int part = 0; ///< from 1; 0 for a recording that is not split
         u64 items = 0;
         u64 bytes = 0;
         u64 lines = 0;
@@ -81,6 +94,14 @@ public:
     /// for sources that tell their own time, such as simulations. Ignored when \p payload has 1 GiB or more.
     void AddRecord(CRecType type, u16 format, double time, const QByteArray& payload);
 
+    /// Logs an event.
+    void AddEvent(ZrLogEvt event);
+
+    /// Remembers a record that came before the recording, for the head of its log.
+    void Remember(CRecType type, u16 format, double time, const QByteArray& payload);
+
+    void Forget(); ///< all that was remembered: another source is used
+
 Q_SIGNALS:
     /// About once a second while recording.
     void StatusChanged();
@@ -90,6 +111,12 @@ Q_SIGNALS:
     void Failed(const QString& message);
 
 private:
+    double Elapsed() const;
+    u64 Items() const;
+    u64 Bytes() const;
+    bool OpenPart();
+    bool MakeRoom(u64 bytes);
+    void LogRecord(CRecType type, u16 format, double time, const QByteArray& payload);
     void OnTick();
     void CheckAfterWriting();
     void CheckDisk();
@@ -98,9 +125,16 @@ private:
     Options m_options;
     ZrLogger m_logger;
     ZrNmeaDecoder m_decoder;
+    ZrRecordHead m_head;
     QTimer* m_tick;
     QElapsedTimer m_clock;
     Status m_status;
+    QString m_stem; ///< of the names of the parts
+    double m_started = 0.0; ///< seconds of the clock
+    double m_partStarted = 0.0;
+    u64 m_partHead = 0; ///< items of the head of the part
+    u64 m_doneItems = 0; ///< of earlier parts
+    u64 m_doneBytes = 0;
     double m_lastTick = 0.0;
     u64 m_lastBytes = 0;
     u64 m_lastItems = 0;

@@ -4,7 +4,6 @@
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/sim/ZrSimSettings.h"
 #include "ZrKit/sim/ZrSimVehicleState.h"
-#include "ZrUtil/ZrRecType.h"
 #include "ZrUtil/ZrWpts.h"
 
 #include <cstddef>
@@ -14,7 +13,7 @@
 ///
 /// \code
 /// ZrSimSource source(plan, settings, nullptr);
-/// connect(&source, &ZrSimSource::Record, &recorder, &ZrRecorder::AddRecord);
+/// connect(&source, &ZrLineSource::Record, &recorder, &ZrRecorder::AddRecord);
 /// connect(&source, &ZrLineSource::Finished, &recorder, &ZrRecorder::Stop);
 /// QString error;
 /// if (!source.Start(&error)) …
@@ -67,10 +66,6 @@ public:
     const ZrSimVehicleState& State() const { return m_state; }
 
     int Percent() const { return m_percent; } ///< of the way, likewise
-
-Q_SIGNALS:
-    /// One record; \p time is seconds since the epoch. \p payload is not compressed.
-    void Record(CRecType type, u16 format, double time, const QByteArray& payload);
 
 private:
     struct Worker;

@@ -1,7 +1,21 @@
 #pragma once
 
+#include "ZrKit/map/ZrLiveWaterfall.h"
+#include "ZrKit/map/ZrMapSurface.h"
+#include "ZrKit/map/ZrWaterfallLayer.h"
+#include "ZrKit/recording/ZrRecordingSession.h"
+#include "apps/ZrSurvey/LiveMap.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
+class QTimer;
+class ZrBtn;
+class ZrChoicePanel;
+class ZrFilePanel;
+class ZrInput;
+class ZrMapPanel;
+class ZrValueTile;
+
+/// The vehicle at work: its source, what it tells, where it goes, what its sonar sees, and the recording.
 class RecordPage : public SurveyPage
 {
     Q_OBJECT
@@ -9,6 +23,97 @@ class RecordPage : public SurveyPage
 public:
     explicit RecordPage(SurveyView& view);
 
+    ZrRecordingSession& Session() { return m_session; }
+
+    const LiveMap& Map() const { return m_map; }
+
+    const ZrLiveWaterfall& Waterfall() const { return m_waterfall; }
+
+    void OnPageOpen() override;
+    void zr_initializeGL() override;
+    void zr_paintGL() override;
+    bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
+    void OnColours() override;
+
 protected:
     void Place() override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    ZrBtn* AddTool(const QString& icon, const QString& hint, void (RecordPage::*action)());
+    void PlaceBar(const QRect& area);
+    void PlaceInstruments(const QRect& area);
+    void PlaceEvents(const QRect& area);
+    void MakeEventButtons();
+
+    void ToggleRecording();
+    void ToggleFollow();
+    void FitMap();
+    void NextPalette();
+    void Louder();
+    void Quieter();
+    void ChangeGain(double by);
+    void AddEvent(const QString& label);
+    void AddNote();
+    void EnableEvents();
+    QString SonarText() const;
+
+    void ChooseSource();
+    void UseSource(int kind);
+    void ChoosePort();
+    void ChooseFile();
+    void OpenSource();
+    void ShowPlan();
+    void MeasureSpace();
+
+    void OnNews(const ZrRecordingNews& news);
+    void OnTick();
+    void OnRecording();
+    void OnTrouble(const QString& message);
+    void TellModel();
+    void ShowState();
+    void ShowInstruments();
+    void ShowRecording();
+    void ShowSource();
+    void ShowSonar();
+
+    ZrRecordingSession m_session;
+    LiveMap m_map;
+    ZrMapSurface m_sonar;
+    ZrWaterfallLayer m_sonarLayer;
+    ZrLiveWaterfall m_waterfall;
+    QTimer* m_tick; ///< ages grow while nothing comes
+
+    ZrMapPanel* m_mapPanel;
+    ZrMapPanel* m_sonarPanel;
+    ZrBtn* m_record;
+    ZrBtn* m_source;
+    QVector<ZrBtn*> m_mapTools;
+    QVector<ZrBtn*> m_sonarTools;
+    ZrBtn* m_follow;
+    QVector<ZrValueTile*> m_figures; ///< of the recording
+    ZrValueTile* m_elapsed;
+    ZrValueTile* m_size;
+    ZrValueTile* m_rate;
+    ZrValueTile* m_free;
+    QVector<ZrValueTile*> m_instruments;
+    ZrValueTile* m_heading;
+    ZrValueTile* m_depth;
+    ZrValueTile* m_altitude;
+    ZrValueTile* m_speed;
+    ZrValueTile* m_pitch;
+    ZrValueTile* m_roll;
+    ZrValueTile* m_fix;
+    QVector<ZrBtn*> m_events;
+    QStringList m_eventLabels; ///< that the buttons were made of
+    ZrInput* m_note;
+    ZrBtn* m_addNote;
+    ZrChoicePanel* m_sources;
+    ZrChoicePanel* m_ports;
+    ZrFilePanel* m_files;
+
+    QString m_openKey; ///< of the source that was opened
+    u64 m_sourceNumber = 0;
+    qint64 m_space = -1; ///< bytes free while nothing is recorded; -1 not known
+    int m_ticks = 0;
 };

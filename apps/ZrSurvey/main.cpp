@@ -51,7 +51,13 @@ int main(int argc, char** argv)
     const QCommandLineOption screenshot(QStringLiteral("screenshot"),
         QCoreApplication::translate("main", "Write a picture of the first screen into FILE and end."),
         QStringLiteral("FILE"));
-    parser.addOptions({help, data, screenshot});
+    const QCommandLineOption page(QStringLiteral("page"),
+        QCoreApplication::translate("main", "Show the page NAME first: Home, Plan, Record, Review, Scene."),
+        QStringLiteral("NAME"));
+    const QCommandLineOption size(QStringLiteral("size"),
+        QCoreApplication::translate("main", "Size of the window, for instance 1280x800."),
+        QStringLiteral("WxH"), QStringLiteral("1280x800"));
+    parser.addOptions({help, data, screenshot, page, size});
     parser.addPositionalArgument(QStringLiteral("FILE"),
         QCoreApplication::translate("main", "A log to review or a plan to work on."),
         QStringLiteral("[FILE]"));
@@ -71,13 +77,16 @@ int main(int argc, char** argv)
 
     SurveyView view(parser.isSet(data) ? parser.value(data)
                                        : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    view.resize(1280, 800);
+    const QStringList sides = parser.value(size).split(QLatin1Char('x'));
+    view.resize(sides.value(0).toInt(), sides.value(1).toInt());
     view.show();
+    if (parser.isSet(page))
+        view.Show(parser.value(page));
     if (!files.isEmpty())
         view.Open(files[0]);
     if (parser.isSet(screenshot)) {
         bool isSaved = false;
-        QTimer::singleShot(1500, &view, [&] {
+        QTimer::singleShot(4000, &view, [&] {
             isSaved = view.grab().save(parser.value(screenshot));
             QCoreApplication::quit();
         });

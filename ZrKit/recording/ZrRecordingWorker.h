@@ -1,0 +1,78 @@
+#pragma once
+
+#include "ZrKit/recording/ZrLineSource.h"
+#include "ZrKit/recording/ZrLiveTap.h"
+#include "ZrKit/recording/ZrRecorder.h"
+#include "ZrKit/recording/ZrRecordingNews.h"
+#include "ZrKit/records/ZrNmeaDecoder.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class QTimer;
+class ZrLogEvt;
+
+/// The part of a `ZrRecordingSession` that lives in its thread: source, decoder, recorder.
+///
+/// All functions but `TakeNews` are called on its thread, through queued calls.
+class ZrRecordingWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    using MakeSource = std::function<ZrLineSource*()>;
+
+    explicit ZrRecordingWorker(std::function<double()> clock);
+    ~ZrRecordingWorker() override;
+
+    void Open(const MakeSource& make);
+    void Close();
+    void Start(const ZrRecorder::Options& options);
+    void Stop();
+
+    void MeasureSpace(const QString& dir);
+
+    /// \p event without time: that of the source's newest record, or \p now, seconds since the epoch.
+    void AddEvent(ZrLogEvt event, double now);
+
+    ZrRecordingNews TakeNews(); ///< any thread
+
+Q_SIGNALS:
+    void NewsReady(); ///< once until they are taken
+    void Opened(const QString& name);
+    void OpenFailed(const QString& error);
+    void SourceFinished();
+    void Trouble(const QString& message);
+    void SpaceMeasured(qint64 bytes);
+    void Started(const QString& file);
+    void StartFailed(const QString& error);
+    void Stopped(const QString& reason); ///< empty when it was asked for
+
+private:
+    void OnLine(const QByteArray& line);
+    void OnRecord(CRecType type, u16 format, double time, const QByteArray& payload);
+    void OnTick();
+    void Tell();
+    void End(const QString& reason);
+
+    std::function<double()> m_clock;
+    QTimer* m_tick;
+    std::unique_ptr<ZrLineSource> m_source;
+    std::unique_ptr<ZrRecorder> m_recorder; ///< of the recording, or of the last one
+    ZrRecordHead m_head; ///< what came before a recording
+    ZrNmeaDecoder m_decoder;
+    ZrLiveTap m_tap;
+    QByteArrayList m_lines;
+    u64 m_lineCount = 0;
+    u64 m_recordCount = 0;
+    u64 m_damagedLines = 0;
+    bool m_tellsTime = false; ///< the source
+    u64 m_unseenPings = 0; ///< that were not taken from the news in time
+    u64 m_toldLines = 0;
+    int m_ticks = 0; ///< since the last news
+
+    std::mutex m_mutex; ///< guards what follows
+    ZrRecordingNews m_news;
+    bool m_isTold = false;
+};

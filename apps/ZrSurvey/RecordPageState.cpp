@@ -1,0 +1,350 @@
+// What the page "Record" shows of its session, and where its data come from.
+
+#include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/map/ZrPaletteRows.h"
+#include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrKit/ui/ZrByteText.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
+#include "ZrKit/ui/ZrFilePanel.h"
+#include "ZrKit/ui/ZrValueTile.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/RecordPage.h"
+#include "apps/ZrSurvey/SourceMaker.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveySource.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+constexpr double gainStep = 2.0; // dB
+constexpr double mostGain = 20.0; // dB, either way
+constexpr int spaceTicks = 10; // free space is looked at so often
+constexpr double littleTime = 600.0; // seconds of recording left
+
+QString FixName(double quality)
+{
+    static constexpr const char* names[] = {QT_TRANSLATE_NOOP("RecordPage", "no fix"),
+        QT_TRANSLATE_NOOP("RecordPage", "autonomous"), QT_TRANSLATE_NOOP("RecordPage", "differential"),
+        QT_TRANSLATE_NOOP("RecordPage", "precise"), QT_TRANSLATE_NOOP("RecordPage", "RTK fixed"),
+        QT_TRANSLATE_NOOP("RecordPage", "RTK float"), QT_TRANSLATE_NOOP("RecordPage", "dead reckoning"),
+        QT_TRANSLATE_NOOP("RecordPage", "typed in"), QT_TRANSLATE_NOOP("RecordPage", "simulated")};
+    const auto index = std::isfinite(quality) ? static_cast<std::size_t>(quality) : std::size(names);
+    return index < std::size(names) ? QCoreApplication::translate("RecordPage", names[index]) : QString();
+}
+
+/// Shows \p text, dimmed when \p value is old.
+void ShowValue(
+    ZrValueTile* tile, const ZrLiveValue& value, double now, const QString& text, const QString& unit)
+{
+    tile->Set(value.IsKnown() ? text : QString(), unit);
+    tile->SetState(value.IsKnown() && !value.IsFresh(now) ? ZrValueTile::stale : ZrValueTile::normal);
+}
+
+} // namespace
+
+void RecordPage::OpenSource()
+{
+    const SurveySettings& settings = View().Model().settings;
+    m_openKey = SourceMaker::Key(settings);
+    m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
+    ShowPlan();
+}
+
+/// The vehicle's plan, or that which the simulated one runs.
+void RecordPage::ShowPlan()
+{
+    m_map.SetPlan(SourceMaker::PlanOf(View().Model().settings, View().Model().plan.Route()));
+}
+
+void RecordPage::MeasureSpace()
+{
+    if (!m_session.IsRecording())
+        m_session.MeasureSpace(View().Model().settings.recordDir);
+}
+
+void RecordPage::ChooseSource()
+{
+    if (!m_sources) {
+        m_sources = new ZrChoicePanel(&View(), tr("Source of data"));
+        connect(m_sources, &ZrChoicePanel::Chosen, this, &RecordPage::UseSource);
+    }
+    SurveySettings settings = View().Model().settings;
+    QVector<ZrListItem> items;
+    for (int kind = 0; kind < SurveySource::Count; ++kind) {
+        settings.source = kind;
+        ZrListItem item;
+        item.title = SurveySource::Name(kind);
+        const QString what = SurveySource::Describe(settings);
+        item.subtitle = what == item.title ? tr("Runs the plan, or one of its own") : what;
+        items.append(item);
+    }
+    m_sources->SetItems(items, View().Model().settings.source);
+    m_sources->Open();
+}
+
+void RecordPage::UseSource(int kind)
+{
+    View().Model().settings.source = kind;
+    if (kind == SurveySource::serial)
+        ChoosePort();
+    else if (kind == SurveySource::nmeaFile || kind == SurveySource::replay)
+        ChooseFile();
+    else
+        OpenSource();
+}
+
+void RecordPage::ChoosePort()
+{
+    const QStringList ports = SourceMaker::SerialPorts();
+    if (ports.isEmpty()) {
+        View().Warn(tr("This computer has no serial port"));
+        OpenSource();
+        return;
+    }
+    if (!m_ports) {
+        m_ports = new ZrChoicePanel(&View(), tr("Serial port"));
+        connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
+            View().Model().settings.serialPort = m_ports->Items()[row].title;
+            OpenSource();
+        });
+    }
+    QVector<ZrListItem> items;
+    for (const QString& port : ports)
+        items.append({port, QString(), QString(), QImage(), false, QColor(), QVariant()});
+    m_ports->SetItems(items, ports.indexOf(View().Model().settings.serialPort));
+    m_ports->Open();
+}
+
+void RecordPage::ChooseFile()
+{
+    if (!m_files) {
+        m_files = new ZrFilePanel(&View(), tr("File to replay"));
+        m_files->SetMode(ZrFilePanel::openFile);
+        connect(m_files, &ZrFilePanel::FileChosen, this, [this](const QString& path) {
+            View().Model().settings.sourceFile = path;
+            OpenSource();
+        });
+    }
+    const SurveySettings& settings = View().Model().settings;
+    const bool isLog = settings.source == SurveySource::replay;
+    m_files->SetSuffixes(isLog ? QStringList{QStringLiteral("log")} : QStringList());
+    m_files->SetFolder(
+        settings.sourceFile.isEmpty() ? settings.recordDir : QFileInfo(settings.sourceFile).path());
+    m_files->Open();
+}
+
+void RecordPage::OnNews(const ZrRecordingNews& news)
+{
+    if (news.source != m_sourceNumber) {
+        m_sourceNumber = news.source;
+        m_map.ClearTrail();
+        m_waterfall.Clear();
+        View().Model().vehicle.Clear();
+    }
+    m_map.Append(news.trail);
+    for (const ZrLivePing& live : news.pings)
+        m_waterfall.Add(live.ping, live.time, live.altitude);
+    if (news.isRecording)
+        View().Model().recording.Set(news.status);
+    if (news.state.latitude.IsKnown())
+        TellModel();
+    if (isVisible())
+        ShowState();
+}
+
+void RecordPage::TellModel()
+{
+    const ZrLiveState& state = m_session.State();
+    SurveyVehicle::Pose pose;
+    pose.time = static_cast<qint64>(state.dataTime * 1000.0);
+    pose.lat = state.latitude.value;
+    pose.lng = state.longitude.value;
+    pose.depth = state.depth.value;
+    pose.altitude = state.altitude.value;
+    pose.heading = state.heading.value;
+    pose.pitch = state.pitch.value;
+    pose.roll = state.roll.value;
+    pose.speed = state.speed.value;
+    View().Model().vehicle.Set(pose, SurveySource::Describe(View().Model().settings), true);
+}
+
+void RecordPage::OnTick()
+{
+    if (!isVisible())
+        return;
+    if (m_openKey != SourceMaker::Key(View().Model().settings) && !(m_sources && m_sources->isVisible())
+        && !(m_ports && m_ports->isVisible()) && !(m_files && m_files->isVisible()))
+        OpenSource();
+    MakeEventButtons();
+    if (++m_ticks % spaceTicks == 0)
+        MeasureSpace();
+    ShowInstruments();
+    ShowSource();
+}
+
+void RecordPage::ShowState()
+{
+    ShowInstruments();
+    ShowRecording();
+    ShowSource();
+    ShowSonar();
+    if (isVisible())
+        Changed();
+}
+
+void RecordPage::ShowInstruments()
+{
+    const ZrLiveState& state = m_session.State();
+    const double now = m_session.Now();
+    const QString degree(ZrUnits::degrees);
+    const auto angle = [&](ZrValueTile* tile, const ZrLiveValue& value, int decimals) {
+        ShowValue(tile, value, now, QString::number(value.value, 'f', decimals), degree);
+    };
+    const auto length = [&](ZrValueTile* tile, const ZrLiveValue& value) {
+        ShowValue(tile, value, now, ZrUnits::GetShortLengthString(value.value, 1, false),
+            ZrUnits::GetShortLengthUnits());
+    };
+    // 360.0 is 0.0 of the next turn.
+    ZrLiveValue heading = state.heading;
+    if (heading.IsKnown())
+        heading.value = std::fmod(std::round(heading.value * 10.0) / 10.0, 360.0);
+    angle(m_heading, heading, 1);
+    length(m_depth, state.depth);
+    length(m_altitude, state.altitude);
+    const ZrLiveValue& speed = state.speed.IsFresh(now) ? state.speed : state.waterSpeed;
+    ShowValue(m_speed, speed, now, ZrUnits::GetSpeedString(speed.value, 2, false), ZrUnits::GetSpeedUnits());
+    angle(m_pitch, state.pitch, 1);
+    angle(m_roll, state.roll, 1);
+
+    const double age = state.fix.Age(now);
+    const bool isLong = age >= 60.0;
+    const int whole = state.fix.IsKnown() ? static_cast<int>(std::min(isLong ? age / 60.0 : age, 9999.0)) : 0;
+    m_fix->Set(state.fix.IsKnown() ? QString::number(whole) : QString(), isLong ? tr("min") : tr("s"));
+    m_fix->SetState(!state.fix.IsKnown()    ? ZrValueTile::normal
+            : age > ZrLiveValue::StaleAfter ? ZrValueTile::warning
+                                            : ZrValueTile::good);
+    QString note = FixName(state.fix.value);
+    if (state.satellites.IsFresh(now) && state.satellites.value > 0.0)
+        note = tr("%1, %2 sat.").arg(note).arg(static_cast<int>(state.satellites.value));
+    m_fix->setToolTip(note);
+    m_map.SetVehicle(
+        state.latitude.value, state.longitude.value, state.heading.value, state.latitude.IsFresh(now));
+}
+
+void RecordPage::ShowRecording()
+{
+    const bool isOn = m_session.IsRecording();
+    m_record->text = isOn ? tr("Stop") : tr("Record");
+    m_record->img = QImage(isOn ? QStringLiteral(":/icons/stop.png") : QStringLiteral(":/icons/record.png"));
+    m_record->on = isOn;
+    m_record->setAccessibleName(isOn ? tr("Stop recording (R)") : tr("Start recording (R)"));
+    m_record->Changed();
+    const ZrRecorder::Status& status = m_session.Status();
+    const bool hasFile = !status.file.isEmpty();
+    m_elapsed->Set(hasFile ? View().Model().recording.ElapsedText() : QString(), QString());
+    m_elapsed->SetNote(status.part > 0 ? tr("part %1").arg(status.part) : QString());
+    m_elapsed->SetState(isOn ? ZrValueTile::error : ZrValueTile::normal);
+    const ZrByteText size = ZrByteText::Of(hasFile ? static_cast<double>(status.bytes) : -1.0);
+    m_size->Set(size.value, size.unit);
+    const ZrByteText rate = ZrByteText::Of(isOn ? status.bytesPerSecond : -1.0);
+    m_rate->Set(rate.value, rate.value.isEmpty() ? QString() : rate.unit + QStringLiteral("/s"));
+    const ZrByteText room = ZrByteText::Of(static_cast<double>(isOn ? status.freeBytes : m_space));
+    m_free->Set(room.value, room.unit);
+    const bool isKnown = isOn && status.secondsLeft >= 0.0;
+    const double minutes = status.secondsLeft / 60.0;
+    m_free->SetNote(!isKnown  ? QString()
+            : minutes < 120.0 ? tr("%1 min left").arg(static_cast<int>(minutes))
+                              : tr("%1 h left").arg(static_cast<int>(std::min(minutes / 60.0, 9999.0))));
+    m_free->SetState(isKnown && status.secondsLeft < littleTime ? ZrValueTile::warning : ZrValueTile::normal);
+    SetSubtitle(isOn ? QFileInfo(status.file).fileName() : QString());
+}
+
+void RecordPage::ShowSource()
+{
+    const SurveySettings& settings = View().Model().settings;
+    QString state;
+    switch (m_session.Source()) {
+    case ZrRecordingSession::sourceNone:
+        state = tr("no source");
+        break;
+    case ZrRecordingSession::sourceOpening:
+        state = tr("opening …");
+        break;
+    case ZrRecordingSession::sourceFailed:
+        state = m_session.SourceText();
+        break;
+    case ZrRecordingSession::sourceFinished:
+        state = tr("at its end");
+        break;
+    case ZrRecordingSession::sourceOpen: {
+        const double silent = m_session.Now() - m_session.State().lastData;
+        state = !std::isfinite(silent)         ? tr("waiting for data")
+            : silent > ZrLiveValue::StaleAfter ? tr("silent for %1 s").arg(static_cast<int>(silent))
+                                               : tr("receiving");
+        break;
+    }
+    }
+    const u64 damaged = m_session.News().damagedLines + m_session.News().droppedLines;
+    if (damaged > 0)
+        state = tr("%1, %2 bad lines").arg(state).arg(damaged);
+    const QString text = SurveySource::Describe(settings) + QChar(QChar::LineSeparator) + state;
+    if (m_source->text == text)
+        return;
+    m_source->text = text;
+    m_source->Changed();
+}
+
+void RecordPage::ShowSonar()
+{
+    const SurveySettings& settings = View().Model().settings;
+    const QStringList names = ZrSonarPalette::Names();
+    const QString name = names.value(settings.palette, names.first());
+    m_sonarLayer.m_palette = ZrPaletteRows::Of(name);
+    m_sonarLayer.m_gain = static_cast<float>(std::pow(10.0, settings.gain / 20.0) - 1.0);
+    m_sonarLayer.m_view.slantCorrected = settings.slant;
+}
+
+void RecordPage::NextPalette()
+{
+    SurveySettings& settings = View().Model().settings;
+    const QStringList names = ZrSonarPalette::Names();
+    settings.palette = (settings.palette + 1) % names.size();
+    ShowState();
+}
+
+void RecordPage::Louder()
+{
+    ChangeGain(gainStep);
+}
+
+void RecordPage::Quieter()
+{
+    ChangeGain(-gainStep);
+}
+
+void RecordPage::ChangeGain(double by)
+{
+    double& gain = View().Model().settings.gain;
+    gain = std::clamp(gain + by, -mostGain, mostGain);
+    ShowState();
+}
+
+/// Palette and gain.
+QString RecordPage::SonarText() const
+{
+    const SurveySettings& settings = View().Model().settings;
+    const QStringList names = ZrSonarPalette::Names();
+    return tr("%1, %2%3 dB")
+        .arg(names.value(settings.palette, names.first()))
+        .arg(settings.gain > 0.0 ? QStringLiteral("+") : QString())
+        .arg(settings.gain, 0, 'f', 0);
+}
