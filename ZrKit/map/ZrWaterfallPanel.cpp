@@ -1,0 +1,308 @@
+#include "ZrKit/map/ZrWaterfallPanel.h"
+
+#include "ZrKit/map/ZrWaterfallLoader.h"
+#include "ZrKit/map/ZrWaterfallWindow.h"
+#include "ZrUtil/ZrTheme.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTouchEvent>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr int ringLines = 4096;
+constexpr int ringWidth = 2048; ///< samples
+constexpr double tapDistance = 10.0; ///< pixels
+constexpr double zoomStep = 1.25; ///< for each notch of the wheel
+constexpr double notch = 120.0; ///< eighths of a degree
+constexpr int mostRounds = 6;
+
+} // namespace
+
+ZrWaterfallPanel::ZrWaterfallPanel(QWidget* parent)
+    : ZrSfHolder(parent)
+    , m_ring(ringLines, ringWidth, ZrWaterfallRing::reduceMax)
+{
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    setFocusPolicy(Qt::ClickFocus);
+    setAccessibleName(tr("Side-scan waterfall"));
+    m_view.speedCorrected = true;
+    m_layer.SetRing(&m_ring);
+    m_surface.m_layers = {&m_layer};
+    m_surface.m_water = QColor(20, 26, 32);
+    SetSurface(&m_surface);
+}
+
+ZrWaterfallPanel::~ZrWaterfallPanel() = default;
+
+void ZrWaterfallPanel::SetLoader(ZrWaterfallLoader* loader)
+{
+    if (m_loader)
+        disconnect(m_loader, nullptr, this, nullptr);
+    m_loader = loader;
+    m_window.reset();
+    m_ring.Clear();
+    m_cursor = 0.0;
+    m_zoom = 1.0;
+    m_offset = 0.0;
+    if (loader) {
+        m_window = std::make_unique<ZrWaterfallWindow>(m_ring, loader->Tiles());
+        connect(loader, &ZrWaterfallLoader::Loaded, this, &ZrWaterfallPanel::Refresh);
+    }
+    Refresh();
+}
+
+void ZrWaterfallPanel::SetCursor(double ping)
+{
+    if (ping == m_cursor || std::isnan(ping))
+        return;
+    m_cursor = ping;
+    Refresh();
+}
+
+QSize ZrWaterfallPanel::Pixels() const
+{
+    const double ratio = devicePixelRatioF();
+    return {qRound(width() * ratio), qRound(height() * ratio)};
+}
+
+void ZrWaterfallPanel::SetZoom(double zoom, const QPointF& about)
+{
+    const double before = m_zoom;
+    m_zoom = std::clamp(zoom, 1.0, MostZoom);
+    const double at = about.x() - m_offset;
+    m_offset = about.x() - at * m_zoom / before;
+    Refresh();
+}
+
+void ZrWaterfallPanel::Match()
+{
+    const double ratio = devicePixelRatioF();
+    const int below = parentWidget() ? parentWidget()->height() - y() - height() : 0;
+    const QRect viewport(
+        qRound(x() * ratio), qRound(below * ratio), qRound(width() * ratio), qRound(height() * ratio));
+    m_surface.ZrglSetViewport(viewport);
+    m_surface.OnResize(viewport.width(), viewport.height());
+    Refresh();
+}
+
+void ZrWaterfallPanel::moveEvent(QMoveEvent* /*event*/)
+{
+    Match();
+}
+
+void ZrWaterfallPanel::resizeEvent(QResizeEvent* /*event*/)
+{
+    Match();
+}
+
+void ZrWaterfallPanel::Refresh()
+{
+    if (m_window && !Pixels().isEmpty()) {
+        LayOut();
+        m_loader->Want(m_window->Missing());
+    } else {
+        m_view.rect = QRect();
+        m_layout = ZrWaterfallLayout();
+    }
+    m_layer.m_view = m_view;
+    update();
+    Q_EMIT Changed();
+}
+
+/// Brings the cursor to the middle, as far as there are lines. How many lines are in view shows only when
+/// they are laid out, since each is as high as the way that was made.
+void ZrWaterfallPanel::LayOut()
+{
+    const QSize size = Pixels();
+    const int wide = qRound(size.width() * m_zoom);
+    m_offset = std::clamp(m_offset, static_cast<double>(size.width() - wide), 0.0);
+    m_view.rect = QRect(qRound(m_offset), 0, wide, size.height());
+    const double count = static_cast<double>(m_loader->Tiles().LineCount());
+    const double half = size.height() / 2.0;
+    const double wanted = m_view.newest == ZrWaterfallSettings::newestTop ? half : size.height() - half;
+    if (std::isnan(m_view.end))
+        m_view.end = std::min(m_cursor + half, count);
+    for (int round = 0; round < mostRounds; ++round) {
+        m_window->Update(m_view);
+        m_layout = ZrWaterfallLayout(m_ring, m_view);
+        const double y = YOf(m_cursor);
+        double end = m_view.end;
+        if (std::isnan(y)) {
+            const double rows = std::max<double>(static_cast<double>(m_layout.Rows().size()), 2.0);
+            end = m_cursor + rows / 2.0;
+        } else {
+            end = m_layout.EndAfterPan(wanted - y);
+        }
+        end = std::clamp(end, std::min(1.0, count), count);
+        if (std::fabs(end - m_view.end) < 1e-3)
+            break;
+        m_view.end = end;
+    }
+    m_window->Update(m_view);
+    m_layout = ZrWaterfallLayout(m_ring, m_view);
+}
+
+double ZrWaterfallPanel::YOf(double ping) const
+{
+    const double at = ping + 0.5;
+    const auto line = static_cast<i64>(std::floor(at));
+    const std::vector<ZrWaterfallLayout::Row>& rows = m_layout.Rows();
+    // Rows go from the newest line down, without holes in their numbers.
+    if (rows.empty() || line > rows.front().line || line < rows.back().line)
+        return std::numeric_limits<double>::quiet_NaN();
+    const ZrWaterfallLayout::Row& row = rows[static_cast<std::size_t>(rows.front().line - line)];
+    const double along = row.to - (at - static_cast<double>(line)) * (row.to - row.from);
+    return m_view.newest == ZrWaterfallSettings::newestTop ? along : m_view.rect.height() - along;
+}
+
+// -- Input
+
+void ZrWaterfallPanel::Press(const QPointF& pixel)
+{
+    m_isPressed = true;
+    m_isMoved = false;
+    m_pressed = m_last = pixel;
+    setFocus(Qt::MouseFocusReason);
+}
+
+void ZrWaterfallPanel::Move(const QPointF& pixel)
+{
+    if (!m_isPressed)
+        return;
+    if (!m_isMoved) {
+        if ((pixel - m_pressed).manhattanLength() < tapDistance)
+            return;
+        m_isMoved = true;
+        if (!m_isPointing)
+            Q_EMIT ScrubBegan();
+    }
+    const QPointF by = pixel - m_last;
+    m_last = pixel;
+    if (m_isPointing) {
+        Q_EMIT Drawn(m_pressed, pixel, false);
+        return;
+    }
+    m_offset += by.x();
+    // Half of the view is ahead of the cursor, so moving it moves the image one to one.
+    const double y = YOf(m_cursor);
+    if (!std::isnan(y) && by.y() != 0.0) {
+        const double target = y - by.y();
+        for (const ZrWaterfallLayout::Row& row : m_layout.Rows()) {
+            const double along
+                = m_view.newest == ZrWaterfallSettings::newestTop ? target : m_view.rect.height() - target;
+            if (along > row.to)
+                continue;
+            const double share = std::clamp((row.to - along) / (row.to - row.from), 0.0, 1.0);
+            Q_EMIT Scrubbed(static_cast<double>(row.line) + share - 0.5);
+            break;
+        }
+    }
+    Refresh();
+}
+
+void ZrWaterfallPanel::Release(const QPointF& pixel)
+{
+    if (!m_isPressed)
+        return;
+    m_isPressed = false;
+    if (m_isMoved) {
+        if (m_isPointing)
+            Q_EMIT Drawn(m_pressed, pixel, true);
+        else
+            Q_EMIT ScrubEnded();
+        return;
+    }
+    Q_EMIT Tapped(m_layout.ToSonar(pixel), pixel);
+}
+
+void ZrWaterfallPanel::Pinch(const QTouchEvent& event)
+{
+    const auto points = event.touchPoints();
+    const double ratio = devicePixelRatioF();
+    const auto length = [](const QPointF& a, const QPointF& b) {
+        return std::max(std::hypot(a.x() - b.x(), a.y() - b.y()), 10.0);
+    };
+    const QPointF middle = (points[0].pos() + points[1].pos()) / 2.0 * ratio;
+    const QPointF before = (points[0].lastPos() + points[1].lastPos()) / 2.0 * ratio;
+    m_offset += middle.x() - before.x();
+    SetZoom(
+        m_zoom * length(points[0].pos(), points[1].pos()) / length(points[0].lastPos(), points[1].lastPos()),
+        middle);
+}
+
+bool ZrWaterfallPanel::event(QEvent* event)
+{
+    const double ratio = devicePixelRatioF();
+    switch (event->type()) {
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd: {
+        event->accept();
+        const auto& touch = static_cast<const QTouchEvent&>(*event);
+        const auto points = touch.touchPoints();
+        if (points.size() >= 2) {
+            // A second finger never draws or taps.
+            if (m_isPressed && m_isMoved && !m_isPointing)
+                Q_EMIT ScrubEnded();
+            m_isPressed = false;
+            m_isPinching = true;
+            Pinch(touch);
+        } else if (points.size() == 1 && !m_isPinching) {
+            const QPointF pixel = points[0].pos() * ratio;
+            if (event->type() == QEvent::TouchBegin)
+                Press(pixel);
+            else if (event->type() == QEvent::TouchUpdate)
+                Move(pixel);
+            else
+                Release(pixel);
+        }
+        if (event->type() == QEvent::TouchEnd)
+            m_isPinching = false;
+        return true;
+    }
+    case QEvent::TouchCancel:
+        m_isPressed = m_isPinching = false;
+        event->accept();
+        return true;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease: {
+        const auto& mouse = static_cast<const QMouseEvent&>(*event);
+        event->accept();
+        if (mouse.source() != Qt::MouseEventNotSynthesized)
+            return true;
+        const QPointF pixel = mouse.localPos() * ratio;
+        if (event->type() == QEvent::MouseButtonPress && mouse.button() == Qt::LeftButton)
+            Press(pixel);
+        else if (event->type() == QEvent::MouseMove)
+            Move(pixel);
+        else if (event->type() == QEvent::MouseButtonRelease && mouse.button() == Qt::LeftButton)
+            Release(pixel);
+        return true;
+    }
+    case QEvent::Wheel: {
+        const auto& wheel = static_cast<const QWheelEvent&>(*event);
+        event->accept();
+        SetZoom(m_zoom * std::pow(zoomStep, wheel.angleDelta().y() / notch), wheel.position() * ratio);
+        return true;
+    }
+    default:
+        return ZrSfHolder::event(event);
+    }
+}
+
+void ZrWaterfallPanel::paintEvent(QPaintEvent* /*event*/)
+{
+    if (!m_overlay)
+        return;
+    QPainter painter(this);
+    const double ratio = devicePixelRatioF();
+    painter.scale(1.0 / ratio, 1.0 / ratio);
+    m_overlay(painter, m_layout);
+}

@@ -1,0 +1,266 @@
+#include "ZrKit/survey/ZrSurveyRecording.h"
+
+#include "ZrKit/planning/ZrGeoShapes.h"
+#include "ZrKit/planning/ZrRouteFile.h"
+#include "ZrKit/review/ZrDatasetReader.h"
+#include "ZrKit/review/ZrEventFile.h"
+#include "ZrKit/review/ZrSurveySeriesReader.h"
+#include "ZrKit/sonar/ZrBottomFile.h"
+#include "ZrKit/sonar/ZrBottomTracker.h"
+#include "ZrKit/sonar/ZrSonarTrackSettings.h"
+#include "ZrUtil/IZrProgress.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double mostBetween = 10.0; ///< seconds between rows that a position is taken between
+
+/// Hands on the percentages of a part of the work, and the wish to end it.
+class Stage final : public IZrProgress
+{
+public:
+    Stage(IZrProgress* all, std::atomic<bool>& cancel, std::atomic<bool>& partCancel, int from, int to)
+        : m_all(all)
+        , m_cancel(cancel)
+        , m_partCancel(partCancel)
+        , m_from(from)
+        , m_to(to)
+    {
+        UpdateProgress(0);
+    }
+
+    void UpdateProgress(int percent) override
+    {
+        m_percent = percent;
+        if (m_cancel)
+            m_partCancel = true;
+        if (m_all)
+            m_all->UpdateProgress(m_from + (m_to - m_from) * percent / 100);
+    }
+
+    int GetProgress() override { return m_percent; }
+
+private:
+    IZrProgress* m_all;
+    std::atomic<bool>& m_cancel;
+    std::atomic<bool>& m_partCancel;
+    int m_from;
+    int m_to;
+    int m_percent = 0;
+};
+
+} // namespace
+
+bool ZrSurveyRecording::Fail(const QString& error)
+{
+    m_error = cancel ? tr("Cancelled") : error;
+    return false;
+}
+
+bool ZrSurveyRecording::Load(const QString& path)
+{
+    m_path = path;
+    if (!LoadRecords() || !LoadSonar())
+        return false;
+    if (m_series.Count() > 0 && !m_series.times->IsEmpty()) {
+        m_times = m_series.times;
+    } else {
+        auto times = std::make_shared<ZrSteadyTime>();
+        for (const ZrSonarPing& ping : Pings())
+            times->Append(ping.time);
+        m_times = std::move(times);
+    }
+    if (m_times->IsEmpty()) {
+        return Fail(m_isDamaged ? m_remarks.join(QLatin1Char(' '))
+                                : tr("The log holds neither navigation nor side-scan pings."));
+    }
+    double near = m_times->Begin();
+    m_pingTimes.reserve(Pings().size());
+    for (const ZrSonarPing& ping : Pings()) {
+        const double at = m_times->FromLog(ping.time, near);
+        near = std::isnan(at) ? near : std::max(at, near);
+        m_pingTimes.push_back(near);
+    }
+    QString error;
+    if (!m_events.Load(path, &error))
+        m_remarks << error;
+    LoadPlan();
+    if (progress)
+        progress->UpdateProgress(100);
+    return true;
+}
+
+bool ZrSurveyRecording::LoadRecords()
+{
+    const auto read = [this](std::unique_ptr<ZrSurveyDataset> dataset) {
+        ZrDatasetReader reader;
+        Stage stage(progress, cancel, reader.cancel, 0, 30);
+        reader.progress = &stage;
+        const ZrDatasetReader::eResult result = reader.Read(m_path, *dataset);
+        if (result == ZrDatasetReader::Unreadable || result == ZrDatasetReader::Cancelled)
+            return Fail(reader.Error());
+        if (!reader.WriteError().isEmpty())
+            m_remarks << reader.WriteError();
+        // Whoever uses it is not in this thread, which may be gone then.
+        if (QCoreApplication::instance())
+            dataset->moveToThread(QCoreApplication::instance()->thread());
+        m_dataset = std::move(dataset);
+        return true;
+    };
+    ZrSurveySeriesReader reader;
+    {
+        Stage stage(progress, cancel, reader.cancel, 30, 50);
+        reader.progress = &stage;
+        if (!reader.Read(m_path, m_series))
+            return Fail(reader.Error());
+        reader.progress = nullptr;
+    }
+    if (!reader.Damage().isEmpty()) {
+        m_isDamaged = true;
+        m_remarks << tr("The log is damaged and is shown up to byte %1: %2")
+                         .arg(reader.DamagePos())
+                         .arg(reader.Damage());
+    }
+    if (!read(std::make_unique<ZrSurveyDataset>()))
+        return false;
+    // Logs without navigation have their positions in fixes.
+    if (m_dataset->recs.empty() && m_series.Count() > 0
+        && !read(std::make_unique<ZrSurveyDataset>(zr::rec_type(krtFix), ZrSurveyDataset::DefaultCrdTypes())))
+        return false;
+    m_recordTimes.Reserve(m_dataset->recs.size());
+    for (const ZrLogRec& rec : m_dataset->recs)
+        m_recordTimes.Append(rec.time);
+    return true;
+}
+
+bool ZrSurveyRecording::LoadSonar()
+{
+    {
+        Stage stage(progress, cancel, m_log.cancel, 50, 70);
+        m_log.progress = &stage;
+        const bool opened = m_log.Open(m_path);
+        m_log.progress = nullptr;
+        if (!opened)
+            return Fail(m_log.Error());
+    }
+    if (Pings().empty())
+        return true;
+    if (!LoadBottom())
+        return Fail(QString());
+    ZrSonarTrackSettings settings;
+    settings.smoothing = Smoothing;
+    m_track = std::make_unique<ZrSonarTrack>(Pings(), settings);
+    m_geo = std::make_unique<ZrSonarGeo>(Pings(), *m_track, m_bottom);
+    m_waterfall = std::make_shared<ZrWaterfallPings>(m_log, *m_geo);
+    Stage stage(progress, cancel, m_waterfall->cancel, 90, 99);
+    m_waterfall->progress = &stage;
+    const bool learnt = m_waterfall->Learn();
+    m_waterfall->progress = nullptr;
+    return learnt || Fail(QString());
+}
+
+bool ZrSurveyRecording::LoadBottom()
+{
+    ZrBottomFile file(m_path);
+    if (file.Load(Pings(), m_bottom))
+        return true;
+    if (file.State() != ZrBottomFile::Missing)
+        m_remarks << file.Error();
+    std::vector<double> altitudes;
+    altitudes.reserve(Pings().size());
+    for (const ZrSonarPing& ping : Pings())
+        altitudes.push_back(ping.pose.altitude);
+    if (QFileInfo(m_path).size() <= MostTracked) {
+        ZrBottomTracker tracker;
+        Stage stage(progress, cancel, tracker.cancel, 70, 90);
+        tracker.progress = &stage;
+        const std::vector<double> tracked = tracker.Track(m_log);
+        if (tracked.size() != altitudes.size())
+            return false;
+        for (std::size_t i = 0; i < tracked.size(); ++i) {
+            if (!std::isnan(tracked[i]))
+                altitudes[i] = tracked[i];
+        }
+    }
+    m_bottom.SetFound(std::move(altitudes));
+    return true;
+}
+
+void ZrSurveyRecording::LoadPlan()
+{
+    const QString path = m_path + QStringLiteral(".xml");
+    ZrGeoShapes shapes;
+    ZrRouteFile file;
+    if (!QFileInfo(path).isFile())
+        return;
+    if (!file.ReadShapes(path, shapes)) {
+        m_remarks << file.Error();
+        return;
+    }
+    for (const ZrShapePoint& point : shapes.points)
+        m_plan.push_back(point.position);
+}
+
+double ZrSurveyRecording::PingAt(double steady) const
+{
+    if (m_pingTimes.empty() || std::isnan(steady))
+        return unknown;
+    const auto after = std::upper_bound(m_pingTimes.begin(), m_pingTimes.end(), steady);
+    if (after == m_pingTimes.begin())
+        return 0.0;
+    const auto i = static_cast<std::size_t>(after - m_pingTimes.begin()) - 1;
+    if (i + 1 == m_pingTimes.size())
+        return static_cast<double>(i);
+    const double step = m_pingTimes[i + 1] - m_pingTimes[i];
+    return static_cast<double>(i) + (step > 0.0 ? (steady - m_pingTimes[i]) / step : 0.0);
+}
+
+double ZrSurveyRecording::TimeOfPing(double ping) const
+{
+    if (m_pingTimes.empty() || std::isnan(ping))
+        return unknown;
+    const double at = std::clamp(ping, 0.0, static_cast<double>(m_pingTimes.size() - 1));
+    const auto i = static_cast<std::size_t>(at);
+    if (i + 1 >= m_pingTimes.size())
+        return m_pingTimes.back();
+    return m_pingTimes[i] + (at - static_cast<double>(i)) * (m_pingTimes[i + 1] - m_pingTimes[i]);
+}
+
+ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
+{
+    const std::size_t row = m_series.times->RecordAt(steady);
+    if (row >= m_series.Count())
+        return {unknown, unknown};
+    const ZrSurveySeries::Position& from = m_series.track[row];
+    if (row + 1 < m_series.Count()) {
+        const ZrSurveySeries::Position& to = m_series.track[row + 1];
+        const double begin = m_series.times->Times()[row];
+        const double step = m_series.times->Times()[row + 1] - begin;
+        const bool isNear
+            = step > 0.0 && step <= mostBetween && std::fabs(to.longitude - from.longitude) < 1.0;
+        if (isNear && steady > begin) {
+            const double share = std::min((steady - begin) / step, 1.0);
+            return {from.latitude + share * (to.latitude - from.latitude),
+                from.longitude + share * (to.longitude - from.longitude)};
+        }
+    }
+    return {from.latitude, from.longitude};
+}
+
+void ZrSurveyRecording::UpdateDatasetEvents()
+{
+    ZrEventFile file;
+    file.Read(m_path);
+    file.Fill(*m_dataset);
+}
+
+double ZrSurveyRecording::TimeOf(const ZrLogEvt& evt) const
+{
+    return m_times->FromLog(evt.time);
+}

@@ -1,0 +1,131 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/map/ZrWaterfallPings.h"
+#include "ZrKit/planning/ZrGeoPoint.h"
+#include "ZrKit/review/ZrEventList.h"
+#include "ZrKit/review/ZrSurveyDataset.h"
+#include "ZrKit/review/ZrSurveySeries.h"
+#include "ZrKit/sonar/ZrBottomLine.h"
+#include "ZrKit/sonar/ZrSonarGeo.h"
+#include "ZrKit/sonar/ZrSonarLog.h"
+#include "ZrKit/sonar/ZrSonarTrack.h"
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+class IZrProgress;
+
+/// All that the review of a recording works on: its records, curves, side-scan lines, events and plan.
+///
+/// \code
+/// auto recording = std::make_shared<ZrSurveyRecording>();
+/// worker.Start([=](IZrProgress& progress) { recording->progress = &progress; recording->Load(path); },
+///     [=] { recording->cancel = true; });
+/// \endcode
+///
+/// Loading makes tables of the log, at most some 400 bytes for a record; samples of the sonar stay in the
+/// file but for a few hundred pings that gain and contrast are learnt from. The bottom line is the one kept
+/// beside the log; else it is tracked, in logs of up to `MostTracked` bytes; else it is the altitude that was
+/// recorded.
+///
+/// Loaded in any thread, used in one afterwards. `cancel` may be set from any.
+class ZR_KIT_EXPORT ZrSurveyRecording
+{
+    Q_DECLARE_TR_FUNCTIONS(ZrSurveyRecording)
+
+public:
+    static constexpr qint64 MostTracked = qint64(256) * 1024 * 1024;
+    static constexpr double Smoothing = 5.0; ///< seconds over which the way of the sonar is averaged
+
+    IZrProgress* progress = nullptr; ///< told each whole percent; may be null
+    std::atomic<bool> cancel{false};
+
+    ZrSurveyRecording() = default;
+    ZrSurveyRecording(const ZrSurveyRecording&) = delete;
+    ZrSurveyRecording& operator=(const ZrSurveyRecording&) = delete;
+
+    /// Once. False, with the reason in `Error`, when the log cannot be read, holds nothing to show or
+    /// `cancel` was set.
+    bool Load(const QString& path);
+
+    const QString& Path() const { return m_path; }
+
+    QString Error() const { return m_error; } ///< a sentence
+
+    /// What is to be said about it although it was loaded, a sentence each: damage, files that could not be
+    /// written.
+    const QStringList& Remarks() const { return m_remarks; }
+
+    bool IsDamaged() const { return m_isDamaged; } ///< it is there as far as it is sound
+
+    /// The time axis: of the records or, without any, of the pings.
+    const std::shared_ptr<const ZrSteadyTime>& Times() const { return m_times; }
+
+    const ZrSurveyDataset& Dataset() const { return *m_dataset; }
+
+    const ZrSteadyTime& RecordTimes() const { return m_recordTimes; } ///< of the dataset
+
+    const ZrSurveySeries& Series() const { return m_series; }
+
+    ZrEventList& Events() { return m_events; }
+
+    /// Brings the events that were saved into the dataset, for exports.
+    void UpdateDatasetEvents();
+
+    const std::vector<ZrGeoPoint>& Plan() const { return m_plan; } ///< waypoints that the log held
+
+    /// \name Side-scan sonar
+    /// @{
+    bool HasSonar() const { return m_geo != nullptr; }
+
+    const std::vector<ZrSonarPing>& Pings() const { return m_log.Pings(); }
+
+    const ZrBottomLine& Bottom() const { return m_bottom; }
+
+    const ZrSonarTrack& Track() const { return *m_track; } ///< with sonar alone, as the next two
+
+    const ZrSonarGeo& Geo() const { return *m_geo; }
+
+    const std::shared_ptr<ZrWaterfallPings>& Waterfall() const { return m_waterfall; }
+
+    double PingAt(double steady) const; ///< with its fraction; NaN without sonar
+    double TimeOfPing(double ping) const; ///< steady; likewise
+    /// @}
+
+    /// Position of the row at or before \p steady, moved on towards the next one where that is near in time;
+    /// not valid where none is known.
+    ZrGeoPoint PositionAt(double steady) const;
+
+    /// Steady time of an event; NaN for one without a time.
+    double TimeOf(const ZrLogEvt& evt) const;
+
+private:
+    bool LoadRecords();
+    bool LoadSonar();
+    bool LoadBottom();
+    void LoadPlan();
+    bool Fail(const QString& error);
+
+    QString m_path;
+    QString m_error;
+    QStringList m_remarks;
+    bool m_isDamaged = false;
+    std::unique_ptr<ZrSurveyDataset> m_dataset;
+    ZrSteadyTime m_recordTimes;
+    ZrSurveySeries m_series;
+    std::shared_ptr<const ZrSteadyTime> m_times;
+    ZrEventList m_events;
+    std::vector<ZrGeoPoint> m_plan;
+    ZrSonarLog m_log;
+    ZrBottomLine m_bottom;
+    std::unique_ptr<ZrSonarTrack> m_track;
+    std::unique_ptr<ZrSonarGeo> m_geo;
+    std::shared_ptr<ZrWaterfallPings> m_waterfall;
+    std::vector<double> m_pingTimes; ///< steady, ascending
+};

@@ -1,0 +1,342 @@
+#include "ZrKit/ui/ZrPlotPanel.h"
+
+#include "ZrKit/review/ZrAxisTicks.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTouchEvent>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double zoomStep = 1.25; ///< for each notch of the wheel
+constexpr double notch = 120.0; ///< eighths of a degree
+constexpr double panStep = 0.1;
+constexpr float leastHeight = 64.0F; ///< of a plot, design pixels
+constexpr float twoColumns = 900.0F; ///< from this width on, design pixels
+constexpr float tickDistance = 22.0F; ///< design pixels at least
+
+double ScaleOf(int quantity)
+{
+    switch (quantity) {
+    case ZrPlotPanel::length:
+        return ZrUnits::shortLengthScale;
+    case ZrPlotPanel::speed:
+        return ZrUnits::speedScale;
+    default:
+        return 1.0;
+    }
+}
+
+QString UnitOf(int quantity)
+{
+    switch (quantity) {
+    case ZrPlotPanel::length:
+        return ZrUnits::GetShortLengthUnits();
+    case ZrPlotPanel::speed:
+        return ZrUnits::GetSpeedUnits();
+    case ZrPlotPanel::angle:
+    case ZrPlotPanel::tilt:
+        return ZrUnits::degrees;
+    default:
+        return QString();
+    }
+}
+
+double Turned(double degrees)
+{
+    const double turned = std::fmod(degrees, 360.0);
+    return turned < 0.0 ? turned + 360.0 : turned;
+}
+
+} // namespace
+
+ZrPlotPanel::ZrPlotPanel(QWidget* parent)
+    : QWidget(parent)
+{
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    setAccessibleName(tr("Plots"));
+}
+
+void ZrPlotPanel::SetTimeLine(const ZrTimeLine* line)
+{
+    m_line = line;
+    update();
+}
+
+void ZrPlotPanel::SetPlots(QVector<Plot> plots)
+{
+    m_plots = std::move(plots);
+    update();
+}
+
+void ZrPlotPanel::SetCursor(double steady)
+{
+    if (steady == m_cursor || (std::isnan(steady) && std::isnan(m_cursor)))
+        return;
+    m_cursor = steady;
+    update();
+}
+
+QFont ZrPlotPanel::SmallFont() const
+{
+    QFont font = ZrTheme::font;
+    font.setPixelSize(std::max(ZrTheme::DpI(15), 11));
+    return font;
+}
+
+int ZrPlotPanel::Columns() const
+{
+    return m_plots.size() > 1 && width() >= ZrTheme::DpI(twoColumns) ? 2 : 1;
+}
+
+QRect ZrPlotPanel::Area(int column) const
+{
+    const int ticks = QFontMetrics(SmallFont()).horizontalAdvance(QStringLiteral("-00.00"));
+    const int wide = width() / Columns();
+    return QRect(column * wide, 0, wide, height())
+        .adjusted(ticks + ZrTheme::DpI(12), 0, -ZrTheme::DpI(16), 0);
+}
+
+int ZrPlotPanel::ShownPlots() const
+{
+    const int room = std::max(height() / std::max(ZrTheme::DpI(leastHeight), 1), 1);
+    return std::min(room * Columns(), static_cast<int>(m_plots.size()));
+}
+
+QRect ZrPlotPanel::PlotRect(int plot) const
+{
+    const int count = ShownPlots();
+    if (plot < 0 || plot >= count)
+        return {};
+    const int columns = Columns();
+    const int rows = (count + columns - 1) / columns;
+    const int row = plot / columns;
+    const QRect area = Area(plot % columns);
+    const int caption = QFontMetrics(SmallFont()).height() + ZrTheme::DpI(4);
+    const int top = area.height() * row / rows + caption;
+    const int bottom = area.height() * (row + 1) / rows - ZrTheme::DpI(8);
+    return {area.x(), top, area.width(), std::max(bottom - top, 1)};
+}
+
+QString ZrPlotPanel::ValueText(int plot, int curve) const
+{
+    if (plot < 0 || plot >= m_plots.size() || curve < 0 || curve >= m_plots[plot].curves.size())
+        return {};
+    const int quantity = m_plots[plot].quantity;
+    double value = static_cast<double>(m_plots[plot].curves[curve].series->ValueAt(m_cursor));
+    if (std::isnan(value))
+        return QStringLiteral("–");
+    if (quantity == angle)
+        value = Turned(value);
+    const QString text = QString::number(value * ScaleOf(quantity), 'f', quantity == speed ? 2 : 1);
+    const QString unit = UnitOf(quantity);
+    const bool isApart = !unit.isEmpty() && quantity != angle && quantity != tilt;
+    return text + (isApart ? QStringLiteral(" ") : QString()) + unit;
+}
+
+// -- Input
+
+double ZrPlotPanel::FractionAt(double x) const
+{
+    const int column = std::clamp(static_cast<int>(x * Columns() / std::max(width(), 1)), 0, Columns() - 1);
+    const QRect area = Area(column);
+    return std::clamp((x - area.x()) / std::max(area.width(), 1), 0.0, 1.0);
+}
+
+void ZrPlotPanel::Tell(double x)
+{
+    if (m_line && m_line->Log())
+        Q_EMIT Scrubbed(m_line->At(FractionAt(x)));
+}
+
+bool ZrPlotPanel::event(QEvent* event)
+{
+    const QEvent::Type type = event->type();
+    if (type != QEvent::TouchBegin && type != QEvent::TouchUpdate && type != QEvent::TouchEnd
+        && type != QEvent::TouchCancel)
+        return QWidget::event(event);
+    event->accept();
+    const auto points = static_cast<QTouchEvent*>(event)->touchPoints();
+    const bool isOver = type == QEvent::TouchEnd || type == QEvent::TouchCancel;
+    if (points.size() >= 2) {
+        m_isPinching = true;
+        const auto span
+            = [](const QPointF& a, const QPointF& b) { return std::max(std::fabs(a.x() - b.x()), 10.0); };
+        const double middle = (points[0].pos().x() + points[1].pos().x()) / 2.0;
+        const double before = (points[0].lastPos().x() + points[1].lastPos().x()) / 2.0;
+        Q_EMIT PanWanted((before - middle) / std::max(Area(0).width(), 1));
+        Q_EMIT ZoomWanted(
+            span(points[0].pos(), points[1].pos()) / span(points[0].lastPos(), points[1].lastPos()),
+            FractionAt(middle));
+    } else if (points.size() == 1 && !m_isPinching && !isOver) {
+        if (type == QEvent::TouchBegin) {
+            m_isScrubbing = true;
+            Q_EMIT ScrubBegan();
+        }
+        Tell(points[0].pos().x());
+    }
+    if (isOver) {
+        if (m_isScrubbing)
+            Q_EMIT ScrubEnded();
+        m_isScrubbing = m_isPinching = false;
+    }
+    return true;
+}
+
+void ZrPlotPanel::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || event->source() != Qt::MouseEventNotSynthesized)
+        return;
+    m_isScrubbing = true;
+    Q_EMIT ScrubBegan();
+    Tell(event->localPos().x());
+}
+
+void ZrPlotPanel::mouseMoveEvent(QMouseEvent* event)
+{
+    if (m_isScrubbing && event->source() == Qt::MouseEventNotSynthesized)
+        Tell(event->localPos().x());
+}
+
+void ZrPlotPanel::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (!m_isScrubbing || event->button() != Qt::LeftButton)
+        return;
+    m_isScrubbing = false;
+    Q_EMIT ScrubEnded();
+}
+
+void ZrPlotPanel::wheelEvent(QWheelEvent* event)
+{
+    event->accept();
+    const QPoint turned = event->angleDelta();
+    const double notches = (turned.y() != 0 ? turned.y() : turned.x()) / notch;
+    if (event->modifiers() & Qt::ShiftModifier)
+        Q_EMIT PanWanted(-notches * panStep);
+    else
+        Q_EMIT ZoomWanted(std::pow(zoomStep, notches), FractionAt(event->position().x()));
+}
+
+// -- Painting
+
+void ZrPlotPanel::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    QColor back = ZrTheme::formBack;
+    back.setAlpha(255);
+    painter.fillRect(rect(), back);
+    m_looks = 0;
+    if (!m_line || !m_line->Log())
+        return;
+    painter.setFont(SmallFont());
+    for (int i = 0; i < ShownPlots(); ++i)
+        PaintPlot(painter, i);
+    const double fraction = m_line->Fraction(m_cursor);
+    if (!(fraction >= 0.0 && fraction <= 1.0))
+        return;
+    painter.setPen(QPen(ZrTheme::ctrlCol, std::max(ZrTheme::DpI(2), 1)));
+    for (int i = 0; i < ShownPlots(); ++i) {
+        const QRect plot = PlotRect(i);
+        const int x = plot.x() + qRound(fraction * plot.width());
+        painter.drawLine(x, plot.top(), x, plot.bottom());
+    }
+}
+
+void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
+{
+    const Plot& plot = m_plots[index];
+    const QRect rect = PlotRect(index);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const double scale = ScaleOf(plot.quantity);
+    ZrPlotSeries::Extent extent;
+    for (const Curve& curve : plot.curves)
+        extent.Add(curve.series->ExtentBetween(m_line->VisibleBegin(), m_line->VisibleEnd()));
+
+    // The caption, and behind it the values at the cursor.
+    int x = rect.x();
+    const QRect head(x, rect.y() - metrics.height() - ZrTheme::DpI(2), rect.width(), metrics.height());
+    painter.setPen(ZrTheme::bodyCol);
+    painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter, plot.caption);
+    int right = head.right() + 1;
+    const int captionEnd = x + metrics.horizontalAdvance(plot.caption) + ZrTheme::DpI(12);
+    for (int i = plot.curves.size() - 1; i >= 0; --i) {
+        const Curve& curve = plot.curves[i];
+        QString text = ValueText(index, i);
+        if (!curve.name.isEmpty())
+            text = curve.name + QLatin1Char(' ') + text;
+        const int width = metrics.horizontalAdvance(text) + 2;
+        if (right - width < captionEnd)
+            break;
+        painter.setPen(plot.curves.size() > 1 && curve.colour.isValid() ? curve.colour : ZrTheme::ctrlCol);
+        painter.drawText(
+            QRect(right - width, head.y(), width, head.height()), Qt::AlignRight | Qt::AlignVCenter, text);
+        right -= width + ZrTheme::DpI(16);
+    }
+    painter.setPen(QPen(ZrTheme::gridCol, 1));
+    painter.drawRect(rect.adjusted(0, 0, -1, -1));
+    if (!extent.IsKnown()) {
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(rect, Qt::AlignCenter, tr("Not recorded"));
+        return;
+    }
+    const int most = std::max(rect.height() / std::max(ZrTheme::DpI(tickDistance), 1), 2);
+    const ZrAxisTicks ticks(
+        static_cast<double>(extent.min) * scale, static_cast<double>(extent.max) * scale, most);
+    const double span = ticks.High() - ticks.Low();
+    int free = rect.bottom() + metrics.height();
+    for (const double value : ticks.Values()) {
+        const double share = (value - ticks.Low()) / span;
+        const int y = rect.y() + qRound((plot.isDown ? share : 1.0 - share) * (rect.height() - 1));
+        painter.setPen(QPen(ZrTheme::gridCol, 1, Qt::DotLine));
+        painter.drawLine(rect.left(), y, rect.right(), y);
+        const bool isClear = plot.isDown || y + metrics.height() <= free;
+        if (!isClear)
+            continue;
+        free = y;
+        const double shown = plot.quantity == angle ? Turned(value) : value;
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(QRect(0, y - metrics.height() / 2, rect.x() - ZrTheme::DpI(6), metrics.height()),
+            Qt::AlignRight | Qt::AlignVCenter, ticks.Label(shown));
+    }
+    painter.setClipRect(rect);
+    for (const Curve& curve : plot.curves)
+        PaintCurve(painter, curve, rect, ticks.Low(), ticks.High(), scale, plot.isDown);
+    painter.setClipping(false);
+}
+
+void ZrPlotPanel::PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low,
+    double high, double scale, bool isDown)
+{
+    m_decimator.mostStep = m_line->LongestStep();
+    QPolygonF line;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(curve.colour.isValid() ? curve.colour : ZrTheme::ctrlHighlightCol,
+        std::max(static_cast<double>(ZrTheme::DpF(1.5F)), 1.0)));
+    const auto draw = [&painter, &line] {
+        if (line.size() > 1)
+            painter.drawPolyline(line);
+        else if (line.size() == 1)
+            painter.drawPoint(line[0]);
+        line.clear();
+    };
+    for (const ZrPlotDecimator::Point& point :
+        m_decimator.Decimate(*curve.series, m_line->Columns(rect.width()))) {
+        if (std::isnan(point.y)) {
+            draw();
+            continue;
+        }
+        const double share = (static_cast<double>(point.y) * scale - low) / (high - low);
+        line.append(QPointF(rect.x() + static_cast<double>(point.x),
+            rect.y() + (isDown ? share : 1.0 - share) * (rect.height() - 1)));
+    }
+    draw();
+    m_looks += m_decimator.Looks();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}

@@ -1,0 +1,215 @@
+#include "apps/ZrSurvey/ReviewEvents.h"
+
+#include "ZrKit/review/ZrTimeText.h"
+#include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/ui/ZrTextPanel.h"
+#include "ZrKit/ui/ZrTouchList.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int longestText = 200; ///< characters
+
+ZrBtn* Tool(QWidget* parent, const char* icon, const QString& hint)
+{
+    auto* button = new ZrBtn(parent, ZrBtn::typeTool);
+    button->img = QImage(QStringLiteral(":/icons/%1.png").arg(QLatin1String(icon)));
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    return button;
+}
+
+} // namespace
+
+ReviewEvents::ReviewEvents(QWidget* parent, SurveyView& view)
+    : QWidget(parent)
+    , m_view(view)
+    , m_list(new ZrTouchList(this))
+    , m_text(new ZrTextPanel(&view))
+    , m_edit(Tool(this, "edit", tr("Edit the event (F6)")))
+    , m_remove(Tool(this, "delete", tr("Remove the event (Del)")))
+    , m_undo(Tool(this, "undo", tr("Undo (Ctrl+Z)")))
+    , m_redo(Tool(this, "redo", tr("Redo (Ctrl+Y)")))
+    , m_close(Tool(this, "cancel", tr("Close the list")))
+{
+    m_list->m_empty = tr("No events yet. Add one at the cursor with E.");
+    connect(m_list, &ZrTouchList::Chosen, this, &ReviewEvents::Chosen);
+    connect(m_list, &ZrTouchList::Held, this, &ReviewEvents::Edit);
+    connect(m_edit, &ZrBtn::Clicked, this, [this] { Edit(m_list->Current()); });
+    connect(m_remove, &ZrBtn::Clicked, this, [this] { Remove(m_list->Current()); });
+    connect(m_undo, &ZrBtn::Clicked, this, &ReviewEvents::Undo);
+    connect(m_redo, &ZrBtn::Clicked, this, &ReviewEvents::Redo);
+    connect(m_close, &ZrBtn::Clicked, this, &ReviewEvents::Closed);
+}
+
+void ReviewEvents::Show(ZrSurveyRecording* recording)
+{
+    m_recording = recording;
+    Fill();
+}
+
+void ReviewEvents::Fill()
+{
+    QVector<ZrListItem> items;
+    if (m_recording) {
+        const ZrEventList& events = m_recording->Events();
+        for (std::size_t i = 0; i < events.Count(); ++i) {
+            const ZrLogEvt& evt = events.At(i);
+            ZrListItem item;
+            item.title = evt.text.isEmpty() ? tr("Event") : evt.text.simplified();
+            item.subtitle = ZrTimeText::DateClock(evt.time, 1);
+            if (!evt.detail.isEmpty())
+                item.subtitle += QStringLiteral("  ") + evt.detail.simplified();
+            item.edge = ZrTheme::warnCol;
+            items.append(item);
+        }
+    }
+    m_list->SetItems(items);
+    const bool hasLog = m_recording != nullptr;
+    m_undo->setEnabled(hasLog && m_recording->Events().CanUndo());
+    m_redo->setEnabled(hasLog && m_recording->Events().CanRedo());
+    m_edit->setEnabled(!items.isEmpty());
+    m_remove->setEnabled(!items.isEmpty());
+}
+
+void ReviewEvents::Save()
+{
+    QString error;
+    if (!m_recording->Events().Save(&error))
+        m_view.Warn(tr("The events are not saved. %1").arg(error));
+    Fill();
+    Q_EMIT Changed();
+}
+
+void ReviewEvents::Add(double steady, const QString& text, const QString& detail)
+{
+    if (!m_recording || std::isnan(steady))
+        return;
+    const double time = m_recording->Times()->LogTime(steady);
+    const auto add = [this, time, detail](const QString& words) {
+        ZrLogEvt evt(time, esUser, words);
+        evt.detail = detail;
+        ZrEventList& events = m_recording->Events();
+        const u64 id = events.Add(evt);
+        Save();
+        SetCurrent(static_cast<int>(events.IndexOf(id)));
+        m_view.Tell(tr("Event \"%1\" added").arg(words), tr("Undo"), [this] { Undo(); });
+    };
+    if (!text.isEmpty()) {
+        add(text);
+        return;
+    }
+    m_text->Ask(tr("New event at %1").arg(ZrTimeText::Clock(time, 1)), tr("What happened there?"),
+        tr("Remark"), [add](const QString& words) {
+            const QString plain = words.simplified();
+            if (plain.isEmpty())
+                return tr("Type a text");
+            if (plain.size() > longestText)
+                return tr("At most %1 characters").arg(longestText);
+            add(plain);
+            return QString();
+        });
+}
+
+void ReviewEvents::Edit(int row)
+{
+    if (!m_recording || row < 0 || row >= static_cast<int>(m_recording->Events().Count()))
+        return;
+    const u64 id = m_recording->Events().Id(static_cast<std::size_t>(row));
+    const ZrLogEvt before = m_recording->Events().At(static_cast<std::size_t>(row));
+    m_text->Ask(tr("Edit event"), before.detail, before.text, [this, id, before](const QString& words) {
+        const QString plain = words.simplified();
+        if (plain.isEmpty())
+            return tr("Type a text");
+        if (plain.size() > longestText)
+            return tr("At most %1 characters").arg(longestText);
+        ZrLogEvt evt = before;
+        evt.text = plain;
+        if (m_recording->Events().Edit(id, evt))
+            Save();
+        return QString();
+    });
+}
+
+void ReviewEvents::Remove(int row)
+{
+    if (!m_recording || row < 0 || row >= static_cast<int>(m_recording->Events().Count()))
+        return;
+    const auto at = static_cast<std::size_t>(row);
+    const QString text = m_recording->Events().At(at).text.simplified();
+    if (!m_recording->Events().Remove(m_recording->Events().Id(at)))
+        return;
+    Save();
+    m_view.Tell(tr("Event \"%1\" removed").arg(text), tr("Undo"), [this] { Undo(); });
+}
+
+void ReviewEvents::Undo()
+{
+    if (m_recording && m_recording->Events().CanUndo()) {
+        m_recording->Events().Undo();
+        Save();
+    }
+}
+
+void ReviewEvents::Redo()
+{
+    if (m_recording && m_recording->Events().CanRedo()) {
+        m_recording->Events().Redo();
+        Save();
+    }
+}
+
+void ReviewEvents::SetCurrent(int row)
+{
+    m_list->SetCurrent(row);
+}
+
+int ReviewEvents::Current() const
+{
+    return m_list->Current();
+}
+
+void ReviewEvents::Restyle()
+{
+    m_list->Restyle();
+    Fill();
+    Place();
+    update();
+}
+
+void ReviewEvents::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    Place();
+}
+
+void ReviewEvents::Place()
+{
+    const int side = std::max(ZrTheme::DpI(56), 44);
+    const int gap = ZrTheme::DpI(8);
+    int x = width() - side;
+    m_close->setGeometry(x, 0, side, side);
+    m_list->setGeometry(0, side, width(), height() - 2 * side);
+    x = 0;
+    for (ZrBtn* button : {m_edit, m_remove, m_undo, m_redo}) {
+        button->setGeometry(x, height() - side, side, side);
+        x += side + gap;
+    }
+}
+
+void ReviewEvents::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), ZrTheme::toolBack);
+    painter.setFont(ZrTheme::fontLarge);
+    painter.setPen(ZrTheme::titleCol);
+    painter.drawText(QRect(ZrTheme::DpI(16), 0, width(), m_close->height()), Qt::AlignLeft | Qt::AlignVCenter,
+        tr("Events"));
+}

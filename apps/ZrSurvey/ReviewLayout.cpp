@@ -1,0 +1,210 @@
+// Where things are on the page "Review", and what it paints itself.
+
+#include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/map/ZrWaterfallPanel.h"
+#include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/ui/ZrPlotPanel.h"
+#include "ZrKit/ui/ZrTimeBar.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/ReviewEvents.h"
+#include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewMap.h"
+#include "apps/ZrSurvey/ReviewMeasure.h"
+#include "apps/ZrSurvey/ReviewPage.h"
+#include "apps/ZrSurvey/ReviewSonar.h"
+#include "apps/ZrSurvey/ReviewText.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Shares of the page's height and width.
+constexpr double plotsShare = 0.38;
+constexpr double mapShare = 0.46;
+
+int HeaderHeight()
+{
+    return std::max(ZrTheme::DpI(48), 44);
+}
+
+} // namespace
+
+void ReviewPage::zr_initializeGL()
+{
+    m_map->Create();
+    m_sonar->Create();
+}
+
+void ReviewPage::zr_paintGL()
+{
+    if (!m_recording)
+        return;
+    if (m_map->Panel().isVisible())
+        m_map->Render();
+    if (m_sonar->Panel().isVisible())
+        m_sonar->Render();
+}
+
+void ReviewPage::OnPageClose()
+{
+    m_clock.Pause();
+    ShowState();
+}
+
+void ReviewPage::showEvent(QShowEvent* event)
+{
+    SurveyPage::showEvent(event);
+    m_sonar->ShowSettings();
+    ShowState();
+}
+
+void ReviewPage::OnColours()
+{
+    m_map->Restyle();
+    m_transport->Restyle();
+    m_events->Restyle();
+    m_export->Restyle();
+    m_sonar->Measure().Restyle();
+    QFont small = ZrTheme::font;
+    small.setPixelSize(std::max(ZrTheme::DpI(13), 10));
+    for (ZrBtn* button : {m_open, m_list, m_exportBtn}) {
+        button->font = small;
+        button->Changed();
+    }
+    ShowPlots();
+    m_bar->Restyle();
+    SurveyPage::OnColours();
+}
+
+int ReviewPage::BandLeft() const
+{
+    return m_open->x() - Gap();
+}
+
+QRect ReviewPage::HeaderOf(const QRect& pane) const
+{
+    return {pane.x(), pane.y(), pane.width(), HeaderHeight()};
+}
+
+void ReviewPage::Place()
+{
+    const int gap = Gap();
+    const QRect area = Content();
+    int x = BandRight();
+    const int tool = std::max(ZrTheme::DpI(80), 52);
+    for (ZrBtn* button : {m_exportBtn, m_list, m_open}) {
+        x -= tool;
+        button->setGeometry(x, ZrTheme::DpI(8), tool, ZrTheme::DpI(BandHeight) - ZrTheme::DpI(16));
+        x -= gap;
+    }
+    const int transport = std::max(ZrTheme::DpI(72), 52);
+    const int bar = std::max(ZrTheme::DpI(ZrTimeBar::Height), 64);
+    const int bottom = area.bottom() + 1 - gap;
+    m_transport->setGeometry(area.x(), bottom - transport, area.width(), transport);
+    m_bar->setGeometry(area.x(), bottom - transport - bar, area.width(), bar);
+    const bool hasLog = m_recording != nullptr;
+    const QRect upper(area.x(), area.y(), area.width(), m_bar->y() - area.y());
+    m_firstOpen->setGeometry(upper.center().x() - ZrTheme::DpI(160), upper.center().y(), ZrTheme::DpI(320),
+        std::max(ZrTheme::DpI(72), 52));
+    const bool hasEvents = hasLog && m_events->isVisibleTo(this);
+    const int list = hasEvents ? std::max(ZrTheme::DpI(340), 240) : 0;
+    m_events->setGeometry(area.right() + 1 - list, upper.y() + gap / 2, list, upper.height() - gap / 2);
+    const QRect panes = upper.adjusted(0, gap / 2, hasEvents ? -list - gap : 0, -gap / 2);
+
+    const bool hasSonar = hasLog && m_recording->HasSonar();
+    const bool hasPlots = hasLog && m_recording->Series().Count() > 0;
+    const bool isMap = hasLog && (m_pane == paneAll || m_pane == paneMap);
+    const bool isSonar = hasSonar && (m_pane == paneAll || m_pane == paneSonar);
+    const bool isPlots = hasPlots && (m_pane == paneAll || m_pane == panePlots);
+    QRect top = panes;
+    QRect plots = panes;
+    if (isPlots && m_pane == paneAll) {
+        plots.setTop(panes.bottom() + 1 - qRound(panes.height() * plotsShare));
+        top.setBottom(plots.top() - gap);
+    }
+    QRect map = top;
+    QRect sonar = top;
+    if (isMap && isSonar) {
+        map.setWidth(qRound(top.width() * mapShare));
+        sonar.setLeft(map.right() + 1 + gap);
+    }
+    m_mapHeader = isMap ? HeaderOf(map) : QRect();
+    m_sonarHeader = isSonar ? HeaderOf(sonar) : QRect();
+    m_plotsHeader = QRect();
+    m_map->Panel().setVisible(isMap);
+    m_map->Panel().setGeometry(map.adjusted(0, HeaderHeight(), 0, 0));
+    m_sonar->Place(sonar.adjusted(0, HeaderHeight(), 0, 0), isSonar);
+    m_plots->setVisible(isPlots);
+    const int side = HeaderHeight();
+    m_plots->setGeometry(plots.adjusted(0, 0, -side - gap, 0));
+    m_plotsLarge->setGeometry(plots.right() + 1 - side, plots.y(), side, side);
+    m_plotsLarge->setVisible(isPlots);
+    const auto row = [side](const QRect& header, bool isShown, std::initializer_list<ZrBtn*> buttons) {
+        int at = header.right() + 1 - side;
+        for (ZrBtn* button : buttons) {
+            button->setVisible(isShown);
+            button->setGeometry(at, header.y(), side, side);
+            at -= side;
+        }
+    };
+    row(m_mapHeader, isMap, {m_mapLarge, m_follow, m_fit});
+    row(m_sonarHeader, isSonar, {m_sonarLarge, m_measure, m_bottom, m_slant, m_look});
+    m_list->setEnabled(hasLog);
+    m_list->on = hasEvents;
+    m_list->Changed();
+    update();
+}
+
+void ReviewPage::PaintHeader(QPainter& painter, const QRect& header, const QString& text, int right)
+{
+    if (header.isEmpty())
+        return;
+    painter.fillRect(header, ZrTheme::toolBack);
+    painter.setFont(ZrTheme::font);
+    painter.setPen(ZrTheme::ctrlCol);
+    const QRect room(header.x() + 2 * Gap(), header.y(), right - header.x() - 3 * Gap(), header.height());
+    QFont font = painter.font();
+    const int wide = painter.fontMetrics().horizontalAdvance(text);
+    if (wide > room.width())
+        font.setPixelSize(std::max(font.pixelSize() * std::max(room.width(), 1) / wide, 11));
+    painter.setFont(font);
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+        painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width()));
+}
+
+void ReviewPage::paintEvent(QPaintEvent* event)
+{
+    SurveyPage::paintEvent(event);
+    QPainter painter(this);
+    // All but what OpenGL draws.
+    QRegion around = Content();
+    if (m_map->Panel().isVisible())
+        around -= m_map->Panel().geometry();
+    if (m_sonar->Panel().isVisible())
+        around -= m_sonar->Panel().geometry();
+    QColor back = ZrTheme::formMgr;
+    back.setAlpha(255);
+    for (const QRect& part : around)
+        painter.fillRect(part, back);
+    if (!m_recording) {
+        painter.setFont(ZrTheme::fontLarge);
+        painter.setPen(ZrTheme::bodyCol);
+        const QRect above(0, m_firstOpen->y() - ZrTheme::DpI(64), width(), ZrTheme::DpI(48));
+        painter.drawText(above, Qt::AlignCenter, tr("No recording is open"));
+        return;
+    }
+    const ZrGeoPoint at = m_recording->PositionAt(m_clock.Time());
+    PaintHeader(painter, m_mapHeader, review::position_text(at.lat, at.lng), m_fit->x());
+    if (m_sonarHeader.isEmpty())
+        return;
+    const double ping = m_recording->PingAt(m_clock.Time());
+    const auto line = static_cast<std::size_t>(std::lround(ping));
+    const QString altitude = review::length_text(m_recording->Bottom().Altitude(line), 1);
+    PaintHeader(painter, m_sonarHeader,
+        tr("Line %1 of %2, altitude %3").arg(line + 1).arg(m_recording->Pings().size()).arg(altitude),
+        m_look->x());
+}

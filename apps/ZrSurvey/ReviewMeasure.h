@@ -1,0 +1,82 @@
+#pragma once
+
+#include "ZrKit/sonar/ZrSonarMeasure.h"
+#include "ZrKit/sonar/ZrWaterfallPoint.h"
+
+#include <QWidget>
+
+#include <optional>
+
+class QPainter;
+class ZrBtn;
+class ZrSurveyRecording;
+class ZrWaterfallPanel;
+
+/// What was measured in the waterfall: a target by a tap, its length by a drag, its height by the end of its
+/// shadow; told in a panel, and stored as an event.
+class ReviewMeasure : public QWidget
+{
+    Q_OBJECT
+
+public:
+    ReviewMeasure(QWidget* parent, ZrWaterfallPanel& panel);
+
+    void Show(ZrSurveyRecording* recording); ///< null for none; forgets what was measured
+    void SetOn(bool on);
+
+    bool IsOn() const { return m_isOn; }
+
+    void Clear();
+
+    const std::optional<ZrSonarTarget>& Target() const { return m_target; } ///< marked last
+
+    const std::optional<ZrSonarMeasure::Extent>& Extent() const { return m_extent; }
+
+    const std::optional<ZrSonarMeasure::Shadow>& Shadow() const { return m_shadow; }
+
+    void PaintMarks(QPainter& painter); ///< into the overlay of the panel
+    void Place(const QRect& area); ///< the part of the page that it may cover
+    void Restyle();
+
+    ZrBtn& ShadowButton() { return *m_shadowButton; }
+
+    ZrBtn& StoreButton() { return *m_store; }
+
+Q_SIGNALS:
+    void Failed(const QString& reason); ///< a sentence
+    void Stored(double time, const QString& text, const QString& detail); ///< log time
+    void OnChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    struct Line
+    {
+        QString caption;
+        QString value;
+    };
+
+    std::optional<ZrSonarSpot> SpotAt(const ZrWaterfallPoint& point) const;
+    void OnTapped(const ZrWaterfallPoint& point);
+    void OnDrawn(const QPointF& from, const QPointF& to, bool isDone);
+    void Mark(const ZrSonarSpot& spot);
+    void Store();
+    void Update();
+    QVector<Line> Lines() const;
+    QPointF PixelOf(const ZrSonarSpot& spot) const;
+
+    ZrWaterfallPanel& m_panel;
+    ZrSurveyRecording* m_recording = nullptr;
+    ZrBtn* m_shadowButton;
+    ZrBtn* m_store;
+    ZrBtn* m_clear;
+    QRect m_area;
+    bool m_isOn = false;
+    bool m_wantsShadow = false;
+    std::optional<ZrSonarTarget> m_target;
+    std::optional<ZrSonarSpot> m_end;
+    std::optional<ZrSonarMeasure::Extent> m_extent;
+    std::optional<ZrSonarMeasure::Shadow> m_shadow;
+    ZrSonarSpot m_shadowEnd;
+};

@@ -1,0 +1,212 @@
+#include "apps/ZrSurvey/ReviewSonar.h"
+
+#include "ZrKit/map/ZrWaterfallPalettes.h"
+#include "ZrKit/map/ZrWaterfallPanel.h"
+#include "ZrKit/review/ZrAxisTicks.h"
+#include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/ReviewLook.h"
+#include "apps/ZrSurvey/ReviewMeasure.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveyPage.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Over the picture, which is dark by day too; not the theme's, which may be dark as well.
+const QColor cursorColour(255, 255, 255);
+const QColor bottomColour(64, 224, 255);
+const QColor eventColour(255, 190, 40);
+const QColor shade(0, 0, 0, 150);
+
+} // namespace
+
+ReviewSonar::ReviewSonar(SurveyPage& page)
+    : m_page(page)
+    , m_panel(new ZrWaterfallPanel(&page))
+    , m_measure(new ReviewMeasure(&page, *m_panel))
+    , m_look(new ReviewLook(&page, page.View().Model().settings))
+{
+    m_panel->m_overlay
+        = [this](QPainter& painter, const ZrWaterfallLayout& layout) { PaintOverlay(painter, layout); };
+    m_panel->m_layer.m_isSmooth = true;
+    connect(m_panel, &ZrWaterfallPanel::Changed, &page, &SurveyPage::Changed);
+    connect(m_panel, &ZrWaterfallPanel::ScrubBegan, this, &ReviewSonar::ScrubBegan);
+    connect(m_panel, &ZrWaterfallPanel::Scrubbed, this, [this](double ping) {
+        if (m_recording)
+            Q_EMIT Scrubbed(m_recording->TimeOfPing(ping));
+    });
+    connect(m_panel, &ZrWaterfallPanel::Tapped, this, [this](const ZrWaterfallPoint& point) {
+        if (!m_recording || m_measure->IsOn() || !point.IsValid())
+            return;
+        Q_EMIT ScrubBegan();
+        Q_EMIT Scrubbed(m_recording->TimeOfPing(point.ping));
+    });
+    connect(m_look, &ReviewLook::Changed, this, &ReviewSonar::ShowSettings);
+}
+
+ReviewSonar::~ReviewSonar()
+{
+    // The panel may live longer.
+    m_panel->SetLoader(nullptr);
+    m_panel->m_overlay = nullptr;
+}
+
+void ReviewSonar::Create()
+{
+    m_panel->Surface().OnCreate();
+    ZrWaterfallPalettes::Load(m_panel->Surface());
+}
+
+void ReviewSonar::Render()
+{
+    m_panel->Surface().Render();
+}
+
+void ReviewSonar::Show(ZrSurveyRecording* recording)
+{
+    m_panel->SetLoader(nullptr);
+    m_loader.reset();
+    m_recording = recording;
+    if (recording && recording->HasSonar()) {
+        m_loader = std::make_unique<ZrWaterfallLoader>(recording->Waterfall());
+        m_panel->SetLoader(m_loader.get());
+    }
+    m_measure->Show(recording);
+    m_look->hide();
+    ShowSettings();
+}
+
+void ReviewSonar::SetCursor(double steady)
+{
+    if (m_recording && m_recording->HasSonar())
+        m_panel->SetCursor(m_recording->PingAt(steady));
+}
+
+void ReviewSonar::ShowSettings()
+{
+    const SurveySettings& settings = m_page.View().Model().settings;
+    ZrWaterfallPalettes::SetLook(m_panel->m_layer, settings.palette, settings.gain, settings.contrast);
+    m_panel->m_view.slantCorrected = settings.slant;
+    m_panel->Refresh();
+}
+
+void ReviewSonar::Place(const QRect& area, bool isVisible)
+{
+    m_panel->setVisible(isVisible);
+    m_panel->setGeometry(area);
+    m_measure->Place(area);
+    m_measure->setVisible(isVisible && m_measure->IsOn());
+    m_measure->Restyle();
+    m_look->Place(area);
+    if (!isVisible)
+        m_look->hide();
+    m_look->raise();
+}
+
+void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layout)
+{
+    if (!m_recording || !m_recording->HasSonar())
+        return;
+    const double unit = static_cast<double>(ZrTheme::dp) * m_panel->devicePixelRatioF();
+    // The brightest thing on the screen would take the eyes their night sight.
+    if (ZrColourScheme::Current() == ZrColourScheme::night)
+        painter.fillRect(QRect(QPoint(), layout.View().rect.size()), QColor(30, 0, 0, 150));
+    if (m_page.View().Model().settings.bottom && !layout.IsSlantCorrected())
+        PaintBottom(painter, layout);
+    PaintScale(painter, layout);
+    const double width = m_panel->width() * m_panel->devicePixelRatioF();
+    const ZrEventList& events = m_recording->Events();
+    for (std::size_t i = 0; i < events.Count(); ++i) {
+        const double y = m_panel->YOf(m_recording->PingAt(m_recording->TimeOf(events.At(i))));
+        if (std::isnan(y))
+            continue;
+        painter.setPen(QPen(eventColour, 2.0 * unit));
+        painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
+        painter.setBrush(eventColour);
+        const QPointF flag[]
+            = {{28.0 * unit, y - 6.0 * unit}, {38.0 * unit, y}, {28.0 * unit, y + 6.0 * unit}};
+        painter.drawPolygon(flag, 3);
+    }
+    const double y = m_panel->YOf(m_panel->Cursor());
+    if (!std::isnan(y)) {
+        painter.setPen(QPen(shade, 4.0 * unit));
+        painter.drawLine(QPointF(0.0, y), QPointF(width, y));
+        painter.setPen(QPen(cursorColour, std::max(1.5 * unit, 1.0)));
+        painter.drawLine(QPointF(0.0, y), QPointF(width, y));
+    }
+    m_measure->PaintMarks(painter);
+}
+
+void ReviewSonar::PaintBottom(QPainter& painter, const ZrWaterfallLayout& layout)
+{
+    if (!(layout.MetresPerPixel() > 0.0))
+        return;
+    const double middle = layout.View().rect.x() + layout.Columns(sidePort);
+    QPolygonF sides[2];
+    const auto draw = [&painter, &sides] {
+        for (QPolygonF& side : sides) {
+            painter.drawPolyline(side);
+            side.clear();
+        }
+    };
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(bottomColour, std::max(1.2 * m_panel->devicePixelRatioF(), 1.0)));
+    for (const ZrWaterfallLayout::Row& row : layout.Rows()) {
+        const double altitude = row.line >= 0
+            ? m_recording->Bottom().Altitude(static_cast<std::size_t>(row.line))
+            : std::nan("");
+        if (std::isnan(altitude)) {
+            draw();
+            continue;
+        }
+        const double y = (row.from + row.to) / 2.0;
+        const double away = altitude / layout.MetresPerPixel();
+        sides[0].append({middle - away, y});
+        sides[1].append({middle + away, y});
+    }
+    draw();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
+/// Ranges along the lower edge.
+void ReviewSonar::PaintScale(QPainter& painter, const ZrWaterfallLayout& layout)
+{
+    if (!(layout.MetresPerPixel() > 0.0))
+        return;
+    const double ratio = m_panel->devicePixelRatioF();
+    QFont font = ZrTheme::font;
+    font.setPixelSize(qRound(std::max(ZrTheme::DpI(14), 11) * ratio));
+    painter.setFont(font);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int width = qRound(m_panel->width() * ratio);
+    const int bottom = qRound(m_panel->height() * ratio);
+    const int high = metrics.height() + 4;
+    painter.fillRect(0, bottom - high, width, high, shade);
+    const double scale = ZrUnits::shortLengthScale;
+    const double middle = layout.View().rect.x() + layout.Columns(sidePort);
+    const double most = std::max(layout.Range(sidePort), layout.Range(sideStarboard)) * scale;
+    const double pixels = std::max(layout.Columns(sidePort), layout.Columns(sideStarboard));
+    const ZrAxisTicks ticks(0.0, most, std::max(static_cast<int>(pixels / (70.0 * ratio)), 2));
+    painter.setPen(QColor(235, 240, 245));
+    for (const double value : ticks.Values()) {
+        for (const int sign : {-1, 1}) {
+            const double x = middle + sign * value / scale / layout.MetresPerPixel();
+            if ((value == 0.0 && sign < 0) || x < 0.0 || x > width)
+                continue;
+            painter.drawLine(QPointF(x, bottom - high - 4 * ratio), QPointF(x, bottom - high));
+            const QString text = value == 0.0 ? ZrUnits::GetShortLengthUnits() : ticks.Label(value);
+            const int half = metrics.horizontalAdvance(text) / 2 + 2;
+            if (x < half || x + half > width)
+                continue;
+            painter.drawText(QRectF(x - half, bottom - high, 2.0 * half, high), Qt::AlignCenter, text);
+        }
+    }
+}

@@ -1,0 +1,43 @@
+#include "apps/ZrSurvey/ReviewText.h"
+
+#include "ZrUtil/ZrUnits.h"
+
+#include <cmath>
+
+namespace {
+
+const QString dash = QStringLiteral("–");
+
+} // namespace
+
+QString review::length_text(double metres, int places)
+{
+    if (!std::isfinite(metres))
+        return dash;
+    return ZrUnits::GetShortLengthString(metres, places, false) + QLatin1Char(' ')
+        + ZrUnits::GetShortLengthUnits();
+}
+
+QString review::speed_text(double metresPerSecond)
+{
+    if (!std::isfinite(metresPerSecond))
+        return dash;
+    return ZrUnits::GetSpeedString(metresPerSecond, 2, false) + QLatin1Char(' ') + ZrUnits::GetSpeedUnits();
+}
+
+QString review::angle_text(double degrees)
+{
+    return std::isfinite(degrees) ? ZrUnits::GetAngleString(degrees, 1, true) : dash;
+}
+
+QString review::position_text(double latitude, double longitude)
+{
+    if (!std::isfinite(latitude) || !std::isfinite(longitude))
+        return dash;
+    if (ZrUnits::GetGeoStyle() != eGeoUTM)
+        return ZrUnits::GetLatString(latitude) + QStringLiteral("  ") + ZrUnits::GetLngString(longitude);
+    QString east;
+    QString north;
+    ZrUnits::GetENStrings(latitude, longitude, east, north);
+    return east + QStringLiteral("  ") + north;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/// Values as the pages show them: in the units and the style of positions in force, a dash for what is not
+/// known.
+namespace review {
+
+QString length_text(double metres, int places);
+QString speed_text(double metresPerSecond);
+QString angle_text(double degrees);
+QString position_text(double latitude, double longitude);
+
+} // namespace review

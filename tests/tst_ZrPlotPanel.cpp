@@ -1,0 +1,250 @@
+// Curves over time: values in the units in force, what a tap tells, how much a painting looks at.
+
+#include "ZrKit/review/ZrPlotSeries.h"
+#include "ZrKit/ui/ZrPlotPanel.h"
+#include "ZrUiChecks.h"
+#include "ZrUnitsState.h"
+
+#include <QSignalSpy>
+#include <QWheelEvent>
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double start = 1614780300.0;
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+
+struct Data
+{
+    std::shared_ptr<ZrSteadyTime> times = std::make_shared<ZrSteadyTime>();
+    ZrPlotSeries depth{times};
+    ZrPlotSeries heading{times};
+    ZrPlotSeries speed{times};
+    ZrTimeLine line;
+
+    explicit Data(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            times->Append(start + i);
+            depth.Append(static_cast<float>(10 + i % 7));
+            heading.Append(static_cast<float>(350 + i));
+            speed.Append(i == 4 ? static_cast<float>(unknown) : 1.5F);
+        }
+        line.SetLog(times);
+    }
+};
+
+} // namespace
+
+class tst_ZrPlotPanel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void valuesAtTheCursor();
+    void units();
+    void tapTellsTheTime();
+    void tapInTheSecondColumn();
+    void wheelAsksForZoom();
+    void asManyPlotsAsHaveRoom();
+    void looksDoNotGrowWithTheLog();
+    void paintsOnlyChanges();
+    void nothingToShow();
+    void unitsArePainted();
+
+private:
+    void Show();
+
+    std::unique_ptr<ZrThemeState> m_theme;
+    std::unique_ptr<Data> m_data;
+    std::unique_ptr<ZrPlotPanel> m_panel;
+};
+
+void tst_ZrPlotPanel::init()
+{
+    m_theme = std::make_unique<ZrThemeState>();
+    m_data = std::make_unique<Data>(100);
+    m_panel = std::make_unique<ZrPlotPanel>(nullptr);
+    m_panel->resize(600, 400);
+    Show();
+    m_panel->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_panel.get()));
+    Settle();
+}
+
+void tst_ZrPlotPanel::cleanup()
+{
+    m_panel.reset();
+    m_data.reset();
+    m_theme.reset();
+}
+
+void tst_ZrPlotPanel::Show()
+{
+    m_panel->SetTimeLine(&m_data->line);
+    m_panel->SetPlots(
+        {{QStringLiteral("Depth"), ZrPlotPanel::length, true, {{&m_data->depth, QColor(), QString()}}},
+            {QStringLiteral("Heading"), ZrPlotPanel::angle, false, {{&m_data->heading, QColor(), QString()}}},
+            {QStringLiteral("Speed"), ZrPlotPanel::speed, false, {{&m_data->speed, QColor(), QString()}}}});
+}
+
+void tst_ZrPlotPanel::valuesAtTheCursor()
+{
+    const ZrUnitsState units;
+    ZrUnits::SetToMetric();
+    const QString dash = QStringLiteral("–");
+    QCOMPARE(m_panel->ValueText(0, 0), dash);
+    m_panel->SetCursor(start + 3.0);
+    QCOMPARE(m_panel->ValueText(0, 0), QStringLiteral("13.0 m"));
+    // The record before, not the nearest.
+    m_panel->SetCursor(start + 3.9);
+    QCOMPARE(m_panel->ValueText(0, 0), QStringLiteral("13.0 m"));
+    QCOMPARE(m_panel->ValueText(2, 0), QStringLiteral("1.50 m/s"));
+    m_panel->SetCursor(start + 4.0);
+    QCOMPARE(m_panel->ValueText(2, 0), dash);
+    // A heading without leaps is shown as one.
+    m_panel->SetCursor(start + 20.0);
+    QCOMPARE(m_panel->ValueText(1, 0), QStringLiteral("10.0°"));
+    m_panel->SetCursor(start - 1.0);
+    QCOMPARE(m_panel->ValueText(0, 0), dash);
+    QCOMPARE(m_panel->ValueText(9, 0), QString());
+    QCOMPARE(m_panel->ValueText(0, -1), QString());
+}
+
+void tst_ZrPlotPanel::units()
+{
+    const ZrUnitsState units;
+    ZrUnits::SetToImperial();
+    m_panel->SetCursor(start);
+    QCOMPARE(m_panel->ValueText(0, 0), QStringLiteral("32.8 ft"));
+    QCOMPARE(m_panel->ValueText(2, 0), QStringLiteral("2.92 kts"));
+}
+
+void tst_ZrPlotPanel::tapTellsTheTime()
+{
+    const QSignalSpy began(m_panel.get(), &ZrPlotPanel::ScrubBegan);
+    const QSignalSpy scrubbed(m_panel.get(), &ZrPlotPanel::Scrubbed);
+    const QSignalSpy ended(m_panel.get(), &ZrPlotPanel::ScrubEnded);
+    const QRect plot = m_panel->PlotRect(1);
+    SendPress(*m_panel, QPoint(plot.x() + plot.width() / 2, plot.center().y()));
+    SendMove(*m_panel, QPoint(plot.x(), plot.center().y()));
+    SendRelease(*m_panel, QPoint(plot.x(), plot.center().y()));
+    QCOMPARE(began.size(), 1);
+    QCOMPARE(ended.size(), 1);
+    QCOMPARE(scrubbed.size(), 2);
+    QVERIFY(std::fabs(scrubbed[0][0].toDouble() - (start + 49.5)) < 0.2);
+    QCOMPARE(scrubbed[1][0].toDouble(), start);
+}
+
+void tst_ZrPlotPanel::tapInTheSecondColumn()
+{
+    m_panel->resize(1200, 300);
+    const QRect first = m_panel->PlotRect(0);
+    const QRect second = m_panel->PlotRect(1);
+    QCOMPARE(second.y(), first.y());
+    QVERIFY(second.x() > first.right());
+    const QSignalSpy scrubbed(m_panel.get(), &ZrPlotPanel::Scrubbed);
+    SendPress(*m_panel, QPoint(second.x() + second.width() / 4, second.center().y()));
+    QVERIFY(std::fabs(scrubbed[0][0].toDouble() - (start + 24.75)) < 0.3);
+}
+
+void tst_ZrPlotPanel::wheelAsksForZoom()
+{
+    const QSignalSpy zoomed(m_panel.get(), &ZrPlotPanel::ZoomWanted);
+    const QSignalSpy panned(m_panel.get(), &ZrPlotPanel::PanWanted);
+    const QRect plot = m_panel->PlotRect(0);
+    for (const Qt::KeyboardModifiers modifiers :
+        {Qt::KeyboardModifiers(), Qt::KeyboardModifiers(Qt::ShiftModifier)}) {
+        QWheelEvent event(plot.center(), m_panel->mapToGlobal(plot.center()), QPoint(), QPoint(0, 240),
+            Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(m_panel.get(), &event);
+    }
+    QCOMPARE(zoomed.size(), 1);
+    QCOMPARE(zoomed[0][0].toDouble(), 1.25 * 1.25);
+    QVERIFY(std::fabs(zoomed[0][1].toDouble() - 0.5) < 0.01);
+    QCOMPARE(panned.size(), 1);
+    QCOMPARE(panned[0][0].toDouble(), -0.2);
+}
+
+void tst_ZrPlotPanel::asManyPlotsAsHaveRoom()
+{
+    QCOMPARE(m_panel->ShownPlots(), 3);
+    m_panel->resize(600, 130);
+    QCOMPARE(m_panel->ShownPlots(), 2);
+    m_panel->resize(600, 10);
+    QCOMPARE(m_panel->ShownPlots(), 1);
+    QCOMPARE(m_panel->PlotRect(1), QRect());
+    m_panel->resize(1200, 130);
+    QCOMPARE(m_panel->ShownPlots(), 3);
+}
+
+/// A painting of a million records looks at no more than one of ten thousand, but for logarithms.
+void tst_ZrPlotPanel::looksDoNotGrowWithTheLog()
+{
+    std::size_t looks[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        m_panel->SetTimeLine(nullptr);
+        m_panel->SetPlots({});
+        m_data = std::make_unique<Data>(i == 0 ? 10000 : 1000000);
+        Show();
+        Painted(*m_panel);
+        looks[i] = m_panel->Looks();
+    }
+    QVERIFY(looks[0] > 0);
+    QVERIFY2(looks[1] < 4 * looks[0] && looks[1] < 300000,
+        qPrintable(QStringLiteral("%1 and %2").arg(looks[0]).arg(looks[1])));
+}
+
+void tst_ZrPlotPanel::paintsOnlyChanges()
+{
+    ZrPaintCounter paints(*m_panel);
+    paints.Take();
+    m_panel->SetCursor(start + 1.0);
+    QCOMPARE(paints.Take(), 1);
+    m_panel->SetCursor(start + 1.0);
+    QCOMPARE(paints.Take(), 0);
+}
+
+void tst_ZrPlotPanel::nothingToShow()
+{
+    const QSignalSpy scrubbed(m_panel.get(), &ZrPlotPanel::Scrubbed);
+    m_panel->SetTimeLine(nullptr);
+    QTest::mouseClick(m_panel.get(), Qt::LeftButton, Qt::NoModifier, QPoint(300, 60));
+    QVERIFY(!Painted(*m_panel).isNull());
+    const ZrTimeLine none;
+    m_panel->SetTimeLine(&none);
+    QTest::mouseClick(m_panel.get(), Qt::LeftButton, Qt::NoModifier, QPoint(300, 60));
+    QVERIFY(!Painted(*m_panel).isNull());
+    QCOMPARE(scrubbed.size(), 0);
+    // Nothing but unknown values.
+    ZrPlotSeries empty(m_data->times);
+    for (int i = 0; i < 100; ++i)
+        empty.Append(static_cast<float>(unknown));
+    m_panel->SetTimeLine(&m_data->line);
+    m_panel->SetPlots(
+        {{QStringLiteral("Nothing"), ZrPlotPanel::number, false, {{&empty, QColor(), QString()}}}});
+    QVERIFY(!Painted(*m_panel).isNull());
+    m_panel->SetPlots({});
+    m_panel->resize(1, 1);
+    QVERIFY(!Painted(*m_panel).isNull());
+}
+
+/// The axis is in the units in force at every painting.
+void tst_ZrPlotPanel::unitsArePainted()
+{
+    const ZrUnitsState units;
+    ZrUnits::SetToMetric();
+    const QImage metric = Painted(*m_panel);
+    ZrUnits::SetToImperial();
+    QVERIFY(Painted(*m_panel) != metric);
+    ZrUnits::SetToMetric();
+    QCOMPARE(Painted(*m_panel), metric);
+}
+
+QTEST_MAIN(tst_ZrPlotPanel)
+#include "tst_ZrPlotPanel.moc"
