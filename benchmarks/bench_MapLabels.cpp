@@ -1,12 +1,12 @@
 // 1,000 labels of a map: `ZrLabelLayer`, which draws them in one call, against one text buffer and one draw
 // for each, laid out in every frame as a page without the layer has to while its map moves.
 //
-// Both draw the same texts at the same places and in the same size, on a moving map of 1280 × 800 pixels, and
-// take turns within one run. `ratio` is that of the median times of a frame, `ratio_min` that of the fastest
-// ones, `ratio_cpu` that of the processor time of all threads, which other programs disturb least. Where the
-// processor draws the pixels, these are nearly all of it: with `seen` 0 the labels are beyond the edge of the
-// view, and what is left is what drawing costs the application and the driver. Single texts have no halo:
-// with `halo` 1 the layer draws twice as much. Needs a display.
+// Both draw the same texts of ten characters at the same places in fonts of `size` pixels, on a moving map of
+// 1280 × 800 pixels, and take turns within one run. `ratio` is that of the median times of a frame,
+// `ratio_min` that of the fastest ones, `ratio_cpu` that of the processor time of all threads, which other
+// programs disturb least. Where the processor draws the pixels, these are nearly all of it: with `seen` 0 the
+// labels are beyond the edge of the view, and what is left is what drawing costs the application and the
+// driver. Single texts have no halo: with `halo` 1 the layer draws twice as much. Needs a display.
 
 #include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMapView.h"
@@ -59,6 +59,7 @@ public:
         QSurfaceFormat::setDefaultFormat(format);
         m_app = std::make_unique<QGuiApplication>(argc, argv);
         ZrTheme::SetStdStyle();
+        ZrTheme::dp = 1.0F;
         m_offscreen = std::make_unique<QOffscreenSurface>();
         m_offscreen->create();
         m_context = std::make_unique<QOpenGLContext>();
@@ -67,7 +68,6 @@ public:
         m_buffer = std::make_unique<QOpenGLFramebufferObject>(width, height);
         m_buffer->bind();
         surface = std::make_unique<Surface>();
-        surface->m_font = ZrTheme::font;
         surface->ZrglSetViewport(0, 0, width, height);
         surface->OnCreate();
         surface->ZrGlClipToViewport();
@@ -78,7 +78,7 @@ public:
         std::uniform_real_distribution<double> y(-380.0, 380.0);
         for (int i = 0; i < labelCount; ++i) {
             ZrMapLabel label;
-            label.text = QStringLiteral("WP %1").arg(i);
+            label.text = QStringLiteral("Buoy %1").arg(10000 + i);
             label.position = QPointF(x(random), y(random));
             labels.push_back(label);
         }
@@ -86,6 +86,16 @@ public:
     }
 
     bool IsValid() const { return m_isValid; }
+
+    /// Of both sides, pixels on screen.
+    void SetFontSize(int pixels)
+    {
+        QFont font = ZrTheme::font;
+        font.setPixelSize(pixels);
+        surface->ZrglSetFont(font);
+        for (ZrMapLabel& label : labels)
+            label.size = static_cast<float>(pixels);
+    }
 
     void Begin()
     {
@@ -166,6 +176,7 @@ void LabelsBatched(benchmark::State& state)
         state.SkipWithError("no display");
         return;
     }
+    scene.SetFontSize(static_cast<int>(state.range(2)));
     std::vector<ZrMapLabel> labels = scene.labels;
     for (ZrMapLabel& label : labels)
         label.halo = state.range(0) != 0 ? QColor(0, 0, 0, 240) : QColor(Qt::transparent);
@@ -196,10 +207,11 @@ void LabelsBatched(benchmark::State& state)
 } // namespace
 
 BENCHMARK(LabelsBatched)
-    ->ArgNames({"halo", "seen"})
-    ->Args({0, 0})
-    ->Args({0, 1})
-    ->Args({1, 1})
+    ->ArgNames({"halo", "seen", "size"})
+    ->Args({0, 0, 13})
+    ->Args({0, 1, 13})
+    ->Args({0, 1, 18})
+    ->Args({1, 1, 13})
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->MinTime(2.0);

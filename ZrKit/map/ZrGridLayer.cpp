@@ -275,7 +275,7 @@ void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& la
     label.alignY = ZrMapLabel::alignMiddle;
     label.size = static_cast<float>(northText);
     label.haloWidth = 0.0F;
-    label.colour = light;
+    label.colour = Opaque(Valid(ZrTheme::ctrlCol, Qt::white));
     label.priority = ZrMapLabel::AlwaysShown;
     labels.push_back(label);
 }

@@ -119,3 +119,9 @@ ZrMapGesture::eEvent ZrMapInput::Tick(ZrMapView& view)
 {
     return m_gesture.Tick(view, Seconds());
 }
+
+void ZrMapInput::Cancel()
+{
+    m_gesture.Cancel();
+    m_isTurning = false;
+}

@@ -38,6 +38,9 @@ public:
     /// For each frame: lets the map coast on. `moved` asks for another frame.
     ZrMapGesture::eEvent Tick(ZrMapView& view);
 
+    /// Fingers and mouse are taken away; nothing comes of what they had begun.
+    void Cancel();
+
 private:
     ZrMapGesture::eEvent Touch(ZrMapView& view, QTouchEvent& event, double pixelFactor);
     ZrMapGesture::eEvent Mouse(ZrMapView& view, QEvent* event, double pixelFactor);

@@ -34,8 +34,10 @@ void ZrMapPanel::Match()
 {
     const double ratio = devicePixelRatioF();
     const int below = parentWidget() ? parentWidget()->height() - y() - height() : 0;
-    const QRect viewport(
-        qRound(x() * ratio), qRound(below * ratio), qRound(width() * ratio), qRound(height() * ratio));
+    // From edge to edge: of panels side by side none leaves a pixel free or covers one of the other's.
+    const QPoint from(qRound(x() * ratio), qRound(below * ratio));
+    const QPoint to(qRound((x() + width()) * ratio), qRound((below + height()) * ratio));
+    const QRect viewport(from.x(), from.y(), to.x() - from.x(), to.y() - from.y());
     m_map.ZrglSetViewport(viewport);
     m_map.OnResize(viewport.width(), viewport.height());
     Q_EMIT Changed();
@@ -56,7 +58,8 @@ void ZrMapPanel::hideEvent(QHideEvent* event)
     m_frames->stop();
     if (m_isDragging)
         Drag(dragCancel, m_last);
-    m_input.m_gesture.Cancel();
+    m_isSpoilt = false;
+    m_input.Cancel();
     ZrSfHolder::hideEvent(event);
 }
 
@@ -119,6 +122,12 @@ bool ZrMapPanel::Claimed(QEvent& event)
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd: {
         const auto points = static_cast<QTouchEvent&>(event).touchPoints();
+        if (m_isSpoilt && event.type() != QEvent::TouchBegin) {
+            m_isSpoilt = event.type() != QEvent::TouchEnd;
+            event.accept();
+            return true;
+        }
+        m_isSpoilt = false;
         if (!m_isDragging) {
             const bool isFirst = event.type() == QEvent::TouchBegin && points.size() == 1;
             if (!isFirst || !BeginClaim(points[0].pos() * ratio))
@@ -129,7 +138,8 @@ bool ZrMapPanel::Claimed(QEvent& event)
         }
         for (const QTouchEvent::TouchPoint& point : points) {
             if (point.id() != m_finger) {
-                // A second finger never moves a mark.
+                // A second finger never moves a mark. Until all are lifted nothing else comes of them.
+                m_isSpoilt = event.type() != QEvent::TouchEnd;
                 Drag(dragCancel, m_last);
                 break;
             }
@@ -142,6 +152,7 @@ bool ZrMapPanel::Claimed(QEvent& event)
         return true;
     }
     case QEvent::TouchCancel:
+        m_isSpoilt = false;
         if (!m_isDragging)
             return false;
         Drag(dragCancel, m_last);
@@ -167,7 +178,9 @@ bool ZrMapPanel::Claimed(QEvent& event)
     case QEvent::MouseButtonRelease:
         if (!m_isDragging || m_finger != mouse)
             return false;
-        Drag(dragEnd, static_cast<QMouseEvent&>(event).localPos() * ratio);
+        // Another button does not let go of the mark.
+        if (static_cast<QMouseEvent&>(event).button() == Qt::LeftButton)
+            Drag(dragEnd, static_cast<QMouseEvent&>(event).localPos() * ratio);
         event.accept();
         return true;
     default:
@@ -194,7 +207,7 @@ bool ZrMapPanel::event(QEvent* event)
     if (Claimed(*event))
         return true;
     const double ratio = devicePixelRatioF();
-    if (event->type() == QEvent::MouseMove && m_input.m_gesture.FingerCount() == 0) {
+    if (event->type() == QEvent::MouseMove && static_cast<QMouseEvent*>(event)->buttons() == Qt::NoButton) {
         const QPointF pixel = static_cast<QMouseEvent*>(event)->localPos() * ratio;
         Q_EMIT Hovered(m_map.m_camera.ToWorld(pixel), pixel);
     }

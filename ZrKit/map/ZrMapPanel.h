@@ -74,6 +74,7 @@ private:
     ZrMapSurface& m_map;
     QTimer* m_frames;
     bool m_isDragging = false;
+    bool m_isSpoilt = false; ///< a second finger has ended a drag, and there still are fingers
     int m_finger = 0; ///< of the drag; -1 for the mouse
     QPointF m_last;
 };

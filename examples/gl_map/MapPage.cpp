@@ -39,6 +39,8 @@ MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
 {
     m_hasBackground = false;
     setFocusProxy(m_panel);
+    // The map paints all of itself; the surface wants a picture that exists.
+    m_map.m_background = QStringLiteral(":/back_light.png");
     m_map.m_layers = {&m_grid, &m_wander, &m_track, &m_markers, &m_labels};
     m_grid.SetProjection(ZrUnits::wgs84, track.grid.Projection());
 
@@ -140,11 +142,11 @@ void MapPage::SetStatistics(bool isOn)
 QString MapPage::Statistics() const
 {
     const int vertices = m_wander.Picture().VertexCount() + m_track.Picture().VertexCount();
-    const QString frames = m_frames == 0 ? tr("no frame yet")
-                                         : tr("%1 frames, mean %2 ms, longest %3 ms")
-                                               .arg(m_frames)
-                                               .arg(m_seconds / m_frames * 1e3, 0, 'f', 2)
-                                               .arg(m_longest * 1e3, 0, 'f', 2);
+    const QString counted = m_frames == 1 ? tr("%1 frame, mean %2 ms, longest %3 ms")
+                                          : tr("%1 frames, mean %2 ms, longest %3 ms");
+    const QString frames = m_frames == 0
+        ? tr("no frame yet")
+        : counted.arg(m_frames).arg(m_seconds / m_frames * 1e3, 0, 'f', 2).arg(m_longest * 1e3, 0, 'f', 2);
     return tr("%1; %2 vertices of %3 positions")
         .arg(frames)
         .arg(vertices)
@@ -194,15 +196,22 @@ void MapPage::resizeEvent(QResizeEvent* event)
 
 void MapPage::paintEvent(QPaintEvent* /*event*/)
 {
+    QPainter painter(this);
+    // The view's button in the corner has no ground of its own, and a map is not one.
+    const int side = std::max(ZrTheme::DpI(48), 44);
+    const int edge = ZrTheme::DpI(16);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(ZrTheme::formBdr, 1.5));
+    painter.setBrush(ZrTheme::toolBack);
+    painter.drawRoundedRect(QRectF(width() - side - edge, edge, side, side), edge / 4.0, edge / 4.0);
     if (!m_hasStatistics)
         return;
-    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setFont(ZrTheme::font);
     const QString text = Statistics();
     const int gap = ZrTheme::DpI(12);
     const QRect box = painter.fontMetrics().boundingRect(text).adjusted(-gap, -gap, gap, gap);
-    const QRect at(
-        (width() - box.width()) / 2, height() - box.height() - gap, box.width(), box.height());
+    const QRect at((width() - box.width()) / 2, height() - box.height() - gap, box.width(), box.height());
     painter.fillRect(at, ZrTheme::toolBack);
     painter.setPen(ZrTheme::ctrlCol);
     painter.drawText(at, Qt::AlignCenter, text);

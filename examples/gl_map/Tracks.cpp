@@ -14,7 +14,7 @@ Track ReadTrack(const QString& logPath)
     reader.writeIndex = false;
     const auto result = reader.Read(logPath, dataset);
     if (result != ZrDatasetReader::FromIndex && result != ZrDatasetReader::Built) {
-        track.error = reader.Error();
+        track.error = QStringLiteral("%1: %2").arg(logPath, reader.Error());
         return track;
     }
     std::vector<double> lats;

@@ -15,7 +15,9 @@
 #include <QCommandLineParser>
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -79,7 +81,8 @@ int main(int argc, char** argv)
     bool isAngle = false;
     const int count = parser.value(points).toInt(&isNumber);
     const double degrees = parser.value(turn).toDouble(&isAngle);
-    if (parser.positionalArguments().size() != 1 || !isNumber || count < 1 || count > 10000000 || !isAngle)
+    if (parser.positionalArguments().size() != 1 || !isNumber || count < 1 || count > 10000000 || !isAngle
+        || !std::isfinite(degrees))
         return Fail(1, parser.helpText());
     const Track track = ReadTrack(parser.positionalArguments()[0]);
     if (!track.error.isEmpty())
@@ -96,19 +99,23 @@ int main(int argc, char** argv)
     page->Panel().setFocus();
     page->SetStatistics(parser.isSet(statistics));
     int code = 0;
+    bool isTaken = false;
     const auto take = [&] {
+        // The picture is a frame too.
+        if (std::exchange(isTaken, true))
+            return;
         if (!view.grab().save(parser.value(picture)))
             code = Fail(3, QStringLiteral("%1 cannot be written").arg(parser.value(picture)));
         if (parser.isSet(statistics))
             std::printf("%s\n", qPrintable(page->Statistics()));
         view.close();
     };
+    // What is shown is fitted to the map as it is turned.
+    page->Panel().Map().m_camera.SetRotation(degrees);
     if (parser.isSet(all))
         page->ShowAll();
-    if (degrees != 0.0) {
-        page->Panel().Map().m_camera.SetRotation(degrees);
-        page->Panel().Moved();
-    }
+    else
+        page->ShowRecording();
     if (parser.isSet(picture))
         QObject::connect(&view, &QOpenGLWidget::frameSwapped, &view, take, Qt::QueuedConnection);
     const int ended = QApplication::exec();

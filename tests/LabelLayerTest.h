@@ -1,0 +1,150 @@
+#pragma once
+
+// What the tests of the label layer share. For programs of one source file: it defines the debug log.
+
+#include "GlView.h"
+#include "ZrDebugLog/ZrDebugLog.h"
+#include "ZrKit/map/ZrLabelLayer.h"
+#include "ZrKit/map/ZrMapView.h"
+#include "ZrUtil/ZrTheme.h"
+
+#include <QtWidgets>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace label_test {
+
+using gl::Api;
+
+constexpr int width = 320;
+constexpr int height = 240;
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+inline int s_lines = 0;
+
+/// What is not \p background, by more than a trace.
+inline QRect InkBox(const QImage& image, const QColor& background)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (gl::Distance(image.pixelColor(x, y), background) > 40)
+                box |= QRect(x, y, 1, 1);
+        }
+    }
+    return box;
+}
+
+/// The sum of the red of all pixels, 1 for a full one.
+inline double RedSum(const QImage& image)
+{
+    double sum = 0.0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            sum += image.pixelColor(x, y).redF();
+    }
+    return sum;
+}
+
+inline ZrMapLabel LabelOf(const QString& text, const QPointF& position = QPointF())
+{
+    ZrMapLabel label;
+    label.text = text;
+    label.position = position;
+    label.colour = Qt::white;
+    label.halo = Qt::transparent;
+    return label;
+}
+
+} // namespace label_test
+
+// Takes the place of the library's function.
+void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*source_line*/,
+    const char* /*function*/, const char* /*category*/, int /*reserved*/, int64_t /*steady_time_ns*/,
+    const char* /*message*/)
+{
+    ++label_test::s_lines;
+}
+
+using namespace label_test;
+
+/// What each test function begins with, and what it paints with.
+class LabelLayerTest : public QObject
+{
+protected:
+    static void AddContexts();
+    void Begin();
+    void End();
+    void Paint();
+    QImage Painted(const QColor& background = Qt::black);
+    void MakeContext();
+
+    std::unique_ptr<gl::Context> m_context;
+    std::unique_ptr<GlView> m_surface;
+    std::unique_ptr<ZrLabelLayer> m_layer;
+    ZrMapView m_view;
+};
+
+inline void LabelLayerTest::AddContexts()
+{
+    QTest::addColumn<gl::Api>("api");
+    QTest::newRow("GL") << Api::desktop;
+    QTest::newRow("ES") << Api::es;
+}
+
+inline void LabelLayerTest::MakeContext()
+{
+    QFETCH_GLOBAL(gl::Api, api);
+    m_context = std::make_unique<gl::Context>(api, QSize(width, height));
+    QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
+    m_surface = std::make_unique<GlView>();
+    m_surface->m_background = QStringLiteral(":/back_light.png");
+    m_surface->ZrglSetViewport(0, 0, width, height);
+    m_surface->OnCreate();
+    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+}
+
+inline void LabelLayerTest::Begin()
+{
+    ZrTheme::dp = 1.0F;
+    ZrTheme::SetStdStyle();
+    MakeContext();
+    m_layer = std::make_unique<ZrLabelLayer>();
+    QFont font(QStringLiteral("Liberation Sans"));
+    m_layer->SetFont(font);
+    m_view = ZrMapView();
+    m_view.SetSize(width, height);
+    s_lines = 0;
+    zr_debug_log_level = 2;
+    zr_debug_log_to_dbg = 1;
+}
+
+inline void LabelLayerTest::End()
+{
+    zr_debug_log_level = -1;
+    zr_debug_log_to_dbg = 0;
+    if (m_context && m_surface) {
+        m_layer->Release(*m_surface);
+        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+    }
+    m_layer.reset();
+    m_surface.reset();
+    m_context.reset();
+}
+
+inline void LabelLayerTest::Paint()
+{
+    m_view.Apply(*m_surface);
+    m_layer->Paint(*m_surface, m_view);
+}
+
+inline QImage LabelLayerTest::Painted(const QColor& background)
+{
+    m_context->Clear(background);
+    Paint();
+    // Blending changes the alpha.
+    return m_context->Read().convertToFormat(QImage::Format_RGB32);
+}
