@@ -3,8 +3,6 @@
 #include "ZrUtil/ZrLogEmit.h"
 #include "ZrUtil/ZrTheme.h"
 
-#include <QOpenGLContext>
-
 #include <cmath>
 
 ZrCursor ZrGlSurface::s_cursor;
@@ -34,10 +32,12 @@ void ZrGlSurface::OnCreate()
     if (!QOpenGLContext::currentContext()) {
         ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrUtil-ZrGlSurface",
             "No OpenGL context is current, nothing will be drawn");
+        m_isWarned = true;
         return;
     }
     m_gl.initializeOpenGLFunctions();
-    m_isCreated = true;
+    m_group = QOpenGLContextGroup::currentContextGroup();
+    m_isWarned = false;
     // What an earlier context had is gone with it.
     m_program = 0;
     m_current = -1;
@@ -52,7 +52,21 @@ void ZrGlSurface::OnCreate()
 
 bool ZrGlSurface::IsReady() const
 {
-    return m_isCreated && QOpenGLContext::currentContext();
+    // The functions are those of a group too: behind its end they must not be called.
+    return m_group && QOpenGLContextGroup::currentContextGroup() == m_group;
+}
+
+/// `IsReady`; the debug log has a line when it is not so for the first time.
+bool ZrGlSurface::IsReadyOrWarn()
+{
+    if (IsReady())
+        return true;
+    if (!m_isWarned) {
+        ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrUtil-ZrGlSurface",
+            "The OpenGL context of the surface is not current, nothing is drawn");
+        m_isWarned = true;
+    }
+    return false;
 }
 
 void ZrGlSurface::OnMouseMove(QMouseEvent* /*event*/) { }
@@ -91,14 +105,14 @@ void ZrGlSurface::ZrglSetViewport(int x, int y, int w, int h)
 void ZrGlSurface::ZrGlClipToViewport()
 {
     // A negative size is an error of GL's; an empty viewport is not.
-    if (IsReady() && m_viewport.width() >= 0 && m_viewport.height() >= 0)
+    if (IsReadyOrWarn() && m_viewport.width() >= 0 && m_viewport.height() >= 0)
         m_gl.glViewport(m_viewport.left(), m_viewport.top(), m_viewport.width(), m_viewport.height());
 }
 
 /// Draws \p count vertices of \p floats floats with the current program: x and y first, then s and t.
 void ZrGlSurface::Draw(unsigned mode, const float* vertices, int floats, bool hasTexCoords, int count)
 {
-    if (m_current < 0 || m_program == 0 || !vertices || count < 1)
+    if (CurrentProgram() == 0 || !vertices || count < 1)
         return;
     const Locations& at = LocationsOf(m_current);
     if (at.position < 0)
@@ -128,7 +142,7 @@ void ZrGlSurface::ZrglRenderLine(float x1, float y1, float x2, float y2, QColor 
 
 void ZrGlSurface::ZrglRenderPolyline(float* xy, int count, QColor colour)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     ZrglSetColour(colour);
     ZrglSetPgm(solid);
@@ -138,7 +152,7 @@ void ZrGlSurface::ZrglRenderPolyline(float* xy, int count, QColor colour)
 
 void ZrGlSurface::ZrglRenderVboLine(float* v, unsigned count)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     Draw(GL_LINE_LOOP, v, texturedFloats, false, static_cast<int>(count));
     m_gl.glDisable(GL_BLEND);
@@ -146,7 +160,7 @@ void ZrGlSurface::ZrglRenderVboLine(float* v, unsigned count)
 
 void ZrGlSurface::ZrglRenderPixelRect(int x, int y, int w, int h, QColor colour)
 {
-    if (!IsReady() || m_viewport.isEmpty())
+    if (!IsReadyOrWarn() || m_viewport.isEmpty())
         return;
     const QMatrix4x4 saved = m_proj;
     m_proj.setToIdentity();
@@ -165,7 +179,7 @@ void ZrGlSurface::ZrglRenderPixelRect(int x, int y, int w, int h, QColor colour)
 
 void ZrGlSurface::ZrglRenderVbo(float* quad, std::initializer_list<unsigned> textures, eProgram program)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     unsigned unit = 0;
     for (const unsigned tex : textures) {
@@ -192,7 +206,7 @@ void ZrGlSurface::ZrglRenderVbo(float* quad, unsigned tex, eProgram program)
 /// A texture over the whole viewport, its first row at the top, in front of everything.
 void ZrGlSurface::RenderViewportQuad(unsigned tex)
 {
-    if (tex == 0 || !IsReady() || m_viewport.isEmpty())
+    if (tex == 0 || !IsReadyOrWarn() || m_viewport.isEmpty())
         return;
     const QMatrix4x4 saved = m_proj;
     m_gl.glDisable(GL_DEPTH_TEST);

@@ -10,7 +10,9 @@
 #include <QCursor>
 #include <QFont>
 #include <QObject>
+#include <QOpenGLContext>
 #include <QOpenGLFunctions>
+#include <QPointer>
 #include <QRect>
 #include <QString>
 
@@ -39,8 +41,9 @@ enum eColSpace : int
 /// \endcode
 ///
 /// It works in any OpenGL 2.0 or OpenGL ES 2.0 context. `OnCreate` is called once with the context current;
-/// every primitive needs it current too. Without a context, with a program that did not build, or an image
-/// that is missing, nothing is drawn and the debug log has a line from when it failed.
+/// every primitive needs it current too, or one that shares its objects. Without a context or in another one,
+/// with a program that did not build, or an image that is missing, nothing is drawn and the debug log has a
+/// line from when it failed first.
 ///
 /// Positions are world units of the view transform unless a function says pixels; colours are not
 /// premultiplied. Blending is off after every primitive, and texture unit 0 is the active one. GL objects
@@ -151,7 +154,7 @@ public:
     virtual void OnMouseRelease(QMouseEvent* event);
     virtual void OnMouseDblClick(QMouseEvent* event);
     virtual void OnWheel(QWheelEvent* event);
-    virtual void OnInput(QEvent* event); ///< any other: touch, gestures
+    virtual void OnInput(QEvent* event); ///< for touch and gestures; `ZrSfHolder` does not pass these on
 
     /// Compiles the text of \p resource as a shader of \p type. 0 on failure, the reason in the debug log.
     int ZrglCompileShader(int type, QString resource);
@@ -229,14 +232,15 @@ public:
     /// `eTextFlags`. Characters outside 32 to 125 take no room. The size is right for the scale at the time.
     void ZrglAddText(ZrGlTextBuffer& buffer, float x, float y, float angleDeg, QString text, unsigned flags);
 
-    void ZrglRenderText(ZrGlTextBuffer& buffer); ///< draws it, in white
+    void ZrglRenderText(ZrGlTextBuffer& buffer); ///< draws it, in white; `m_program` stays
 
 Q_SIGNALS:
     void Update(); ///< the surface wants to be drawn again
     void SetCursor(const QCursor& cursor); ///< it wants another mouse cursor
 
 protected:
-    /// Whether primitives can draw: `OnCreate` has run and a context is current.
+    /// Whether primitives can draw: `OnCreate` has run in the context that is current, or one that shares its
+    /// objects.
     bool IsReady() const;
 
 private:
@@ -259,6 +263,7 @@ private:
     };
 
     const Locations& LocationsOf(int program);
+    unsigned CurrentProgram() const;
     void UseProgram(int program);
     void SetUniforms(int program, const Locations& at);
     void SetMatrix(const Locations& at);
@@ -266,9 +271,11 @@ private:
     void RenderViewportQuad(unsigned tex);
     bool IsTextureSize(const QSize& size);
     void Upload(GLuint tex, const QImage& image, int minFilter);
+    bool IsReadyOrWarn();
     void LogFailure(const char* what, const QByteArray& text) const;
 
-    bool m_isCreated = false;
-    int m_current = -1; ///< index of `m_program`; -1 for none
+    QPointer<QOpenGLContextGroup> m_group; ///< of the context that `OnCreate` was called in
+    bool m_isWarned = false; ///< the debug log knows that nothing is drawn
+    int m_current = -1; ///< index of the program that is current; -1 for none
     std::array<Locations, ProgramCount> m_locations;
 };

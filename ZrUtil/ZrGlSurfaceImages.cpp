@@ -83,7 +83,7 @@ void ZrGlSurface::Upload(GLuint tex, const QImage& image, int minFilter)
 
 bool ZrGlSurface::ZrglLoadImageToTexture(QString path, GLuint& tex)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return false;
     const QImage image = ReadImage(path);
     if (image.isNull() || !IsTextureSize(image.size()))
@@ -95,7 +95,7 @@ bool ZrGlSurface::ZrglLoadImageToTexture(QString path, GLuint& tex)
 
 void ZrGlSurface::ZrglInitPalette()
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     m_gl.glGenTextures(1, &m_palTex);
     const QImage image = ReadImage(QStringLiteral(":/palettes.png"));
@@ -112,7 +112,7 @@ void ZrGlSurface::ZrglInitPalette()
 
 void ZrGlSurface::ZrglInitMarkers()
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     for (std::size_t i = 0; i < m_markers.size(); ++i) {
         m_markers[i] = 0;

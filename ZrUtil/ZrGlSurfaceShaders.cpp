@@ -34,7 +34,7 @@ void ZrGlSurface::LogFailure(const char* what, const QByteArray& text) const
 
 int ZrGlSurface::ZrglCompileShader(int type, QString resource)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return 0;
     QFile file(resource);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -65,7 +65,7 @@ int ZrGlSurface::ZrglCompileShader(int type, QString resource)
 
 int ZrGlSurface::ZrglLinkProgram(int vertexShader, int fragmentShader)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return 0;
     const GLuint program = m_gl.glCreateProgram();
     if (program == 0) {
@@ -141,18 +141,33 @@ const ZrGlSurface::Locations& ZrGlSurface::LocationsOf(int program)
 
 void ZrGlSurface::ZrglSetPgm(eProgram program)
 {
-    if (!IsReady())
+    if (!IsReadyOrWarn())
         return;
     const int index = program;
     if (index >= 0 && index < ProgramCount) {
-        m_current = index;
         m_program = m_programs[static_cast<std::size_t>(index)];
-        m_gl.glUseProgram(m_program);
-        if (m_program != 0)
-            SetUniforms(index, LocationsOf(index));
-    }
-    if (m_current >= 0 && m_program != 0)
+        UseProgram(index);
+    } else if (CurrentProgram() != 0) {
         SetMatrix(LocationsOf(m_current));
+    }
+}
+
+/// The program that is current; 0 for none.
+unsigned ZrGlSurface::CurrentProgram() const
+{
+    return m_current < 0 ? 0 : m_programs[static_cast<std::size_t>(m_current)];
+}
+
+/// Makes a program current and sets its uniforms; `m_program` stays.
+void ZrGlSurface::UseProgram(int program)
+{
+    m_current = program;
+    m_gl.glUseProgram(CurrentProgram());
+    if (CurrentProgram() == 0)
+        return;
+    const Locations& at = LocationsOf(program);
+    SetUniforms(program, at);
+    SetMatrix(at);
 }
 
 void ZrGlSurface::SetUniforms(int program, const Locations& at)

@@ -180,11 +180,11 @@ void ZrGlSurface::ZrglAddText(
 
 void ZrGlSurface::ZrglRenderText(ZrGlTextBuffer& buffer)
 {
-    if (!IsReady() || buffer.m_count < 1)
+    if (buffer.m_count < 1 || !IsReadyOrWarn())
         return;
     m_gl.glActiveTexture(GL_TEXTURE0);
     m_gl.glBindTexture(GL_TEXTURE_2D, m_fontTex);
-    ZrglSetPgm(texture);
+    UseProgram(texture);
     m_gl.glEnable(GL_BLEND);
     m_gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     Draw(GL_TRIANGLES, buffer.m_data, 4, true, buffer.m_count * verticesPerChar);

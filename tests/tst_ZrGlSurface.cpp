@@ -220,6 +220,18 @@ void tst_ZrGlSurface::programMadeCurrentByText()
     GLint current = 0;
     m_context->Functions()->glGetIntegerv(GL_CURRENT_PROGRAM, &current);
     QCOMPARE(static_cast<GLuint>(current), m_view->m_programs[ZrGlSurface::texture]);
+    // It is not that of the last `ZrglSetPgm`, but the matrix goes to it.
+    QCOMPARE(m_view->m_program, m_view->m_programs[ZrGlSurface::palette]);
+    m_view->zrgl2dProjection(0, 40, 0, 20, aspectStretch);
+    m_view->ZrglSetPgm(static_cast<ZrGlSurface::eProgram>(7));
+    float matrix[16] = {};
+    const auto program = static_cast<GLuint>(current);
+    m_context->Functions()->glGetUniformfv(
+        program, m_context->Functions()->glGetUniformLocation(program, "uMatrix"), matrix);
+    QCOMPARE(matrix[0], 0.05F);
+    QCOMPARE(matrix[5], 0.1F);
+    QCOMPARE(m_view->m_program, m_view->m_programs[ZrGlSurface::palette]);
+    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
 void tst_ZrGlSurface::shaderResourceCompiles_data()

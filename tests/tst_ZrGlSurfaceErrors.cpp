@@ -5,6 +5,12 @@
 #include "GlSurfaceTest.h"
 #include "WithoutResource.h"
 
+namespace {
+
+constexpr const char* notCurrent = "The OpenGL context of the surface is not current, nothing is drawn";
+
+} // namespace
+
 class tst_ZrGlSurfaceErrors : public GlSurfaceTest
 {
     Q_OBJECT
@@ -30,6 +36,7 @@ private Q_SLOTS:
     void withoutContext();
     void neverCreated();
     void contextLost();
+    void sharedContext();
     void createdAgain();
     void zeroViewport_data();
     void zeroViewport();
@@ -108,7 +115,7 @@ void tst_ZrGlSurfaceErrors::shaderOfNoKind()
     QCOMPARE(m_view->ZrglCompileShader(4711, QStringLiteral(":/map.vsh")), 0);
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_INVALID_ENUM));
     QCOMPARE(gl::s_lines.size(), std::size_t(1));
-    QVERIFY(gl::s_lines[0].text.contains(QLatin1String(":/map.vsh")));
+    QCOMPARE(gl::s_lines[0].text, QStringLiteral("Cannot create a shader for :/map.vsh"));
 }
 
 void tst_ZrGlSurfaceErrors::missingShader()
@@ -116,7 +123,7 @@ void tst_ZrGlSurfaceErrors::missingShader()
     Create();
     QCOMPARE(m_view->ZrglCompileShader(GL_VERTEX_SHADER, QStringLiteral(":/none.vsh")), 0);
     QCOMPARE(gl::s_lines.size(), std::size_t(1));
-    QVERIFY(gl::s_lines[0].text.contains(QLatin1String(":/none.vsh")));
+    QCOMPARE(gl::s_lines[0].text, QStringLiteral("Cannot read shader :/none.vsh"));
     QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/none.vsh"), QStringLiteral(":/solid.fsh")), 0);
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
@@ -174,7 +181,9 @@ void tst_ZrGlSurfaceErrors::failedProgramDrawsNothing()
     primitive.draw(*m_view, m_white);
     QVERIFY(recorder.draws.empty());
     QVERIFY(IsBlack());
-    QCOMPARE(m_view->m_program, 0U);
+    GLint current = -1;
+    m_context->Functions()->glGetIntegerv(GL_CURRENT_PROGRAM, &current);
+    QCOMPARE(current, 0);
     QVERIFY(!m_context->Functions()->glIsEnabled(GL_BLEND));
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
     // Nothing else is stopped.
@@ -213,6 +222,7 @@ void tst_ZrGlSurfaceErrors::withoutContext()
     m_view->OnCreate();
     QCOMPARE(gl::s_lines.size(), std::size_t(1));
     QCOMPARE(gl::s_lines[0].category, QStringLiteral("ZrUtil-ZrGlSurface"));
+    QCOMPARE(gl::s_lines[0].text, QStringLiteral("No OpenGL context is current, nothing will be drawn"));
     for (const GLuint program : m_view->m_programs)
         QCOMPARE(program, 0U);
     gl::DrawAll(*m_view, m_white);
@@ -227,6 +237,8 @@ void tst_ZrGlSurfaceErrors::withoutContext()
     m_view->ZrglSetBackground(QStringLiteral(":/back_light.png"));
     QCOMPARE(m_view->m_background, QStringLiteral(":/back_light.png"));
     m_view->ZrGlClipToViewport();
+    // It has been said.
+    QCOMPARE(gl::s_lines.size(), std::size_t(1));
     QVERIFY(m_context->MakeCurrent());
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
     QVERIFY(IsBlack());
@@ -239,6 +251,7 @@ void tst_ZrGlSurfaceErrors::neverCreated()
     gl::DrawAll(*m_view, m_white);
     m_view->ZrGlClipToViewport();
     QVERIFY(recorder.draws.empty());
+    QCOMPARE(gl::Lines(), QString::fromLatin1(notCurrent));
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
     QVERIFY(IsBlack());
 }
@@ -247,14 +260,58 @@ void tst_ZrGlSurfaceErrors::contextLost()
 {
     Create();
     m_context->DoneCurrent();
-    gl::DrawAll(*m_view, m_white);
+    // A font may be chosen all the same.
     m_view->ZrglSetFont(QFont());
+    QVERIFY(gl::s_lines.empty());
+    gl::DrawAll(*m_view, m_white);
+    gl::DrawAll(*m_view, m_white);
+    QCOMPARE(gl::Lines(), QString::fromLatin1(notCurrent));
     QVERIFY(m_context->MakeCurrent());
-    QCOMPARE(gl::CountNot(m_context->Read(), Qt::black), 0);
+    QVERIFY(IsBlack());
+    // In another context its objects and functions are not there.
     QFETCH_GLOBAL(gl::Api, api);
-    m_context = std::make_unique<gl::Context>(api);
-    m_view.reset();
+    const auto other = std::make_unique<gl::Context>(api);
+    other->Clear(Qt::black);
+    const auto drawAll = [&] {
+        gl::DrawAll(*m_view, m_white);
+        m_view->ZrGlClipToViewport();
+        GLuint tex = 0;
+        QVERIFY(!m_view->ZrglLoadImageToTexture(QStringLiteral(":/back_light.png"), tex));
+        QCOMPARE(m_view->ZrglBuildProgram(QStringLiteral(":/map.vsh"), QStringLiteral(":/solid.fsh")), 0);
+        QCOMPARE(gl::CountNot(other->Read(), Qt::black), 0);
+        QCOMPARE(other->TakeErrors(), GLenum(GL_NO_ERROR));
+    };
+    drawAll();
+    QVERIFY(m_context->MakeCurrent());
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+    m_context.reset();
+    QVERIFY(other->MakeCurrent());
+    drawAll();
+    QCOMPARE(gl::Lines(), QString::fromLatin1(notCurrent));
+}
+
+void tst_ZrGlSurfaceErrors::sharedContext()
+{
+    // What was made in a context is drawn in one that shares its objects.
+    Create();
+    QOffscreenSurface surface;
+    surface.setFormat(m_context->Get()->format());
+    surface.create();
+    QOpenGLContext other;
+    other.setFormat(m_context->Get()->format());
+    other.setShareContext(m_context->Get());
+    QVERIFY(other.create() && other.makeCurrent(&surface));
+    {
+        QOpenGLFramebufferObject buffer(m_size);
+        QVERIFY(buffer.bind());
+        m_view->ZrGlClipToViewport();
+        m_view->ZrglRenderPixelRect(0, 0, 64, 64, Qt::green);
+        QCOMPARE(gl::CountNot(buffer.toImage(), Qt::green), 0);
+        QCOMPARE(other.functions()->glGetError(), GLenum(GL_NO_ERROR));
+    }
+    other.doneCurrent();
+    QVERIFY(m_context->MakeCurrent());
+    QVERIFY(gl::s_lines.empty());
 }
 
 void tst_ZrGlSurfaceErrors::createdAgain()
@@ -314,7 +371,9 @@ void tst_ZrGlSurfaceErrors::tooLargeFont()
     QFont font(QStringLiteral("Liberation Sans"));
     font.setPixelSize(4000);
     m_view->ZrglSetFont(font);
-    QVERIFY(!gl::s_lines.empty());
+    QCOMPARE(gl::s_lines.size(), std::size_t(1));
+    QVERIFY2(gl::s_lines[0].text.contains(QLatin1String("is larger than a texture may be: ")),
+        qPrintable(gl::s_lines[0].text));
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 

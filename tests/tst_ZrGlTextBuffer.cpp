@@ -52,6 +52,7 @@ private Q_SLOTS:
     void clears();
 
     void emptyTextChangesNothing();
+    void noRoomChangesNothing();
     void twoTriangles();
     void textsFollowOneAnother();
     void flags_data();
@@ -142,6 +143,18 @@ void tst_ZrGlTextBuffer::emptyTextChangesNothing()
     view.ZrglAddText(buffer, 1, 2, 3, QStringLiteral(""), 255);
     QVERIFY(!buffer.m_data);
     QCOMPARE(buffer.m_count, 0);
+}
+
+void tst_ZrGlTextBuffer::noRoomChangesNothing()
+{
+    View view;
+    view.ZrglSetFont(Font(16));
+    ZrGlTextBuffer buffer;
+    const int most = std::numeric_limits<int>::max() / 24;
+    buffer.m_count = most;
+    view.ZrglAddText(buffer, 1, 2, 3, QStringLiteral("a"), 0);
+    QVERIFY(!buffer.m_data);
+    QCOMPARE(buffer.m_count, most);
 }
 
 void tst_ZrGlTextBuffer::twoTriangles()
