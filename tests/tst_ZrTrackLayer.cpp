@@ -76,6 +76,7 @@ private Q_SLOTS:
     void transparent();
     void growsBeyondTheLimit();
     void narrowLines();
+    void narrowLinesKeepTheLimit();
     void nothingToDraw();
     void failedProgram();
     void withoutContext();
@@ -331,6 +332,21 @@ void tst_ZrTrackLayer::narrowLines()
     layer.m_width = 64;
     layer.m_casing = blue;
     QVERIFY(map::Count(Painted(layer, view), red) > 64 * 150);
+}
+
+void tst_ZrTrackLayer::narrowLinesKeepTheLimit()
+{
+    ZrTrackLayer layer;
+    layer.m_colour = red;
+    layer.m_casing = blue;
+    for (int i = 0; i < 200000; ++i)
+        layer.m_track.Append(origin.x() + 140 * std::sin(i * 0.37), origin.y() + 90 * std::sin(i * 0.611));
+    const ZrMapView view = map::ViewOf(m_size, origin, 1);
+    const NarrowLines narrow;
+    const gl::Recorder recorder;
+    QVERIFY(map::Count(Painted(layer, view), red) > 1000);
+    QVERIFY2(recorder.vertices <= layer.m_vertexLimit, qPrintable(QString::number(recorder.vertices)));
+    QVERIFY(recorder.draws.size() > 10);
 }
 
 void tst_ZrTrackLayer::nothingToDraw()

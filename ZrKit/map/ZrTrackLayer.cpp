@@ -5,10 +5,39 @@
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <QPointF>
+
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
+
+float CasingWidth(float width)
+{
+    return width + 2.0F * ZrTheme::DpF(1.0F);
+}
+
+/// Where lines of the width \p widest are drawn to look like one of \p width: side by side, their middles in
+/// a circle; pixels.
+std::vector<QPointF> Shifts(float width, float widest)
+{
+    const int side = std::max(static_cast<int>(std::ceil(width / widest - 0.01F)), 1);
+    if (side == 1)
+        return {QPointF()};
+    const float radius = 0.5F * (width - widest);
+    const float step = 2.0F * radius / static_cast<float>(side - 1);
+    std::vector<QPointF> shifts;
+    for (int iy = 0; iy < side; ++iy) {
+        for (int ix = 0; ix < side; ++ix) {
+            const float dx = static_cast<float>(ix) * step - radius;
+            const float dy = static_cast<float>(iy) * step - radius;
+            if (std::hypot(dx, dy) <= std::max(radius, 0.75F * step) + 0.01F)
+                shifts.emplace_back(dx, dy);
+        }
+    }
+    return shifts;
+}
 
 constexpr int vertexBytes = ZrTrackPicture::FloatsPerVertex * static_cast<int>(sizeof(float));
 constexpr int leastVertices = 100;
@@ -32,13 +61,13 @@ void ZrTrackLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
     const int position = m_program.Attribute(surface, "aPosition");
     if (position < 0)
         return;
-    UpdatePictures(view);
     auto& gl = surface.m_gl;
     if (m_widest <= 0.0F) {
         float range[2] = {1.0F, 1.0F};
         gl.glGetFloatv(GL_ALIASED_LINE_WIDTH_RANGE, range);
         m_widest = std::isfinite(range[1]) ? std::max(range[1], 1.0F) : 1.0F;
     }
+    UpdatePictures(view);
     m_program.SetSplit(surface, ZrMapSplit(view));
     gl.glEnableVertexAttribArray(static_cast<GLuint>(position));
     DrawAll(surface, view);
@@ -57,9 +86,13 @@ float ZrTrackLayer::Width() const
 void ZrTrackLayer::UpdatePictures(const ZrMapView& view)
 {
     const int vertices = std::max(m_vertexLimit, leastVertices) - jointVertices;
-    const int casings = m_casing.isValid() ? 1 : 0;
-    const ZrTrackPicture::Request request{vertices / (1 + casings),
-        vertices / (1 + casings + (HasCursor() ? 1 : 0)), static_cast<double>(Width())};
+    // Each vertex counts as often as it is drawn.
+    const int lines = static_cast<int>(Shifts(Width(), m_widest).size());
+    const int casings
+        = m_casing.isValid() ? static_cast<int>(Shifts(CasingWidth(Width()), m_widest).size()) : 0;
+    const ZrTrackPicture::Request request{std::max(vertices / (lines + casings), leastVertices),
+        std::max(vertices / (lines + casings + (HasCursor() ? lines : 0)), leastVertices),
+        static_cast<double>(Width())};
     const auto update = [&](ZrTrackPicture& picture, i64 end) {
         if (!picture.Suits(m_track, view, request) || !picture.Extend(m_track, end))
             picture.Build(m_track, view, end, request);
@@ -81,7 +114,7 @@ void ZrTrackLayer::DrawAll(ZrGlSurface& surface, const ZrMapView& view)
     const QColor future = m_futureColour.isValid() ? m_futureColour : past.darker(futureDarker);
     Upload(surface, m_picture, m_buffer);
     if (m_casing.isValid())
-        Draw(surface, m_buffer, 0, m_buffer.count, m_casing, width + 2.0F * ZrTheme::DpF(1.0F));
+        Draw(surface, m_buffer, 0, m_buffer.count, m_casing, CasingWidth(width));
     if (!HasCursor()) {
         Draw(surface, m_buffer, 0, m_buffer.count, past, width);
     } else if (m_picture.IsCover()) {
@@ -184,28 +217,19 @@ void ZrTrackLayer::Draw(
         gl.glDisable(GL_BLEND);
     }
     gl.glLineWidth(std::min(width, m_widest));
-    const int side = std::max(static_cast<int>(std::ceil(width / m_widest - 0.01F)), 1);
-    if (side == 1) {
+    const std::vector<QPointF> shifts = Shifts(width, m_widest);
+    if (shifts.size() == 1) {
         gl.glDrawArrays(GL_LINES, first, count);
         return;
     }
-    // Lines side by side, their middles in a circle.
-    const float radius = 0.5F * (width - m_widest);
-    const float step = 2.0F * radius / static_cast<float>(side - 1);
     const int matrix = m_program.Uniform(surface, "uMatrix");
-    for (int iy = 0; iy < side; ++iy) {
-        for (int ix = 0; ix < side; ++ix) {
-            const float dx = static_cast<float>(ix) * step - radius;
-            const float dy = static_cast<float>(iy) * step - radius;
-            if (std::hypot(dx, dy) > std::max(radius, 0.75F * step) + 0.01F)
-                continue;
-            QMatrix4x4 moved;
-            moved.translate(
-                2.0F * dx / static_cast<float>(m_widthPixels), 2.0F * dy / static_cast<float>(m_height));
-            moved *= surface.m_proj;
-            gl.glUniformMatrix4fv(matrix, 1, GL_FALSE, moved.constData());
-            gl.glDrawArrays(GL_LINES, first, count);
-        }
+    for (const QPointF& shift : shifts) {
+        QMatrix4x4 moved;
+        moved.translate(2.0F * static_cast<float>(shift.x()) / static_cast<float>(m_widthPixels),
+            2.0F * static_cast<float>(shift.y()) / static_cast<float>(m_height));
+        moved *= surface.m_proj;
+        gl.glUniformMatrix4fv(matrix, 1, GL_FALSE, moved.constData());
+        gl.glDrawArrays(GL_LINES, first, count);
     }
     gl.glUniformMatrix4fv(matrix, 1, GL_FALSE, surface.m_proj.constData());
 }

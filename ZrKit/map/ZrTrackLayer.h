@@ -20,10 +20,10 @@ class QPointF;
 ///
 /// There are at most `m_vertexLimit` vertices and 5 draw calls in a frame: one for the casing, one for the
 /// line, and with a cursor one for its other part and two for the pieces on both sides of it. Where the
-/// driver has no lines as wide as wanted each of them is drawn several times side by side, vertices and all:
-/// 3 pixels of lines of one pixel 5 times. A new position costs 32 bytes of upload; a frame of the same view
-/// and track none. Seen from another place the vertices are chosen again when the view leaves those there
-/// are.
+/// driver has no lines as wide as wanted each of them is drawn several times side by side, and its vertices
+/// count as often: 3 pixels of lines of one pixel 5 times. A new position costs 32 bytes of upload; a frame
+/// of the same view and track none. Seen from another place the vertices are chosen again when the view
+/// leaves those there are.
 ///
 /// A colour that is not opaque is blended, and denser where the track crosses itself.
 class ZR_KIT_EXPORT ZrTrackLayer : public ZrMapLayer

@@ -263,17 +263,20 @@ bool ZrPlanDocument::RestoreDraft()
     QFile file(m_draftPath);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(QStringLiteral("%1: %2").arg(m_draftPath, file.errorString()));
-    QJsonParseError parse{};
-    const QJsonObject root = QJsonDocument::fromJson(file.readAll(), &parse).object();
+    return FromJson(QJsonDocument::fromJson(file.readAll()).object(), m_draftPath);
+}
+
+bool ZrPlanDocument::FromJson(const QJsonObject& root, const QString& name)
+{
     if (root[formatKey].toString() != formatName)
-        return Fail(tr("%1: this is no draft of a plan").arg(m_draftPath));
+        return Fail(tr("%1: this is no draft of a plan").arg(name));
     ZrWpts route;
     const QByteArray bytes = QJsonDocument(root[routeKey].toObject()).toJson();
     ZrRouteFile reader;
     // A plan may have areas and no waypoint yet.
     const bool hasRoute = !root[routeKey][QLatin1String("waypoints")].toArray().isEmpty();
     if (hasRoute && !reader.FromBytes(bytes, route))
-        return Fail(QStringLiteral("%1: %2").arg(m_draftPath, reader.Error()));
+        return Fail(QStringLiteral("%1: %2").arg(name, reader.Error()));
     if (!hasRoute)
         route.linked = true;
     m_route = route;
@@ -284,6 +287,21 @@ bool ZrPlanDocument::RestoreDraft()
     m_areasEdited = true;
     Forget();
     Q_EMIT Changed();
+    return true;
+}
+
+QByteArray ZrPlanDocument::State() const
+{
+    return QJsonDocument(ToJson()).toJson(QJsonDocument::Compact);
+}
+
+bool ZrPlanDocument::SetState(const QByteArray& state)
+{
+    m_error.clear();
+    if (!FromJson(QJsonDocument::fromJson(state).object(), tr("State")))
+        return false;
+    m_isDraftDue = true;
+    FlushDraft();
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
@@ -106,6 +107,13 @@ public:
     bool RestoreDraft(); ///< false, with the reason in `Error`, when it cannot be read
     void DiscardDraft();
     void FlushDraft(); ///< writes what waits to be written
+
+    /// The whole plan, for `SetState` to bring back after `New` or `Open`.
+    QByteArray State() const;
+
+    /// Replaces the plan by that of a state, as one that is not saved. False, with the reason in `Error` and
+    /// the plan as it was, for what is no state.
+    bool SetState(const QByteArray& state);
     /// @}
 
 Q_SIGNALS:
@@ -117,6 +125,7 @@ private:
     void SetPath(const QString& path);
     void WriteDraft();
     QJsonObject ToJson() const;
+    bool FromJson(const QJsonObject& root, const QString& name);
     void ExtrasFromJson(const QJsonObject& root);
     void ExtrasToJson(QJsonObject& root) const;
     bool Fail(const QString& error);

@@ -1,13 +1,399 @@
 #include "apps/ZrSurvey/PlanPage.h"
 
-PlanPage::PlanPage(SurveyView& view)
-    : SurveyPage(view, tr("Plan"))
+#include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
+#include "ZrKit/ui/ZrTouchList.h"
+#include "ZrKit/ui/ZrValueTile.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/PlanFiles.h"
+#include "apps/ZrSurvey/PlanListPanel.h"
+#include "apps/ZrSurvey/PlanPatternPanel.h"
+#include "apps/ZrSurvey/PlanPointPanel.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <QPainter>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Routes of more waypoints are measured in the thread of the review alone.
+constexpr int mostAtOnce = 2000;
+
+/// Metres per pixel at which an empty plan begins.
+constexpr double firstScale = 1.0;
+
+QString Units()
 {
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(ZrUnits::shortLengthUnit, ZrUnits::longLengthUnit, ZrUnits::speedUnit)
+        .arg(static_cast<int>(ZrUnits::GetGeoStyle()));
 }
 
-void PlanPage::Place() { }
-
-bool PlanPage::OpenPlan(const QString& /*path*/)
+QString DurationText(double seconds)
 {
-    return false;
+    if (!std::isfinite(seconds) || seconds < 0.0 || seconds > 1e8)
+        return {};
+    const auto minutes = static_cast<qint64>(std::llround(seconds / 60.0));
+    return QStringLiteral("%1:%2").arg(minutes / 60).arg(minutes % 60, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+PlanPage::PlanPage(SurveyView& view)
+    : SurveyPage(view, tr("Plan"))
+    , m_drawing(m_chart)
+    , m_review(view.Model().plan)
+    , m_panel(new ZrMapPanel(this, m_map))
+    , m_files(new PlanFiles(view, m_review, this))
+    , m_list(new PlanListPanel(view, this))
+    , m_point(new PlanPointPanel(view, this))
+    , m_pattern(new PlanPatternPanel(view, this))
+    , m_checks(new ZrTouchList(this))
+    , m_more(new ZrChoicePanel(&view, tr("Plan")))
+    , m_length(new ZrValueTile(this, tr("Length")))
+    , m_duration(new ZrValueTile(this, tr("Duration")))
+    , m_lines(new ZrValueTile(this, tr("Lines")))
+    , m_count(new ZrValueTile(this, tr("Waypoints")))
+    , m_check(new ZrValueTile(this, tr("Checks")))
+    , m_later(new QTimer(this))
+{
+    m_hasBackground = false;
+    m_more->hide();
+    m_checks->m_empty = tr("Nothing to say");
+    m_later->setSingleShot(true);
+    m_map.m_layers = m_chart.Layers();
+    m_map.m_layers.prepend(&m_grid);
+    m_map.m_layers += m_drawing.Layers();
+    m_map.m_camera.SetScale(firstScale);
+    AddBand();
+    AddTools();
+    AddBar();
+    AddSide();
+    Connect();
+    m_files->RestoreDraft();
+    ShowSide(sideList);
+    SetMode(modeBrowse);
+}
+
+PlanPage::~PlanPage() = default;
+
+ZrBtn* PlanPage::AddButton(int type, const QString& icon, const QString& name, const QString& text,
+    const QString& hint, const std::function<void()>& run)
+{
+    auto* button = new ZrBtn(this, static_cast<ZrBtn::eType>(type));
+    if (!icon.isEmpty())
+        button->img = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
+    button->setObjectName(name);
+    button->text = text;
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    connect(button, &ZrBtn::Clicked, this, run);
+    return button;
+}
+
+void PlanPage::AddBand()
+{
+    const auto add = [this](const char* icon, const QString& hint, const std::function<void()>& run) {
+        const QString name = QString::fromLatin1(icon);
+        ZrBtn* button = AddButton(ZrBtn::typeTool, name, name, QString(), hint, run);
+        m_bandButtons.append(button);
+        return button;
+    };
+    m_undo = add("undo", tr("Undo (Ctrl+Z)"), [this] { Undo(); });
+    m_redo = add("redo", tr("Redo (Ctrl+Y)"), [this] { Redo(); });
+    add("open", tr("Open a plan (Ctrl+O)"), [this] { m_files->ShowOpen(); });
+    add("save", tr("Save the plan (Ctrl+S)"), [this] { m_files->Save(); });
+    add("more", tr("New, save as, export"), [this] { ShowMore(); });
+}
+
+void PlanPage::AddTools()
+{
+    const auto add = [this](const char* icon, const QString& hint, const std::function<void()>& run) {
+        const QString name = QString::fromLatin1(icon);
+        ZrBtn* button = AddButton(ZrBtn::typeStd, name, QStringLiteral("tool_") + name, QString(), hint, run);
+        m_tools.append(button);
+        return button;
+    };
+    m_addTool
+        = add("add", tr("Add waypoints (A)"), [this] { SetMode(m_mode == modeAdd ? modeBrowse : modeAdd); });
+    m_areaTool = add(
+        "area", tr("Draw an area (D)"), [this] { SetMode(m_mode == modeArea ? modeBrowse : modeArea); });
+    m_patternTool = add("pattern", tr("Survey lines over an area (P)"), [this] { StartPattern(); });
+    add("fit", tr("Show the whole plan (F)"), [this] { Fit(); });
+    const auto zoom = [this](double factor) {
+        ZrMapView& camera = m_map.m_camera;
+        camera.ZoomAbout({camera.Width() / 2.0, camera.Height() / 2.0}, factor);
+        m_panel->Moved();
+    };
+    add("zoom_in", tr("Closer (+)"), [zoom] { zoom(1.5); });
+    add("zoom_out", tr("Farther (-)"), [zoom] { zoom(1.0 / 1.5); });
+}
+
+void PlanPage::AddBar()
+{
+    const auto add = [this](const char* icon, const char* name, const QString& text, const QString& hint,
+                         const std::function<void()>& run, int type = ZrBtn::typeStd) {
+        ZrBtn* button
+            = AddButton(type, QString::fromLatin1(icon), QString::fromLatin1(name), text, hint, run);
+        m_bar.append(button);
+        return button;
+    };
+    m_insert
+        = add("add", "insert", tr("Insert"), tr("Insert a waypoint here (Ins)"), [this] { InsertIntoLeg(); });
+    m_linesOver = add(
+        "pattern", "lines", tr("Lines"), tr("Survey lines over this area (P)"), [this] { StartPattern(); });
+    m_corners = add("edit", "corners", tr("Corners"), tr("Move the corners"), [this] { EditArea(); });
+    m_deleteArea
+        = add("delete", "delete_area", tr("Delete"), tr("Delete this area (Del)"), [this] { DeleteArea(); });
+    m_keepClear = add("warning", "keep_clear", tr("No-go"), tr("The way must stay out of this area"), [this] {
+        m_drawing.Build(m_keepClear->on);
+        Changed();
+    });
+    m_keepClear->checkable = true;
+    m_removeLast = add("undo", "remove_last", tr("Last"), tr("Remove the last corner (Backspace)"), [this] {
+        m_drawing.RemoveLast();
+        ShowState();
+    });
+    m_addHere = add(
+        "target", "add_here", tr("Add"), tr("Add at the cross (Ins)"), [this] { AddHere(Crosshair()); });
+    m_done = add(
+        "check", "done", tr("Done"), tr("Done (Esc)"), [this] { SetMode(modeBrowse); }, ZrBtn::typeAccent);
+}
+
+void PlanPage::AddSide()
+{
+    const auto add = [this](const char* icon, const QString& text, const QString& hint, eSide side) {
+        ZrBtn* button = AddButton(ZrBtn::typeTool, QString::fromLatin1(icon),
+            QStringLiteral("tab_") + QString::fromLatin1(icon), text, hint, [this, side] { ShowSide(side); });
+        m_tabs.append(button);
+    };
+    add("list", tr("Route"), tr("The waypoints in their order"), sideList);
+    add("target", tr("Waypoint"), tr("What the selected waypoint is"), sidePoint);
+    add("warning", tr("Checks"), tr("What there is to say about the plan"), sideChecks);
+}
+
+void PlanPage::Connect()
+{
+    connect(m_later, &QTimer::timeout, this, &PlanPage::Refresh);
+    connect(&Plan(), &ZrPlanDocument::Changed, this, [this] {
+        ++m_edits;
+        Later();
+    });
+    connect(&m_review, &ZrPlanReview::Ready, this, &PlanPage::Later);
+    connect(m_files, &PlanFiles::Opened, this, [this] {
+        Select(-1);
+        SetMode(modeBrowse);
+        m_isFitDue = true;
+        Later();
+    });
+    connect(m_panel, &ZrMapPanel::Changed, this, &SurveyPage::Changed);
+    connect(m_panel, &ZrMapPanel::Tapped, this, &PlanPage::OnTapped);
+    connect(m_panel, &ZrMapPanel::DoubleTapped, this, [this](const QPointF& world) {
+        if (m_mode == modeBrowse)
+            AddHere(world);
+    });
+    connect(m_panel, &ZrMapPanel::Dragged, this, &PlanPage::OnDragged);
+    m_panel->m_claim = [this](const QPointF& pixel) { return Claims(pixel); };
+    connect(m_list, &PlanListPanel::Chosen, this, [this](int row) {
+        Select(row);
+        if (const ZrWpt* wpt = Waypoint(row))
+            CentreOn({wpt->lat, wpt->lng});
+    });
+    connect(m_list, &PlanListPanel::MoveWanted, this, &PlanPage::MoveSelected);
+    connect(m_list, &PlanListPanel::ReverseWanted, this, &PlanPage::Reverse);
+    connect(m_list, &PlanListPanel::DeleteWanted, this, &PlanPage::DeleteSelected);
+    connect(m_pattern, &PlanPatternPanel::Planned, this, [this] {
+        m_drawing.SetPattern(m_pattern->Plan());
+        m_drawing.Build(false);
+        Changed();
+    });
+    connect(m_pattern, &PlanPatternPanel::ApplyWanted, this, &PlanPage::ApplyPattern);
+    connect(m_pattern, &PlanPatternPanel::CancelWanted, this, [this] { SetMode(modeBrowse); });
+    connect(m_checks, &ZrTouchList::Chosen, this, [this](int row) {
+        const auto& findings = m_review.Findings();
+        if (row < 0 || row >= static_cast<int>(findings.size()))
+            return;
+        const ZrRouteFinding& finding = findings[static_cast<std::size_t>(row)];
+        if (finding.index >= 0)
+            Select(finding.index);
+        CentreOn(finding.place);
+        // A row has no room for all of it.
+        View().Tell(finding.text);
+    });
+    connect(m_check, &ZrValueTile::Clicked, this, [this] { ShowSide(sideChecks); });
+}
+
+void PlanPage::zr_initializeGL()
+{
+    m_map.OnCreate();
+}
+
+void PlanPage::zr_paintGL()
+{
+    // Units are changed by the forms, which stand before this page and have it painted.
+    if (m_units != Units())
+        Later();
+    m_chart.Match(m_map.m_camera);
+    m_map.Render();
+}
+
+void PlanPage::OnPageOpen()
+{
+    Later();
+    if (!m_isOpened)
+        m_files->TellDraft();
+    m_isOpened = true;
+}
+
+void PlanPage::OnColours()
+{
+    m_list->Restyle();
+    m_point->Restyle();
+    m_pattern->Restyle();
+    m_checks->Restyle();
+    m_more->Restyle();
+    m_files->Restyle();
+    m_drawing.Build(m_keepClear->on);
+    SurveyPage::OnColours();
+    Later();
+}
+
+void PlanPage::Later()
+{
+    m_later->start(0);
+}
+
+const ZrRoutePath& PlanPage::Path()
+{
+    static const ZrRoutePath none{ZrWpts()};
+    if (Plan().Route().GetCount() <= mostAtOnce)
+        return Plan().Path();
+    return m_review.Path() ? *m_review.Path() : none;
+}
+
+/// The map is in the zone of the plan.
+void PlanPage::MatchOrigin()
+{
+    ZrGeoPoint origin;
+    if (const ZrWpt* first = Plan().Route().GetHead())
+        origin = {first->lat, first->lng};
+    else if (!Plan().Areas().empty())
+        origin = Plan().Areas().front().ring.front();
+    else if (!m_origin.IsValid())
+        origin = {View().Model().vehicle.Current().lat, View().Model().vehicle.Current().lng};
+    if (!origin.IsValid() && !m_origin.IsValid()) {
+        const QGeoCoordinate here = View().last_position().coordinate();
+        origin = here.isValid() ? ZrGeoPoint{here.latitude(), here.longitude()} : ZrGeoPoint{0.0, 0.0};
+    }
+    if (!origin.IsValid() || origin == m_origin)
+        return;
+    const bool isFirst = !m_origin.IsValid();
+    const ZrGeoPoint centre = isFirst ? origin : m_chart.ToGeo(m_map.m_camera.Centre());
+    m_origin = origin;
+    m_chart.SetOrigin(origin);
+    m_grid.SetProjection(ZrUnits::wgs84, m_chart.Grid().Projection());
+    m_map.m_camera.SetCentre(m_chart.ToWorld(centre));
+}
+
+void PlanPage::Refresh()
+{
+    m_later->stop();
+    m_units = Units();
+    MatchOrigin();
+    int index = 0;
+    m_selected = -1;
+    for (ZrListPos* pos = Plan().Route().GetHeadPos(); pos && !m_selectedId.isNull(); ++index) {
+        if (Plan().Route().GetNext(pos)->uuid == m_selectedId)
+            m_selected = index;
+    }
+    const ZrRoutePath& path = Path();
+    m_chart.SetAreas(Plan().Areas(), Plan().NoGo());
+    m_chart.SetRoute(Plan().Route(), path);
+    m_chart.SetFindings(m_review.Findings());
+    m_chart.SetSelected(m_selected, m_leg);
+    if (m_isFitDue && isVisible())
+        Fit();
+    ShowTotals();
+    ShowChecks();
+    ShowState();
+}
+
+void PlanPage::Fit()
+{
+    m_isFitDue = false;
+    const QRectF bounds = m_chart.Bounds();
+    if (bounds.isNull() && Plan().Route().IsEmpty() && Plan().Areas().empty())
+        return;
+    // The tools to the left and the tiles below cover a part of the map.
+    const double ratio = devicePixelRatioF();
+    const double left = m_tools.front()->geometry().right() * ratio;
+    const double below = (m_panel->geometry().bottom() - m_length->y()) * ratio
+        + static_cast<double>(ZrTheme::DpF(56.0F)) * ratio;
+    ZrMapView& camera = m_map.m_camera;
+    ZrMapView free = camera;
+    free.SetSize(qRound(camera.Width() - left), qRound(camera.Height() - below));
+    free.Fit(bounds, static_cast<double>(ZrTheme::DpF(56.0F)) * ratio);
+    camera.SetScale(free.Scale());
+    camera.SetCentre(free.Centre());
+    camera.Pan({left / 2.0, -below / 2.0});
+    m_panel->Moved();
+}
+
+void PlanPage::ShowTotals()
+{
+    const ZrRoutePath& path = Path();
+    m_length->Set(ZrUnits::GetLengthString(path.Length(), 2, false), ZrUnits::GetLengthUnits(path.Length()));
+    m_duration->Set(DurationText(path.Duration()), tr("h"));
+    m_lines->Set(QString::number(Plan().LineCount()), QString());
+    m_count->Set(QString::number(Plan().Route().GetCount()), QString());
+    const int errors = m_review.Count(ZrRouteFinding::eError);
+    const int warnings = m_review.Count(ZrRouteFinding::eWarning);
+    m_check->Set(errors + warnings == 0 ? tr("OK") : QString::number(errors + warnings), QString());
+    m_check->SetState(!m_review.IsCurrent() ? ZrValueTile::stale
+            : errors > 0                    ? ZrValueTile::error
+            : warnings > 0                  ? ZrValueTile::warning
+                                            : ZrValueTile::good);
+    m_tabs[sideChecks]->badge = errors + warnings;
+    m_tabs[sideChecks]->update();
+}
+
+void PlanPage::ShowChecks()
+{
+    QVector<ZrListItem> items;
+    for (const ZrRouteFinding& finding : m_review.Findings()) {
+        ZrListItem item;
+        item.title = finding.text;
+        item.subtitle = finding.index >= 0 ? tr("Waypoint %1").arg(finding.index + 1) : tr("The whole plan");
+        const bool isError = finding.severity == ZrRouteFinding::eError;
+        const bool isInfo = finding.severity == ZrRouteFinding::eInfo;
+        item.image = QImage(isError ? QStringLiteral(":/icons/error.png")
+                : isInfo            ? QStringLiteral(":/icons/info.png")
+                                    : QStringLiteral(":/icons/warning.png"));
+        item.edge = isError ? ZrTheme::errorCol : isInfo ? ZrTheme::ctrlOutlineCol : ZrTheme::warnCol;
+        items.append(item);
+    }
+    m_checks->SetItems(items);
+}
+
+void PlanPage::ShowSide(eSide side)
+{
+    m_side = side;
+    for (int i = 0; i < m_tabs.size(); ++i) {
+        m_tabs[i]->on = i == side;
+        m_tabs[i]->update();
+    }
+    const bool isPattern = m_mode == modePattern;
+    m_list->setVisible(!isPattern && side == sideList);
+    m_point->setVisible(!isPattern && side == sidePoint);
+    m_checks->setVisible(!isPattern && side == sideChecks);
+    m_pattern->setVisible(isPattern);
+    for (ZrBtn* tab : qAsConst(m_tabs))
+        tab->setVisible(!isPattern);
+    update();
 }

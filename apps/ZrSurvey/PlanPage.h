@@ -1,15 +1,186 @@
 #pragma once
 
+#include "ZrKit/chart/ZrPlanChart.h"
+#include "ZrKit/map/ZrGridLayer.h"
+#include "ZrKit/map/ZrMapSurface.h"
+#include "ZrKit/planning/ZrPlanReview.h"
+#include "apps/ZrSurvey/PlanDrawing.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
+#include <QUuid>
+
+class PlanFiles;
+class PlanListPanel;
+class PlanPanel;
+class PlanPatternPanel;
+class PlanPointPanel;
+class QTimer;
+class ZrBtn;
+class ZrChoicePanel;
+class ZrMapPanel;
+class ZrPlanDocument;
+class ZrTouchList;
+class ZrValueTile;
+class ZrWpt;
+
+/// The page on which surveys are planned: the map with the plan, tools to its left, lists to its right, what
+/// the plan comes to below.
 class PlanPage : public SurveyPage
 {
     Q_OBJECT
 
 public:
+    /// What a tap on the map means.
+    enum eMode : int
+    {
+        modeBrowse = 0, ///< chooses
+        modeAdd = 1, ///< adds a waypoint
+        modeArea = 2, ///< adds a corner
+        modePattern = 3 ///< nothing: the lines of a pattern are shown
+    };
+
     explicit PlanPage(SurveyView& view);
+    ~PlanPage() override;
+
     bool OpenPlan(const QString& path); ///< false, after a message, when it cannot be read
+
+    eMode Mode() const { return m_mode; }
+
+    void SetMode(eMode mode);
+
+    ZrMapSurface& Map() { return m_map; }
+
+    const ZrPlanChart& Chart() const { return m_chart; }
+
+    void Fit(); ///< shows all of the plan
+
+    void OnPageOpen() override;
+    void zr_initializeGL() override;
+    void zr_paintGL() override;
+    bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
+    void OnColours() override;
 
 protected:
     void Place() override;
+    int BandRight() const override;
+    int BandLeft() const override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    enum eSide : int
+    {
+        sideList = 0,
+        sidePoint = 1,
+        sideChecks = 2
+    };
+
+    // Making and placing.
+    ZrBtn* AddButton(int type, const QString& icon, const QString& name, const QString& text,
+        const QString& hint, const std::function<void()>& run);
+    void AddBand();
+    void AddTools();
+    void AddBar();
+    void AddSide();
+    void Connect();
+    void PlaceBand();
+    void PlaceBar(const QRect& map);
+    void PlaceSide(const QRect& side);
+    void PlaceTiles(const QRect& map);
+
+    // What the page shows.
+    void Later();
+    void Refresh();
+    void MatchOrigin();
+    void ShowTotals();
+    void ShowChecks();
+    void ShowState();
+    void ShowSide(eSide side);
+    const ZrRoutePath& Path();
+    double TouchRadius() const; ///< pixels of the map
+    QPointF Crosshair() const; ///< world
+    void CentreOn(ZrGeoPoint place);
+
+    // What the user does.
+    ZrPlanDocument& Plan() const;
+    ZrWpt* Waypoint(int index) const;
+
+    int Selected() const { return m_selected; }
+
+    void Select(int waypoint, int leg = -1, int area = -1, bool isNoGo = false);
+    void OnTapped(const QPointF& world, const QPointF& pixel);
+    bool Claims(const QPointF& pixel);
+    void OnDragged(int drag, const QPointF& world);
+    void AddWaypoint(const QPointF& world, int before);
+    void AddHere(const QPointF& world);
+    void InsertIntoLeg();
+    void DeleteSelected();
+    void MoveSelected(int by);
+    void Reverse();
+    void Undo();
+    void Redo();
+    void FinishArea();
+    void EditArea();
+    void DeleteArea();
+    void StartPattern();
+    void StartCorridor();
+    void ApplyPattern();
+    void ShowMore();
+    void TellUndo(const QString& text);
+
+    ZrMapSurface m_map;
+    ZrPlanChart m_chart;
+    PlanDrawing m_drawing;
+    ZrGridLayer m_grid;
+    ZrPlanReview m_review;
+    ZrMapPanel* m_panel;
+    PlanFiles* m_files;
+    PlanListPanel* m_list;
+    PlanPointPanel* m_point;
+    PlanPatternPanel* m_pattern;
+    ZrTouchList* m_checks;
+    ZrChoicePanel* m_more;
+    QVector<ZrBtn*> m_bandButtons;
+    QVector<ZrBtn*> m_tools;
+    QVector<ZrBtn*> m_tabs;
+    QVector<ZrBtn*> m_bar; ///< of the mode, or of what is selected
+    ZrBtn* m_undo = nullptr;
+    ZrBtn* m_redo = nullptr;
+    ZrBtn* m_addTool = nullptr;
+    ZrBtn* m_areaTool = nullptr;
+    ZrBtn* m_patternTool = nullptr;
+    ZrBtn* m_addHere = nullptr;
+    ZrBtn* m_removeLast = nullptr;
+    ZrBtn* m_keepClear = nullptr;
+    ZrBtn* m_insert = nullptr;
+    ZrBtn* m_linesOver = nullptr;
+    ZrBtn* m_corners = nullptr;
+    ZrBtn* m_deleteArea = nullptr;
+    ZrBtn* m_done = nullptr;
+    ZrValueTile* m_length = nullptr;
+    ZrValueTile* m_duration = nullptr;
+    ZrValueTile* m_lines = nullptr;
+    ZrValueTile* m_count = nullptr;
+    ZrValueTile* m_check = nullptr;
+    QTimer* m_later;
+    QString m_units; ///< those that everything is shown in
+    QString m_hint; ///< above the map; empty for none
+    QRect m_hintRect;
+    QRect m_barRect;
+    QRect m_sideRect;
+    eMode m_mode = modeBrowse;
+    eSide m_side = sideList;
+    ZrGeoPoint m_origin; ///< of the chart
+    bool m_isFitDue = true;
+    bool m_isOpened = false; ///< has been shown once
+    int m_selected = -1; ///< waypoint
+    QUuid m_selectedId;
+    int m_leg = -1;
+    QPointF m_legFoot; ///< where it was tapped, world
+    int m_area = -1;
+    bool m_isNoGo = false; ///< of the area
+    int m_editedArea = -1; ///< whose corners are being moved; -1 for a new one
+    int m_corner = -1; ///< that is dragged
+    ZrGeoPoint m_dragStart;
+    QPointF m_grab; ///< from the finger to the mark, world
+    int m_edits = 0; ///< counted
 };

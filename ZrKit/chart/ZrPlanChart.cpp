@@ -1,0 +1,349 @@
+#include "ZrKit/chart/ZrPlanChart.h"
+
+#include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrWpts.h"
+
+#include <QPolygonF>
+#include <QtMath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Images of `ZrGlSurface::m_markers`.
+enum eImage : int
+{
+    imageArrow = 1,
+    imageCircle = 3,
+    imagePin = 7
+};
+
+/// Of an arc from vertex to vertex.
+constexpr double arcStep = M_PI / 36.0;
+
+bool IsFinite(const QPointF& p)
+{
+    return std::isfinite(p.x()) && std::isfinite(p.y());
+}
+
+double Length(const std::vector<QPointF>& line)
+{
+    double length = 0.0;
+    for (std::size_t i = 1; i < line.size(); ++i)
+        length += std::hypot(line[i].x() - line[i - 1].x(), line[i].y() - line[i - 1].y());
+    return length;
+}
+
+QPointF Foot(const QPointF& p, const QPointF& a, const QPointF& b)
+{
+    const QPointF d = b - a;
+    const double square = QPointF::dotProduct(d, d);
+    const double t = square > 0.0 ? QPointF::dotProduct(p - a, d) / square : 0.0;
+    return a + d * std::clamp(t, 0.0, 1.0);
+}
+
+QPointF Middle(const std::vector<QPointF>& ring)
+{
+    return QPolygonF(QVector<QPointF>(ring.begin(), ring.end())).boundingRect().center();
+}
+
+} // namespace
+
+ZrPlanChart::ZrPlanChart()
+    : m_grid(ZrGridBatch::UtmAt(0.0, 0.0))
+{
+    m_labelLayer.SetDeclutter(true);
+}
+
+QVector<ZrMapLayer*> ZrPlanChart::Layers()
+{
+    return {&m_areaLayer, &m_lineLayer, &m_markLayer, &m_labelLayer};
+}
+
+void ZrPlanChart::SetOrigin(ZrGeoPoint origin)
+{
+    if (origin.IsValid())
+        m_grid = ZrGridBatch::UtmAt(origin.lat, origin.lng);
+}
+
+QPointF ZrPlanChart::ToWorld(ZrGeoPoint point) const
+{
+    QPointF world;
+    m_grid.ToGrid({&point.lat, 1}, {&point.lng, 1}, {&world.rx(), 1}, {&world.ry(), 1});
+    return world;
+}
+
+ZrGeoPoint ZrPlanChart::ToGeo(const QPointF& world) const
+{
+    const double east = world.x();
+    const double north = world.y();
+    ZrGeoPoint point;
+    m_grid.ToLatLng({&east, 1}, {&north, 1}, {&point.lat, 1}, {&point.lng, 1});
+    return point;
+}
+
+void ZrPlanChart::SetRoute(const ZrWpts& route, const ZrRoutePath& path)
+{
+    m_waypoints.clear();
+    m_points.clear();
+    for (ZrListPos* pos = route.GetHeadPos(); pos;) {
+        const ZrWpt& wpt = *route.GetNext(pos);
+        Waypoint waypoint;
+        waypoint.name = wpt.Name();
+        if (!wpt.gridId.isNull() && wpt.name.endsWith(QLatin1String(" S")))
+            waypoint.line = wpt.name.chopped(2);
+        waypoint.isLineEnd = !wpt.gridId.isNull() && wpt.name.endsWith(QLatin1String(" E"));
+        waypoint.isTurn = !wpt.gridId.isNull() && wpt.name.contains(QLatin1String(" T"));
+        m_waypoints.push_back(std::move(waypoint));
+        m_points.push_back(ToWorld({wpt.lat, wpt.lng}));
+    }
+    m_legs.assign(path.Legs().size(), {});
+    m_isLine.assign(path.Legs().size(), false);
+    for (const ZrPathPiece& piece : path.Pieces()) {
+        auto& line = m_legs[static_cast<std::size_t>(piece.leg)];
+        const int steps = piece.isArc ? std::max(1, qCeil(std::fabs(piece.sweep) / arcStep)) : 1;
+        for (int i = line.empty() ? 0 : 1; i <= steps; ++i)
+            line.push_back(ToWorld(path.Frame().ToGeo(piece.At(static_cast<double>(i) / steps))));
+    }
+    for (std::size_t i = 0; i < m_legs.size(); ++i) {
+        const auto from = static_cast<std::size_t>(path.Legs()[i].from);
+        m_isLine[i] = from < m_waypoints.size() && !m_waypoints[from].line.isEmpty();
+    }
+    BuildLines();
+    BuildMarks();
+}
+
+void ZrPlanChart::SetAreas(const std::vector<ZrArea>& areas, const std::vector<ZrArea>& noGo)
+{
+    const auto take = [this](const std::vector<ZrArea>& from, auto& rings, auto& names) {
+        rings.clear();
+        names.clear();
+        for (const ZrArea& area : from) {
+            std::vector<QPointF> ring;
+            for (const ZrGeoPoint& corner : area.ring)
+                ring.push_back(ToWorld(corner));
+            rings.push_back(std::move(ring));
+            names.push_back(area.name);
+        }
+    };
+    take(areas, m_areas, m_areaNames);
+    take(noGo, m_noGo, m_noGoNames);
+    BuildAreas();
+    BuildMarks();
+}
+
+void ZrPlanChart::SetFindings(const std::vector<ZrRouteFinding>& findings)
+{
+    m_findings.clear();
+    for (const ZrRouteFinding& finding : findings) {
+        if (finding.severity == ZrRouteFinding::eInfo || !finding.place.IsValid())
+            continue;
+        ZrMapMarker marker;
+        marker.position = ToWorld(finding.place);
+        marker.size = 18.0;
+        marker.image = imagePin;
+        marker.colour = finding.severity == ZrRouteFinding::eError ? ZrTheme::errorCol : ZrTheme::warnCol;
+        m_findings.push_back(marker);
+    }
+    BuildMarks();
+}
+
+void ZrPlanChart::SetSelected(int waypoint, int leg)
+{
+    if (waypoint == m_waypoint && leg == m_leg)
+        return;
+    m_waypoint = waypoint;
+    m_leg = leg;
+    BuildLines();
+    BuildMarks();
+}
+
+void ZrPlanChart::SetFaint(bool isFaint)
+{
+    if (isFaint == m_isFaint)
+        return;
+    m_isFaint = isFaint;
+    BuildLines();
+    BuildMarks();
+}
+
+void ZrPlanChart::Match(const ZrMapView& view)
+{
+    const double perPixel = view.Scale() * static_cast<double>(ZrTheme::dp);
+    const double scale = std::exp2(std::round(2.0 * std::log2(perPixel)) / 2.0);
+    if (scale == m_scale || !(scale > 0.0))
+        return;
+    m_scale = scale;
+    BuildMarks();
+}
+
+void ZrPlanChart::BuildAreas()
+{
+    m_areaLayer.Clear();
+    for (const auto& ring : m_areas) {
+        m_areaLayer.AddArea(ring, ZrTheme::goodCol, 36);
+        m_areaLayer.AddLine(ring, 2.0, ZrTheme::goodCol, true);
+    }
+    for (const auto& ring : m_noGo) {
+        m_areaLayer.AddArea(ring, ZrTheme::errorCol, 56);
+        m_areaLayer.AddLine(ring, 2.0, ZrTheme::errorCol, true);
+    }
+}
+
+void ZrPlanChart::BuildLines()
+{
+    m_lineLayer.Clear();
+    // The ways between lines recede behind these.
+    QColor way = ZrTheme::route;
+    way.setAlpha(m_isFaint ? 60 : 150);
+    const bool hasLines = std::find(m_isLine.begin(), m_isLine.end(), true) != m_isLine.end();
+    for (std::size_t i = 0; i < m_legs.size(); ++i) {
+        const bool isMain = !m_isFaint && (m_isLine[i] || !hasLines);
+        m_lineLayer.AddLine(m_legs[i], isMain ? 3.0 : 2.0, isMain ? ZrTheme::route : way);
+    }
+    if (m_leg >= 0 && m_leg < static_cast<int>(m_legs.size()))
+        m_lineLayer.AddLine(m_legs[static_cast<std::size_t>(m_leg)], 6.0, ZrTheme::ctrlHighlightCol);
+}
+
+bool ZrPlanChart::IsShown(std::size_t waypoint) const
+{
+    if (!m_waypoints[waypoint].isTurn || static_cast<int>(waypoint) == m_waypoint)
+        return true;
+    const auto isLong = [&](std::size_t a, std::size_t b) {
+        return std::hypot(m_points[a].x() - m_points[b].x(), m_points[a].y() - m_points[b].y())
+            >= LeastLeg * m_scale;
+    };
+    return waypoint > 0 && isLong(waypoint - 1, waypoint);
+}
+
+void ZrPlanChart::BuildMarks()
+{
+    std::vector<ZrMapMarker> markers;
+    std::vector<ZrMapLabel> labels;
+    for (std::size_t i = 0; i < m_legs.size(); ++i) {
+        const auto& line = m_legs[i];
+        if (m_isFaint || line.size() < 2 || Length(line) < LeastLeg * m_scale)
+            continue;
+        const QPointF way = line[1] - line[0];
+        ZrMapMarker arrow;
+        arrow.position = (line[0] + line[1]) / 2.0;
+        arrow.angle = qRadiansToDegrees(std::atan2(way.y(), way.x())) - 90.0;
+        arrow.size = 7.0;
+        arrow.image = imageArrow;
+        arrow.isTurning = true;
+        arrow.colour = ZrTheme::route;
+        markers.push_back(arrow);
+    }
+    for (std::size_t i = 0; i < m_points.size(); ++i) {
+        if (m_isFaint || !IsShown(i))
+            continue;
+        const Waypoint& waypoint = m_waypoints[i];
+        const bool isSelected = static_cast<int>(i) == m_waypoint;
+        const bool isMinor = waypoint.isTurn || waypoint.isLineEnd;
+        ZrMapMarker marker;
+        marker.position = m_points[i];
+        marker.image = imageCircle;
+        if (isSelected) {
+            marker.size = 15.0;
+            marker.colour = ZrTheme::ctrlHighlightCol;
+            markers.push_back(marker);
+        }
+        marker.size = isMinor ? 5.0 : 7.5;
+        marker.colour = ZrTheme::waypoint;
+        markers.push_back(marker);
+        if (isMinor && !isSelected)
+            continue;
+        ZrMapLabel label;
+        label.text = isSelected || waypoint.line.isEmpty() ? waypoint.name : waypoint.line;
+        label.position = m_points[i];
+        label.offset = {isSelected ? 18.0 : 11.0, -3.0};
+        label.alignY = ZrMapLabel::alignMiddle;
+        label.size = isSelected ? 18.0F : 15.0F;
+        label.priority = isSelected ? ZrMapLabel::AlwaysShown : i == 0 || i + 1 == m_points.size() ? 2 : 1;
+        labels.push_back(label);
+    }
+    markers.insert(markers.end(), m_findings.begin(), m_findings.end());
+    const auto name = [&labels](const auto& rings, const auto& names, const QColor& colour) {
+        for (std::size_t i = 0; i < rings.size(); ++i) {
+            ZrMapLabel label;
+            label.text = names[i];
+            label.position = Middle(rings[i]);
+            label.alignX = ZrMapLabel::alignCentre;
+            label.alignY = ZrMapLabel::alignMiddle;
+            label.colour = colour;
+            label.size = 15.0F;
+            if (!label.text.isEmpty())
+                labels.push_back(label);
+        }
+    };
+    name(m_areas, m_areaNames, ZrTheme::goodCol);
+    name(m_noGo, m_noGoNames, ZrTheme::errorCol);
+    m_markLayer.m_halo = ZrTheme::sea;
+    m_markLayer.SetMarkers(std::move(markers));
+    m_labelLayer.SetLabels(std::move(labels));
+}
+
+QRectF ZrPlanChart::Bounds() const
+{
+    QPolygonF all;
+    const auto add = [&all](const std::vector<QPointF>& points) {
+        for (const QPointF& point : points) {
+            if (IsFinite(point))
+                all.append(point);
+        }
+    };
+    add(m_points);
+    for (const auto& ring : m_areas)
+        add(ring);
+    for (const auto& ring : m_noGo)
+        add(ring);
+    return all.boundingRect();
+}
+
+int ZrPlanChart::WaypointAt(const ZrMapView& view, const QPointF& pixel, double radius) const
+{
+    int nearest = -1;
+    for (std::size_t i = 0; i < m_points.size(); ++i) {
+        const QPointF d = view.ToPixel(m_points[i]) - pixel;
+        const double distance = std::hypot(d.x(), d.y());
+        if (distance <= radius) {
+            radius = distance;
+            nearest = static_cast<int>(i);
+        }
+    }
+    return nearest;
+}
+
+int ZrPlanChart::LegAt(const ZrMapView& view, const QPointF& pixel, double radius, QPointF* foot) const
+{
+    const QPointF world = view.ToWorld(pixel);
+    double least = radius * view.Scale();
+    int nearest = -1;
+    for (std::size_t i = 0; i < m_legs.size(); ++i) {
+        for (std::size_t k = 1; k < m_legs[i].size(); ++k) {
+            const QPointF at = Foot(world, m_legs[i][k - 1], m_legs[i][k]);
+            const double distance = std::hypot(at.x() - world.x(), at.y() - world.y());
+            if (!(distance <= least))
+                continue;
+            least = distance;
+            nearest = static_cast<int>(i);
+            if (foot)
+                *foot = at;
+        }
+    }
+    return nearest;
+}
+
+int ZrPlanChart::AreaAt(const QPointF& world, bool isNoGo) const
+{
+    const auto& rings = isNoGo ? m_noGo : m_areas;
+    for (std::size_t i = rings.size(); i-- > 0;) {
+        const QPolygonF ring(QVector<QPointF>(rings[i].begin(), rings[i].end()));
+        if (ring.containsPoint(world, Qt::OddEvenFill))
+            return static_cast<int>(i);
+    }
+    return -1;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ZrKit/ZrKitExport.h"
+#include "ZrKit/planning/ZrRouteFinding.h"
+#include "ZrKit/planning/ZrRoutePath.h"
+
+#include <QObject>
+#include <QThreadPool>
+
+#include <memory>
+#include <vector>
+
+class ZrPlanDocument;
+
+/// Follows a plan that is being edited and looks it over in a thread of its own, so that no edit of a large
+/// plan waits for that.
+///
+/// \code
+/// ZrPlanReview review(plan);
+/// connect(&review, &ZrPlanReview::Ready, this, [&] { show(review.Findings()); });
+/// \endcode
+///
+/// Each state of the plan that is looked at is a copy. Of states that come while one is looked at only the
+/// newest is looked at after it. Lives on the thread of the plan and must end before the plan does.
+class ZR_KIT_EXPORT ZrPlanReview : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ZrPlanReview(ZrPlanDocument& plan, QObject* parent = nullptr);
+    ~ZrPlanReview() override; ///< waits for the thread
+
+    bool IsCurrent() const { return m_seen == m_wanted; } ///< what it says is of the plan as it is now
+
+    const std::vector<ZrRouteFinding>& Findings() const { return m_findings; }
+
+    const ZrRoutePath* Path() const { return m_path.get(); } ///< null before the first `Ready`
+
+    int Count(ZrRouteFinding::eSeverity severity) const; ///< of findings
+
+    /// Waits until the thread reads nothing. To be called before the speed presets of all routes change, as
+    /// reading a file may change them.
+    void Wait();
+
+Q_SIGNALS:
+    void Ready(); ///< findings and path are those of a newer state
+
+private:
+    void Start();
+
+    ZrPlanDocument& m_plan;
+    QThreadPool m_pool;
+    std::vector<ZrRouteFinding> m_findings;
+    std::unique_ptr<ZrRoutePath> m_path;
+    int m_wanted = 0; ///< counts the states of the plan
+    int m_seen = -1; ///< the state that the findings are of
+    bool m_isRunning = false;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ZrKit/map/ZrMarkerLayer.h"
+#include "ZrKit/map/ZrShapeLayer.h"
+#include "ZrKit/planning/ZrArea.h"
+#include "ZrKit/planning/ZrSurveyPlan.h"
+
+#include <vector>
+
+class ZrMapLayer;
+class ZrMapView;
+class ZrPlanChart;
+
+/// What is drawn on the map of the page "Plan" and not part of the plan yet: the corners of an area, or the
+/// lines of a pattern.
+class PlanDrawing
+{
+public:
+    explicit PlanDrawing(const ZrPlanChart& chart)
+        : m_chart(chart)
+    {
+    }
+
+    QVector<ZrMapLayer*> Layers() { return {&m_lines, &m_marks}; }
+
+    void Clear();
+    void SetRing(const std::vector<ZrGeoPoint>& corners); ///< begins with these
+    void SetPattern(const ZrSurveyPlan& plan); ///< shows it
+
+    const std::vector<ZrGeoPoint>& Ring() const { return m_ring; }
+
+    void Add(const QPointF& world); ///< a corner behind the last one
+    void Move(int corner, ZrGeoPoint to);
+    void RemoveLast();
+    int CornerAt(const ZrMapView& view, const QPointF& pixel, double radius) const; ///< -1 for none
+
+    void Build(bool isNoGo); ///< after a change, and of the colours
+
+private:
+    const ZrPlanChart& m_chart;
+    std::vector<ZrGeoPoint> m_ring;
+    ZrSurveyPlan m_pattern;
+    ZrShapeLayer m_lines;
+    ZrMarkerLayer m_marks;
+};

@@ -1,0 +1,422 @@
+// What the user does to the plan on the page "Plan".
+
+#include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
+#include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/PlanFiles.h"
+#include "apps/ZrSurvey/PlanPage.h"
+#include "apps/ZrSurvey/PlanPatternPanel.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <memory>
+#include <utility>
+
+namespace {
+
+/// About a finger's tip, design pixels.
+constexpr float touchRadius = 32.0F;
+
+} // namespace
+
+ZrPlanDocument& PlanPage::Plan() const
+{
+    return View().Model().plan;
+}
+
+ZrWpt* PlanPage::Waypoint(int index) const
+{
+    const ZrWpts& route = Plan().Route();
+    return index < 0 ? nullptr : route.GetAt(route.FindIndex(index));
+}
+
+double PlanPage::TouchRadius() const
+{
+    return static_cast<double>(ZrTheme::DpF(touchRadius)) * devicePixelRatioF();
+}
+
+QPointF PlanPage::Crosshair() const
+{
+    return m_map.m_camera.Centre();
+}
+
+void PlanPage::CentreOn(ZrGeoPoint place)
+{
+    if (!place.IsValid())
+        return;
+    m_map.m_camera.SetCentre(m_chart.ToWorld(place));
+    m_panel->Moved();
+}
+
+bool PlanPage::OpenPlan(const QString& path)
+{
+    return m_files->Open(path);
+}
+
+void PlanPage::SetMode(eMode mode)
+{
+    if (m_mode == modeArea && mode != modeArea)
+        FinishArea();
+    m_drawing.Clear();
+    m_editedArea = -1;
+    m_keepClear->on = false;
+    m_mode = mode;
+    m_chart.SetFaint(mode == modePattern);
+    if (mode != modeBrowse) {
+        m_leg = -1;
+        m_area = -1;
+    }
+    ShowSide(m_side);
+    Refresh();
+}
+
+void PlanPage::Select(int waypoint, int leg, int area, bool isNoGo)
+{
+    const ZrWpt* wpt = Waypoint(waypoint);
+    m_selectedId = wpt ? wpt->uuid : QUuid();
+    m_selected = wpt ? waypoint : -1;
+    m_leg = leg;
+    m_area = area;
+    m_isNoGo = isNoGo;
+    m_chart.SetSelected(m_selected, m_leg);
+    ShowState();
+}
+
+void PlanPage::OnTapped(const QPointF& world, const QPointF& pixel)
+{
+    Refresh();
+    const ZrMapView& camera = m_map.m_camera;
+    const double factor = devicePixelRatioF();
+    if (m_grid.NorthArrowRect(camera, 1).contains(pixel / factor)) {
+        m_map.m_camera.SetRotation(0.0);
+        m_panel->Moved();
+        return;
+    }
+    if (m_mode == modeAdd || m_mode == modeArea) {
+        AddHere(world);
+        return;
+    }
+    if (m_mode == modePattern)
+        return;
+    const int waypoint = m_chart.WaypointAt(camera, pixel, TouchRadius());
+    if (waypoint >= 0) {
+        Select(waypoint);
+        return;
+    }
+    const int leg = m_chart.LegAt(camera, pixel, TouchRadius() / 2.0, &m_legFoot);
+    if (leg >= 0) {
+        Select(-1, leg);
+        return;
+    }
+    const int noGo = m_chart.AreaAt(world, true);
+    Select(-1, -1, noGo >= 0 ? noGo : m_chart.AreaAt(world, false), noGo >= 0);
+}
+
+/// A finger takes the selected waypoint along, or a corner that is being drawn; on anything else it moves the
+/// map, so that no pan moves a mark.
+bool PlanPage::Claims(const QPointF& pixel)
+{
+    if (m_mode == modeArea) {
+        m_corner = m_drawing.CornerAt(m_map.m_camera, pixel, TouchRadius());
+        if (m_corner < 0)
+            return false;
+        m_dragStart = m_drawing.Ring()[static_cast<std::size_t>(m_corner)];
+    } else if (m_mode == modeBrowse) {
+        Refresh();
+        const ZrWpt* wpt = Waypoint(m_selected);
+        if (!wpt)
+            return false;
+        const QPointF way = m_map.m_camera.ToPixel(m_chart.ToWorld({wpt->lat, wpt->lng})) - pixel;
+        if (std::hypot(way.x(), way.y()) > TouchRadius())
+            return false;
+        m_dragStart = {wpt->lat, wpt->lng};
+    } else {
+        return false;
+    }
+    m_grab = m_chart.ToWorld(m_dragStart) - m_map.m_camera.ToWorld(pixel);
+    return true;
+}
+
+void PlanPage::OnDragged(int drag, const QPointF& world)
+{
+    if (drag == ZrMapPanel::dragBegin)
+        return;
+    const bool isBack = drag == ZrMapPanel::dragCancel;
+    const ZrGeoPoint to = isBack ? m_dragStart : m_chart.ToGeo(world + m_grab);
+    if (m_mode == modeArea) {
+        if (drag != ZrMapPanel::dragEnd)
+            m_drawing.Move(m_corner, to);
+        m_drawing.Build(m_keepClear->on);
+        Changed();
+        return;
+    }
+    ZrWpt* wpt = Waypoint(m_selected);
+    if (!wpt)
+        return;
+    ZrRouteHistory& history = Plan().History();
+    if (drag != ZrMapPanel::dragEnd)
+        history.Move(wpt, to.lat, to.lng);
+    if (drag != ZrMapPanel::dragMove)
+        history.CloseMove();
+    Plan().Edited();
+}
+
+/// \param before index of the waypoint that it goes before; that of none for the end
+void PlanPage::AddWaypoint(const QPointF& world, int before)
+{
+    const ZrGeoPoint place = m_chart.ToGeo(world);
+    if (!place.IsValid())
+        return;
+    ZrWpts& route = Plan().Route();
+    const int count = route.GetCount();
+    const ZrWpt* added = nullptr;
+    if (before < 0 || before >= count) {
+        added = Plan().History().Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    } else {
+        auto wpt = std::make_unique<ZrWpt>();
+        wpt->lat = place.lat;
+        wpt->lng = place.lng;
+        wpt->colour = Waypoint(before)->colour;
+        added = wpt.release();
+        route.InsertBefore(route.FindIndex(before), added);
+        route.Recalc(true);
+        route.UpdatePseudo();
+        Plan().History().Record(tr("Insert waypoint"));
+    }
+    m_selectedId = added->uuid;
+    m_leg = -1;
+    m_area = -1;
+    Plan().Edited();
+    Refresh();
+}
+
+void PlanPage::AddHere(const QPointF& world)
+{
+    if (m_mode == modeArea) {
+        m_drawing.Add(world);
+        ShowState();
+        return;
+    }
+    const int count = Plan().Route().GetCount();
+    AddWaypoint(world, m_selected >= 0 ? m_selected + 1 : count);
+}
+
+void PlanPage::InsertIntoLeg()
+{
+    const auto& legs = Path().Legs();
+    if (m_leg < 0 || static_cast<std::size_t>(m_leg) >= legs.size())
+        return;
+    // The leg that closes a route ends at its first waypoint, and what is inserted there comes last.
+    const int to = legs[static_cast<std::size_t>(m_leg)].to;
+    AddWaypoint(m_legFoot, to == 0 ? Plan().Route().GetCount() : to);
+}
+
+void PlanPage::TellUndo(const QString& text)
+{
+    const int edits = m_edits;
+    View().Tell(text, tr("Undo"), [this, edits] {
+        if (edits == m_edits)
+            Undo();
+        else
+            View().Tell(tr("The plan was edited since; Ctrl+Z takes back step by step"));
+    });
+}
+
+void PlanPage::DeleteSelected()
+{
+    ZrWpt* wpt = Waypoint(m_selected);
+    if (!wpt)
+        return;
+    const QString name = wpt->Name();
+    const ZrWpt* next = Waypoint(m_selected + 1);
+    m_selectedId = next ? next->uuid : QUuid();
+    Plan().History().Delete(wpt);
+    Plan().Edited();
+    Refresh();
+    TellUndo(tr("%1 deleted").arg(name));
+}
+
+void PlanPage::MoveSelected(int by)
+{
+    ZrWpt* wpt = Waypoint(m_selected);
+    if (!wpt || !Plan().History().Reorder(wpt, m_selected + by))
+        return;
+    Plan().Edited();
+    Refresh();
+}
+
+void PlanPage::Reverse()
+{
+    if (Plan().Route().GetCount() < 2)
+        return;
+    Plan().History().Reverse();
+    Plan().Edited();
+    Refresh();
+    TellUndo(tr("Route reversed"));
+}
+
+void PlanPage::Undo()
+{
+    if (Plan().History().Undo())
+        Plan().Edited();
+    Refresh();
+}
+
+void PlanPage::Redo()
+{
+    if (Plan().History().Redo())
+        Plan().Edited();
+    Refresh();
+}
+
+/// What has been drawn becomes an area of the plan.
+void PlanPage::FinishArea()
+{
+    const auto& ring = m_drawing.Ring();
+    if (ring.size() < 3) {
+        if (!ring.empty())
+            View().Tell(tr("An area has three corners or more"));
+        return;
+    }
+    const bool isNoGo = m_keepClear->on;
+    std::vector<ZrArea> areas = Plan().Areas();
+    std::vector<ZrArea> noGo = Plan().NoGo();
+    auto& from = m_isNoGo ? noGo : areas;
+    auto& to = isNoGo ? noGo : areas;
+    ZrArea area;
+    if (m_editedArea >= 0 && m_editedArea < static_cast<int>(from.size())) {
+        area = from[static_cast<std::size_t>(m_editedArea)];
+        from.erase(from.begin() + m_editedArea);
+    }
+    area.ring = ring;
+    if (area.name.isEmpty())
+        area.name = (isNoGo ? tr("Keep clear %1") : tr("Area %1")).arg(to.size() + 1);
+    to.push_back(std::move(area));
+    Plan().SetAreas(std::move(areas));
+    Plan().SetNoGo(std::move(noGo));
+}
+
+void PlanPage::EditArea()
+{
+    const bool isNoGo = m_isNoGo;
+    const int index = m_area;
+    const auto& areas = isNoGo ? Plan().NoGo() : Plan().Areas();
+    if (index < 0 || index >= static_cast<int>(areas.size()))
+        return;
+    const std::vector<ZrGeoPoint> ring = areas[static_cast<std::size_t>(index)].ring;
+    SetMode(modeArea);
+    m_editedArea = index;
+    m_isNoGo = isNoGo;
+    m_keepClear->on = isNoGo;
+    m_drawing.SetRing(ring);
+    ShowState();
+}
+
+void PlanPage::DeleteArea()
+{
+    std::vector<ZrArea> areas = m_isNoGo ? Plan().NoGo() : Plan().Areas();
+    if (m_area < 0 || m_area >= static_cast<int>(areas.size()))
+        return;
+    const bool isNoGo = m_isNoGo;
+    const auto before = areas;
+    const QString name = areas[static_cast<std::size_t>(m_area)].name;
+    areas.erase(areas.begin() + m_area);
+    const auto set = [this, isNoGo](const std::vector<ZrArea>& all) {
+        if (isNoGo)
+            Plan().SetNoGo(all);
+        else
+            Plan().SetAreas(all);
+    };
+    set(areas);
+    Select(-1);
+    View().Tell(tr("%1 deleted").arg(name), tr("Undo"), [set, before] { set(before); });
+}
+
+void PlanPage::StartPattern()
+{
+    if (m_mode == modePattern) {
+        SetMode(modeBrowse);
+        return;
+    }
+    // What is being drawn becomes the area.
+    const bool wasDrawing = m_mode == modeArea && m_drawing.Ring().size() >= 3;
+    const int chosen = !wasDrawing && !m_isNoGo ? m_area : -1;
+    SetMode(modeBrowse);
+    const auto& areas = Plan().Areas();
+    if (areas.empty()) {
+        SetMode(modeArea);
+        View().Tell(tr("Draw the area first, then choose the lines"));
+        return;
+    }
+    const int index = chosen >= 0 ? chosen : static_cast<int>(areas.size()) - 1;
+    SetMode(modePattern);
+    m_pattern->SetArea(areas[static_cast<std::size_t>(index)]);
+}
+
+void PlanPage::StartCorridor()
+{
+    std::vector<ZrGeoPoint> guide;
+    for (ZrListPos* pos = Plan().Route().GetHeadPos(); pos;) {
+        const ZrWpt& wpt = *Plan().Route().GetNext(pos);
+        guide.push_back({wpt.lat, wpt.lng});
+    }
+    if (guide.size() < 2) {
+        View().Tell(tr("A corridor runs along a route of two waypoints or more"));
+        return;
+    }
+    SetMode(modePattern);
+    m_pattern->SetGuide(guide);
+}
+
+void PlanPage::ApplyPattern()
+{
+    if (m_mode != modePattern)
+        return;
+    m_pattern->Settle();
+    if (m_pattern->Plan().waypoints.empty())
+        return;
+    const std::vector<ZrWpt> waypoints = m_pattern->Waypoints();
+    const int lines = static_cast<int>(m_pattern->Plan().lines.size());
+    const int at = m_selected >= 0 ? m_selected + 1 : Plan().Route().GetCount();
+    Plan().History().InsertPattern(waypoints, at);
+    m_selectedId = QUuid();
+    Plan().Edited();
+    SetMode(modeBrowse);
+    TellUndo(tr("Lines added: %1").arg(lines));
+}
+
+void PlanPage::ShowMore()
+{
+    struct Entry
+    {
+        QString title;
+        const char* icon;
+        std::function<void()> run;
+    };
+
+    const QVector<Entry> entries{
+        {tr("New plan"), "file", [this] { m_files->New(); }},
+        {tr("Save as"), "save", [this] { m_files->ShowSaveAs(); }},
+        {tr("Export the route"), "export", [this] { m_files->ShowExport(); }},
+        {tr("Read areas from a file"), "import", [this] { m_files->ShowAreas(); }},
+        {tr("Lines along the route (corridor)"), "pattern", [this] { StartCorridor(); }},
+        {Plan().Route().closed ? tr("Open the route") : tr("Close the route"), "loop",
+            [this] {
+                Plan().History().ChangeRoute(
+                    tr("closing"), [](ZrWpts& route) { route.closed = !route.closed; });
+                Plan().Edited();
+            }},
+    };
+    QVector<ZrListItem> items;
+    for (const Entry& entry : entries) {
+        ZrListItem item;
+        item.title = entry.title;
+        item.image = QImage(QStringLiteral(":/icons/%1.png").arg(QString::fromLatin1(entry.icon)));
+        items.append(item);
+    }
+    m_more->SetItems(items, -1);
+    m_more->disconnect(this);
+    connect(m_more, &ZrChoicePanel::Chosen, this, [entries](int row) { entries[row].run(); });
+    m_more->Open();
+}

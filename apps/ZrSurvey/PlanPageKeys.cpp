@@ -1,0 +1,89 @@
+// The shortcuts of the page "Plan".
+
+#include "ZrKit/planning/ZrPlanDocument.h"
+#include "apps/ZrSurvey/PlanFiles.h"
+#include "apps/ZrSurvey/PlanPage.h"
+
+bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
+{
+    if (modifiers == Qt::ControlModifier) {
+        switch (key) {
+        case Qt::Key_Z:
+            Undo();
+            return true;
+        case Qt::Key_Y:
+            Redo();
+            return true;
+        case Qt::Key_N:
+            m_files->New();
+            return true;
+        case Qt::Key_O:
+            m_files->ShowOpen();
+            return true;
+        case Qt::Key_S:
+            m_files->Save();
+            return true;
+        case Qt::Key_R:
+            Reverse();
+            return true;
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+            MoveSelected(key == Qt::Key_Up ? -1 : 1);
+            return true;
+        default:
+            return false;
+        }
+    }
+    if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && key == Qt::Key_Z) {
+        Redo();
+        return true;
+    }
+    if (modifiers != Qt::NoModifier)
+        return false;
+    switch (key) {
+    case Qt::Key_A:
+        SetMode(m_mode == modeAdd ? modeBrowse : modeAdd);
+        return true;
+    case Qt::Key_D:
+        SetMode(m_mode == modeArea ? modeBrowse : modeArea);
+        return true;
+    case Qt::Key_P:
+        StartPattern();
+        return true;
+    case Qt::Key_F:
+        Fit();
+        return true;
+    case Qt::Key_Insert:
+        if (m_mode == modeAdd || m_mode == modeArea)
+            AddHere(Crosshair());
+        else
+            InsertIntoLeg();
+        return true;
+    case Qt::Key_Backspace:
+        if (m_mode != modeArea)
+            return false;
+        m_drawing.RemoveLast();
+        ShowState();
+        return true;
+    case Qt::Key_Delete:
+        if (m_area >= 0)
+            DeleteArea();
+        else
+            DeleteSelected();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        ApplyPattern();
+        return m_mode == modePattern;
+    case Qt::Key_Escape:
+        if (m_mode == modeBrowse && m_selected < 0 && m_leg < 0 && m_area < 0)
+            return false;
+        if (m_mode == modeBrowse)
+            Select(-1);
+        else
+            SetMode(modeBrowse);
+        return true;
+    default:
+        return false;
+    }
+}

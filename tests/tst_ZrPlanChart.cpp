@@ -1,0 +1,187 @@
+// A plan on a map: where its parts are, and what a finger hits.
+
+#include "ZrKit/chart/ZrPlanChart.h"
+#include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrWpts.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+class tst_ZrPlanChart : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void thereAndBack_data();
+    void thereAndBack();
+    void badOrigin();
+    void waypointUnderTheFinger();
+    void legUnderTheFinger();
+    void legFollowsTheArc();
+    void areas();
+    void bounds();
+    void invalidPositions();
+
+private:
+    void Show(ZrPlanChart& chart, ZrMapView& view, double radius = 0.0);
+};
+
+void tst_ZrPlanChart::initTestCase()
+{
+    ZrTheme::dp = 1.0F;
+}
+
+/// A right angle of 100 m on each side: from the south up to the corner, then east.
+void tst_ZrPlanChart::Show(ZrPlanChart& chart, ZrMapView& view, double radius)
+{
+    const ZrGeoPoint origin{50.3, -4.1};
+    chart.SetOrigin(origin);
+    const QPointF corner = chart.ToWorld(origin);
+    ZrWpts route;
+    route.linked = true;
+    for (const QPointF& offset : {QPointF(0, -100), QPointF(0, 0), QPointF(100, 0)}) {
+        const ZrGeoPoint place = chart.ToGeo(corner + offset);
+        route.Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    }
+    route.GetAt(route.FindIndex(1))->r = radius;
+    route.Recalc(true);
+    chart.SetRoute(route, ZrRoutePath(route));
+    view.SetSize(400, 400);
+    view.SetCentre(corner);
+    view.SetScale(1.0);
+}
+
+void tst_ZrPlanChart::thereAndBack_data()
+{
+    QTest::addColumn<double>("lat");
+    QTest::addColumn<double>("lng");
+    QTest::addColumn<double>("metres"); // 28 mm at the border of a zone, by the series of the grid
+    QTest::newRow("north west") << 50.3 << -4.1 << 0.001;
+    QTest::newRow("south east") << -33.9 << 151.2 << 0.001;
+    QTest::newRow("antimeridian") << 1.0 << 179.9999 << 0.03;
+    QTest::newRow("zero") << 0.0 << 0.0 << 0.03;
+}
+
+void tst_ZrPlanChart::thereAndBack()
+{
+    QFETCH(double, lat);
+    QFETCH(double, lng);
+    QFETCH(double, metres);
+    ZrPlanChart chart;
+    chart.SetOrigin({lat, lng});
+    const ZrGeoPoint back = chart.ToGeo(chart.ToWorld({lat, lng}));
+    constexpr double metresPerDegree = 111000.0;
+    QVERIFY(std::fabs(back.lat - lat) * metresPerDegree < metres);
+    QVERIFY(std::fabs(back.lng - lng) * metresPerDegree < metres);
+}
+
+void tst_ZrPlanChart::badOrigin()
+{
+    ZrPlanChart chart;
+    chart.SetOrigin({50.3, -4.1});
+    const QPointF before = chart.ToWorld({50.3, -4.1});
+    chart.SetOrigin({});
+    chart.SetOrigin({95.0, 0.0});
+    QCOMPARE(chart.ToWorld({50.3, -4.1}), before);
+}
+
+void tst_ZrPlanChart::waypointUnderTheFinger()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    QCOMPARE(chart.WaypointAt(view, {200, 200}, 20.0), 1);
+    QCOMPARE(chart.WaypointAt(view, {200, 300}, 20.0), 0);
+    QCOMPARE(chart.WaypointAt(view, {300, 200}, 20.0), 2);
+    QCOMPARE(chart.WaypointAt(view, {200, 255}, 20.0), -1);
+    // The nearer of two.
+    QCOMPARE(chart.WaypointAt(view, {200, 240}, 200.0), 1);
+    QCOMPARE(chart.WaypointAt(view, {200, 260}, 200.0), 0);
+}
+
+void tst_ZrPlanChart::legUnderTheFinger()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    QPointF foot;
+    QCOMPARE(chart.LegAt(view, {205, 250}, 16.0, &foot), 0);
+    const QPointF pixel = view.ToPixel(foot);
+    QVERIFY(std::fabs(pixel.x() - 200.0) < 0.5 && std::fabs(pixel.y() - 250.0) < 0.5);
+    QCOMPARE(chart.LegAt(view, {250, 195}, 16.0), 1);
+    QCOMPARE(chart.LegAt(view, {250, 250}, 16.0), -1);
+    QCOMPARE(chart.LegAt(view, {200, 330}, 16.0), -1);
+}
+
+void tst_ZrPlanChart::legFollowsTheArc()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view, 50.0);
+    // The way leaves the corner out by r · (√2 − 1).
+    QCOMPARE(chart.LegAt(view, {200, 200}, 16.0), -1);
+    const double cut = 50.0 * (1.0 - std::sqrt(0.5));
+    QCOMPARE(chart.LegAt(view, {200.0 + cut, 200.0 + cut}, 2.0), 0);
+}
+
+void tst_ZrPlanChart::areas()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    const auto place = [&](double x, double y) { return chart.ToGeo(view.ToWorld({x, y})); };
+    const ZrArea outer{
+        QStringLiteral("A"), {place(100, 100), place(300, 100), place(300, 300), place(100, 300)}};
+    const ZrArea inner{
+        QStringLiteral("B"), {place(150, 150), place(200, 150), place(200, 200), place(150, 200)}};
+    chart.SetAreas({outer, inner}, {inner});
+    QCOMPARE(chart.AreaAt(view.ToWorld({170, 170}), false), 1);
+    QCOMPARE(chart.AreaAt(view.ToWorld({250, 250}), false), 0);
+    QCOMPARE(chart.AreaAt(view.ToWorld({350, 350}), false), -1);
+    QCOMPARE(chart.AreaAt(view.ToWorld({170, 170}), true), 0);
+    QCOMPARE(chart.AreaAt(view.ToWorld({250, 250}), true), -1);
+}
+
+void tst_ZrPlanChart::bounds()
+{
+    ZrPlanChart chart;
+    QVERIFY(chart.Bounds().isNull());
+    ZrMapView view;
+    Show(chart, view);
+    QVERIFY(std::fabs(chart.Bounds().width() - 100.0) < 0.01);
+    QVERIFY(std::fabs(chart.Bounds().height() - 100.0) < 0.01);
+}
+
+void tst_ZrPlanChart::invalidPositions()
+{
+    ZrPlanChart chart;
+    chart.SetOrigin({50.3, -4.1});
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    ZrWpts route;
+    route.linked = true;
+    route.Add(50.3, -4.1, eZrWptBlue, ZrWpts::eAddTail);
+    route.Add(nan, nan, eZrWptBlue, ZrWpts::eAddTail);
+    route.Add(50.31, -4.1, eZrWptBlue, ZrWpts::eAddTail);
+    chart.SetRoute(route, ZrRoutePath(route));
+    chart.SetSelected(7, 9);
+    ZrMapView view;
+    view.SetSize(400, 400);
+    view.Fit(chart.Bounds(), 20.0);
+    QVERIFY(std::isfinite(view.Scale()));
+    QCOMPARE(chart.WaypointAt(view, view.ToPixel(chart.ToWorld({50.31, -4.1})), 10.0), 2);
+    QCOMPARE(chart.LegAt(view, {200, 200}, 30.0), -1);
+    // A path that is older than the route.
+    ZrWpts one;
+    one.Add(50.3, -4.1, eZrWptBlue, ZrWpts::eAddTail);
+    chart.SetRoute(one, ZrRoutePath(route));
+    QCOMPARE(chart.Points().size(), std::size_t(1));
+    chart.Match(view);
+}
+
+QTEST_MAIN(tst_ZrPlanChart)
+#include "tst_ZrPlanChart.moc"
