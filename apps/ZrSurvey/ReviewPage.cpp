@@ -100,6 +100,7 @@ void ReviewPage::Connect()
     connect(m_follow, &ZrBtn::Clicked, this, [this] { m_map->SetFollows(!m_map->Follows()); });
     connect(m_map, &ReviewMap::FollowsChanged, this, &ReviewPage::ShowState);
     connect(m_mapLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneMap); });
+    connect(&View(), &SurveyView::SettingsChanged, this, [this] { m_sonar->ShowSettings(); });
     connect(m_sonarLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneSonar); });
     connect(m_plotsLarge, &ZrBtn::Clicked, this, [this] { Enlarge(panePlots); });
     connect(m_look, &ZrBtn::Clicked, this, [this] {
@@ -236,12 +237,26 @@ void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
         m_clock.SetRange(now->Times()->Begin(), now->Times()->End());
         m_clock.SetGaps(m_bar->Line().Gaps());
         ShowEvents();
+        TellWay();
         ShowCursor();
     }
     ShowState();
     if (isVisible())
         Place();
     Changed();
+}
+
+/// Gives the 3D page the whole way, of very long recordings every so many places.
+void ReviewPage::TellWay()
+{
+    std::vector<SurveyVehicle::Place> way;
+    const ZrSurveySeries& series = m_recording->Series();
+    const std::size_t step = series.Count() / SurveyVehicle::MostPlaces + 1;
+    way.reserve(series.Count() / step + 1);
+    for (std::size_t i = 0; i < series.Count(); i += step)
+        way.push_back({series.track[i].latitude, series.track[i].longitude,
+            static_cast<double>(series.depth.Value(i)), static_cast<double>(series.altitude.Value(i))});
+    View().Model().vehicle.SetWay(std::move(way));
 }
 
 void ReviewPage::ShowPlots()

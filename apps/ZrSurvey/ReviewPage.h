@@ -84,6 +84,7 @@ private:
     void StartLoading(const QString& path);
     void OnLoaded();
     void Show(const std::shared_ptr<ZrSurveyRecording>& recording);
+    void TellWay();
     void ShowPlots();
     void ShowCursor();
     void ShowEvents();
