@@ -37,7 +37,8 @@ ZrMosaicSettings MosaicSettings(const QString& palette)
 /// An export under way: the worker's, but for `Stop`.
 struct ReviewExport::Job
 {
-    Job(const std::shared_ptr<ZrSurveyRecording>& from, std::size_t first, std::size_t end, const QString& colours)
+    Job(const std::shared_ptr<ZrSurveyRecording>& from, std::size_t first, std::size_t end,
+        const QString& colours)
         : recording(from)
         , part(from->Dataset(), first, end)
         , waterfall(log)
