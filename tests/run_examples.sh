@@ -71,6 +71,28 @@ grep -qE '^  type 17 ' "$dir/played"
 status=0
 "$bin/ex_simulate" "$dir/none/simulated.log" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 3 ] || { echo "a missing folder gave exit code $status"; exit 1; }
+# A recording of a simulated survey goes through the session, event and all, and can be reviewed.
+mkdir "$dir/recorded"
+"$bin/ex_record_survey" "$dir/recorded" 40 >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }
+grep -qE 'survey_[0-9]{8}_[0-9]{6}\.log: [0-9]{4} items, [0-9]+ bytes, with an event$' "$dir/out" || { cat "$dir/out"; exit 1; }
+LC_ALL=C grep -qaP 'b\x00e\x00g\x00i\x00n\x00s' "$dir"/recorded/survey_*.log || { echo "its event is not in the log"; exit 1; }
+"$bin/ex_review_log" "$dir"/recorded/survey_*.log 80 >"$dir/out" || { echo "ex_review_log failed"; exit 1; }
+grep -qE '^Depth 16\.[0-9] to 16\.[0-9] m$' "$dir/out"
+grep -qE '^Played 5\.0 s, up to record 5[0-9] of 3[0-9][0-9]$' "$dir/out"
+status=0
+"$bin/ex_review_log" "$dir/none.log" >/dev/null 2>&1 || status=$?
+[ "$status" -eq 2 ] || { echo "a missing log gave exit code $status"; exit 1; }
+status=0
+"$bin/ex_record_survey" /proc/none 5 2>"$dir/errors" >/dev/null || status=$?
+[ "$status" -eq 2 ] && [ -s "$dir/errors" ] || { echo "a folder that cannot be made gave exit code $status"; exit 1; }
+# A plan left unsaved is taken up from its draft, which is gone once it is saved.
+"$bin/ex_plan_draft" "$dir/draft.json" >"$dir/out"
+grep -qx 'Not saved, the draft remains' "$dir/out"
+"$bin/ex_plan_draft" "$dir/draft.json" "$dir/plan.gpx" >"$dir/out"
+grep -qx 'Took up the draft of 3 waypoints' "$dir/out"
+grep -qx 'Undo: Reverse route' "$dir/out"
+grep -qx '222 m in 111 s' "$dir/out"
+[ ! -e "$dir/draft.json" ] && [ -s "$dir/plan.gpx" ] || { echo "the draft outlived its plan"; exit 1; }
 # The widget gallery tells its options without a display; its pictures are tested elsewhere.
 env -u DISPLAY QT_QPA_PLATFORM=offscreen "$bin/widget_gallery" --help >"$dir/out"
 grep -q -- '--screenshots <DIR>' "$dir/out"
