@@ -5,6 +5,7 @@
 #include "ZrKit/export/ZrExportGpx.h"
 #include "ZrKit/export/ZrExportKml.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -40,12 +41,14 @@ bool ZrTrackExport::Write(const QString& path, eFormat format, const ZrTrackData
     m_error.clear();
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
-        m_error = QStringLiteral("Cannot create %1: %2.").arg(path, file.errorString());
+        m_error = QCoreApplication::translate("ZrTrackExport", "Cannot create %1: %2.")
+                      .arg(path, file.errorString());
         return false;
     }
     // Committing alone does not notice when the bytes that still wait in memory find no room.
     if (!WriteTo(file, format, data) || !file.flush() || !file.commit()) {
-        m_error = QStringLiteral("Cannot write %1: %2.").arg(path, file.errorString());
+        m_error = QCoreApplication::translate("ZrTrackExport", "Cannot write %1: %2.")
+                      .arg(path, file.errorString());
         return false;
     }
     return true;

@@ -1,5 +1,6 @@
 #include "ZrKit/geo/ZrAnglePair.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 #include <QVector>
 
@@ -75,15 +76,17 @@ public:
         if (letter.isNull())
             letter = behind;
         if (!letter.isNull() && sign == QLatin1Char('-'))
-            angle.problem = QStringLiteral("%1 has a minus sign and a letter").arg(Text());
+            angle.problem
+                = QCoreApplication::translate("ZrAnglePair", "%1 has a minus sign and a letter").arg(Text());
         angle.axis = word;
         if (!letter.isNull()) {
             const bool isLat = letter == QLatin1Char('N') || letter == QLatin1Char('S');
             angle.axis = isLat ? Axis::Lat : Axis::Lng;
             if (word != Axis::Unknown && word != angle.axis)
-                angle.problem = QStringLiteral("The letter %1 does not belong to a %2")
-                                    .arg(letter)
-                                    .arg(isLat ? QLatin1String("longitude") : QLatin1String("latitude"));
+                angle.problem
+                    = QCoreApplication::translate("ZrAnglePair", "The letter %1 does not belong to a %2")
+                          .arg(letter)
+                          .arg(isLat ? QLatin1String("longitude") : QLatin1String("latitude"));
         }
         if (sign == QLatin1Char('-') || letter == QLatin1Char('S') || letter == QLatin1Char('W'))
             angle.value = -angle.value;
@@ -151,12 +154,14 @@ private:
         while (angle.parts < 3) {
             double number = 0.0;
             if (!whole)
-                angle.problem = QStringLiteral("Only the last part of %1 may have decimals").arg(Text());
+                angle.problem
+                    = QCoreApplication::translate("ZrAnglePair", "Only the last part of %1 may have decimals")
+                          .arg(Text());
             if (!ReadNumber(number, whole))
                 return false;
             if (angle.parts > 0 && number > 60.0)
                 angle.problem
-                    = QStringLiteral("The %1 of %2 are more than 60")
+                    = QCoreApplication::translate("ZrAnglePair", "The %1 of %2 are more than 60")
                           .arg(
                               angle.parts == 1 ? QLatin1String("minutes") : QLatin1String("seconds"), Text());
             angle.value += number / shares[angle.parts];
@@ -228,8 +233,9 @@ void TryParts(const QString& left, const QString& right, bool firm, Readings& re
     if (!a.problem.isEmpty() || !b.problem.isEmpty())
         return readings.Problem(a.problem.isEmpty() ? b.problem : a.problem);
     if (a.axis != Axis::Unknown && a.axis == b.axis)
-        return readings.Problem(a.axis == Axis::Lat ? QStringLiteral("Both values are latitudes")
-                                                    : QStringLiteral("Both values are longitudes"));
+        return readings.Problem(a.axis == Axis::Lat
+                ? QCoreApplication::translate("ZrAnglePair", "Both values are latitudes")
+                : QCoreApplication::translate("ZrAnglePair", "Both values are longitudes"));
     const bool swapped = a.axis == Axis::Lng || b.axis == Axis::Lat;
     const double lat = swapped ? b.value : a.value;
     const double lng = swapped ? a.value : b.value;
@@ -237,11 +243,15 @@ void TryParts(const QString& left, const QString& right, bool firm, Readings& re
         const bool turned = a.axis == Axis::Unknown && b.axis == Axis::Unknown && std::fabs(lng) <= 90.0
             && std::fabs(lat) <= 180.0;
         return readings.Problem(
-            QStringLiteral("The latitude %1 is beyond 90 degrees%2")
-                .arg(Figures(lat), turned ? QStringLiteral("; the latitude comes first") : QString()));
+            QCoreApplication::translate("ZrAnglePair", "The latitude %1 is beyond 90 degrees%2")
+                .arg(Figures(lat),
+                    turned ? QCoreApplication::translate("ZrAnglePair", "; the latitude comes first")
+                           : QString()));
     }
     if (std::fabs(lng) > 180.0)
-        return readings.Problem(QStringLiteral("The longitude %1 is beyond 180 degrees").arg(Figures(lng)));
+        return readings.Problem(
+            QCoreApplication::translate("ZrAnglePair", "The longitude %1 is beyond 180 degrees")
+                .arg(Figures(lng)));
     readings.Add(lat, lng);
 }
 
@@ -314,14 +324,16 @@ QString Reason(const QString& text)
         = QStringLiteral("0123456789.,;:/|+-NSEW'\" ") + degreeSign + latWord + lngWord;
     for (const QChar c : text) {
         if (!known.contains(c))
-            return QStringLiteral(
+            return QCoreApplication::translate("ZrAnglePair",
                 "It is not a position in latitude and longitude, nor with zone, easting and northing");
     }
     Angle alone;
     if (Reader(text).Read(alone) || Reader(WithPoints(text)).Read(alone))
-        return QStringLiteral("It is one value; a position needs a latitude and a longitude");
-    return QStringLiteral("Latitude and longitude cannot be told apart; write a semicolon between them, and "
-                          "N, S, E or W behind");
+        return QCoreApplication::translate(
+            "ZrAnglePair", "It is one value; a position needs a latitude and a longitude");
+    return QCoreApplication::translate("ZrAnglePair",
+        "Latitude and longitude cannot be told apart; write a semicolon between them, and "
+        "N, S, E or W behind");
 }
 
 } // namespace
@@ -341,8 +353,8 @@ bool ZrAnglePair::Parse(const QString& text, ZrAnglePair& pair, QString& error)
     if (readings.found.size() > 1) {
         const auto words
             = [](const Reading& r) { return QStringLiteral("%1; %2").arg(Figures(r.lat), Figures(r.lng)); };
-        error = QStringLiteral(
-            "It can be read as %1 and as %2 degrees; write a semicolon between the two values")
+        error = QCoreApplication::translate(
+            "ZrAnglePair", "It can be read as %1 and as %2 degrees; write a semicolon between the two values")
                     .arg(words(readings.found[0]), words(readings.found[1]));
         return false;
     }

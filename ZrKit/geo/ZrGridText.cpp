@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrUnits.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <cmath>
@@ -120,24 +121,25 @@ bool ReadEastNorth(const QString& text, double& east, double& north, QString& er
 {
     static const QRegularExpression square(QStringLiteral("^[A-Z]{2} ?[0-9]"));
     if (square.match(text).hasMatch()) {
-        error = QStringLiteral(
-            "Grid squares of two letters are not read; write the whole easting and northing");
+        error = QCoreApplication::translate(
+            "ZrGridText", "Grid squares of two letters are not read; write the whole easting and northing");
         return false;
     }
     Value first;
     Value second;
     if (!ReadValues(text, first, second)) {
-        error = QStringLiteral(
+        error = QCoreApplication::translate("ZrGridText",
             "Beside the zone there must be an easting and a northing, as in 30U 444500 5551200");
         return false;
     }
     if (!first.axis.isNull() && first.axis == second.axis) {
-        error = first.axis == QLatin1Char('E') ? QStringLiteral("Both values are eastings")
-                                               : QStringLiteral("Both values are northings");
+        error = first.axis == QLatin1Char('E')
+            ? QCoreApplication::translate("ZrGridText", "Both values are eastings")
+            : QCoreApplication::translate("ZrGridText", "Both values are northings");
         return false;
     }
     if (first.feet != second.feet) {
-        error = QStringLiteral("One value is in feet, the other is not");
+        error = QCoreApplication::translate("ZrGridText", "One value is in feet, the other is not");
         return false;
     }
     const bool turned = first.axis == QLatin1Char('N') || second.axis == QLatin1Char('E');
@@ -162,7 +164,8 @@ bool ReadHemisphere(const Zone& zone, double north, bool& south, QString& error)
     }
     const int band = bands.indexOf(zone.hemisphere);
     if (band < 0) {
-        error = QStringLiteral("%1 is no band of a zone; they go from C to X without I and O")
+        error = QCoreApplication::translate(
+            "ZrGridText", "%1 is no band of a zone; they go from C to X without I and O")
                     .arg(zone.hemisphere);
         return false;
     }
@@ -171,8 +174,9 @@ bool ReadHemisphere(const Zone& zone, double north, bool& south, QString& error)
         // Northings of 32 to 40 degrees north, with some slack.
         const bool maybeBand = north > 3500000.0 && north < 4500000.0;
         if (maybeBand) {
-            error = QStringLiteral("%1S may be the band S, 32 to 40 degrees north, or the southern "
-                                   "hemisphere; write %1 north or %1 south")
+            error = QCoreApplication::translate("ZrGridText",
+                "%1S may be the band S, 32 to 40 degrees north, or the southern "
+                "hemisphere; write %1 north or %1 south")
                         .arg(zone.number);
             return false;
         }
@@ -191,7 +195,8 @@ bool CheckBand(const Zone& zone, double lat, QString& error)
     const double to = zone.hemisphere == QLatin1String("X") ? 84.0 : from + 8.0;
     if (lat >= from - bandSlack && lat <= to + bandSlack)
         return true;
-    error = QStringLiteral("The band %1 goes from latitude %2 to %3, the position is at %4")
+    error = QCoreApplication::translate(
+        "ZrGridText", "The band %1 goes from latitude %2 to %3, the position is at %4")
                 .arg(zone.hemisphere)
                 .arg(from)
                 .arg(to)
@@ -213,12 +218,13 @@ bool ZrGridText::Parse(const QString& text, ZrGridText& grid, QString& error)
 {
     Zone zone;
     if (!FindZone(text, zone)) {
-        error = QStringLiteral(
-            "The zone with its letter is missing; write for instance 30U or 30 north in front");
+        error = QCoreApplication::translate(
+            "ZrGridText", "The zone with its letter is missing; write for instance 30U or 30 north in front");
         return false;
     }
     if (zone.number < 1 || zone.number > 60) {
-        error = QStringLiteral("There is no zone %1; they go from 1 to 60").arg(zone.number);
+        error = QCoreApplication::translate("ZrGridText", "There is no zone %1; they go from 1 to 60")
+                    .arg(zone.number);
         return false;
     }
     ZrGridText read;
@@ -227,12 +233,12 @@ bool ZrGridText::Parse(const QString& text, ZrGridText& grid, QString& error)
         || !ReadHemisphere(zone, read.north, read.south, error))
         return false;
     if (!(read.east >= smallestEast && read.east <= largestEast)) {
-        error = QStringLiteral("The easting %1 m is not between %2 and %3 m")
+        error = QCoreApplication::translate("ZrGridText", "The easting %1 m is not between %2 and %3 m")
                     .arg(Metres(read.east), Metres(smallestEast), Metres(largestEast));
         return false;
     }
     if (!(read.north >= 0.0 && read.north <= largestNorth)) {
-        error = QStringLiteral("The northing %1 m is not between 0 and %2 m")
+        error = QCoreApplication::translate("ZrGridText", "The northing %1 m is not between 0 and %2 m")
                     .arg(Metres(read.north), Metres(largestNorth));
         return false;
     }
@@ -240,7 +246,7 @@ bool ZrGridText::Parse(const QString& text, ZrGridText& grid, QString& error)
     proj.SetupUTM(read.south ? -1.0 : 1.0, 6.0 * zone.number - 183.0);
     ZrUnits::EN2LL(ZrSphd(), proj, read.east, read.north, read.lat, read.lng);
     if (!(read.lat >= -80.5 && read.lat <= 84.5)) {
-        error = QStringLiteral(
+        error = QCoreApplication::translate("ZrGridText",
             "The northing %1 m is beyond the grid, which goes from 80 degrees south to 84 north")
                     .arg(Metres(read.north));
         return false;
@@ -248,7 +254,8 @@ bool ZrGridText::Parse(const QString& text, ZrGridText& grid, QString& error)
     if (!CheckBand(zone, read.lat, error))
         return false;
     if (std::fabs(read.lng - (6.0 * zone.number - 183.0)) > farthest) {
-        error = QStringLiteral("The easting %1 m is too far from the middle of the zone at this latitude")
+        error = QCoreApplication::translate(
+            "ZrGridText", "The easting %1 m is too far from the middle of the zone at this latitude")
                     .arg(Metres(read.east));
         return false;
     }

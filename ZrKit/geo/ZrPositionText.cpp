@@ -3,6 +3,8 @@
 #include "ZrKit/geo/ZrAnglePair.h"
 #include "ZrKit/geo/ZrGridText.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 /// Nobody writes a position longer than this; texts of megabytes are pasted by mistake.
@@ -93,12 +95,12 @@ bool ZrPositionText::Parse(const QString& text, ZrPositionText& position, QStrin
         return false;
     };
     if (text.trimmed().isEmpty())
-        return fail(QStringLiteral("The position is empty"));
+        return fail(QCoreApplication::translate("ZrPositionText", "The position is empty"));
     if (text.size() > longest)
-        return fail(QStringLiteral("The text is too long for a position"));
+        return fail(QCoreApplication::translate("ZrPositionText", "The text is too long for a position"));
     const QString plain = Normalised(text);
     if (!HasDigit(plain))
-        return fail(QStringLiteral("There is no number in it"));
+        return fail(QCoreApplication::translate("ZrPositionText", "There is no number in it"));
 
     QString why;
     ZrPositionText read;

@@ -1,5 +1,6 @@
 #include "ZrKit/import/ZrImportCsv.h"
 
+#include <QCoreApplication>
 #include <QLatin1String>
 
 #include <charconv>
@@ -56,7 +57,9 @@ bool ZrImportCsv::OpenTable(const QString& path, const QStringList& required, QS
     m_names = namesOf(m_headerRow);
     for (const QString& name : required) {
         if (Column(name) < 0) {
-            *error = QStringLiteral("%1: the first line does not name a column %2").arg(path, name);
+            *error
+                = QCoreApplication::translate("ZrImportCsv", "%1: the first line does not name a column %2")
+                      .arg(path, name);
             return false;
         }
     }
@@ -83,21 +86,25 @@ bool ZrImportCsv::NextRow()
         m_fault.clear();
         m_remarks.clear();
         if (m_lines.TooLong()) {
-            Spoil(QStringLiteral("longer than %1 bytes").arg(ZrImportLines::MaxLine));
+            Spoil(QCoreApplication::translate("ZrImportCsv", "longer than %1 bytes")
+                      .arg(ZrImportLines::MaxLine));
         } else if (m_lines.Text() == m_headerRow) {
-            Note(QStringLiteral("the header row is repeated"));
+            Note(QCoreApplication::translate("ZrImportCsv", "the header row is repeated"));
             continue;
         } else {
             SplitRow();
             if (HasRightCount())
                 return true;
-            Spoil(QStringLiteral("%1 fields where %2 are expected").arg(m_fields.size()).arg(m_names.size()));
+            Spoil(QCoreApplication::translate("ZrImportCsv", "%1 fields where %2 are expected")
+                      .arg(m_fields.size())
+                      .arg(m_names.size()));
         }
         RowIsSound();
     }
     m_report.bytes = m_lines.Position();
     if (m_lines.Failed())
-        m_report.AddIssue(m_lines.Number() + 1, QStringLiteral("the file cannot be read any further"));
+        m_report.AddIssue(m_lines.Number() + 1,
+            QCoreApplication::translate("ZrImportCsv", "the file cannot be read any further"));
     return false;
 }
 
@@ -141,7 +148,7 @@ double ZrImportCsv::Number(int column)
     constexpr double Largest = std::numeric_limits<float>::max();
     if (result.ec == std::errc() && result.ptr == end && std::fabs(value) <= Largest)
         return value;
-    Spoil(QStringLiteral("%1 is no number").arg(Quoted(column)));
+    Spoil(QCoreApplication::translate("ZrImportCsv", "%1 is no number").arg(Quoted(column)));
     return std::numeric_limits<double>::quiet_NaN();
 }
 
@@ -152,7 +159,7 @@ u32 ZrImportCsv::Count(int column)
         return 0;
     if (value >= 0.0 && value <= 4294967295.0 && value == std::floor(value))
         return static_cast<u32>(value);
-    Spoil(QStringLiteral("%1 is no whole number of 32 bits").arg(Quoted(column)));
+    Spoil(QCoreApplication::translate("ZrImportCsv", "%1 is no whole number of 32 bits").arg(Quoted(column)));
     return 0;
 }
 

@@ -4,6 +4,8 @@
 #include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/records/ZrVehicleRecord.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 #include <limits>
 
@@ -93,7 +95,8 @@ double ZrImportGlider::Time()
     const std::string_view text = Text(m_columns.time);
     double time = NaN;
     if (text.empty() || zr::read_day_first_time(text, time) != text.size())
-        Spoil(QStringLiteral("%1 is no date and time").arg(Quoted(m_columns.time)));
+        Spoil(QCoreApplication::translate("ZrImportGlider", "%1 is no date and time")
+                  .arg(Quoted(m_columns.time)));
     return time;
 }
 
@@ -106,9 +109,11 @@ double ZrImportGlider::Angle(int column, double limit)
     const double minutes = std::fabs(value) - 100.0 * degrees;
     const double angle = degrees + minutes / 60.0;
     if (minutes >= 60.0)
-        Spoil(QStringLiteral("%1 has 60 or more minutes").arg(Quoted(column)));
+        Spoil(QCoreApplication::translate("ZrImportGlider", "%1 has 60 or more minutes").arg(Quoted(column)));
     else if (angle > limit)
-        Spoil(QStringLiteral("%1 lies beyond %2 degrees").arg(Quoted(column)).arg(limit));
+        Spoil(QCoreApplication::translate("ZrImportGlider", "%1 lies beyond %2 degrees")
+                  .arg(Quoted(column))
+                  .arg(limit));
     return std::copysign(angle, value);
 }
 
@@ -118,7 +123,7 @@ ZrNavRecord ZrImportGlider::Navigation()
     nav.latitude = Angle(m_columns.lat, 90.0);
     nav.longitude = Angle(m_columns.lon, 180.0);
     if (nav.latitude == 0.0 && nav.longitude == 0.0) {
-        Remark(QStringLiteral("the position is 0,0: taken as not known"));
+        Remark(QCoreApplication::translate("ZrImportGlider", "the position is 0,0: taken as not known"));
         nav.latitude = NaN;
         nav.longitude = NaN;
     }

@@ -4,6 +4,8 @@
 #include "ZrKit/records/ZrDepthRecord.h"
 #include "ZrKit/records/ZrFixRecord.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 #include <limits>
 
@@ -39,8 +41,9 @@ bool ZrImportGnss::Open(const QString& path, const ZrImportOptions& options, QSt
     m_status = Column(QStringLiteral("Status"));
     m_depth = Column(QStringLiteral("Depth"));
     if ((m_longitude < 0 || m_latitude < 0) && m_depth < 0) {
-        *error
-            = QStringLiteral("%1: the first line names neither Longitude and Latitude nor Depth").arg(path);
+        *error = QCoreApplication::translate(
+            "ZrImportGnss", "%1: the first line names neither Longitude and Latitude nor Depth")
+                     .arg(path);
         return false;
     }
     return true;
@@ -68,7 +71,7 @@ double ZrImportGnss::Time()
     const std::string_view text = Text(m_time);
     double time = NaN;
     if (text.empty() || zr::read_iso_time(text, time) != text.size())
-        Spoil(QStringLiteral("%1 is no date and time").arg(Quoted(m_time)));
+        Spoil(QCoreApplication::translate("ZrImportGnss", "%1 is no date and time").arg(Quoted(m_time)));
     return time;
 }
 
@@ -80,11 +83,13 @@ ZrFixRecord ZrImportGnss::Fix()
     fix.height = static_cast<float>(Number(m_height));
     fix.quality = Quality();
     if (std::fabs(fix.latitude) > 90.0)
-        Spoil(QStringLiteral("%1 lies beyond 90 degrees").arg(Quoted(m_latitude)));
+        Spoil(
+            QCoreApplication::translate("ZrImportGnss", "%1 lies beyond 90 degrees").arg(Quoted(m_latitude)));
     if (std::fabs(fix.longitude) > 180.0)
-        Spoil(QStringLiteral("%1 lies beyond 180 degrees").arg(Quoted(m_longitude)));
+        Spoil(QCoreApplication::translate("ZrImportGnss", "%1 lies beyond 180 degrees")
+                  .arg(Quoted(m_longitude)));
     if (fix.latitude == 0.0 && fix.longitude == 0.0) {
-        Remark(QStringLiteral("the position is 0,0: taken as not known"));
+        Remark(QCoreApplication::translate("ZrImportGnss", "the position is 0,0: taken as not known"));
         fix.latitude = NaN;
         fix.longitude = NaN;
     }
@@ -102,7 +107,8 @@ u8 ZrImportGnss::Quality()
         return 1;
     if (status == 1.0 || status == 2.0)
         return 2;
-    Remark(QStringLiteral("the status is none of -1, 0, 1 and 2: quality taken as not known"));
+    Remark(QCoreApplication::translate(
+        "ZrImportGnss", "the status is none of -1, 0, 1 and 2: quality taken as not known"));
     return 255;
 }
 
@@ -113,6 +119,6 @@ ZrDepthRecord ZrImportGnss::Sounding()
     if (depth > 0.0)
         sounding.depth = static_cast<float>(depth);
     else if (depth <= 0.0)
-        Remark(QStringLiteral("the depth is 0 or less: no bottom was found"));
+        Remark(QCoreApplication::translate("ZrImportGnss", "the depth is 0 or less: no bottom was found"));
     return sounding;
 }

@@ -3,6 +3,7 @@
 #include "ZrKit/import/ZrImportTime.h"
 #include "ZrKit/records/ZrNmeaSentence.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QDateTime>
 #include <QFileInfo>
@@ -213,13 +214,14 @@ bool ZrImportNmea::ReadMore()
     const bool any = m_lines.Next();
     m_report.bytes = m_lines.Position();
     if (!any && m_lines.Failed())
-        m_report.AddIssue(m_lines.Number() + 1, QStringLiteral("the file cannot be read any further"));
+        m_report.AddIssue(m_lines.Number() + 1,
+            QCoreApplication::translate("ZrImportNmea", "the file cannot be read any further"));
     if (!any)
         return false;
     if (m_lines.TooLong()) {
         ++m_report.records;
-        m_report.AddIssue(
-            m_lines.Number(), QStringLiteral("longer than %1 bytes").arg(ZrImportLines::MaxLine));
+        m_report.AddIssue(m_lines.Number(),
+            QCoreApplication::translate("ZrImportNmea", "longer than %1 bytes").arg(ZrImportLines::MaxLine));
     } else {
         TakeLine(m_lines.Text());
     }
@@ -259,10 +261,12 @@ double ZrImportNmea::LineTime(double received)
         return m_received;
     const double told = m_hasReceived ? NaN : m_decoder.Time();
     if (m_noTime)
-        Note(QStringLiteral("no line tells a time: that of the file is taken"));
+        Note(QCoreApplication::translate("ZrImportNmea", "no line tells a time: that of the file is taken"));
     else if (std::isnan(told))
-        Note(QStringLiteral("the line comes before the first time and carries that"));
+        Note(QCoreApplication::translate(
+            "ZrImportNmea", "the line comes before the first time and carries that"));
     if (m_dateOfFile && !m_decoder.HasDate())
-        Note(QStringLiteral("no sentence tells the date: that of the file is taken"));
+        Note(QCoreApplication::translate(
+            "ZrImportNmea", "no sentence tells the date: that of the file is taken"));
     return std::isnan(told) ? m_startTime : told;
 }

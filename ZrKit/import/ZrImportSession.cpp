@@ -4,6 +4,7 @@
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrUtil/IZrProgress.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -127,10 +128,12 @@ ZrImportSession::eResult ZrImportSession::Run(
         m_reports.last().path = input;
     }
     if (inputs.isEmpty())
-        return Fail(BadInput, QStringLiteral("no file to import is named"));
+        return Fail(BadInput, QCoreApplication::translate("ZrImportSession", "no file to import is named"));
     for (const QString& input : inputs) {
         if (isSameFile(input, output))
-            return Fail(BadOutput, QStringLiteral("%1: is one of the files to import").arg(output));
+            return Fail(BadOutput,
+                QCoreApplication::translate("ZrImportSession", "%1: is one of the files to import")
+                    .arg(output));
     }
     Importers importers;
     if (!OpenInputs(inputs, importers))
@@ -150,7 +153,7 @@ bool ZrImportSession::OpenInputs(
         const QFileInfo info(inputs.at(i));
         if (info.isFile() && info.size() == 0) {
             // A recorder that was switched off early leaves such files; they do not spoil the others.
-            ++m_reports[i].notes[QStringLiteral("the file is empty")];
+            ++m_reports[i].notes[QCoreApplication::translate("ZrImportSession", "the file is empty")];
             importers.push_back(nullptr);
             continue;
         }
@@ -183,9 +186,10 @@ ZrImportSession::eResult ZrImportSession::Merge(
             return Fail(BadOutput, log.Error());
     }
     if (cancel)
-        return Fail(Cancelled, QStringLiteral("the import was cancelled"));
+        return Fail(Cancelled, QCoreApplication::translate("ZrImportSession", "the import was cancelled"));
     if (!any)
-        return Fail(BadInput, QStringLiteral("%1: nothing could be imported").arg(Paths()));
+        return Fail(BadInput,
+            QCoreApplication::translate("ZrImportSession", "%1: nothing could be imported").arg(Paths()));
     if (!log.Commit())
         return Fail(BadOutput, log.Error());
     percentage.Show(100);

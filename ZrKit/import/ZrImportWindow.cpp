@@ -1,5 +1,7 @@
 #include "ZrKit/import/ZrImportWindow.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cstring>
 
@@ -7,7 +9,8 @@ bool ZrImportWindow::Open(const QString& path, QString* error)
 {
     m_file.setFileName(path);
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        *error = QStringLiteral("%1: cannot be read: %2").arg(path, m_file.errorString());
+        *error = QCoreApplication::translate("ZrImportWindow", "%1: cannot be read: %2")
+                     .arg(path, m_file.errorString());
         return false;
     }
     m_size = static_cast<u64>(m_file.size());

@@ -5,6 +5,8 @@
 #include "ZrKit/records/ZrPingRecord.h"
 #include "ZrUtil/ZrEndian.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -128,7 +130,7 @@ bool ZrImportXtf::Open(const QString& path, const ZrImportOptions& options, QStr
         return false;
     const u8* header = m_file.At(0, HeaderBlock);
     if (!header || header[0] != FileFormat) {
-        *error = QStringLiteral("%1: has no XTF file header").arg(path);
+        *error = QCoreApplication::translate("ZrImportXtf", "%1: has no XTF file header").arg(path);
         return false;
     }
     m_degrees = zr::load_le<u16>(header + 164) == UnitDegrees;
@@ -176,8 +178,9 @@ bool ZrImportXtf::ReadMore()
     if (!PacketAt(m_at, packet)) {
         const u64 rest = m_file.Length() - m_at;
         m_report.AddIssue(m_at,
-            rest < PacketHeader ? QStringLiteral("the last %1 bytes are no packet").arg(rest)
-                                : QStringLiteral("the file cannot be read any further"));
+            rest < PacketHeader
+                ? QCoreApplication::translate("ZrImportXtf", "the last %1 bytes are no packet").arg(rest)
+                : QCoreApplication::translate("ZrImportXtf", "the file cannot be read any further"));
         m_at = m_file.Length();
         m_report.bytes = m_at;
         return false;
@@ -189,7 +192,7 @@ bool ZrImportXtf::ReadMore()
         if (packet.type == PingPacket)
             content = PingContent(packet, m_at, fault);
         else
-            Ignore(QStringLiteral("XTF packet %1").arg(packet.type));
+            Ignore(QCoreApplication::translate("ZrImportXtf", "XTF packet %1").arg(packet.type));
     }
     if (fault.isEmpty() && packet.type == PingPacket)
         TakePing(packet, fault);
@@ -224,17 +227,20 @@ QString ZrImportXtf::FaultOf(const Packet& packet, u64 offset) const
 {
     const u64 rest = m_file.Length() - offset;
     if (packet.magic != PacketMagic)
-        return QStringLiteral("no packet begins here");
+        return QCoreApplication::translate("ZrImportXtf", "no packet begins here");
     if (packet.size < (packet.type == PingPacket ? PingHeader : PacketHeader))
-        return QStringLiteral("a packet announces only %1 bytes").arg(packet.size);
+        return QCoreApplication::translate("ZrImportXtf", "a packet announces only %1 bytes")
+            .arg(packet.size);
     if (packet.size > rest)
-        return QStringLiteral("a packet announces %1 bytes, the file holds only %2 more")
+        return QCoreApplication::translate(
+            "ZrImportXtf", "a packet announces %1 bytes, the file holds only %2 more")
             .arg(packet.size)
             .arg(rest);
     if (packet.type == PingPacket && packet.size > MaxPing)
-        return QStringLiteral("a ping announces %1 bytes").arg(packet.size);
+        return QCoreApplication::translate("ZrImportXtf", "a ping announces %1 bytes").arg(packet.size);
     if (packet.type == PingPacket && packet.channels > MaxChannels)
-        return QStringLiteral("a ping announces %1 channels").arg(packet.channels);
+        return QCoreApplication::translate("ZrImportXtf", "a ping announces %1 channels")
+            .arg(packet.channels);
     return QString();
 }
 
@@ -245,19 +251,22 @@ u64 ZrImportXtf::PingContent(const Packet& packet, u64 offset, QString& fault)
     for (u16 i = 0; i < packet.channels; ++i) {
         u8 header[ChannelHeader];
         if (packet.size - at < ChannelHeader || !m_file.Peek(offset + at, header, ChannelHeader)) {
-            fault = QStringLiteral("the ping ends before its channel %1").arg(i);
+            fault = QCoreApplication::translate("ZrImportXtf", "the ping ends before its channel %1").arg(i);
             return at;
         }
         const u16 number = zr::load_le<u16>(header);
         const u8 width = number < m_channels.size() ? m_channels[number].width : u8(0);
         if (width == 0) {
-            fault = QStringLiteral("the file header does not describe channel %1 of a ping").arg(number);
+            fault = QCoreApplication::translate(
+                "ZrImportXtf", "the file header does not describe channel %1 of a ping")
+                        .arg(number);
             return at;
         }
         at += ChannelHeader;
         const u32 count = zr::load_le<u32>(header + 42);
         if (count > (packet.size - at) / width) {
-            fault = QStringLiteral("channel %1 of a ping has %2 samples, more than its packet holds")
+            fault = QCoreApplication::translate(
+                "ZrImportXtf", "channel %1 of a ping has %2 samples, more than its packet holds")
                         .arg(number)
                         .arg(count);
             return at;
@@ -314,7 +323,8 @@ u64 ZrImportXtf::FindPacket(u64 from, u64 end)
 void ZrImportXtf::SkipDamage(const QString& fault)
 {
     const u64 next = FindPacket(m_at + 1, m_file.Length());
-    m_report.AddIssue(m_at, QStringLiteral("%1; %2 bytes are skipped").arg(fault).arg(next - m_at));
+    m_report.AddIssue(m_at,
+        QCoreApplication::translate("ZrImportXtf", "%1; %2 bytes are skipped").arg(fault).arg(next - m_at));
     m_at = next;
 }
 
@@ -327,7 +337,8 @@ void ZrImportXtf::StepOver(const Packet& packet, u64 content)
         const u64 found = FindPacket(m_at + content, next);
         if (found < next) {
             m_report.AddIssue(m_at,
-                QStringLiteral("a packet announces %1 bytes, but the next one begins after %2")
+                QCoreApplication::translate(
+                    "ZrImportXtf", "a packet announces %1 bytes, but the next one begins after %2")
                     .arg(packet.size)
                     .arg(found - m_at));
             m_at = found;
@@ -341,12 +352,13 @@ void ZrImportXtf::TakePing(const Packet& packet, QString& fault)
 {
     const u8* ping = m_file.At(m_at, packet.size);
     if (!ping) {
-        fault = QStringLiteral("the packet cannot be read");
+        fault = QCoreApplication::translate("ZrImportXtf", "the packet cannot be read");
         return;
     }
     const double time = pingTime(ping);
     if (std::isnan(time)) {
-        fault = QStringLiteral("a ping has the impossible date and time %1").arg(dateText(ping));
+        fault = QCoreApplication::translate("ZrImportXtf", "a ping has the impossible date and time %1")
+                    .arg(dateText(ping));
         return;
     }
     Push(Navigation(ping), time);
@@ -380,11 +392,13 @@ void ZrImportXtf::TakePosition(const u8* ping, ZrNavRecord& nav)
     const double latitude = zr::load_le<double>(ping + 160);
     const double longitude = zr::load_le<double>(ping + 168);
     if (!m_degrees) {
-        Note(QStringLiteral("the positions are not in degrees: taken as not known"));
+        Note(QCoreApplication::translate(
+            "ZrImportXtf", "the positions are not in degrees: taken as not known"));
     } else if (latitude == 0.0 && longitude == 0.0) {
-        Note(QStringLiteral("the position is 0,0: taken as not known"));
+        Note(QCoreApplication::translate("ZrImportXtf", "the position is 0,0: taken as not known"));
     } else if (!(std::fabs(latitude) <= 90.0 && std::fabs(longitude) <= 180.0)) {
-        Note(QStringLiteral("the position lies off the globe: taken as not known"));
+        Note(QCoreApplication::translate(
+            "ZrImportXtf", "the position lies off the globe: taken as not known"));
     } else {
         nav.latitude = latitude;
         nav.longitude = longitude;
@@ -395,16 +409,16 @@ void ZrImportXtf::TakeChannel(const u8* header, ZrPingRecord record, double time
 {
     const Channel& channel = m_channels[zr::load_le<u16>(header)];
     if (channel.type != PortChannel && channel.type != StarboardChannel) {
-        Ignore(QStringLiteral("XTF channel type %1").arg(channel.type));
+        Ignore(QCoreApplication::translate("ZrImportXtf", "XTF channel type %1").arg(channel.type));
         return;
     }
     if (channel.isFloat) {
-        Ignore(QStringLiteral("XTF channel of floating-point samples"));
+        Ignore(QCoreApplication::translate("ZrImportXtf", "XTF channel of floating-point samples"));
         return;
     }
     record.sampleCount = zr::load_le<u32>(header + 42);
     if (record.sampleCount == 0) {
-        Note(QStringLiteral("a channel of a ping has no samples"));
+        Note(QCoreApplication::translate("ZrImportXtf", "a channel of a ping has no samples"));
         return;
     }
     record.side = channel.type == PortChannel ? 0 : 1;
@@ -418,7 +432,8 @@ void ZrImportXtf::TakeChannel(const u8* header, ZrPingRecord record, double time
         record.frequency = described;
     record.samples.resize(static_cast<int>(record.sampleCount * channel.width));
     if (channel.isSigned)
-        Note(QStringLiteral("the samples of a channel are signed: their magnitude is taken"));
+        Note(QCoreApplication::translate(
+            "ZrImportXtf", "the samples of a channel are signed: their magnitude is taken"));
     const auto copy = channel.width == 1 ? &copySamples<u8>
         : channel.width == 2             ? &copySamples<u16>
                                          : &copySamples<u32>;
@@ -431,7 +446,7 @@ float ZrImportXtf::SoundSpeed(const u8* ping)
 {
     const float speed = positive(ping + 32);
     if (speed >= 650.0f && speed <= 850.0f) {
-        Note(QStringLiteral("the speed of sound is given for one way: doubled"));
+        Note(QCoreApplication::translate("ZrImportXtf", "the speed of sound is given for one way: doubled"));
         return 2.0f * speed;
     }
     return speed;

@@ -5,6 +5,7 @@
 #include "ZrKit/import/ZrImportNmea.h"
 #include "ZrKit/import/ZrImportXtf.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -45,18 +46,19 @@ QByteArray readHead(const QString& path, QString* error)
     const QFileInfo info(path);
     QFile file(path);
     if (path.isEmpty()) {
-        *error = QStringLiteral("the name of the file is empty");
+        *error = QCoreApplication::translate("ZrImporter", "the name of the file is empty");
     } else if (info.isDir()) {
-        *error = QStringLiteral("%1: is a folder, not a file").arg(path);
+        *error = QCoreApplication::translate("ZrImporter", "%1: is a folder, not a file").arg(path);
     } else if (info.exists() && !info.isFile()) {
         // A pipe or a device has no size and may never end.
-        *error = QStringLiteral("%1: is not a regular file").arg(path);
+        *error = QCoreApplication::translate("ZrImporter", "%1: is not a regular file").arg(path);
     } else if (!file.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("%1: cannot be read: %2").arg(path, file.errorString());
+        *error = QCoreApplication::translate("ZrImporter", "%1: cannot be read: %2")
+                     .arg(path, file.errorString());
     } else {
         QByteArray head = file.read(HeadSize);
         if (head.isEmpty())
-            *error = QStringLiteral("%1: the file is empty").arg(path);
+            *error = QCoreApplication::translate("ZrImporter", "%1: the file is empty").arg(path);
         return head;
     }
     return QByteArray();
@@ -89,7 +91,8 @@ std::unique_ptr<ZrImporter> ZrImporter::Create(
     QString ignoredError;
     QString* reason = error ? error : &ignoredError;
     if (format != QLatin1String("auto") && !Formats().contains(format)) {
-        *reason = QStringLiteral("\"%1\" is not the name of an import format; these are: auto, %2")
+        *reason = QCoreApplication::translate(
+            "ZrImporter", "\"%1\" is not the name of an import format; these are: auto, %2")
                       .arg(format, Formats().join(QStringLiteral(", ")));
         return nullptr;
     }
@@ -98,7 +101,9 @@ std::unique_ptr<ZrImporter> ZrImporter::Create(
         return nullptr;
     const Format* chosen = choose(format, head);
     if (!chosen) {
-        *reason = QStringLiteral("%1: the content is of no format that can be imported").arg(path);
+        *reason = QCoreApplication::translate(
+            "ZrImporter", "%1: the content is of no format that can be imported")
+                      .arg(path);
         return nullptr;
     }
     std::unique_ptr<ZrImporter> importer = chosen->make();

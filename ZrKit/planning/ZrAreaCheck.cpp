@@ -5,6 +5,8 @@
 #include "ZrUtil/ZrUtil.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -75,7 +77,8 @@ ZrAreaCheck::ZrAreaCheck(
     if (!std::isfinite(margin) || margin < 0.0) {
         m_margin = 0.0;
         Add(m_findings, ZrRouteFinding::eError, ZrRouteFinding::eBadMargin,
-            QStringLiteral("A safety margin of %1 m is not possible: areas are checked without one.")
+            QCoreApplication::translate(
+                "ZrAreaCheck", "A safety margin of %1 m is not possible: areas are checked without one.")
                 .arg(margin));
     }
     std::vector<bool> touched;
@@ -111,7 +114,7 @@ QString ZrAreaCheck::NameOf(const ZrWpt& wpt, int index)
 void ZrAreaCheck::Check(const ZrArea& area, int index, bool isFence)
 {
     m_isFence = isFence;
-    m_area = (isFence ? QStringLiteral("fence ") : QStringLiteral("no-go area "))
+    m_area = (isFence ? QStringLiteral("fence ") : QCoreApplication::translate("ZrAreaCheck", "no-go area "))
         + (area.name.isEmpty() ? QString::number(index + 1)
                                : QLatin1Char('"') + area.name + QLatin1Char('"'));
     if (!HasCorners(area))
@@ -121,7 +124,7 @@ void ZrAreaCheck::Check(const ZrArea& area, int index, bool isFence)
     const bool isFar = !m_pieces.empty() && !box.Meets(m_box) && box.east - box.west <= 180.0;
     const bool isApart = isFar || m_pieces.empty(); // only the area itself is looked at
     if (!isApart && !box.FitsPlane()) {
-        AddBad(QStringLiteral(
+        AddBad(QCoreApplication::translate("ZrAreaCheck",
             "is too large to be checked: it goes more than %1 degrees of longitude to a side of "
             "the middle of the route, or beyond %2 degrees of latitude.")
                    .arg(ZrRoutePath::MaxSpan)
@@ -147,12 +150,15 @@ bool ZrAreaCheck::HasCorners(const ZrArea& area)
 {
     for (std::size_t i = 0; i < area.ring.size(); ++i) {
         if (!area.ring[i].IsValid()) {
-            AddBad(QStringLiteral("cannot be checked: its corner %1 has no valid position.").arg(i + 1));
+            AddBad(QCoreApplication::translate(
+                "ZrAreaCheck", "cannot be checked: its corner %1 has no valid position.")
+                       .arg(i + 1));
             return false;
         }
     }
     if (area.ring.size() < 3)
-        AddBad(QStringLiteral("cannot be checked: it has %1 corners, an area needs three.")
+        AddBad(QCoreApplication::translate(
+            "ZrAreaCheck", "cannot be checked: it has %1 corners, an area needs three.")
                    .arg(area.ring.size()));
     return area.ring.size() >= 3;
 }
@@ -177,15 +183,17 @@ ZrAreaCheck::Box ZrAreaCheck::BoxOf(const ZrArea& area) const
 bool ZrAreaCheck::IsSound(const ZrPlaneArea& plane)
 {
     if (plane.IsDegenerate()) {
-        AddBad(plane.Corners() < 3
-                ? QStringLiteral("cannot be checked: it has %1 different corners, an area needs three.")
-                      .arg(plane.Corners())
-                : QStringLiteral("cannot be checked: all its corners lie on a line."));
+        AddBad(plane.Corners() < 3 ? QCoreApplication::translate(
+                   "ZrAreaCheck", "cannot be checked: it has %1 different corners, an area needs three.")
+                                         .arg(plane.Corners())
+                                   : QCoreApplication::translate(
+                                       "ZrAreaCheck", "cannot be checked: all its corners lie on a line."));
         return false;
     }
     if (plane.CrossesItself())
         Add(m_findings, ZrRouteFinding::eWarning, ZrRouteFinding::eAreaCrossesItself,
-            QStringLiteral("The border of the %1 crosses itself: what it goes round twice counts as outside.")
+            QCoreApplication::translate("ZrAreaCheck",
+                "The border of the %1 crosses itself: what it goes round twice counts as outside.")
                 .arg(m_area));
     return true;
 }
@@ -198,12 +206,14 @@ void ZrAreaCheck::CheckPiece(const ZrPlaneArea& plane, const ZrPathPiece& piece)
         for (const ZrPlaneArea::Stretch& stretch : stretches)
             share += stretch.last - stretch.first;
         const QString what = m_isFence ? QStringLiteral("outside") : QStringLiteral("inside");
-        const QString much = share > 0.9999
-            ? QStringLiteral("all of it")
-            : QStringLiteral("%1 of its %2").arg(Metres(share * piece.length), Metres(piece.length));
-        const QString text = piece.leg <= firstAlone ? QStringLiteral("is %1 the %2.").arg(what, m_area)
-            : m_isFence ? QStringLiteral("leaves the %1: %2 outside.").arg(m_area, much)
-                        : QStringLiteral("enters the %1: %2 inside.").arg(m_area, much);
+        const QString much = share > 0.9999 ? QCoreApplication::translate("ZrAreaCheck", "all of it")
+                                            : QCoreApplication::translate("ZrAreaCheck", "%1 of its %2")
+                                                  .arg(Metres(share * piece.length), Metres(piece.length));
+        const QString text = piece.leg <= firstAlone
+            ? QCoreApplication::translate("ZrAreaCheck", "is %1 the %2.").arg(what, m_area)
+            : m_isFence
+            ? QCoreApplication::translate("ZrAreaCheck", "leaves the %1: %2 outside.").arg(m_area, much)
+            : QCoreApplication::translate("ZrAreaCheck", "enters the %1: %2 inside.").arg(m_area, much);
         AddPiece(piece, stretches.front().first,
             m_isFence ? ZrRouteFinding::eOutsideFence : ZrRouteFinding::eInNoGo, text);
         return;
@@ -213,7 +223,8 @@ void ZrAreaCheck::CheckPiece(const ZrPlaneArea& plane, const ZrPathPiece& piece)
     const double distance = plane.Distance(piece, m_margin - ZrPlaneArea::Tolerance);
     if (std::isfinite(distance))
         AddPiece(piece, 0.0, m_isFence ? ZrRouteFinding::eNearFence : ZrRouteFinding::eNearNoGo,
-            QStringLiteral("comes within %1 of the border of the %2; the margin is %3.")
+            QCoreApplication::translate(
+                "ZrAreaCheck", "comes within %1 of the border of the %2; the margin is %3.")
                 .arg(Metres(distance), m_area, Metres(m_margin)));
 }
 
@@ -224,8 +235,10 @@ void ZrAreaCheck::AddFarFence()
         [](ZrLocalPoint point) { return !std::isnan(point.x); });
     const auto index = static_cast<std::size_t>(known - m_path.Points().begin());
     const ZrWpt& wpt = *m_wpts[index];
-    m_findings.push_back({ZrRouteFinding::eError, ZrRouteFinding::eOutsideFence, static_cast<int>(index),
-        wpt.uuid, QStringLiteral("The whole route is outside the %1.").arg(m_area), {wpt.lat, wpt.lng}});
+    m_findings.push_back(
+        {ZrRouteFinding::eError, ZrRouteFinding::eOutsideFence, static_cast<int>(index), wpt.uuid,
+            QCoreApplication::translate("ZrAreaCheck", "The whole route is outside the %1.").arg(m_area),
+            {wpt.lat, wpt.lng}});
 }
 
 void ZrAreaCheck::AddBad(const QString& text)
@@ -245,8 +258,9 @@ void ZrAreaCheck::AddPiece(
     } else {
         const ZrRouteLeg& leg = m_path.Legs()[static_cast<std::size_t>(piece.leg)];
         index = piece.isArc ? leg.to : leg.from;
-        subject = piece.isArc ? QStringLiteral("The turn at %1").arg(name(leg.to))
-                              : QStringLiteral("The leg from %1 to %2").arg(name(leg.from), name(leg.to));
+        subject = piece.isArc ? QCoreApplication::translate("ZrAreaCheck", "The turn at %1").arg(name(leg.to))
+                              : QCoreApplication::translate("ZrAreaCheck", "The leg from %1 to %2")
+                                    .arg(name(leg.from), name(leg.to));
     }
     m_findings.push_back({ZrRouteFinding::eError, code, index, m_wpts[static_cast<std::size_t>(index)]->uuid,
         subject + QLatin1Char(' ') + text, m_path.Frame().ToGeo(piece.At(fraction))});

@@ -3,6 +3,7 @@
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFile.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace {
@@ -52,7 +53,8 @@ bool ZrAreaFile::Read(const QString& path, std::vector<ZrArea>& areas)
         if (area.name.isEmpty())
             area.name = found.size() == 1 ? base : QStringLiteral("%1 %2").arg(base).arg(i + 1);
         if (area.ring.size() < 3) {
-            m_error = QStringLiteral("%1: area \"%2\" has %3 corners, at least 3 are needed")
+            m_error = QCoreApplication::translate(
+                "ZrAreaFile", "%1: area \"%2\" has %3 corners, at least 3 are needed")
                           .arg(path, area.name)
                           .arg(area.ring.size());
             return false;

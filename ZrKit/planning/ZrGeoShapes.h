@@ -3,6 +3,7 @@
 #include "ZrKit/planning/ZrArea.h"
 #include "ZrKit/planning/ZrGeoPoint.h"
 
+#include <QCoreApplication>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -43,8 +44,8 @@ struct ZrGeoShapes
         if (holes == 0)
             warnings << what();
         else
-            warnings = QStringList{
-                warnings.front(), QStringLiteral("holes left out in all: %1").arg(holes + count)};
+            warnings = QStringList{warnings.front(),
+                QCoreApplication::translate("ZrGeoShapes", "holes left out in all: %1").arg(holes + count)};
         holes += count;
     }
 
@@ -52,11 +53,15 @@ struct ZrGeoShapes
     static bool Check(const ZrGeoPoint& point, QString& error)
     {
         if (!(std::fabs(point.lat) <= 90.0)) {
-            error = QStringLiteral("latitude %1 is not within 90 degrees of the equator").arg(point.lat);
+            error = QCoreApplication::translate(
+                "ZrGeoShapes", "latitude %1 is not within 90 degrees of the equator")
+                        .arg(point.lat);
             return false;
         }
         if (!(std::fabs(point.lng) <= 180.0)) {
-            error = QStringLiteral("longitude %1 is not within 180 degrees of Greenwich").arg(point.lng);
+            error = QCoreApplication::translate(
+                "ZrGeoShapes", "longitude %1 is not within 180 degrees of Greenwich")
+                        .arg(point.lng);
             return false;
         }
         return true;

@@ -5,6 +5,8 @@
 #include "ZrUtil/ZrUtil.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -90,19 +92,21 @@ private:
     void CheckRoute()
     {
         if (m_wpts.empty()) {
-            Add(eSeverity::eError, eCode::eEmpty, QStringLiteral("The route has no waypoint."));
+            Add(eSeverity::eError, eCode::eEmpty,
+                QCoreApplication::translate("ZrRouteCheck", "The route has no waypoint."));
             return;
         }
         if (!m_route.linked)
             Add(eSeverity::eInfo, eCode::eNotLinked,
-                QStringLiteral(
+                QCoreApplication::translate("ZrRouteCheck",
                     "The points are not linked: a set of markers, checked as if it was to be run."));
         if (m_wpts.size() == 1)
             Add(eSeverity::eWarning, eCode::eSinglePoint, 0,
-                QStringLiteral("%1 is the only waypoint: there is no leg.").arg(NameOf(0)));
+                QCoreApplication::translate("ZrRouteCheck", "%1 is the only waypoint: there is no leg.")
+                    .arg(NameOf(0)));
         if (m_path.IsTooWide())
             Add(eSeverity::eError, eCode::eTooWide,
-                QStringLiteral(
+                QCoreApplication::translate("ZrRouteCheck",
                     "The route goes more than %1 degrees of longitude to a side of its middle, or beyond "
                     "%2 degrees of latitude: turns, lengths and areas are not checked.")
                     .arg(ZrRoutePath::MaxSpan)
@@ -115,7 +119,7 @@ private:
         const char* const names[] = {"slow", "medium", "fast"};
         if (type < 1 || type > 3 || IsSpeed(static_cast<double>(presets[type - 1])))
             return {};
-        return QStringLiteral("the %1 speed, which is %2 m/s")
+        return QCoreApplication::translate("ZrRouteCheck", "the %1 speed, which is %2 m/s")
             .arg(QLatin1String(names[type - 1]), Number(static_cast<double>(presets[type - 1])));
     }
 
@@ -123,10 +127,13 @@ private:
     {
         QString problem = PresetProblem(m_route.speedType);
         if ((m_route.speedType < 1 || m_route.speedType > 3) && !IsSpeed(m_route.speed))
-            problem = QStringLiteral("a speed of %1 m/s").arg(Number(m_route.speed));
+            problem
+                = QCoreApplication::translate("ZrRouteCheck", "a speed of %1 m/s").arg(Number(m_route.speed));
         if (!problem.isEmpty())
             Add(eSeverity::eError, eCode::eBadSpeed,
-                QStringLiteral("The route has %1: no leg that inherits it has a duration.").arg(problem));
+                QCoreApplication::translate(
+                    "ZrRouteCheck", "The route has %1: no leg that inherits it has a duration.")
+                    .arg(problem));
     }
 
     void CheckPosition(std::size_t i)
@@ -134,17 +141,17 @@ private:
         const ZrWpt& wpt = *m_wpts[i];
         if (!std::isfinite(wpt.lat) || !std::isfinite(wpt.lng))
             Add(eSeverity::eError, eCode::eNoPosition, i,
-                QStringLiteral("%1 has no position: latitude %2, longitude %3.")
+                QCoreApplication::translate("ZrRouteCheck", "%1 has no position: latitude %2, longitude %3.")
                     .arg(NameOf(i), Number(wpt.lat), Number(wpt.lng)));
         else if (!PositionOf(wpt).IsValid())
             Add(eSeverity::eError, eCode::ePositionOutOfRange, i,
-                QStringLiteral(
+                QCoreApplication::translate("ZrRouteCheck",
                     "%1 is not on the earth: latitude %2 degrees (at most 90), longitude %3 degrees "
                     "(at most 180).")
                     .arg(NameOf(i), Number(wpt.lat), Number(wpt.lng)));
         else if (wpt.lat > northOfGrid || wpt.lat < southOfGrid)
             Add(eSeverity::eWarning, eCode::eBeyondGrid, i,
-                QStringLiteral(
+                QCoreApplication::translate("ZrRouteCheck",
                     "%1 is at latitude %2 degrees, where there is no UTM grid (84 north to 80 south).")
                     .arg(NameOf(i), Number(wpt.lat)));
     }
@@ -158,14 +165,16 @@ private:
         const eSeverity severity = used ? eSeverity::eError : eSeverity::eWarning;
         const QString preset = PresetProblem(wpt.spdType);
         if (!preset.isEmpty())
-            Add(severity, eCode::eBadSpeed, i, QStringLiteral("%1 asks for %2.").arg(NameOf(i), preset));
+            Add(severity, eCode::eBadSpeed, i,
+                QCoreApplication::translate("ZrRouteCheck", "%1 asks for %2.").arg(NameOf(i), preset));
         else if (wpt.spdType < 0)
             Add(severity, eCode::eBadSpeed, i,
-                QStringLiteral("%1 has the unknown speed type %2.")
+                QCoreApplication::translate("ZrRouteCheck", "%1 has the unknown speed type %2.")
                     .arg(NameOf(i), QString::number(wpt.spdType)));
         else if (wpt.spdType > 3 && !IsSpeed(wpt.speed))
             Add(severity, eCode::eBadSpeed, i,
-                QStringLiteral("%1 has a speed of its own of %2 m/s.").arg(NameOf(i), Number(wpt.speed)));
+                QCoreApplication::translate("ZrRouteCheck", "%1 has a speed of its own of %2 m/s.")
+                    .arg(NameOf(i), Number(wpt.speed)));
     }
 
     void CheckTurn(std::size_t i)
@@ -173,18 +182,21 @@ private:
         const ZrWpt& wpt = *m_wpts[i];
         if (!std::isfinite(wpt.r)) {
             Add(eSeverity::eError, eCode::eBadRadius, i,
-                QStringLiteral("%1 has a turn radius of %2 m.").arg(NameOf(i), Number(wpt.r)));
+                QCoreApplication::translate("ZrRouteCheck", "%1 has a turn radius of %2 m.")
+                    .arg(NameOf(i), Number(wpt.r)));
             return;
         }
         const ZrRouteTurn& turn = m_path.Turns()[i];
         const bool isEnd = i == 0 || i + 1 == m_wpts.size();
         if (isEnd && wpt.r != 0.0)
             Add(eSeverity::eInfo, eCode::eRadiusAtEnd, i,
-                QStringLiteral("%1 is an end of the route and does not turn; its radius of %2 has no effect.")
+                QCoreApplication::translate("ZrRouteCheck",
+                    "%1 is an end of the route and does not turn; its radius of %2 has no effect.")
                     .arg(NameOf(i), Metres(std::fabs(wpt.r))));
         if (turn.state == ZrRouteTurn::eDoublesBack)
             Add(eSeverity::eError, eCode::eDoublesBack, i,
-                QStringLiteral("The way doubles back at %1: a turn with a radius of %2 is not possible.")
+                QCoreApplication::translate(
+                    "ZrRouteCheck", "The way doubles back at %1: a turn with a radius of %2 is not possible.")
                     .arg(NameOf(i), Metres(turn.radius)));
         else if (turn.state == ZrRouteTurn::eBeyondLeg)
             AddBeyondLeg(i);
@@ -199,7 +211,7 @@ private:
         const double after = m_path.Legs()[i].direct;
         const bool isFirst = before <= after;
         Add(eSeverity::eError, eCode::eTurnBeyondLeg, i,
-            QStringLiteral(
+            QCoreApplication::translate("ZrRouteCheck",
                 "The turn at %1 (%2 degrees with a radius of %3) needs %4 of the leg %5 %6, which is %7 "
                 "long.")
                 .arg(NameOf(i), QString::number(std::fabs(ZrUtil::R2D(turn.deflection)), 'f', 1),
@@ -213,7 +225,8 @@ private:
         const ZrRouteTurn& turn = m_path.Turns()[i];
         const ZrRouteTurn& next = m_path.Turns()[i + 1];
         Add(eSeverity::eError, eCode::eTurnsOverlap, i,
-            QStringLiteral("The turns at %1 and %2 need %3 and %4 of the leg between them, which is %5 long.")
+            QCoreApplication::translate("ZrRouteCheck",
+                "The turns at %1 and %2 need %3 and %4 of the leg between them, which is %5 long.")
                 .arg(NameOf(i), NameOf(i + 1), Metres(turn.reach), Metres(next.reach),
                     Metres(m_path.Legs()[i].direct)));
     }
@@ -228,16 +241,18 @@ private:
             return;
         if (leg.direct < coincidence || PositionOf(from) == PositionOf(to))
             Add(eSeverity::eWarning, eCode::eCoincident, j,
-                QStringLiteral("%1 is at the place of %2: the leg between them has no length.")
+                QCoreApplication::translate(
+                    "ZrRouteCheck", "%1 is at the place of %2: the leg between them has no length.")
                     .arg(NameOf(j), NameOf(i)));
         if (std::fabs(to.lng - from.lng) > 180.0)
             Add(eSeverity::eWarning, eCode::eAntimeridianCrossed, i,
-                QStringLiteral("The leg from %1 to %2 crosses the antimeridian, from UTM zone %3 to %4; grid "
-                               "positions are those of zone %5.")
+                QCoreApplication::translate("ZrRouteCheck",
+                    "The leg from %1 to %2 crosses the antimeridian, from UTM zone %3 to %4; grid "
+                    "positions are those of zone %5.")
                     .arg(NameOf(i), NameOf(j), ZoneName(from), ZoneName(to), ZoneName(*m_wpts.front())));
         else if (ZoneName(from) != ZoneName(to))
             Add(eSeverity::eWarning, eCode::eZoneCrossed, i,
-                QStringLiteral(
+                QCoreApplication::translate("ZrRouteCheck",
                     "The leg from %1 to %2 goes from UTM zone %3 to %4; grid positions are those of "
                     "zone %5.")
                     .arg(NameOf(i), NameOf(j), ZoneName(from), ZoneName(to), ZoneName(*m_wpts.front())));

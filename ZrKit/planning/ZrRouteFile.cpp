@@ -12,6 +12,7 @@
 #include "ZrKit/planning/ZrTextLines.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -62,7 +63,8 @@ QString NumberOf(int number, const ZrWpt& wpt)
 
 QString TooManyWaypoints()
 {
-    return QStringLiteral("more than %1 waypoints").arg(ZrRouteFile::MaxWaypoints);
+    return QCoreApplication::translate("ZrRouteFile", "more than %1 waypoints")
+        .arg(ZrRouteFile::MaxWaypoints);
 }
 
 /// Why a form of a position cannot hold \p route; empty when it can.
@@ -128,7 +130,8 @@ bool ZrRouteFile::FailIn(const QString& path)
 
 bool ZrRouteFile::ReadBytes(const QString& path, QByteArray& bytes)
 {
-    const QString tooLarge = QStringLiteral("too large for a route (more than 64 MiB)");
+    const QString tooLarge
+        = QCoreApplication::translate("ZrRouteFile", "too large for a route (more than 64 MiB)");
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(file.errorString());
@@ -167,11 +170,11 @@ bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& sha
     const QByteArray text = AsUtf8(bytes);
     const QByteArray head = text.left(4096).trimmed();
     if (head.isEmpty() && text.trimmed().isEmpty())
-        return Fail(QStringLiteral("the file is empty"));
+        return Fail(QCoreApplication::translate("ZrRouteFile", "the file is empty"));
     if (head.startsWith('{') || head.startsWith('['))
         return ParseJson(text, route, shapes, isRoute);
     if (head.startsWith("PK\x03\x04"))
-        return Fail(QStringLiteral("an archive (KMZ?), to be unpacked first"));
+        return Fail(QCoreApplication::translate("ZrRouteFile", "an archive (KMZ?), to be unpacked first"));
     if (!head.startsWith('<'))
         return ZrRouteTab::Read(text, shapes, m_error);
     const QString root = RootOf(bytes); // of what was read: XML names its encoding
@@ -181,7 +184,9 @@ bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& sha
     };
     if (isRoot("gpx") || isRoot("kml")) {
         if (const int line = LineOfBadUtf8(text, head))
-            return Fail(QStringLiteral("line %1: no UTF-8, and no other encoding is declared").arg(line));
+            return Fail(QCoreApplication::translate(
+                "ZrRouteFile", "line %1: no UTF-8, and no other encoding is declared")
+                            .arg(line));
         return isRoot("gpx") ? ZrRouteGpx::Read(bytes, shapes, m_error)
                              : ZrRouteKml::Read(bytes, shapes, m_error);
     }
@@ -196,11 +201,14 @@ bool ZrRouteFile::FromShapes(const ZrGeoShapes& shapes, ZrWpts& route)
     const bool isLine = !shapes.lines.empty() && !(isOurs && !shapes.points.empty());
     const std::vector<ZrShapePoint>& points = isLine ? shapes.lines.front().points : shapes.points;
     if (shapes.lines.size() > 1)
-        m_warnings << QStringLiteral("of %1 routes and lines the first was taken").arg(shapes.lines.size());
+        m_warnings << QCoreApplication::translate("ZrRouteFile", "of %1 routes and lines the first was taken")
+                          .arg(shapes.lines.size());
     if (isLine && !shapes.points.empty())
-        m_warnings << QStringLiteral("points beside the line were left out: %1").arg(shapes.points.size());
+        m_warnings << QCoreApplication::translate("ZrRouteFile", "points beside the line were left out: %1")
+                          .arg(shapes.points.size());
     if (!shapes.areas.empty())
-        m_warnings << QStringLiteral("areas were left out: %1").arg(shapes.areas.size());
+        m_warnings
+            << QCoreApplication::translate("ZrRouteFile", "areas were left out: %1").arg(shapes.areas.size());
     if (points.size() > static_cast<std::size_t>(MaxWaypoints))
         return Fail(TooManyWaypoints());
 
@@ -236,7 +244,7 @@ bool ZrRouteFile::FromBytes(const QByteArray& bytes, ZrWpts& route)
     if (!isRoute && !FromShapes(shapes, read))
         return false;
     if (read.IsEmpty())
-        return Fail(QStringLiteral("no route and no waypoints in it"));
+        return Fail(QCoreApplication::translate("ZrRouteFile", "no route and no waypoints in it"));
     read.UpdatePseudo();
     read.Recalc(true);
     route = read;

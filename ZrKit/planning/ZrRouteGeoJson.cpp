@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrTextLines.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -93,7 +94,7 @@ private:
     {
         if (m_feature < 0)
             return {};
-        return QStringLiteral("line %1: feature %2: ")
+        return QCoreApplication::translate("ZrRouteGeoJson", "line %1: feature %2: ")
             .arg(ZrTextLines::OfElement(m_bytes, "features", m_feature))
             .arg(m_feature + 1);
     }
@@ -105,7 +106,7 @@ private:
             ZrRouteFields::AddRoute(m_shapes.route, field.key(), field.value());
         const QJsonValue features = object.value(QLatin1String("features"));
         if (!features.isArray())
-            Fail(QStringLiteral("not GeoJSON: \"features\" is no list"));
+            Fail(QCoreApplication::translate("ZrRouteGeoJson", "not GeoJSON: \"features\" is no list"));
         const QJsonArray list = features.toArray();
         for (int i = 0; i < list.size() && m_error.isEmpty(); ++i) {
             m_feature = i;
@@ -117,7 +118,7 @@ private:
     {
         const QJsonValue geometry = feature.value(QLatin1String("geometry"));
         if (feature.value(QLatin1String("type")).toString() != QLatin1String("Feature"))
-            Fail(QStringLiteral("not a GeoJSON feature"));
+            Fail(QCoreApplication::translate("ZrRouteGeoJson", "not a GeoJSON feature"));
         else if (!geometry.isNull()) // a feature without a place
             ReadGeometry(geometry.toObject(), feature.value(QLatin1String("properties")).toObject(), 0);
     }
@@ -143,10 +144,12 @@ private:
             for (const QJsonValue& polygon : coordinates)
                 ReadPolygon(polygon.toArray(), name);
         } else if (type != QLatin1String("GeometryCollection")) {
-            Fail(type.isEmpty() ? QStringLiteral("not GeoJSON: no \"type\"")
-                                : QStringLiteral("\"%1\" is no type of GeoJSON geometry").arg(type));
+            Fail(type.isEmpty()
+                    ? QCoreApplication::translate("ZrRouteGeoJson", "not GeoJSON: no \"type\"")
+                    : QCoreApplication::translate("ZrRouteGeoJson", "\"%1\" is no type of GeoJSON geometry")
+                          .arg(type));
         } else if (depth == MaxDepth) {
-            Fail(QStringLiteral("geometries nest too deeply"));
+            Fail(QCoreApplication::translate("ZrRouteGeoJson", "geometries nest too deeply"));
         } else {
             for (const QJsonValue& part : geometry.value(QLatin1String("geometries")).toArray())
                 ReadGeometry(part.toObject(), properties, depth + 1);
@@ -156,7 +159,8 @@ private:
     ZrGeoPoint ReadPosition(const QJsonArray& numbers)
     {
         if (numbers.size() < 2 || !numbers[0].isDouble() || !numbers[1].isDouble()) {
-            Fail(QStringLiteral("a position must be a list of longitude and latitude"));
+            Fail(QCoreApplication::translate(
+                "ZrRouteGeoJson", "a position must be a list of longitude and latitude"));
             return {};
         }
         const ZrGeoPoint point{numbers[1].toDouble(), numbers[0].toDouble()};
@@ -191,8 +195,10 @@ private:
         for (const QJsonValue& position : rings.at(0).toArray())
             ring.push_back(ReadPosition(position.toArray()));
         if (rings.size() > 1)
-            m_shapes.LeaveOutHoles(rings.size() - 1,
-                [this] { return Place() + QStringLiteral("the holes of a polygon were left out"); });
+            m_shapes.LeaveOutHoles(rings.size() - 1, [this] {
+                return Place()
+                    + QCoreApplication::translate("ZrRouteGeoJson", "the holes of a polygon were left out");
+            });
         if (!ring.empty())
             m_shapes.areas.push_back({name, ZrGeoShapes::Open(ring)});
     }

@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrShapeXml.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -97,7 +98,7 @@ public:
     bool Run(QString& error)
     {
         if (NextChild() && !Is("gpx"))
-            Fail(QStringLiteral("not a GPX file"));
+            Fail(QCoreApplication::translate("ZrRouteGpx", "not a GPX file"));
         while (NextChild()) {
             if (Is("wpt"))
                 m_shapes.points.push_back(Point());
@@ -122,9 +123,10 @@ private:
         bool ok = false;
         const double value = text.toDouble(&ok);
         if (!ok)
-            Fail(text.isNull()
-                    ? QStringLiteral("\"%1\" has no \"%2\"").arg(m_xml.name(), QLatin1String(attribute))
-                    : QStringLiteral("\"%1\" is no \"%2\"").arg(text, QLatin1String(attribute)));
+            Fail(text.isNull() ? QCoreApplication::translate("ZrRouteGpx", "\"%1\" has no \"%2\"")
+                                     .arg(m_xml.name(), QLatin1String(attribute))
+                               : QCoreApplication::translate("ZrRouteGpx", "\"%1\" is no \"%2\"")
+                                     .arg(text, QLatin1String(attribute)));
         return value;
     }
 
@@ -200,7 +202,8 @@ private:
             if (key == Antimeridian())
                 m_antimeridian = true;
             else if (!TakeField(fields, add, key, text))
-                Fail(QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key));
+                Fail(
+                    QCoreApplication::translate("ZrRouteGpx", "\"%1\" is no value of \"%2\"").arg(text, key));
         }
     }
 

@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrShapeXml.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -106,7 +107,7 @@ public:
             if (Is("kml"))
                 Container(0);
             else
-                Fail(QStringLiteral("not a KML file"));
+                Fail(QCoreApplication::translate("ZrRouteKml", "not a KML file"));
         }
         error = Error();
         return error.isEmpty();
@@ -119,7 +120,7 @@ private:
     void Container(int depth)
     {
         if (depth > MaxDepth)
-            Fail(QStringLiteral("folders nest too deeply"));
+            Fail(QCoreApplication::translate("ZrRouteKml", "folders nest too deeply"));
         while (NextChild()) {
             if (Is("Document") || Is("Folder"))
                 Container(depth + 1);
@@ -174,7 +175,7 @@ private:
             Polygon(found);
         } else if (Is("MultiGeometry")) {
             if (depth > MaxDepth)
-                Fail(QStringLiteral("geometries nest too deeply"));
+                Fail(QCoreApplication::translate("ZrRouteKml", "geometries nest too deeply"));
             while (NextChild())
                 Geometry(found, depth + 1);
         } else {
@@ -199,7 +200,8 @@ private:
             }
             if (Is("innerBoundaryIs"))
                 m_shapes.LeaveOutHoles(1, [this] {
-                    return QStringLiteral("line %1: a hole of a polygon was left out")
+                    return QCoreApplication::translate(
+                        "ZrRouteKml", "line %1: a hole of a polygon was left out")
                         .arg(m_xml.lineNumber());
                 });
             Skip();
@@ -249,7 +251,8 @@ private:
         }
         QString error;
         if (!ok[0] || !ok[1])
-            Fail(QStringLiteral("\"%1\" is no longitude and latitude").arg(tuple), line);
+            Fail(QCoreApplication::translate("ZrRouteKml", "\"%1\" is no longitude and latitude").arg(tuple),
+                line);
         else if (!ZrGeoShapes::Check(point, error))
             Fail(error, line);
         return point;

@@ -4,6 +4,7 @@
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -20,7 +21,8 @@ QString CheckPosition(const QJsonObject& waypoint)
     for (const char* key : {"lat", "long"}) {
         const QJsonValue value = waypoint.value(QLatin1String(key));
         if (!value.isDouble() && !value.isNull())
-            return QStringLiteral("\"%1\" is no number").arg(QLatin1String(key));
+            return QCoreApplication::translate("ZrRouteSettings", "\"%1\" is no number")
+                .arg(QLatin1String(key));
     }
     return {};
 }
@@ -44,7 +46,7 @@ bool ZrRouteSettings::Read(const QJsonObject& object, const QByteArray& bytes, Z
 {
     const QJsonValue list = object.value(Waypoints());
     if (!list.isArray()) {
-        error = QStringLiteral("\"waypoints\" is no list");
+        error = QCoreApplication::translate("ZrRouteSettings", "\"waypoints\" is no list");
         return false;
     }
     const QJsonArray waypoints = list.toArray();
@@ -53,7 +55,10 @@ bool ZrRouteSettings::Read(const QJsonObject& object, const QByteArray& bytes, Z
         if (error.isEmpty())
             continue;
         const int line = ZrTextLines::OfElement(bytes, "waypoints", i);
-        error = QStringLiteral("line %1: waypoint %2: %3").arg(line).arg(i + 1).arg(error);
+        error = QCoreApplication::translate("ZrRouteSettings", "line %1: waypoint %2: %3")
+                    .arg(line)
+                    .arg(i + 1)
+                    .arg(error);
         return false;
     }
     QJsonObject root = object;

@@ -4,6 +4,8 @@
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -115,7 +117,8 @@ public:
             if (to.leg == from.leg && to.q == from.q)
                 return Failure(NoProgress(from));
             if (result.routes.size() == static_cast<std::size_t>(ZrRouteSplit::MaxRoutes))
-                return Failure(QStringLiteral("The route is so long that it needs more than %1 routes.")
+                return Failure(QCoreApplication::translate(
+                    "ZrRouteSplit", "The route is so long that it needs more than %1 routes.")
                                    .arg(ZrRouteSplit::MaxRoutes));
             Finish(to);
             result.routes.push_back(Part(from, to));
@@ -129,21 +132,27 @@ private:
     {
         const auto isLimit = [](double limit) { return limit > 0.0; };
         if (m_path.Legs().empty())
-            return QStringLiteral("There is nothing to split: the route has no leg.");
+            return QCoreApplication::translate(
+                "ZrRouteSplit", "There is nothing to split: the route has no leg.");
         if (!isLimit(m_options.maxSeconds) || !isLimit(m_options.maxMetres))
-            return QStringLiteral("An endurance of %1 s and %2 m is not possible.")
+            return QCoreApplication::translate(
+                "ZrRouteSplit", "An endurance of %1 s and %2 m is not possible.")
                 .arg(m_options.maxSeconds)
                 .arg(m_options.maxMetres);
         if (std::isinf(m_options.maxSeconds) && std::isinf(m_options.maxMetres))
-            return QStringLiteral("There is no endurance to split by: neither seconds nor metres are given.");
+            return QCoreApplication::translate(
+                "ZrRouteSplit", "There is no endurance to split by: neither seconds nor metres are given.");
         if (!(m_options.reserve >= 0.0 && m_options.reserve < 1.0))
-            return QStringLiteral("A reserve of %1 is not possible: it is a share from 0 to below 1.")
+            return QCoreApplication::translate(
+                "ZrRouteSplit", "A reserve of %1 is not possible: it is a share from 0 to below 1.")
                 .arg(m_options.reserve);
         if (m_path.IsTooWide())
-            return QStringLiteral("The route is too wide for its lengths to be known.");
+            return QCoreApplication::translate(
+                "ZrRouteSplit", "The route is too wide for its lengths to be known.");
         for (const ZrRouteLeg& leg : m_path.Legs()) {
             if (std::isnan(leg.length) || (std::isfinite(m_options.maxSeconds) && std::isnan(leg.speed)))
-                return QStringLiteral("The %1 of the leg from %2 to %3 is not known.")
+                return QCoreApplication::translate(
+                    "ZrRouteSplit", "The %1 of the leg from %2 to %3 is not known.")
                     .arg(std::isnan(leg.length) ? QStringLiteral("length") : QStringLiteral("speed"),
                         NameOf(leg.from), NameOf(leg.to));
         }
@@ -155,10 +164,12 @@ private:
     QString NoProgress(const Stop& from) const
     {
         const ZrRouteLeg& leg = m_path.Legs()[from.leg];
-        return QStringLiteral(
+        return QCoreApplication::translate("ZrRouteSplit",
             "The endurance does not suffice for the leg from %1 to %2, %3 m after the start%4.")
             .arg(NameOf(leg.from), NameOf(leg.to), QString::number(from.q, 'f', 1),
-                m_options.returnToStart ? QStringLiteral(", with the way there and back") : QString());
+                m_options.returnToStart
+                    ? QCoreApplication::translate("ZrRouteSplit", ", with the way there and back")
+                    : QString());
     }
 
     /// The speed with which a way goes on from the last waypoint: it may have one of its own.
@@ -333,15 +344,18 @@ ZrRouteSplit::Result Rest(const ZrWpts& route, int index, const ZrGeoPoint* plac
     const int legs = static_cast<int>(path.Legs().size());
     if (index < 0 || index >= route.GetCount())
         return Failure(
-            QStringLiteral("There is no waypoint %1 on a route of %2.").arg(index).arg(route.GetCount()));
+            QCoreApplication::translate("ZrRouteSplit", "There is no waypoint %1 on a route of %2.")
+                .arg(index)
+                .arg(route.GetCount()));
     if (index >= legs)
-        return Failure(QStringLiteral("There is nothing left to run: %1 is the last waypoint.")
+        return Failure(QCoreApplication::translate(
+            "ZrRouteSplit", "There is nothing left to run: %1 is the last waypoint.")
                            .arg(ZrAreaCheck::NameOf(*route.GetTail(), index)));
     if (place && !place->IsValid())
-        return Failure(
-            QStringLiteral("The place of the interruption, latitude %1 and longitude %2, is not valid.")
-                .arg(place->lat)
-                .arg(place->lng));
+        return Failure(QCoreApplication::translate(
+            "ZrRouteSplit", "The place of the interruption, latitude %1 and longitude %2, is not valid.")
+                           .arg(place->lat)
+                           .arg(place->lng));
     ZrRouteSplit::Result result;
     result.routes.push_back(Beginning(route, path.Legs()[static_cast<std::size_t>(index)]));
     ZrWpts& rest = *result.routes.back();

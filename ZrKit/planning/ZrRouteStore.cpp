@@ -4,6 +4,8 @@
 #include "ZrUtil/ZrWpts.h"
 #include "ZrUtil/ZrXmlStore.h"
 
+#include <QCoreApplication>
+
 #include <limits>
 
 namespace {
@@ -56,7 +58,8 @@ bool MakeStorable(QString& text)
 
 void MakeStorable(ZrWpts& route, QStringList& warnings)
 {
-    const QString reason = QStringLiteral(": text that the store cannot hold was changed");
+    const QString reason
+        = QCoreApplication::translate("ZrRouteStore", ": text that the store cannot hold was changed");
     if (MakeStorable(route.prefix))
         warnings << QStringLiteral("prefix") + reason;
     int number = 1;
@@ -117,7 +120,8 @@ QString Check(const QByteArray& bytes, const ZrXmlSet& set)
             continue;
         for (const QString& item : {QStringLiteral("Lat"), QStringLiteral("Lng")})
             if (!HasNumber(obj, item))
-                return QStringLiteral("line %1: waypoint %2: \"%3\" is no number")
+                return QCoreApplication::translate(
+                    "ZrRouteStore", "line %1: waypoint %2: \"%3\" is no number")
                     .arg(LineOf(bytes, set.name, obj.name))
                     .arg(number)
                     .arg(item);
@@ -144,10 +148,12 @@ bool ZrRouteStore::Read(const QByteArray& bytes, ZrWpts& route, QString& error)
     store.LoadFileForm(bytes);
     ZrXmlSet* set = FindWaypoints(store);
     if (bytes.contains("<XmlStore") && !bytes.contains("</XmlStore>"))
-        error = QStringLiteral("line %1: cut off, the end of the store is missing")
-                    .arg(ZrTextLines::OfOffset(bytes, bytes.size()));
+        error
+            = QCoreApplication::translate("ZrRouteStore", "line %1: cut off, the end of the store is missing")
+                  .arg(ZrTextLines::OfOffset(bytes, bytes.size()));
     else if (!set)
-        error = QStringLiteral("neither GPX, KML nor a tag-structured store with waypoints");
+        error = QCoreApplication::translate(
+            "ZrRouteStore", "neither GPX, KML nor a tag-structured store with waypoints");
     else
         error = Check(bytes, *set);
     if (!error.isEmpty())

@@ -6,6 +6,7 @@
 #include "ZrUtil/ZrUnits.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 
 namespace {
@@ -50,7 +51,7 @@ QString ReadDegrees(const QString& text, bool isLat, double& value)
     value = ZrUnits::GetValue(text, ok);
     if (ok && !HasOneOf(text, isLat ? QStringLiteral("EW") : QStringLiteral("NS")))
         return {};
-    return QStringLiteral("\"%1\" is no %2")
+    return QCoreApplication::translate("ZrRouteTab", "\"%1\" is no %2")
         .arg(text, isLat ? QStringLiteral("latitude") : QStringLiteral("longitude"));
 }
 
@@ -93,10 +94,13 @@ private:
         const QJsonObject route
             = QJsonDocument::fromJson(line.mid(RouteComment().size()).toUtf8(), &parse).object();
         if (parse.error != QJsonParseError::NoError)
-            return QStringLiteral("the fields of the route are damaged: %1").arg(parse.errorString());
+            return QCoreApplication::translate("ZrRouteTab", "the fields of the route are damaged: %1")
+                .arg(parse.errorString());
         for (auto field = route.begin(); field != route.end(); ++field)
             if (!ZrRouteFields::AddRoute(m_shapes.route, field.key(), field.value()))
-                return QStringLiteral("\"%1\" is no field of a route, or its value is none").arg(field.key());
+                return QCoreApplication::translate(
+                    "ZrRouteTab", "\"%1\" is no field of a route, or its value is none")
+                    .arg(field.key());
         return {};
     }
 
@@ -108,7 +112,7 @@ private:
         }
         m_begun = true;
         if (cells.size() < 2)
-            return QStringLiteral("no columns; they are separated by tabs");
+            return QCoreApplication::translate("ZrRouteTab", "no columns; they are separated by tabs");
         static const QStringList pair{QStringLiteral("lat"), QStringLiteral("long")};
         static const QStringList named = QStringList{QStringLiteral("name")} + pair;
         const QStringList& keys = !m_keys.isEmpty() ? m_keys : cells.size() == 2 ? pair : named;
@@ -145,7 +149,7 @@ private:
             point.name = text;
         else if (!text.isEmpty() && ZrRouteFields::IsField(key)
             && !ZrRouteFields::Add(point.fields, key, text))
-            return QStringLiteral("\"%1\" is no value of \"%2\"").arg(text, key);
+            return QCoreApplication::translate("ZrRouteTab", "\"%1\" is no value of \"%2\"").arg(text, key);
         return {};
     }
 

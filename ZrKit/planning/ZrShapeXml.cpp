@@ -1,5 +1,7 @@
 #include "ZrKit/planning/ZrShapeXml.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 constexpr int MaxDepth = 1000; // elements in elements; each one inside takes memory
@@ -27,7 +29,7 @@ void ZrShapeXml::Skip()
     for (int depth = 1; depth > 0 && !m_xml.hasError();) {
         m_xml.readNext();
         if (m_xml.isStartElement() && ++depth > MaxDepth)
-            Fail(QStringLiteral("elements nest too deeply"));
+            Fail(QCoreApplication::translate("ZrShapeXml", "elements nest too deeply"));
         else if (m_xml.isEndElement())
             --depth;
     }

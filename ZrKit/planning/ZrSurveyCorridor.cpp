@@ -5,6 +5,8 @@
 #include "ZrKit/planning/ZrSurveyRouter.h"
 #include "ZrUtil/ZrUtil.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -138,19 +140,22 @@ QString SettingsProblem(const Settings& settings)
 {
     QString problem = settings.Problem();
     if (problem.isEmpty())
-        problem = Settings::SpacingProblem(QStringLiteral("The line spacing"), settings.lineSpacing);
+        problem = Settings::SpacingProblem(
+            QCoreApplication::translate("ZrSurveyCorridor", "The line spacing"), settings.lineSpacing);
     if (!problem.isEmpty())
         return problem;
     for (const int lines : {settings.linesLeft, settings.linesRight}) {
         if (lines < 0 || lines > ZrSurveyCorridor::maxLines)
-            return QStringLiteral("The number of lines beside the guide must be from 0 to %1; it is %2.")
+            return QCoreApplication::translate(
+                "ZrSurveyCorridor", "The number of lines beside the guide must be from 0 to %1; it is %2.")
                 .arg(ZrSurveyCorridor::maxLines)
                 .arg(lines);
     }
     if (!settings.centreLine && settings.linesLeft == 0 && settings.linesRight == 0)
-        return QStringLiteral("A corridor needs at least one line.");
+        return QCoreApplication::translate("ZrSurveyCorridor", "A corridor needs at least one line.");
     if (settings.lineSpacing * std::max(settings.linesLeft, settings.linesRight) > 10000.0)
-        return QStringLiteral("The lines would lie more than 10000 m from the guide.");
+        return QCoreApplication::translate(
+            "ZrSurveyCorridor", "The lines would lie more than 10000 m from the guide.");
     return {};
 }
 
@@ -158,21 +163,25 @@ QString GuideProblem(const std::vector<ZrGeoPoint>& guide, const ZrLocalFrame& f
 {
     constexpr double northmost = 89.0;
     if (guide.size() > static_cast<std::size_t>(ZrSurveyCorridor::maxPoints))
-        return QStringLiteral("The guide has %1 points, more than %2.")
+        return QCoreApplication::translate("ZrSurveyCorridor", "The guide has %1 points, more than %2.")
             .arg(guide.size())
             .arg(ZrSurveyCorridor::maxPoints);
     for (std::size_t i = 0; i < guide.size(); ++i) {
         if (!guide[i].IsValid())
-            return QStringLiteral("Point %1 of the guide is no position on the earth.").arg(i + 1);
+            return QCoreApplication::translate(
+                "ZrSurveyCorridor", "Point %1 of the guide is no position on the earth.")
+                .arg(i + 1);
         if (std::fabs(guide[i].lat) > northmost)
-            return QStringLiteral("Point %1 of the guide lies beyond %2 degrees of latitude.")
+            return QCoreApplication::translate(
+                "ZrSurveyCorridor", "Point %1 of the guide lies beyond %2 degrees of latitude.")
                 .arg(i + 1)
                 .arg(northmost);
     }
     for (std::size_t i = 0; i < guide.size(); ++i) {
         if (!ZrSurveyRing::IsWithin(frame, guide[i]))
-            return QStringLiteral("The guide is too long: point %1 lies more than 100 km, or 15 degrees of "
-                                  "longitude, from its middle.")
+            return QCoreApplication::translate("ZrSurveyCorridor",
+                "The guide is too long: point %1 lies more than 100 km, or 15 degrees of "
+                "longitude, from its middle.")
                 .arg(i + 1);
     }
     return {};
@@ -209,10 +218,12 @@ QString ZrSurveyCorridor::Planned(
         return problem;
     const Polyline points = PointsOf(guide, frame);
     if (points.size() < 2)
-        return QStringLiteral("The guide has fewer than two different points.");
+        return QCoreApplication::translate(
+            "ZrSurveyCorridor", "The guide has fewer than two different points.");
     const int count = settings.linesLeft + settings.linesRight + (settings.centreLine ? 1 : 0);
     if (static_cast<double>(points.size()) * count > maxWaypoints)
-        return QStringLiteral("%1 lines along a guide of %2 points are more than %3 waypoints.")
+        return QCoreApplication::translate(
+            "ZrSurveyCorridor", "%1 lines along a guide of %2 points are more than %3 waypoints.")
             .arg(count)
             .arg(points.size())
             .arg(maxWaypoints);
@@ -220,7 +231,8 @@ QString ZrSurveyCorridor::Planned(
     for (std::size_t i = 1; i < legs.size(); ++i) {
         if (Bend(legs[i - 1], legs[i]) > sharpest) {
             const ZrGeoPoint at = frame.ToGeo(legs[i].at);
-            return QStringLiteral("The guide bends by more than %1 degrees at %2, %3.")
+            return QCoreApplication::translate(
+                "ZrSurveyCorridor", "The guide bends by more than %1 degrees at %2, %3.")
                 .arg(sharpest)
                 .arg(at.lat, 0, 'f', 6)
                 .arg(at.lng, 0, 'f', 6);
@@ -235,7 +247,8 @@ QString ZrSurveyCorridor::Planned(
         lane.across = i * settings.lineSpacing;
         Polyline line;
         if (!Beside(legs, lane.across).Make(&line))
-            return QStringLiteral("The bends of the guide leave no room for the line %1 m to the %2 of it.")
+            return QCoreApplication::translate(
+                "ZrSurveyCorridor", "The bends of the guide leave no room for the line %1 m to the %2 of it.")
                 .arg(std::fabs(lane.across))
                 .arg(i < 0 ? QStringLiteral("left") : QStringLiteral("right"));
         lane.pieces.push_back(std::move(line));

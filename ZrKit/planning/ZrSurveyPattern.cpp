@@ -3,6 +3,8 @@
 #include "ZrKit/planning/ZrSurveyRing.h"
 #include "ZrKit/planning/ZrSurveyRouter.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -82,7 +84,8 @@ std::vector<Strip> StripsOf(double left, double right, const Gaps& gaps, int cou
 
 QString TooManyLines()
 {
-    return QStringLiteral("The area would need more than %1 lines. Choose a larger spacing.")
+    return QCoreApplication::translate(
+        "ZrSurveyPattern", "The area would need more than %1 lines. Choose a larger spacing.")
         .arg(ZrSurveyPattern::maxLines);
 }
 
@@ -154,22 +157,28 @@ QString SettingsProblem(const Settings& settings)
 {
     QString problem = settings.Problem();
     if (problem.isEmpty())
-        problem = Settings::SpacingProblem(QStringLiteral("The line spacing"), settings.lineSpacing);
+        problem = Settings::SpacingProblem(
+            QCoreApplication::translate("ZrSurveyPattern", "The line spacing"), settings.lineSpacing);
     if (problem.isEmpty() && settings.alternateSpacing != 0.0)
-        problem
-            = Settings::SpacingProblem(QStringLiteral("The alternate spacing"), settings.alternateSpacing);
+        problem = Settings::SpacingProblem(
+            QCoreApplication::translate("ZrSurveyPattern", "The alternate spacing"),
+            settings.alternateSpacing);
     if (problem.isEmpty() && settings.crossSpacing != 0.0)
-        problem = Settings::SpacingProblem(QStringLiteral("The cross spacing"), settings.crossSpacing);
+        problem = Settings::SpacingProblem(
+            QCoreApplication::translate("ZrSurveyPattern", "The cross spacing"), settings.crossSpacing);
     if (problem.isEmpty())
-        problem = Settings::RangeProblem(QStringLiteral("The margin"), settings.margin, 10000.0);
+        problem = Settings::RangeProblem(
+            QCoreApplication::translate("ZrSurveyPattern", "The margin"), settings.margin, 10000.0);
     if (problem.isEmpty())
-        problem = Settings::RangeProblem(QStringLiteral("The smallest length"), settings.minLength, 1e6);
+        problem = Settings::RangeProblem(
+            QCoreApplication::translate("ZrSurveyPattern", "The smallest length"), settings.minLength, 1e6);
     if (!problem.isEmpty())
         return problem;
     if (settings.ends != Settings::Cover && settings.ends != Settings::Edge)
-        return QStringLiteral("There is no kind of line ends %1.").arg(static_cast<int>(settings.ends));
+        return QCoreApplication::translate("ZrSurveyPattern", "There is no kind of line ends %1.")
+            .arg(static_cast<int>(settings.ends));
     if (std::isinf(settings.heading))
-        return QStringLiteral("The heading must be a number of degrees.");
+        return QCoreApplication::translate("ZrSurveyPattern", "The heading must be a number of degrees.");
     return {};
 }
 
@@ -213,7 +222,8 @@ QString ZrSurveyPattern::Planned(const ZrArea& area, const ZrSurveyPatternSettin
         return TooManyLines();
     const int leftOut = along.leftOut + across.leftOut;
     if (along.lanes.empty() || (settings.crossSpacing > 0.0 && across.lanes.empty()))
-        return QStringLiteral("Within the margin of %1 m no line is %2 m long.")
+        return QCoreApplication::translate(
+            "ZrSurveyPattern", "Within the margin of %1 m no line is %2 m long.")
             .arg(settings.margin)
             .arg(std::max(shortest, settings.minLength));
 
@@ -224,7 +234,8 @@ QString ZrSurveyPattern::Planned(const ZrArea& area, const ZrSurveyPatternSettin
     m_plan.heading = heading;
     if (leftOut > 0) {
         m_plan.findings.push_back({ZrSurveyFinding::PiecesLeftOut, 0,
-            QStringLiteral("%1 pieces of lines shorter than %2 m are left out.")
+            QCoreApplication::translate(
+                "ZrSurveyPattern", "%1 pieces of lines shorter than %2 m are left out.")
                 .arg(leftOut)
                 .arg(settings.minLength)});
     }

@@ -2,6 +2,8 @@
 
 #include "ZrUtil/ZrUtil.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -105,38 +107,45 @@ QString ZrSurveyRing::Problem(const ZrArea& area, const ZrLocalFrame& frame)
 {
     constexpr double northmost = 89.0;
     if (area.ring.size() > maxCorners)
-        return QStringLiteral("The area has %1 corners, more than %2.").arg(area.ring.size()).arg(maxCorners);
+        return QCoreApplication::translate("ZrSurveyRing", "The area has %1 corners, more than %2.")
+            .arg(area.ring.size())
+            .arg(maxCorners);
     for (std::size_t i = 0; i < area.ring.size(); ++i) {
         const ZrGeoPoint corner = area.ring[i];
         if (!corner.IsValid())
-            return QStringLiteral("Corner %1 of the area is no position on the earth.").arg(i + 1);
+            return QCoreApplication::translate(
+                "ZrSurveyRing", "Corner %1 of the area is no position on the earth.")
+                .arg(i + 1);
         if (std::fabs(corner.lat) > northmost)
-            return QStringLiteral("Corner %1 of the area lies beyond %2 degrees of latitude.")
+            return QCoreApplication::translate(
+                "ZrSurveyRing", "Corner %1 of the area lies beyond %2 degrees of latitude.")
                 .arg(i + 1)
                 .arg(northmost);
     }
     for (std::size_t i = 0; i < area.ring.size(); ++i) {
         if (!IsWithin(frame, area.ring[i]))
-            return QStringLiteral("The area is too large: corner %1 lies more than 100 km, or 15 degrees of "
-                                  "longitude, from its middle.")
+            return QCoreApplication::translate("ZrSurveyRing",
+                "The area is too large: corner %1 lies more than 100 km, or 15 degrees of "
+                "longitude, from its middle.")
                 .arg(i + 1);
     }
     const std::vector<ZrLocalPoint> corners = Corners(area, frame);
     if (corners.size() < 3)
-        return QStringLiteral("The area has fewer than three corners.");
+        return QCoreApplication::translate("ZrSurveyRing", "The area has fewer than three corners.");
     // A parallel is no straight line, but what lies on it is no area either.
     std::vector<ZrLocalPoint> degrees;
     for (const ZrGeoPoint& corner : area.ring)
         degrees.push_back({std::remainder(corner.lng - frame.Origin().lng, 360.0), corner.lat});
     if (OnOneLine(corners, flat) || OnOneLine(degrees, flatDegrees))
-        return QStringLiteral("The corners of the area lie on one line.");
+        return QCoreApplication::translate("ZrSurveyRing", "The corners of the area lie on one line.");
     const auto [first, second] = MeetingEdges(corners);
     if (first != second) {
         const auto place = [&](std::size_t i) {
             const ZrGeoPoint at = frame.ToGeo(corners[i]);
             return QStringLiteral("%1, %2").arg(at.lat, 0, 'f', 6).arg(at.lng, 0, 'f', 6);
         };
-        return QStringLiteral("The edges of the area that begin at %1 and at %2 cross or touch each other.")
+        return QCoreApplication::translate(
+            "ZrSurveyRing", "The edges of the area that begin at %1 and at %2 cross or touch each other.")
             .arg(place(first), place(second));
     }
     return {};

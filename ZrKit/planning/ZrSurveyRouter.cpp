@@ -3,6 +3,8 @@
 #include "ZrKit/planning/ZrSurveyOrder.h"
 #include "ZrKit/planning/ZrSurveyTurn.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -129,7 +131,9 @@ void ZrSurveyRouter::RunPiece(const std::vector<ZrLocalPoint>& points, ZrSurveyL
             = taken + tangent <= Distance(run[i - 1], run[i]) && tangent <= Distance(run[i], run[i + 1]);
         if (!fits) {
             AddFinding(ZrSurveyFinding::BendTooTight, index,
-                QStringLiteral("Bend %1 has no room for a turn of %2 m.").arg(bend).arg(radius));
+                QCoreApplication::translate("ZrSurveyRouter", "Bend %1 has no room for a turn of %2 m.")
+                    .arg(bend)
+                    .arg(radius));
         }
         taken = fits ? tangent : 0.0;
         AddWaypoint(run[i], ZrSurveyWaypoint::LineBend, index, fits ? radius : 0.0, bend);
@@ -155,13 +159,17 @@ void ZrSurveyRouter::AddTurn(const ZrSurveyPose& to, std::size_t behind)
         if (!loops)
             turn.corners.clear();
         AddFinding(ZrSurveyFinding::LoopTurn, behind,
-            QStringLiteral("The line behind %1 is closer than two turn radii of %2 m: %3")
+            QCoreApplication::translate(
+                "ZrSurveyRouter", "The line behind %1 is closer than two turn radii of %2 m: %3")
                 .arg(name)
                 .arg(radius)
-                .arg(loops ? QStringLiteral("a loop leads to it.") : QStringLiteral("no turn leads to it.")));
+                .arg(loops ? QCoreApplication::translate("ZrSurveyRouter", "a loop leads to it.")
+                           : QCoreApplication::translate("ZrSurveyRouter", "no turn leads to it.")));
     } else if (turn.kind == ZrSurveyTurn::TooTight) {
         AddFinding(ZrSurveyFinding::TurnTooTight, behind,
-            QStringLiteral("No turn of %1 m leads from %2 to the next line.").arg(radius).arg(name));
+            QCoreApplication::translate("ZrSurveyRouter", "No turn of %1 m leads from %2 to the next line.")
+                .arg(radius)
+                .arg(name));
     }
     int number = 1;
     for (const ZrLocalPoint corner : turn.corners) {

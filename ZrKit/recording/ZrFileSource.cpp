@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrFileSource.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <cmath>
@@ -34,7 +35,8 @@ QString ZrFileSource::Name() const
 bool ZrFileSource::Start(QString* error)
 {
     if (!m_file.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("Cannot read %1: %2").arg(m_file.fileName(), m_file.errorString());
+        *error = QCoreApplication::translate("ZrFileSource", "Cannot read %1: %2")
+                     .arg(m_file.fileName(), m_file.errorString());
         return false;
     }
     m_clock.start();

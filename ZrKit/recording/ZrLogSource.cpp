@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrLogItem.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 #include <QtEndian>
 
@@ -51,11 +52,12 @@ QString ZrLogSource::Name() const
 bool ZrLogSource::Start(QString* error)
 {
     if (!m_headers.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("Cannot read %1: %2").arg(m_path, m_headers.errorString());
+        *error = QCoreApplication::translate("ZrLogSource", "Cannot read %1: %2")
+                     .arg(m_path, m_headers.errorString());
         return false;
     }
     if (!m_player.OpenFile(m_path)) {
-        *error = QStringLiteral("%1 is no data log").arg(m_path);
+        *error = QCoreApplication::translate("ZrLogSource", "%1 is no data log").arg(m_path);
         return false;
     }
     m_clock.start();
@@ -113,10 +115,14 @@ void ZrLogSource::OnDue()
     for (int delivered = 0; delivered < burst; ++delivered) {
         if (!NextItem()) {
             if (!m_player.file.isOpen())
-                Q_EMIT Trouble(QStringLiteral("%1 is damaged and cannot be read further").arg(m_path));
+                Q_EMIT Trouble(
+                    QCoreApplication::translate("ZrLogSource", "%1 is damaged and cannot be read further")
+                        .arg(m_path));
             if (m_damaged > 0)
                 Q_EMIT Trouble(
-                    QStringLiteral("%1: %2 damaged items were left out").arg(m_path).arg(m_damaged));
+                    QCoreApplication::translate("ZrLogSource", "%1: %2 damaged items were left out")
+                        .arg(m_path)
+                        .arg(m_damaged));
             Q_EMIT Finished();
             return;
         }

@@ -4,6 +4,7 @@
 #include "ZrUtil/ZrLogItem.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -53,7 +54,7 @@ bool ZrLogWriter::Private::IsReady()
 {
     if (failed)
         return false;
-    return file || Fail(QStringLiteral("No log is open for writing."));
+    return file || Fail(QCoreApplication::translate("ZrLogWriter", "No log is open for writing."));
 }
 
 bool ZrLogWriter::Private::WriteOut(zr::span<u8> data)
@@ -64,7 +65,8 @@ bool ZrLogWriter::Private::WriteOut(zr::span<u8> data)
         const qint64 count = file->write(
             reinterpret_cast<const char*>(data.data() + written), static_cast<qint64>(data.size() - written));
         if (count <= 0)
-            return FailForGood(QStringLiteral("Cannot write %1: %2.").arg(path, file->errorString()));
+            return FailForGood(QCoreApplication::translate("ZrLogWriter", "Cannot write %1: %2.")
+                                   .arg(path, file->errorString()));
         written += static_cast<std::size_t>(count);
     }
     return true;
@@ -110,11 +112,13 @@ bool ZrLogWriter::Open(const QString& path, double created)
     d->path = path;
     // Replacing what a link points to, or the link, would both surprise somebody.
     if (QFileInfo(path).isSymLink())
-        return d->FailForGood(QStringLiteral("Cannot create %1: it is a symbolic link.").arg(path));
+        return d->FailForGood(
+            QCoreApplication::translate("ZrLogWriter", "Cannot create %1: it is a symbolic link.").arg(path));
     auto file = std::make_unique<QSaveFile>(path);
     // Blocks are gathered here; a second buffer would only copy them once more.
     if (!file->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return d->FailForGood(QStringLiteral("Cannot create %1: %2.").arg(path, file->errorString()));
+        return d->FailForGood(QCoreApplication::translate("ZrLogWriter", "Cannot create %1: %2.")
+                                  .arg(path, file->errorString()));
     d->file = std::move(file);
     d->block.reserve(blockSize);
 
@@ -131,7 +135,8 @@ bool ZrLogWriter::Write(
     if (!d->IsReady())
         return false;
     if (payload.size() > (compress ? MaxCompressed : MaxPayload)) {
-        return d->Fail(QStringLiteral("A payload of %1 bytes is too large for an item of %2.")
+        return d->Fail(QCoreApplication::translate(
+            "ZrLogWriter", "A payload of %1 bytes is too large for an item of %2.")
                            .arg(payload.size())
                            .arg(d->path));
     }
@@ -148,7 +153,9 @@ bool ZrLogWriter::Write(
     if (compress) {
         packed = qCompress(payload.data(), static_cast<int>(payload.size()), 1);
         if (packed.isEmpty())
-            return d->Fail(QStringLiteral("A payload for %1 cannot be compressed.").arg(d->path));
+            return d->Fail(
+                QCoreApplication::translate("ZrLogWriter", "A payload for %1 cannot be compressed.")
+                    .arg(d->path));
         payload = zr::bytes_of(packed);
     }
     item.storedSize = static_cast<u32>(payload.size());
@@ -161,12 +168,18 @@ bool ZrLogWriter::WriteRaw(zr::span<u8> headerAndPayload)
     if (!d->IsReady())
         return false;
     if (headerAndPayload.size() < ZrLogItem::Size)
-        return d->Fail(QStringLiteral("The item for %1 is shorter than its header.").arg(d->path));
+        return d->Fail(
+            QCoreApplication::translate("ZrLogWriter", "The item for %1 is shorter than its header.")
+                .arg(d->path));
     const ZrLogItem item = ZrLogItem::Decode(headerAndPayload.data());
     if (item.magic != ZrLogItem::Magic || item.headerSize != ZrLogItem::Size)
-        return d->Fail(QStringLiteral("The item for %1 does not begin with a header.").arg(d->path));
+        return d->Fail(
+            QCoreApplication::translate("ZrLogWriter", "The item for %1 does not begin with a header.")
+                .arg(d->path));
     if (item.storedSize != headerAndPayload.size() - ZrLogItem::Size)
-        return d->Fail(QStringLiteral("The item for %1 is not as long as its header says.").arg(d->path));
+        return d->Fail(
+            QCoreApplication::translate("ZrLogWriter", "The item for %1 is not as long as its header says.")
+                .arg(d->path));
     return d->PutItem(headerAndPayload, zr::span<u8>());
 }
 
@@ -175,7 +188,8 @@ bool ZrLogWriter::Commit()
     if (!d->IsReady() || !d->Flush())
         return false;
     if (!d->file->commit())
-        return d->FailForGood(QStringLiteral("Cannot replace %1: %2.").arg(d->path, d->file->errorString()));
+        return d->FailForGood(QCoreApplication::translate("ZrLogWriter", "Cannot replace %1: %2.")
+                                  .arg(d->path, d->file->errorString()));
     d->file.reset();
     return true;
 }

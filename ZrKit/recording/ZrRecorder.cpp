@@ -5,6 +5,7 @@
 #include "ZrUtil/ZrLogEvt.h"
 #include "ZrUtil/ZrLogItem.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QTimer>
@@ -61,7 +62,7 @@ bool ZrRecorder::Start(QString* error)
     m_logger.Decorate(m_options.prefix, QStringLiteral(".log"));
     const qint64 freeBytes = m_options.freeSpace();
     if (freeBytes >= 0 && freeBytes < m_options.stopBelow) {
-        *error = QStringLiteral("Only %1 free in %2; recording needs at least %3")
+        *error = QCoreApplication::translate("ZrRecorder", "Only %1 free in %2; recording needs at least %3")
                      .arg(ZrLogger::SpaceStr(static_cast<u64>(freeBytes)), m_options.dir,
                          ZrLogger::SpaceStr(static_cast<u64>(m_options.stopBelow)));
         return false;
@@ -74,7 +75,7 @@ bool ZrRecorder::Start(QString* error)
     m_doneItems = m_doneBytes = 0;
     m_started = m_options.clock();
     if (!OpenPart()) {
-        *error = QStringLiteral("Cannot create a log: %1").arg(m_logger.CurFile());
+        *error = QCoreApplication::translate("ZrRecorder", "Cannot create a log: %1").arg(m_logger.CurFile());
         return false;
     }
     m_lastTick = 0.0;
@@ -127,7 +128,8 @@ bool ZrRecorder::MakeRoom(u64 bytes)
     m_status.items = Items();
     m_status.bytes = Bytes();
     m_status.seconds = Elapsed();
-    Q_EMIT Failed(QStringLiteral("Recording stopped: cannot create %1").arg(m_logger.CurFile()));
+    Q_EMIT Failed(QCoreApplication::translate("ZrRecorder", "Recording stopped: cannot create %1")
+                      .arg(m_logger.CurFile()));
     return false;
 }
 
@@ -281,7 +283,8 @@ void ZrRecorder::CheckDisk()
 {
     m_bytesAtCheck = Bytes();
     if (m_logger.WriteErrors() > 0) {
-        Fail(QStringLiteral("Recording stopped: the disk does not take any more data (%1)")
+        Fail(QCoreApplication::translate(
+            "ZrRecorder", "Recording stopped: the disk does not take any more data (%1)")
                  .arg(m_status.file));
         return;
     }
@@ -290,12 +293,13 @@ void ZrRecorder::CheckDisk()
         return;
     const QString freeText = ZrLogger::SpaceStr(static_cast<u64>(m_status.freeBytes));
     if (m_status.freeBytes < m_options.stopBelow) {
-        Fail(QStringLiteral("Recording stopped before the disk is full: %1 free in %2")
+        Fail(QCoreApplication::translate(
+            "ZrRecorder", "Recording stopped before the disk is full: %1 free in %2")
                  .arg(freeText, m_options.dir));
     } else if (m_status.freeBytes < m_options.warnBelow && !m_warned) {
         m_warned = true;
-        Q_EMIT Warning(
-            QStringLiteral("The disk is getting full: %1 free in %2").arg(freeText, m_options.dir));
+        Q_EMIT Warning(QCoreApplication::translate("ZrRecorder", "The disk is getting full: %1 free in %2")
+                           .arg(freeText, m_options.dir));
     }
 }
 

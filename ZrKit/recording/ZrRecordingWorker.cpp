@@ -3,6 +3,7 @@
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrUtil/ZrLogEvt.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -99,7 +100,7 @@ void ZrRecordingWorker::Close()
 void ZrRecordingWorker::Start(const ZrRecorder::Options& options)
 {
     if (m_recorder && m_recorder->IsRecording()) {
-        Q_EMIT StartFailed(QStringLiteral("A recording is going on"));
+        Q_EMIT StartFailed(QCoreApplication::translate("ZrRecordingWorker", "A recording is going on"));
         return;
     }
     m_recorder = std::make_unique<ZrRecorder>(options, nullptr);

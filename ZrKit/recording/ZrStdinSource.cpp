@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrStdinSource.h"
 
+#include <QCoreApplication>
 #include <QSocketNotifier>
 
 #ifndef Q_OS_WIN
@@ -14,14 +15,15 @@ ZrStdinSource::ZrStdinSource(QObject* parent)
 
 QString ZrStdinSource::Name() const
 {
-    return QStringLiteral("standard input");
+    return QCoreApplication::translate("ZrStdinSource", "standard input");
 }
 
 #ifdef Q_OS_WIN
 
 bool ZrStdinSource::Start(QString* error)
 {
-    *error = QStringLiteral("Recording from the standard input is not available on this system");
+    *error = QCoreApplication::translate(
+        "ZrStdinSource", "Recording from the standard input is not available on this system");
     return false;
 }
 

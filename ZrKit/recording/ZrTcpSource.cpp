@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrTcpSource.h"
 
+#include <QCoreApplication>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -51,7 +52,8 @@ void ZrTcpSource::OnLost()
         return;
     FeedEnd();
     if (!m_troubleTold)
-        Q_EMIT Trouble(QStringLiteral("%1: %2; trying again").arg(Name(), m_socket->errorString()));
+        Q_EMIT Trouble(QCoreApplication::translate("ZrTcpSource", "%1: %2; trying again")
+                           .arg(Name(), m_socket->errorString()));
     m_troubleTold = true;
     m_retry->start();
 }

@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrUdpSource.h"
 
+#include <QCoreApplication>
 #include <QNetworkDatagram>
 #include <QUdpSocket>
 
@@ -12,7 +13,7 @@ ZrUdpSource::ZrUdpSource(u16 port, QObject* parent)
 
 QString ZrUdpSource::Name() const
 {
-    return QStringLiteral("UDP port %1").arg(Port());
+    return QCoreApplication::translate("ZrUdpSource", "UDP port %1").arg(Port());
 }
 
 u16 ZrUdpSource::Port() const
@@ -23,7 +24,9 @@ u16 ZrUdpSource::Port() const
 bool ZrUdpSource::Start(QString* error)
 {
     if (!m_socket->bind(QHostAddress::Any, m_port)) {
-        *error = QStringLiteral("Cannot listen on UDP port %1: %2").arg(m_port).arg(m_socket->errorString());
+        *error = QCoreApplication::translate("ZrUdpSource", "Cannot listen on UDP port %1: %2")
+                     .arg(m_port)
+                     .arg(m_socket->errorString());
         return false;
     }
     connect(m_socket, &QUdpSocket::readyRead, this, &ZrUdpSource::OnReadable);

@@ -1,5 +1,7 @@
 #include "ZrKit/records/ZrNmeaSentence.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -64,12 +66,14 @@ bool TakeChecksum(QByteArray& body, bool& hasChecksum, QString* error)
     const int high = digits.size() == 2 ? HexDigit(digits[0]) : -1;
     const int low = digits.size() == 2 ? HexDigit(digits[1]) : -1;
     if (high < 0 || low < 0)
-        return Fail(error, QStringLiteral("The checksum is not two hexadecimal digits."));
+        return Fail(error,
+            QCoreApplication::translate("ZrNmeaSentence", "The checksum is not two hexadecimal digits."));
     const auto told = static_cast<unsigned char>(high * 16 + low);
     const unsigned char sum = ZrNmeaSentence::Checksum(body);
     if (told != sum)
         return Fail(error,
-            QStringLiteral("The checksum says %1, the sentence has %2.").arg(HexByte(told), HexByte(sum)));
+            QCoreApplication::translate("ZrNmeaSentence", "The checksum says %1, the sentence has %2.")
+                .arg(HexByte(told), HexByte(sum)));
     return true;
 }
 
@@ -104,13 +108,18 @@ bool ZrNmeaSentence::Parse(const QByteArray& line, ZrNmeaSentence& out, QString*
 {
     QByteArray text = line.trimmed();
     if (text.size() > MaxLength)
-        return Fail(error, QStringLiteral("The line is longer than %1 characters.").arg(MaxLength));
+        return Fail(error,
+            QCoreApplication::translate("ZrNmeaSentence", "The line is longer than %1 characters.")
+                .arg(MaxLength));
     if (!std::all_of(text.begin(), text.end(), IsPrintable))
-        return Fail(error, QStringLiteral("The line holds bytes that are not printable ASCII."));
+        return Fail(error,
+            QCoreApplication::translate(
+                "ZrNmeaSentence", "The line holds bytes that are not printable ASCII."));
     if (!StripTagBlocks(text))
-        return Fail(error, QStringLiteral("The tag block has no end."));
+        return Fail(error, QCoreApplication::translate("ZrNmeaSentence", "The tag block has no end."));
     if (!text.startsWith('$') && !text.startsWith('!'))
-        return Fail(error, QStringLiteral("The line does not begin with '$' or '!'."));
+        return Fail(
+            error, QCoreApplication::translate("ZrNmeaSentence", "The line does not begin with '$' or '!'."));
 
     ZrNmeaSentence sentence;
     sentence.encapsulated = text.startsWith('!');
@@ -119,7 +128,8 @@ bool ZrNmeaSentence::Parse(const QByteArray& line, ZrNmeaSentence& out, QString*
         return false;
     sentence.fields = body.split(',');
     if (!TakeAddress(sentence.fields.takeFirst(), sentence))
-        return Fail(error, QStringLiteral("The sentence has no talker and formatter."));
+        return Fail(error,
+            QCoreApplication::translate("ZrNmeaSentence", "The sentence has no talker and formatter."));
     out = sentence;
     return true;
 }

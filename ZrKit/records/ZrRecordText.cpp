@@ -8,6 +8,7 @@
 #include "ZrKit/records/ZrPingRecord.h"
 #include "ZrKit/records/ZrVehicleRecord.h"
 
+#include <QCoreApplication>
 #include <QDataStream>
 #include <QDateTime>
 #include <QUuid>
@@ -334,17 +335,23 @@ std::vector<ZrRecordField> zr::record_fields(const ZrLogItemInf& inf, zr::span<u
 {
     const Reader* reader = FindReader(inf);
     if (!reader) {
-        return Fail(
-            error, QStringLiteral("Record type %1, sub-type %2 is not known.").arg(inf.type).arg(inf.sub));
+        return Fail(error,
+            QCoreApplication::translate("ZrRecordText", "Record type %1, sub-type %2 is not known.")
+                .arg(inf.type)
+                .arg(inf.sub));
     }
     const QString name = rec_type_name(inf);
     if (reader->format != anyFormat && reader->format != inf.format)
-        return Fail(
-            error, QStringLiteral("Format %1 of a %2 record is not known.").arg(inf.format).arg(name));
+        return Fail(error,
+            QCoreApplication::translate("ZrRecordText", "Format %1 of a %2 record is not known.")
+                .arg(inf.format)
+                .arg(name));
     FieldList list;
     if (payload.size() > maxPayload || !reader->read(payload, list)) {
         return Fail(error,
-            QStringLiteral("A payload of %1 bytes is no whole %2 record.").arg(payload.size()).arg(name));
+            QCoreApplication::translate("ZrRecordText", "A payload of %1 bytes is no whole %2 record.")
+                .arg(payload.size())
+                .arg(name));
     }
     return list.fields;
 }

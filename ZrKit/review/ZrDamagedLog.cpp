@@ -3,6 +3,7 @@
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrUtil/ZrEndian.h"
 
+#include <QCoreApplication>
 #include <QtEndian>
 
 #include <algorithm>
@@ -85,9 +86,10 @@ bool ZrDamagedLog::Fill(std::vector<u8>& block, u64& blockPos, u64 pos, u64 coun
     block.resize(static_cast<std::size_t>(std::max<qint64>(got, 0)));
     if (block.size() >= count)
         return true;
-    m_error = QStringLiteral("Cannot read at byte %1: %2")
+    m_error = QCoreApplication::translate("ZrDamagedLog", "Cannot read at byte %1: %2")
                   .arg(pos)
-                  .arg(got < 0 ? m_file.errorString() : QStringLiteral("the file has become shorter"));
+                  .arg(got < 0 ? m_file.errorString()
+                               : QCoreApplication::translate("ZrDamagedLog", "the file has become shorter"));
     return false;
 }
 
@@ -125,7 +127,9 @@ bool ZrDamagedLog::Read(u64 pos, u8* out, u64 count)
             == static_cast<qint64>(count))
         return true;
     if (m_error.isEmpty())
-        m_error = QStringLiteral("Cannot read at byte %1: %2").arg(pos).arg(m_file.errorString());
+        m_error = QCoreApplication::translate("ZrDamagedLog", "Cannot read at byte %1: %2")
+                      .arg(pos)
+                      .arg(m_file.errorString());
     return false;
 }
 

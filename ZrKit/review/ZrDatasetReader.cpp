@@ -6,6 +6,7 @@
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrXmlStore.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -56,7 +57,8 @@ ZrDatasetReader::eResult ZrDatasetReader::Read(const QString& logPath, ZrDataset
 
     ZrEventFile events;
     events.Read(logPath);
-    m_reason = rebuild ? QStringLiteral("it was asked for") : WhyOutdated(logPath, dataset, events);
+    m_reason = rebuild ? QCoreApplication::translate("ZrDatasetReader", "it was asked for")
+                       : WhyOutdated(logPath, dataset, events);
     eResult result = cancel ? Cancelled : FromIndex;
     if (!cancel && !m_reason.isEmpty())
         result = Scan(logPath, dataset);
@@ -85,23 +87,25 @@ QString ZrDatasetReader::WhyOutdated(const QString& logPath, ZrDataset& dataset,
 {
     ZrIndexStamp stamp;
     if (!QFileInfo::exists(ZrIndexStamp::IndexPathOf(logPath)))
-        return QStringLiteral("there is no index yet");
+        return QCoreApplication::translate("ZrDatasetReader", "there is no index yet");
     if (!stamp.Read(logPath))
-        return QStringLiteral("the index does not say which log it was made from");
+        return QCoreApplication::translate(
+            "ZrDatasetReader", "the index does not say which log it was made from");
     if (!stamp.IsOf(logPath))
-        return QStringLiteral("the log has changed since the index was made");
+        return QCoreApplication::translate("ZrDatasetReader", "the log has changed since the index was made");
     if (stamp.filler != ZrIndexStamp::FillerOf(dataset))
-        return QStringLiteral("the index was made by another program");
+        return QCoreApplication::translate("ZrDatasetReader", "the index was made by another program");
     if (events.State() == ZrEventFile::Damaged)
-        return QStringLiteral("the event file is damaged");
+        return QCoreApplication::translate("ZrDatasetReader", "the event file is damaged");
     if (events.State() == ZrEventFile::Missing && stamp.logEvents > 0)
-        return QStringLiteral("the event file is missing");
+        return QCoreApplication::translate("ZrDatasetReader", "the event file is missing");
     if (!dataset.ReadIndex(logPath))
-        return QStringLiteral("the index is damaged or of other record types");
+        return QCoreApplication::translate(
+            "ZrDatasetReader", "the index is damaged or of other record types");
     if (stamp.records != dataset.recs.size() || stamp.tableDigest != ZrIndexStamp::DigestOfTable(dataset)
         || !PointsAtItems(logPath, dataset)) {
         dataset.recs.clear();
-        return QStringLiteral("the index does not fit the log");
+        return QCoreApplication::translate("ZrDatasetReader", "the index does not fit the log");
     }
     m_stamp = stamp;
     return QString();
@@ -125,7 +129,8 @@ ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset
         all = sound && TakeItems(scan, payloads, dataset);
     } catch (const std::bad_alloc&) {
         m_stamp.complete = false;
-        m_stamp.error = QStringLiteral("There is not enough memory for the dataset");
+        m_stamp.error
+            = QCoreApplication::translate("ZrDatasetReader", "There is not enough memory for the dataset");
         m_stamp.errorPos = scan.Pos();
         return Unreadable;
     }
@@ -152,7 +157,7 @@ bool ZrDatasetReader::TakeItems(ZrLogScan& scan, QFile& payloads, ZrDataset& dat
     while (!cancel && scan.Next(item, pos)) {
         if (TakeItem(item, pos, payloads, dataset))
             continue;
-        m_stamp.error = QStringLiteral("Unable to read item payload");
+        m_stamp.error = QCoreApplication::translate("ZrDatasetReader", "Unable to read item payload");
         m_stamp.errorPos = pos;
         return false;
     }
@@ -259,7 +264,7 @@ void ZrDatasetReader::WriteTable(const QString& logPath, const ZrDataset& datase
     const qint64 size = headerSize + static_cast<qint64>(dataset.recs.size() * sizeof(ZrLogRec));
     QString error;
     if (QFileInfo(written).size() != size)
-        Note(index + QStringLiteral(": The index could not be written"));
+        Note(index + QCoreApplication::translate("ZrDatasetReader", ": The index could not be written"));
     else if (!Replace(written, index))
         Note(index + QLatin1String(": ") + QString::fromLocal8Bit(std::strerror(errno)));
     else if (!m_stamp.Write(logPath, &error))
@@ -276,5 +281,5 @@ void ZrDatasetReader::WritePlan(const QString& logPath)
     if (store.IsEmpty() || store.Save(path))
         return;
     QFile::remove(path);
-    Note(path + QStringLiteral(": The mission plan could not be written"));
+    Note(path + QCoreApplication::translate("ZrDatasetReader", ": The mission plan could not be written"));
 }

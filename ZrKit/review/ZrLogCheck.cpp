@@ -4,6 +4,8 @@
 #include "ZrKit/records/ZrRecordText.h"
 #include "ZrKit/review/ZrUnpack.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 #include <limits>
 
@@ -15,7 +17,7 @@ constexpr u64 nowhere = ~u64{0};
 QString ContentProblem(const ZrLogRecovery::Kept& item)
 {
     if (!std::isfinite(item.header.time))
-        return QStringLiteral("the time of the item is no number");
+        return QCoreApplication::translate("ZrLogCheck", "the time of the item is no number");
     const bool known = !zr::rec_type_name(item.header.RecType()).isEmpty();
     if (!known && item.header.compressed == 0)
         return QString();
@@ -52,7 +54,7 @@ void ZrLogCheck::TakeItem(const ZrLogRecovery::Kept& item)
     if (item.pos == m_lastProblem)
         return;
     const QString problem = item.repaired
-        ? QStringLiteral("its writer was interrupted; the item can be completed")
+        ? QCoreApplication::translate("ZrLogCheck", "its writer was interrupted; the item can be completed")
         : ContentProblem(item);
     if (!problem.isEmpty())
         Add(item.pos, ZrLogItem::Size + item.payload.size(), problem);
@@ -79,10 +81,11 @@ bool ZrLogCheck::Run(const QString& path)
         // Says all that the ranges say.
         m_problems.clear();
         m_count = 0;
-        Add(0, m_recovery.Report().sourceBytes, QStringLiteral("neither a log header nor an item"));
+        Add(0, m_recovery.Report().sourceBytes,
+            QCoreApplication::translate("ZrLogCheck", "neither a log header nor an item"));
         return true;
     case ZrLogRecovery::Cancelled:
-        m_error = QStringLiteral("The check was cancelled.");
+        m_error = QCoreApplication::translate("ZrLogCheck", "The check was cancelled.");
         return false;
     default:
         m_error = m_recovery.Error();

@@ -6,6 +6,7 @@
 #include "ZrUtil/IZrProgress.h"
 #include "ZrUtil/ZrSameFile.h"
 
+#include <QCoreApplication>
 #include <QtEndian>
 
 #include <algorithm>
@@ -370,9 +371,11 @@ bool ZrLogRecovery::Run(const QString& in, const QString& out)
 {
     m_report = Result();
     if (zr::is_same_file(in, out))
-        return Fail(Refused, QStringLiteral("%1 and %2 are the same file.").arg(in, out));
+        return Fail(Refused,
+            QCoreApplication::translate("ZrLogRecovery", "%1 and %2 are the same file.").arg(in, out));
     if (!zr::is_possible_path(out))
-        return Fail(NotWritten, QStringLiteral("There is no name to write the new log to."));
+        return Fail(NotWritten,
+            QCoreApplication::translate("ZrLogRecovery", "There is no name to write the new log to."));
     return Process(in, out);
 }
 
@@ -388,7 +391,8 @@ bool ZrLogRecovery::Process(const QString& in, const QString& out)
     m_report = Result();
     Private run(*this, out);
     if (!run.log.Open(in))
-        return Fail(Unreadable, QStringLiteral("Cannot read %1: %2.").arg(in, run.log.Error()));
+        return Fail(Unreadable,
+            QCoreApplication::translate("ZrLogRecovery", "Cannot read %1: %2.").arg(in, run.log.Error()));
     m_report.sourceBytes = run.log.Size();
 
     bool goesOn = run.Start();
@@ -398,11 +402,14 @@ bool ZrLogRecovery::Process(const QString& in, const QString& out)
         goesOn = !run.log.Stopped() && !run.writeFailed;
     }
     if (!run.log.Error().isEmpty())
-        return Fail(Unreadable, QStringLiteral("Cannot read %1: %2.").arg(in, run.log.Error()));
+        return Fail(Unreadable,
+            QCoreApplication::translate("ZrLogRecovery", "Cannot read %1: %2.").arg(in, run.log.Error()));
     if (cancel)
-        return Fail(Cancelled, QStringLiteral("The recovery was cancelled."));
+        return Fail(Cancelled, QCoreApplication::translate("ZrLogRecovery", "The recovery was cancelled."));
     if (!run.writeFailed && !run.open)
-        return Fail(NothingFound, QStringLiteral("%1 holds neither a log header nor an item.").arg(in));
+        return Fail(NothingFound,
+            QCoreApplication::translate("ZrLogRecovery", "%1 holds neither a log header nor an item.")
+                .arg(in));
     if (run.writeFailed || (!out.isEmpty() && !run.out.Commit()))
         return Fail(NotWritten, run.out.Error());
     run.ReportProgress();
@@ -414,23 +421,24 @@ QString ZrLogRecovery::ReasonText(eReason reason)
 {
     switch (reason) {
     case BrokenFileHeader:
-        return QStringLiteral("no file header");
+        return QCoreApplication::translate("ZrLogRecovery", "no file header");
     case InnerFileHeader:
-        return QStringLiteral("a file header between items");
+        return QCoreApplication::translate("ZrLogRecovery", "a file header between items");
     case BrokenHeader:
-        return QStringLiteral("no item header");
+        return QCoreApplication::translate("ZrLogRecovery", "no item header");
     case CutOff:
-        return QStringLiteral("the file ends within the item");
+        return QCoreApplication::translate("ZrLogRecovery", "the file ends within the item");
     case MissingBytes:
-        return QStringLiteral("bytes of the item are missing");
+        return QCoreApplication::translate("ZrLogRecovery", "bytes of the item are missing");
     case BrokenPayload:
-        return QStringLiteral("the compressed payload is damaged");
+        return QCoreApplication::translate("ZrLogRecovery", "the compressed payload is damaged");
     case Hole:
-        return QStringLiteral("the item ends in a zeroed sector");
+        return QCoreApplication::translate("ZrLogRecovery", "the item ends in a zeroed sector");
     case LostPlaceholder:
-        return QStringLiteral("the payload of an interrupted item cannot be used");
+        return QCoreApplication::translate(
+            "ZrLogRecovery", "the payload of an interrupted item cannot be used");
     case DoubtfulEnd:
-        return QStringLiteral("something unknown follows the item");
+        return QCoreApplication::translate("ZrLogRecovery", "something unknown follows the item");
     }
     return QString();
 }

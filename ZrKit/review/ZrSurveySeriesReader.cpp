@@ -9,6 +9,8 @@
 #include "ZrKit/review/ZrUnpack.h"
 #include "ZrUtil/ZrUtil.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 #include <deque>
 #include <limits>
@@ -250,7 +252,9 @@ bool ZrSurveySeriesReader::Read(const QString& logPath, ZrSurveySeries& series)
         while (!cancel && scan.Next(item, pos))
             m_skipped += TakeAny(scan, item, rows) ? 0 : 1;
     } catch (const std::bad_alloc&) {
-        return Fail(QStringLiteral("There is not enough memory for the log"), series);
+        return Fail(
+            QCoreApplication::translate("ZrSurveySeriesReader", "There is not enough memory for the log"),
+            series);
     }
     if (cancel)
         return Fail(QStringLiteral("Cancelled"), series);

@@ -1,5 +1,6 @@
 #include "ZrKit/review/ZrUnpack.h"
 
+#include <QCoreApplication>
 #include <QtEndian>
 
 #include <algorithm>
@@ -15,12 +16,14 @@ constexpr u64 largestArray = 0x7FFFFFFF;
 QString Implausible(const ZrLogItem& item, u64 announced, u64 storedSize)
 {
     if (announced != item.dataSize) {
-        return QStringLiteral("The compressed payload announces %1 bytes, the item header %2")
+        return QCoreApplication::translate(
+            "ZrUnpack", "The compressed payload announces %1 bytes, the item header %2")
             .arg(announced)
             .arg(item.dataSize);
     }
     if (announced > (storedSize - prefixSize) * bestRatio) {
-        return QStringLiteral("The compressed payload announces %1 bytes, more than its %2 bytes can hold")
+        return QCoreApplication::translate(
+            "ZrUnpack", "The compressed payload announces %1 bytes, more than its %2 bytes can hold")
             .arg(announced)
             .arg(storedSize);
     }
@@ -51,13 +54,14 @@ bool zr::unpack_payload(const ZrLogItem& item, zr::span<u8> stored, QByteArray* 
         return false;
     };
     if (stored.size() > largestArray || item.dataSize > largestArray)
-        return refuse(QStringLiteral("The payload is larger than 2 GiB"));
+        return refuse(QCoreApplication::translate("ZrUnpack", "The payload is larger than 2 GiB"));
     if (item.compressed == 0) {
         *data = zr::to_byte_array(stored);
         return true;
     }
     if (stored.size() < prefixSize)
-        return refuse(QStringLiteral("The compressed payload is shorter than its length field"));
+        return refuse(QCoreApplication::translate(
+            "ZrUnpack", "The compressed payload is shorter than its length field"));
     const u64 announced = qFromBigEndian<quint32>(stored.data());
     const QString reason = Implausible(item, announced, stored.size());
     if (!reason.isEmpty())
@@ -69,7 +73,7 @@ bool zr::unpack_payload(const ZrLogItem& item, zr::span<u8> stored, QByteArray* 
     }
     const QByteArray unpacked = qUncompress(stored.data(), static_cast<int>(stored.size()));
     if (static_cast<u64>(unpacked.size()) != announced)
-        return refuse(QStringLiteral("The compressed payload is damaged"));
+        return refuse(QCoreApplication::translate("ZrUnpack", "The compressed payload is damaged"));
     *data = unpacked;
     return true;
 }
@@ -81,11 +85,11 @@ bool zr::unpack_start(const ZrLogItem& item, zr::span<u8> start, u32 count, QByt
         return false;
     };
     if (item.storedSize > largestArray || item.dataSize > largestArray)
-        return refuse(QStringLiteral("The payload is larger than 2 GiB"));
+        return refuse(QCoreApplication::translate("ZrUnpack", "The payload is larger than 2 GiB"));
     const u32 wanted = std::min(count, item.compressed == 0 ? item.storedSize : item.dataSize);
     const std::size_t needed = item.compressed == 0 ? wanted : prefixSize;
     if (start.size() < needed || item.storedSize < needed)
-        return refuse(QStringLiteral("The start of the payload is too short"));
+        return refuse(QCoreApplication::translate("ZrUnpack", "The start of the payload is too short"));
     if (item.compressed == 0) {
         *data = zr::to_byte_array(start.subspan(0, wanted));
         return true;
@@ -96,7 +100,7 @@ bool zr::unpack_start(const ZrLogItem& item, zr::span<u8> start, u32 count, QByt
     QByteArray unpacked(static_cast<int>(wanted), Qt::Uninitialized);
     const zr::span<u8> stream = start.subspan(prefixSize, start.size() - prefixSize);
     if (InflateInto(stream, reinterpret_cast<u8*>(unpacked.data()), wanted) != wanted)
-        return refuse(QStringLiteral("The compressed payload is damaged"));
+        return refuse(QCoreApplication::translate("ZrUnpack", "The compressed payload is damaged"));
     *data = unpacked;
     return true;
 }

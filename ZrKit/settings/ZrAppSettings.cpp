@@ -3,6 +3,7 @@
 #include "ZrUtil/IPersistable.h"
 #include "ZrUtil/ZrSetApp.h"
 
+#include <QCoreApplication>
 #include <QJsonValue>
 #include <QStringList>
 
@@ -42,8 +43,9 @@ QString Listed(const QStringList& names)
 {
     constexpr int most = 5;
     const QString first = QStringList(names.mid(0, most)).join(QLatin1String(", "));
-    return names.size() <= most ? first
-                                : QStringLiteral("%1 and %2 more").arg(first).arg(names.size() - most);
+    return names.size() <= most
+        ? first
+        : QCoreApplication::translate("ZrAppSettings", "%1 and %2 more").arg(first).arg(names.size() - most);
 }
 
 } // namespace
@@ -60,8 +62,9 @@ bool ZrAppSettings::Load(zr::IPersistable& app)
     if (!m_file.Load(loaded.root)) {
         if (m_file.State() == ZrSettingsFile::Missing)
             return false; // the first start
-        m_message
-            = QStringLiteral("The settings cannot be read; these are the defaults. %1.").arg(m_file.Error());
+        m_message = QCoreApplication::translate(
+            "ZrAppSettings", "The settings cannot be read; these are the defaults. %1.")
+                        .arg(m_file.Error());
         if (m_file.State() == ZrSettingsFile::Damaged)
             PutAside();
         return false;
@@ -77,9 +80,9 @@ bool ZrAppSettings::Load(zr::IPersistable& app)
     if (!removed.isEmpty()) {
         if (!m_message.isEmpty())
             m_message += QLatin1Char(' ');
-        m_message
-            += QStringLiteral("These settings have their defaults, what is in %1 is of the wrong kind: %2.")
-                   .arg(m_file.UsedPath(), Listed(removed));
+        m_message += QCoreApplication::translate(
+            "ZrAppSettings", "These settings have their defaults, what is in %1 is of the wrong kind: %2.")
+                         .arg(m_file.UsedPath(), Listed(removed));
         if (m_file.State() == ZrSettingsFile::Whole)
             PutAside();
     }
@@ -92,7 +95,9 @@ bool ZrAppSettings::Save(zr::IPersistable& app)
     zr::ZrSetApp stored(zr::ePersistStoring);
     stored.synchronise(app);
     const bool ok = m_file.Save(stored.root);
-    m_message = ok ? m_file.Warning() : QStringLiteral("The settings are not saved. %1.").arg(m_file.Error());
+    m_message = ok
+        ? m_file.Warning()
+        : QCoreApplication::translate("ZrAppSettings", "The settings are not saved. %1.").arg(m_file.Error());
     return ok;
 }
 
@@ -101,7 +106,9 @@ void ZrAppSettings::PutAside()
 {
     QString error;
     if (m_file.PutAside(&error))
-        m_message += QStringLiteral(" What the file held is kept in %1.").arg(m_file.DamagedPath());
+        m_message += QCoreApplication::translate("ZrAppSettings", " What the file held is kept in %1.")
+                         .arg(m_file.DamagedPath());
     else if (!error.isEmpty())
-        m_message += QStringLiteral(" What the file held cannot be kept: %1.").arg(error);
+        m_message += QCoreApplication::translate("ZrAppSettings", " What the file held cannot be kept: %1.")
+                         .arg(error);
 }

@@ -2,6 +2,7 @@
 
 #include "ZrKit/files/ZrReplaceFile.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -27,19 +28,19 @@ void Parse(Content& content)
 {
     content.state = ZrSettingsFile::Damaged;
     if (content.bytes.isEmpty()) {
-        content.reason = QStringLiteral("The file is empty");
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "The file is empty");
         return;
     }
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(content.bytes, &error);
     if (error.error != QJsonParseError::NoError) {
-        content.reason = QStringLiteral("Line %1 is damaged (%2)")
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "Line %1 is damaged (%2)")
                              .arg(content.bytes.left(error.offset).count('\n') + 1)
                              .arg(error.errorString());
         return;
     }
     if (!document.isObject()) {
-        content.reason = QStringLiteral("The file holds no settings");
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "The file holds no settings");
         return;
     }
     content.root = document.object();
@@ -51,13 +52,13 @@ Content ReadFile(const QString& path)
     Content content;
     const QFileInfo info(path);
     if (!info.exists()) {
-        content.reason = QStringLiteral("There is no such file");
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "There is no such file");
         return content;
     }
     content.state = ZrSettingsFile::Unreadable;
     // Opening a pipe would wait for whoever writes into it.
     if (!info.isFile()) {
-        content.reason = QStringLiteral("This is no ordinary file");
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "This is no ordinary file");
         return content;
     }
     QFile file(path);
@@ -72,7 +73,7 @@ Content ReadFile(const QString& path)
     }
     if (content.bytes.size() > ZrSettingsFile::MaxSize) {
         content.bytes.clear();
-        content.reason = QStringLiteral("The file is too large for settings");
+        content.reason = QCoreApplication::translate("ZrSettingsFile", "The file is too large for settings");
         return content;
     }
     Parse(content);
@@ -84,7 +85,7 @@ bool WriteBeside(const QString& path, const QByteArray& bytes, const QString& or
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) {
-        error = At(path, QStringLiteral("This is no ordinary file"));
+        error = At(path, QCoreApplication::translate("ZrSettingsFile", "This is no ordinary file"));
         return false;
     }
     if (!zr::replace_file(path, bytes, &error))
@@ -139,14 +140,20 @@ bool ZrSettingsFile::Save(const QJsonObject& root)
 {
     Reset();
     if (m_path.isEmpty())
-        return Fail(NotWritten, QStringLiteral("The settings file has no name"));
+        return Fail(
+            NotWritten, QCoreApplication::translate("ZrSettingsFile", "The settings file has no name"));
     Content made;
     made.bytes = QJsonDocument(root).toJson(QJsonDocument::Indented);
     if (made.bytes.size() > MaxSize)
-        return Fail(Damaged, At(m_path, QStringLiteral("The settings are too large for a file")));
+        return Fail(Damaged,
+            At(m_path,
+                QCoreApplication::translate("ZrSettingsFile", "The settings are too large for a file")));
     Parse(made);
     if (made.state != Whole)
-        return Fail(Damaged, At(m_path, QStringLiteral("The settings are nested too deep for a file")));
+        return Fail(Damaged,
+            At(m_path,
+                QCoreApplication::translate(
+                    "ZrSettingsFile", "The settings are nested too deep for a file")));
 
     const Content former = ReadFile(m_path);
     if (former.state == Unreadable)

@@ -5,6 +5,8 @@
 #include "ZrKit/sim/ZrSimSurvey.h"
 #include "ZrUtil/IZrProgress.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <chrono>
 #include <thread>
@@ -64,7 +66,7 @@ ZrSimLog::eResult ZrSimLog::Write(ZrSimSurvey& survey, const QString& path, IZrP
         }
     }
     if (cancel)
-        return Fail(Cancelled, QStringLiteral("The simulation was cancelled"));
+        return Fail(Cancelled, QCoreApplication::translate("ZrSimLog", "The simulation was cancelled"));
     m_items = log.Items();
     m_bytes = log.Bytes();
     if (!log.Commit())

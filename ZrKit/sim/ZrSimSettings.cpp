@@ -1,5 +1,7 @@
 #include "ZrKit/sim/ZrSimSettings.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -46,7 +48,7 @@ QString ZrSimSettings::Fault() const
     for (const Limit& limit : limits) {
         if (limit.value >= limit.least && limit.value <= limit.most)
             continue;
-        return QStringLiteral("The %1 is %2 %3; it must be from %4 to %5")
+        return QCoreApplication::translate("ZrSimSettings", "The %1 is %2 %3; it must be from %4 to %5")
             .arg(QLatin1String(limit.name))
             .arg(limit.value)
             .arg(QLatin1String(limit.unit))
@@ -55,13 +57,13 @@ QString ZrSimSettings::Fault() const
             .replace(QStringLiteral(" ;"), QStringLiteral(";"));
     }
     if (targets.size() > static_cast<std::size_t>(MaxTargets))
-        return QStringLiteral("There are %1 targets; at most %2 can be laid")
+        return QCoreApplication::translate("ZrSimSettings", "There are %1 targets; at most %2 can be laid")
             .arg(targets.size())
             .arg(MaxTargets);
     const auto bad = std::find_if(
         targets.begin(), targets.end(), [](const ZrSimTarget& target) { return !target.IsValid(); });
     if (bad != targets.end())
-        return QStringLiteral("Target %1 has a size or a place that cannot be")
+        return QCoreApplication::translate("ZrSimSettings", "Target %1 has a size or a place that cannot be")
             .arg(bad - targets.begin() + 1);
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include "ZrKit/sim/ZrSimSurvey.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 
 #include <algorithm>
@@ -168,7 +169,7 @@ ZrSimSource::~ZrSimSource()
 bool ZrSimSource::Start(QString* error)
 {
     if (IsRunning()) {
-        *error = QStringLiteral("The simulation runs already");
+        *error = QCoreApplication::translate("ZrSimSource", "The simulation runs already");
         return false;
     }
     auto survey = std::make_unique<ZrSimSurvey>(m_plan, m_settings);
@@ -189,8 +190,8 @@ bool ZrSimSource::Start(QString* error)
         worker->thread = std::thread([worker, post] { worker->Run(post); });
     } catch (const std::system_error& failure) {
         m_worker.reset();
-        *error
-            = QStringLiteral("The simulation cannot begin: %1").arg(QString::fromLocal8Bit(failure.what()));
+        *error = QCoreApplication::translate("ZrSimSource", "The simulation cannot begin: %1")
+                     .arg(QString::fromLocal8Bit(failure.what()));
         return false;
     }
     return true;
@@ -198,7 +199,7 @@ bool ZrSimSource::Start(QString* error)
 
 QString ZrSimSource::Name() const
 {
-    return QStringLiteral("simulated vehicle");
+    return QCoreApplication::translate("ZrSimSource", "simulated vehicle");
 }
 
 void ZrSimSource::Stop()

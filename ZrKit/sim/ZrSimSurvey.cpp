@@ -12,6 +12,8 @@
 #include "ZrUtil/ZrWpts.h"
 #include "ZrUtil/ZrXmlStore.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -114,8 +116,8 @@ bool ZrSimSurvey::Advance()
     }
     const double moment = due(next);
     if (moment > m_settings.maxDuration) {
-        m_message
-            = QStringLiteral("The survey takes longer than %1 s").arg(m_settings.maxDuration, 0, 'f', 0);
+        m_message = QCoreApplication::translate("ZrSimSurvey", "The survey takes longer than %1 s")
+                        .arg(m_settings.maxDuration, 0, 'f', 0);
         m_isValid = false;
         return false;
     }

@@ -4,6 +4,8 @@
 #include "ZrKit/sim/ZrSimSeaFloor.h"
 #include "ZrUtil/ZrWpts.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -107,15 +109,17 @@ ZrSimVehicle::ZrSimVehicle(
 QString ZrSimVehicle::Prepare(const ZrRoutePath& path)
 {
     if (m_levels.empty())
-        return QStringLiteral("The plan has no waypoints");
+        return QCoreApplication::translate("ZrSimVehicle", "The plan has no waypoints");
     if (m_levels.size() == 1)
-        return QStringLiteral("The plan has only one waypoint: there is no way to go");
+        return QCoreApplication::translate(
+            "ZrSimVehicle", "The plan has only one waypoint: there is no way to go");
     if (path.IsTooWide())
-        return QStringLiteral("The waypoints of the plan lie too far apart");
+        return QCoreApplication::translate("ZrSimVehicle", "The waypoints of the plan lie too far apart");
     const std::vector<ZrLocalPoint>& points = path.Points();
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y))
-            return QStringLiteral("Waypoint %1 has no valid position").arg(i + 1);
+            return QCoreApplication::translate("ZrSimVehicle", "Waypoint %1 has no valid position")
+                .arg(i + 1);
     }
     for (const ZrPathPiece& piece : path.Pieces()) {
         const ZrRouteLeg& leg = path.Legs()[static_cast<std::size_t>(piece.leg)];
@@ -135,7 +139,7 @@ QString ZrSimVehicle::Prepare(const ZrRoutePath& path)
         m_length += own.length;
     }
     if (m_pieces.empty())
-        return QStringLiteral("All waypoints of the plan lie in one place");
+        return QCoreApplication::translate("ZrSimVehicle", "All waypoints of the plan lie in one place");
     double behind = 0.0;
     for (auto piece = m_pieces.rbegin(); piece != m_pieces.rend(); ++piece) {
         piece->behind = behind;
@@ -294,18 +298,18 @@ void ZrSimVehicle::Watch(const Place& place, double dt)
         return;
     const QString goal = QStringLiteral("waypoint %1").arg(piece.to + 1);
     if (m_settings.currentDrift >= piece.speed) {
-        End(QStringLiteral(
+        End(QCoreApplication::translate("ZrSimVehicle",
             "The current of %1 m/s is too strong for the vehicle, which makes %2 m/s on the way "
             "to %3")
                 .arg(m_settings.currentDrift, 0, 'f', 2)
                 .arg(piece.speed, 0, 'f', 2)
                 .arg(goal));
     } else if (isCarriedOff) {
-        End(QStringLiteral("The vehicle is %1 m off its line on the way to %2")
+        End(QCoreApplication::translate("ZrSimVehicle", "The vehicle is %1 m off its line on the way to %2")
                 .arg(std::fabs(place.off), 0, 'f', 0)
                 .arg(goal));
     } else {
-        End(QStringLiteral("The vehicle comes no closer to %1").arg(goal));
+        End(QCoreApplication::translate("ZrSimVehicle", "The vehicle comes no closer to %1").arg(goal));
     }
 }
 

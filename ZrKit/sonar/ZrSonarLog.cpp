@@ -8,6 +8,8 @@
 #include "ZrUtil/ZrEndian.h"
 #include "ZrUtil/ZrLogItem.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -208,8 +210,9 @@ void ZrSonarLog::MakeRoom(u64 pos)
 
 QString ZrSonarLog::Damage() const
 {
-    return m_damage.isEmpty() ? QString()
-                              : QStringLiteral("%1 (at position %2)").arg(m_damage).arg(m_damagePos);
+    return m_damage.isEmpty()
+        ? QString()
+        : QCoreApplication::translate("ZrSonarLog", "%1 (at position %2)").arg(m_damage).arg(m_damagePos);
 }
 
 /// Header and payload of the item that starts at \p pos.

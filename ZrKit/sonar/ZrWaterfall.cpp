@@ -7,6 +7,8 @@
 #include "ZrKit/sonar/ZrWaterfallMap.h"
 #include "ZrUtil/IZrProgress.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -103,10 +105,11 @@ bool ZrWaterfall::Render(const ZrWaterfallMap& map, QImage& image)
         return false;
     const ZrWaterfallSettings& settings = map.Settings();
     if (map.Last() >= m_log.Pings().size())
-        return Fail(QStringLiteral("There are no such pings"));
+        return Fail(QCoreApplication::translate("ZrWaterfall", "There are no such pings"));
     ZrSonarPalette palette;
     if (!palette.Load(settings.palette))
-        return Fail(QStringLiteral("There is no palette \"%1\"").arg(settings.palette));
+        return Fail(
+            QCoreApplication::translate("ZrWaterfall", "There is no palette \"%1\"").arg(settings.palette));
     ZrSonarGain gain(settings.gain);
     if (!Learn(map, gain))
         return false;
@@ -120,7 +123,8 @@ bool ZrWaterfall::Render(const ZrWaterfallMap& map, QImage& image)
     const bool opaque = qAlpha(settings.noData) == 255 && qAlpha(settings.bottom) == 255;
     QImage drawn(map.Width(), map.Height(), opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
     if (drawn.isNull())
-        return Fail(QStringLiteral("There is not enough memory for an image of %1 x %2 pixels")
+        return Fail(QCoreApplication::translate(
+            "ZrWaterfall", "There is not enough memory for an image of %1 x %2 pixels")
                         .arg(map.Width())
                         .arg(map.Height()));
     const std::array<QRgb, 256> colours = Colours(palette, settings.invert);

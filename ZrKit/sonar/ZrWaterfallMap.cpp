@@ -4,6 +4,8 @@
 #include "ZrKit/sonar/ZrSlantRange.h"
 #include "ZrKit/sonar/ZrSonarTrack.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -38,11 +40,12 @@ ZrWaterfallMap::ZrWaterfallMap(const std::vector<ZrSonarPing>& pings, const ZrSo
     , m_first(first)
 {
     if (first > last || last >= pings.size() || track.Count() != pings.size()) {
-        Fail(QStringLiteral("There are no such pings"));
+        Fail(QCoreApplication::translate("ZrWaterfallMap", "There are no such pings"));
         return;
     }
     if (settings.width < 0 || !IsLength(settings.resolution) || !IsLength(settings.range)) {
-        Fail(QStringLiteral("Width, resolution and range must not be negative"));
+        Fail(QCoreApplication::translate(
+            "ZrWaterfallMap", "Width, resolution and range must not be negative"));
         return;
     }
     if (!TakePings(pings, bottom, last))
@@ -99,7 +102,9 @@ bool ZrWaterfallMap::TakePings(
         }
         m_pings.push_back(ping);
     }
-    return any || Fail(QStringLiteral("The side-scan lines have no samples on the sides shown"));
+    return any
+        || Fail(QCoreApplication::translate(
+            "ZrWaterfallMap", "The side-scan lines have no samples on the sides shown"));
 }
 
 void ZrWaterfallMap::FillAltitudes()
@@ -161,13 +166,13 @@ bool ZrWaterfallMap::LayAcross()
             range = std::max({range, EndRange(i, sidePort), EndRange(i, sideStarboard)});
     }
     if (!(range > 0.0))
-        return Fail(QStringLiteral("No side-scan line reaches the seabed"));
+        return Fail(QCoreApplication::translate("ZrWaterfallMap", "No side-scan line reaches the seabed"));
     const bool both = m_settings.sides == ZrWaterfallSettings::bothSides;
     const int sides = both ? 2 : 1;
     double columns = 0.0; // of the wider side
     if (m_settings.width > 0) {
         if (m_settings.width < sides)
-            return Fail(QStringLiteral("Two sides need at least two pixels"));
+            return Fail(QCoreApplication::translate("ZrWaterfallMap", "Two sides need at least two pixels"));
         columns = m_settings.width / sides + m_settings.width % sides;
         m_metres = range / columns;
     } else {
@@ -185,16 +190,17 @@ bool ZrWaterfallMap::LayAcross()
         columns = std::max(1.0, std::round(range / m_metres));
     }
     if (!(columns <= MostColumns) || m_settings.width > MostColumns) {
-        return FailTooLarge(
-            QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
-                .arg(MostColumns));
+        return FailTooLarge(QCoreApplication::translate(
+            "ZrWaterfallMap", "The image would be wider than %1 pixels: choose a coarser resolution")
+                                .arg(MostColumns));
     }
     m_right = IsShown(sideStarboard) ? static_cast<int>(columns) : 0;
     m_left = IsShown(sidePort) ? static_cast<int>(columns) : 0;
     if (both && m_settings.width > 0)
         m_left = m_settings.width - m_right;
     return Width() <= MostColumns
-        || FailTooLarge(QStringLiteral("The image would be wider than %1 pixels: choose a coarser resolution")
+        || FailTooLarge(QCoreApplication::translate(
+            "ZrWaterfallMap", "The image would be wider than %1 pixels: choose a coarser resolution")
                             .arg(MostColumns));
 }
 
@@ -204,15 +210,17 @@ void ZrWaterfallMap::LayRows()
         m_rowLength = m_metresPerRow = m_metres;
     const double rows = std::max(1.0, std::round(LengthAlong() / m_rowLength));
     if (!(rows <= MostRows) || rows * Width() > mostPixels) {
-        FailTooLarge(QStringLiteral(
-            "The image would be %1 x %2 pixels, and at most %3 x %4, %5 in all, can be drawn: choose %6")
-                         .arg(Width())
-                         .arg(rows, 0, 'f', 0)
-                         .arg(MostColumns)
-                         .arg(MostRows)
-                         .arg(mostPixels, 0, 'f', 0)
-                         .arg(m_speedCorrected ? QStringLiteral("a coarser resolution or fewer pings")
-                                               : QStringLiteral("fewer pings")));
+        FailTooLarge(
+            QCoreApplication::translate("ZrWaterfallMap",
+                "The image would be %1 x %2 pixels, and at most %3 x %4, %5 in all, can be drawn: choose %6")
+                .arg(Width())
+                .arg(rows, 0, 'f', 0)
+                .arg(MostColumns)
+                .arg(MostRows)
+                .arg(mostPixels, 0, 'f', 0)
+                .arg(m_speedCorrected
+                        ? QCoreApplication::translate("ZrWaterfallMap", "a coarser resolution or fewer pings")
+                        : QCoreApplication::translate("ZrWaterfallMap", "fewer pings")));
         return;
     }
     m_height = static_cast<int>(rows);
