@@ -1,5 +1,6 @@
 // Plans, records and reviews surveys of underwater vehicles.
 
+#include "ZrKit/ui/ZrTranslation.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
@@ -35,6 +36,9 @@ int main(int argc, char** argv)
     QApplication::setStyle(QStringLiteral("Fusion"));
     QCoreApplication::setApplicationName(QStringLiteral("ZrSurvey"));
     QCoreApplication::setOrganizationName(QStringLiteral("ZrSurvey"));
+
+    const QString name = QCoreApplication::applicationName();
+    ZrTranslation::Install(name, ZrTranslation::Folders(name));
 
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();

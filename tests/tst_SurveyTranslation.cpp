@@ -1,0 +1,239 @@
+// Every text on every page goes through the translators: with one that writes Greek letters for Latin ones
+// nothing else that can be read is left on the screen but data, units and names.
+
+#include "SurveyWindow.h"
+#include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrKit/ui/ZrRowForm.h"
+#include "ZrUtil/ZrBtn.h"
+
+#include <QPaintDevice>
+#include <QPaintEngine>
+#include <QTranslator>
+
+namespace {
+
+/// Keeps the texts that are drawn.
+class TextEngine : public QPaintEngine
+{
+public:
+    TextEngine()
+        : QPaintEngine(QPaintEngine::AllFeatures)
+    {
+    }
+
+    bool begin(QPaintDevice* /*device*/) override { return true; }
+
+    bool end() override { return true; }
+
+    void updateState(const QPaintEngineState& /*state*/) override { }
+
+    void drawPixmap(const QRectF& /*r*/, const QPixmap& /*pixmap*/, const QRectF& /*part*/) override { }
+
+    void drawPath(const QPainterPath& /*path*/) override { }
+
+    void drawPolygon(const QPointF* /*points*/, int /*count*/, PolygonDrawMode /*mode*/) override { }
+
+    void drawTextItem(const QPointF& /*at*/, const QTextItem& item) override { texts.insert(item.text()); }
+
+    Type type() const override { return QPaintEngine::User; }
+
+    QSet<QString> texts;
+};
+
+class TextDevice : public QPaintDevice
+{
+public:
+    explicit TextDevice(QSize size)
+        : m_size(size)
+    {
+    }
+
+    QPaintEngine* paintEngine() const override { return &m_engine; }
+
+    const QSet<QString>& Texts() const { return m_engine.texts; }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmWidth:
+            return m_size.width();
+        case PdmHeight:
+            return m_size.height();
+        case PdmWidthMM:
+            return m_size.width() / 4;
+        case PdmHeightMM:
+            return m_size.height() / 4;
+        case PdmNumColors:
+            return INT_MAX;
+        case PdmDepth:
+            return 32;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(devicePixelRatioFScale());
+        default:
+            return 96;
+        }
+    }
+
+private:
+    QSize m_size;
+    mutable TextEngine m_engine;
+};
+
+/// Writes all letters of translated texts in Greek, placeholders stay.
+class GreekTranslator : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+
+    QString translate(
+        const char* /*context*/, const char* text, const char* /*disambiguation*/, int n) const override
+    {
+        QString result = QString::fromUtf8(text);
+        result.replace(QStringLiteral("%n"), QString::number(n));
+        for (int i = 0; i < result.size(); ++i) {
+            const QChar c = result.at(i);
+            if (i > 0 && result.at(i - 1) == QLatin1Char('%'))
+                continue; // "%L1"
+            if (c >= QLatin1Char('a') && c <= QLatin1Char('z'))
+                result[i] = QChar(0x3B1 + (c.unicode() - 'a') % 24);
+            else if (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+                result[i] = QChar(0x391 + (c.unicode() - 'A') % 16);
+        }
+        return result;
+    }
+};
+
+} // namespace
+
+class tst_SurveyTranslation : public SurveyWindow
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void pages_data();
+    void pages();
+    void forms();
+    void toolTips();
+    void catchesWhatIsNot();
+
+private:
+    static QStringList Latin(const QSet<QString>& texts);
+    static QSet<QString> Drawn(QWidget& widget);
+
+    GreekTranslator m_translator;
+};
+
+void tst_SurveyTranslation::initTestCase()
+{
+    QCoreApplication::installTranslator(&m_translator);
+}
+
+void tst_SurveyTranslation::init()
+{
+    Open();
+}
+
+void tst_SurveyTranslation::cleanup()
+{
+    Close();
+}
+
+/// Texts with a Latin word that is neither a unit, nor the name of a product, a palette or a folder.
+QStringList tst_SurveyTranslation::Latin(const QSet<QString>& texts)
+{
+    static const QSet<QString> data = {QStringLiteral("ZrSurvey"), QStringLiteral("km"), QStringLiteral("dB"),
+        QStringLiteral("GB"), QStringLiteral("MB"), QStringLiteral("kB"), QStringLiteral("Hz"),
+        QStringLiteral("kHz"), QStringLiteral("UTC"), QStringLiteral("OpenGL"), QStringLiteral("Qt"),
+        QStringLiteral("NMEA"), QStringLiteral("UDP"), QStringLiteral("TCP"), QStringLiteral("ms"),
+        QStringLiteral("kn"), QStringLiteral("ft"), QStringLiteral("nm")};
+    static const QStringList palettes = ZrSonarPalette::Names();
+    QStringList latin;
+    for (const QString& text : texts) {
+        if (text.contains(QLatin1Char('/')) && !text.contains(QLatin1Char(' ')))
+            continue; // a path, or a unit such as m/s
+        if (text.contains(QStringLiteral("Aufnahmen")))
+            continue; // the folder of the recordings
+        const QStringList words
+            = text.split(QRegularExpression(QStringLiteral("[^A-Za-z]+")), Qt::SkipEmptyParts);
+        for (const QString& word : words) {
+            if (word.size() > 1 && !data.contains(word) && !palettes.contains(word, Qt::CaseInsensitive)) {
+                latin.append(text);
+                break;
+            }
+        }
+    }
+    latin.sort();
+    return latin;
+}
+
+QSet<QString> tst_SurveyTranslation::Drawn(QWidget& widget)
+{
+    TextDevice device(widget.size());
+    widget.render(&device, QPoint(), QRegion(), QWidget::DrawChildren);
+    return device.Texts();
+}
+
+void tst_SurveyTranslation::pages_data()
+{
+    QTest::addColumn<QString>("page");
+    for (const char* page : {"Home", "Plan", "Record", "Review", "Scene"})
+        QTest::newRow(page) << QString::fromLatin1(page);
+}
+
+void tst_SurveyTranslation::pages()
+{
+    QFETCH(QString, page);
+    m_view->Show(page);
+    Settle();
+    QSet<QString> texts;
+    for (QWidget* child : m_view->findChildren<QWidget*>()) {
+        if (child->isVisible() && !child->visibleRegion().isEmpty())
+            texts += Drawn(*child);
+    }
+    QVERIFY2(texts.size() >= 3, qPrintable(QStringList(texts.values()).join(QLatin1Char('|'))));
+    QCOMPARE(Latin(texts).join(QLatin1Char('\n')), QString());
+}
+
+void tst_SurveyTranslation::forms()
+{
+    QSet<QString> texts;
+    for (ZrForm* form : m_view->forms().m_forms) {
+        if (!qobject_cast<ZrRowForm*>(form))
+            continue; // those of the library have its own texts
+        form->resize(800, 2000);
+        for (QWidget* child : form->findChildren<QWidget*>())
+            texts += Drawn(*child);
+    }
+    QVERIFY(texts.size() > 20);
+    QCOMPARE(Latin(texts).join(QLatin1Char('\n')), QString());
+}
+
+void tst_SurveyTranslation::toolTips()
+{
+    QSet<QString> texts;
+    for (QWidget* child : m_view->findChildren<QWidget*>()) {
+        texts.insert(child->toolTip());
+        texts.insert(child->accessibleName());
+    }
+    QVERIFY(texts.size() > 30);
+    QCOMPARE(Latin(texts).join(QLatin1Char('\n')), QString());
+}
+
+void tst_SurveyTranslation::catchesWhatIsNot()
+{
+    ZrBtn button(m_view.get(), ZrBtn::typeStd);
+    button.text = QStringLiteral("Left behind");
+    button.resize(300, 80);
+    button.Changed();
+    button.show();
+    QCOMPARE(Latin(Drawn(button)).join(QLatin1Char(' ')), QStringLiteral("Left behind"));
+}
+
+QTEST_MAIN(tst_SurveyTranslation)
+#include "tst_SurveyTranslation.moc"
