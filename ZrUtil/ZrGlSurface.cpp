@@ -3,6 +3,7 @@
 #include "ZrUtil/ZrLogEmit.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <algorithm>
 #include <cmath>
 
 ZrCursor ZrGlSurface::s_cursor;
@@ -83,8 +84,9 @@ void ZrGlSurface::OnInput(QEvent* /*event*/) { }
 
 void ZrGlSurface::ZrglSetColour(float r, float g, float b, float a)
 {
-    m_colour = QColor::fromRgbF(
-        static_cast<double>(r), static_cast<double>(g), static_cast<double>(b), static_cast<double>(a));
+    // Beyond 0 to 1 `QColor` refuses an alpha and keeps a colour that not all of it can convert.
+    const auto limited = [](float v) { return v > 0.0F ? static_cast<double>(std::min(v, 1.0F)) : 0.0; };
+    m_colour = QColor::fromRgbF(limited(r), limited(g), limited(b), limited(a));
 }
 
 void ZrGlSurface::ZrglSetColour(QColor colour)

@@ -46,8 +46,9 @@ enum eColSpace : int
 /// line from when it failed first.
 ///
 /// Positions are world units of the view transform unless a function says pixels; colours are not
-/// premultiplied. Blending is off after every primitive, and texture unit 0 is the active one. GL objects
-/// live as long as the context. GUI thread only.
+/// premultiplied. Blending is off after every primitive, and texture unit 0 is the active one after those
+/// with a texture. Errors of GL's are neither fetched nor cleared. GL objects live as long as the context.
+/// GUI thread only.
 ///
 /// Positions on a map do not fit into floats. A view that draws them sets the uniform "uMap" to 1 after
 /// `ZrglSetPgm`, and back to 0 before other primitives, and gives each position as 4 floats: x and y ordinal,
@@ -89,17 +90,17 @@ public:
     enum eMarkerFlags : int
     {
         markerRight = 1, ///< extends to the right of its position
-        markerLeft = 4, ///< to the left
+        markerLeft = 4, ///< to the left; means nothing beside `markerRight`
         markerUp = 8, ///< moves one pair of corners up
-        markerDown = 32 ///< moves one pair of corners down
+        markerDown = 32 ///< moves one pair of corners down; means nothing beside `markerUp`
     };
 
     /// Flags of `ZrglAddText`.
     enum eTextFlags : unsigned
     {
         textCentre = 2, ///< the position is in the middle of the width; without: at the left end
-        textRight = 4, ///< at the right end
-        textTop = 8, ///< at the upper edge; without: at the lower one
+        textRight = 4, ///< at the right end; means nothing beside `textCentre`
+        textTop = 8, ///< at the upper edge; without: at the lower one; means nothing beside `textMiddle`
         textMiddle = 16, ///< in the middle of the height
         textMirrorX = 64, ///< each glyph mirrored left to right, for mirrored views
         textMirrorY = 128 ///< each glyph upside down, for views with y down
@@ -142,6 +143,10 @@ public:
     explicit ZrGlSurface(QObject* parent = nullptr);
     ~ZrGlSurface() override;
 
+    /// Whether primitives can draw: `OnCreate` has run in the context that is current, or one that shares its
+    /// objects.
+    bool IsReady() const;
+
     virtual void Render() = 0; ///< draws the view; the context is current
     virtual void OnResize(int width, int height) = 0; ///< the size changed, device pixels
 
@@ -179,7 +184,8 @@ public:
     /// key stays transparent black.
     void ZrglSetPgm(eProgram program);
 
-    void ZrglSetColour(float r, float g, float b, float a); ///< sets `m_colour`, 0 to 1
+    /// Sets `m_colour`, each component 0 to 1; beyond that the nearer end is taken, for NaN 0.
+    void ZrglSetColour(float r, float g, float b, float a);
     void ZrglSetColour(QColor colour); ///< sets `m_colour`
 
     void ZrglSetViewport(const QRect& viewport); ///< device pixels, y up
@@ -237,11 +243,6 @@ public:
 Q_SIGNALS:
     void Update(); ///< the surface wants to be drawn again
     void SetCursor(const QCursor& cursor); ///< it wants another mouse cursor
-
-protected:
-    /// Whether primitives can draw: `OnCreate` has run in the context that is current, or one that shares its
-    /// objects.
-    bool IsReady() const;
 
 private:
     /// Where a program keeps its variables, looked up once.

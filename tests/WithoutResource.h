@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QString>
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <vector>
 
@@ -59,10 +60,17 @@ public:
             if (!QFile::exists(path))
                 break;
             qUnregisterResourceData(c.version, c.tree, c.names, c.data);
-            if (QFile::exists(path))
+            if (QFile::exists(path)) {
                 Register(c);
-            else
+                Collections().pop_back();
+            } else {
                 m_taken = c;
+                // Another that looks for something must not put it back.
+                std::vector<Collection>& known = Collections();
+                known.erase(std::remove_if(known.begin(), known.end(),
+                                [&c](const Collection& other) { return other.tree == c.tree; }),
+                    known.end());
+            }
         }
     }
 
@@ -78,11 +86,7 @@ public:
     bool IsDone() const { return m_taken.tree != nullptr; }
 
 private:
-    static void Register(const Collection& c)
-    {
-        qRegisterResourceData(c.version, c.tree, c.names, c.data);
-        Collections().pop_back();
-    }
+    static void Register(const Collection& c) { qRegisterResourceData(c.version, c.tree, c.names, c.data); }
 
     Collection m_taken{};
 };

@@ -3,9 +3,11 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
+#include <functional>
 #include <utility>
+#include <vector>
 
 class tst_ZrGl2dOrtho : public QObject
 {
@@ -13,6 +15,7 @@ class tst_ZrGl2dOrtho : public QObject
 
 private Q_SLOTS:
     void isEmptyAtFirst();
+    void membersInOrder();
     void aspects_data();
     void aspects();
     void cornersOfTheRectangleInForceFillTheView();
@@ -22,18 +25,12 @@ private Q_SLOTS:
     void requestIsKept();
     void mirroringIsKept_data();
     void mirroringIsKept();
+    void noExtentIsMirrored_data();
+    void noExtentIsMirrored();
     void resizingRepeatsTheRequest();
+    void projectionIsComputedAnew();
     void rotationTurnsTheProjection();
-    void screenToWorldUsesTheRectangleInForce();
-    void worldToScreenUsesTheRequestedRectangle();
-    void conversionsAreInverseWhenStretched();
-    void conversionsLeaveOutputsAloneWhenRotated();
-    void noPixels_data();
-    void noPixels();
-    void noPixelsOneWay();
-    void noExtent();
-    void noExtentOneWay();
-    void notANumber();
+    void rotationIsAboutTheWorldOrigin();
     void settingsRoundTrip();
     void settingsTakeEffectLater();
     void missingSettingsChangeNothing();
@@ -57,6 +54,15 @@ void tst_ZrGl2dOrtho::isEmptyAtFirst()
     QCOMPARE(view.m_rotation, 0.0F);
     QCOMPARE(view.m_originX, 0.0F);
     QCOMPARE(view.m_originY, 0.0F);
+}
+
+void tst_ZrGl2dOrtho::membersInOrder()
+{
+    const ZrGl2dOrtho v;
+    const std::vector<const void*> members{&v.m_proj, &v.m_view, &v.m_originX, &v.m_originY, &v.m_aspect,
+        &v.m_reqLeft, &v.m_reqRight, &v.m_reqTop, &v.m_reqBottom, &v.m_rotation, &v.m_left, &v.m_right,
+        &v.m_top, &v.m_bottom, &v.m_width, &v.m_height, &v.m_scaleX, &v.m_scaleY};
+    QVERIFY(std::is_sorted(members.begin(), members.end(), std::less<const void*>()));
 }
 
 void tst_ZrGl2dOrtho::aspects_data()
@@ -185,6 +191,47 @@ void tst_ZrGl2dOrtho::mirroringIsKept()
     QCOMPARE(view.m_scaleX, view.m_scaleY);
 }
 
+void tst_ZrGl2dOrtho::noExtentIsMirrored_data()
+{
+    QTest::addColumn<int>("aspect");
+    QTest::addColumn<QVector<float>>("inForce"); // left, right, bottom, top
+    using V = QVector<float>;
+    // 200 x 100 pixels. Where both ends are equal the one that is greater comes first.
+    QTest::newRow("y follows x") << 1 << V{0, 4, 3, 1};
+    QTest::newRow("x follows y") << 2 << V{6, -2, 0, 4};
+}
+
+void tst_ZrGl2dOrtho::noExtentIsMirrored()
+{
+    QFETCH(int, aspect);
+    QFETCH(QVector<float>, inForce);
+    ZrGl2dOrtho view;
+    view.zrgl2dViewport(200, 100);
+    if (aspect == 1)
+        view.zrgl2dProjection(0.0F, 4.0F, 2.0F, 2.0F, aspectFollowX);
+    else
+        view.zrgl2dProjection(2.0F, 2.0F, 0.0F, 4.0F, aspectFollowY);
+    QCOMPARE(view.m_left, inForce[0]);
+    QCOMPARE(view.m_right, inForce[1]);
+    QCOMPARE(view.m_bottom, inForce[2]);
+    QCOMPARE(view.m_top, inForce[3]);
+}
+
+void tst_ZrGl2dOrtho::projectionIsComputedAnew()
+{
+    // Nothing of the projection before is left in it.
+    ZrGl2dOrtho view;
+    view.m_rotation = 30.0F;
+    view.zrgl2dProjection(1.0F, 5.0F, 2.0F, 9.0F, aspectAuto);
+    view.m_rotation = 0.0F;
+    view.zrgl2dProjection(10.0F, 20.0F, -5.0F, 5.0F, aspectStretch);
+    ZrGl2dOrtho fresh;
+    fresh.zrgl2dProjection(10.0F, 20.0F, -5.0F, 5.0F, aspectStretch);
+    QCOMPARE(view.m_proj, fresh.m_proj);
+    view.zrgl2dViewport(100, 100);
+    QCOMPARE(view.m_proj, fresh.m_proj);
+}
+
 void tst_ZrGl2dOrtho::resizingRepeatsTheRequest()
 {
     ZrGl2dOrtho view;
@@ -207,166 +254,16 @@ void tst_ZrGl2dOrtho::rotationTurnsTheProjection()
     QVERIFY(std::fabs(east.y() - 1.0F) < 1e-6F);
 }
 
-void tst_ZrGl2dOrtho::screenToWorldUsesTheRectangleInForce()
+void tst_ZrGl2dOrtho::rotationIsAboutTheWorldOrigin()
 {
+    // The world is turned first and projected then: x = 3 comes to be at y = 3.
     ZrGl2dOrtho view;
-    view.zrgl2dViewport(200, 100);
-    view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, aspectAuto);
-    float x = 0.0F;
-    float y = 0.0F;
-    view.ScreenToXy(0.0F, 0.0F, x, y);
-    QCOMPARE(x, -0.5F);
-    QCOMPARE(y, 1.0F);
-    view.ScreenToXy(200.0F, 100.0F, x, y);
-    QCOMPARE(x, 1.5F);
-    QCOMPARE(y, 0.0F);
-}
-
-void tst_ZrGl2dOrtho::worldToScreenUsesTheRequestedRectangle()
-{
-    ZrGl2dOrtho view;
-    view.zrgl2dViewport(200, 100);
-    view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, aspectAuto);
-    float sx = -1.0F;
-    float sy = -1.0F;
-    view.XyToScreen(1.0F, 1.0F, sx, sy);
-    QCOMPARE(sx, 200.0F);
-    QCOMPARE(sy, 100.0F);
-    view.XyToScreen(0.5F, 0.25F, sx, sy);
-    QCOMPARE(sx, 100.0F);
-    QCOMPARE(sy, 25.0F);
-}
-
-void tst_ZrGl2dOrtho::conversionsAreInverseWhenStretched()
-{
-    ZrGl2dOrtho view;
-    view.zrgl2dViewport(640, 480);
-    view.zrgl2dProjection(-3.0F, 9.0F, 2.0F, 5.0F, aspectStretch);
-    float x = 0.0F;
-    float y = 0.0F;
-    view.ScreenToXy(160.0F, 120.0F, x, y);
-    float sx = 0.0F;
-    float sy = 0.0F;
-    view.XyToScreen(x, y, sx, sy);
-    QCOMPARE(sx, 160.0F);
-    QCOMPARE(sy, 480.0F - 120.0F); // y points up
-}
-
-void tst_ZrGl2dOrtho::conversionsLeaveOutputsAloneWhenRotated()
-{
-    ZrGl2dOrtho view;
-    view.m_rotation = 0.001F;
-    view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, aspectStretch);
-    float a = 7.0F;
-    float b = 8.0F;
-    view.ScreenToXy(10.0F, 10.0F, a, b);
-    QCOMPARE(a, 7.0F);
-    QCOMPARE(b, 8.0F);
-    view.XyToScreen(10.0F, 10.0F, a, b);
-    QCOMPARE(a, 7.0F);
-    QCOMPARE(b, 8.0F);
-}
-
-void tst_ZrGl2dOrtho::noPixels_data()
-{
-    QTest::addColumn<int>("aspect");
-    for (int aspect = 0; aspect < 4; ++aspect)
-        QTest::addRow("%d", aspect) << aspect;
-}
-
-void tst_ZrGl2dOrtho::noPixelsOneWay()
-{
-    ZrGl2dOrtho view;
-    view.zrgl2dProjection(2.0F, 4.0F, 1.0F, 3.0F, aspectStretch);
-    float x = 0.0F;
-    float y = 0.0F;
-    view.zrgl2dViewport(0, 100);
-    QVERIFY(std::isinf(view.m_scaleX));
-    QCOMPARE(view.m_scaleY, 0.02F);
-    view.ScreenToXy(50.0F, 50.0F, x, y);
-    QCOMPARE(x, 2.0F);
-    QCOMPARE(y, 2.0F);
-    view.zrgl2dViewport(100, 0);
-    view.ScreenToXy(50.0F, 50.0F, x, y);
-    QCOMPARE(x, 3.0F);
-    QCOMPARE(y, 3.0F);
-    float sx = 1.0F;
-    float sy = 1.0F;
-    view.XyToScreen(3.0F, 2.0F, sx, sy);
-    QCOMPARE(sx, 50.0F);
-    QCOMPARE(sy, 0.0F);
-}
-
-void tst_ZrGl2dOrtho::noPixels()
-{
-    QFETCH(int, aspect);
-    ZrGl2dOrtho view;
-    view.zrgl2dProjection(2.0F, 4.0F, 1.0F, 3.0F, static_cast<eAspect>(aspect));
-    view.zrgl2dViewport(0, 0);
-    QVERIFY(std::isinf(view.m_scaleX));
-    QVERIFY(std::isinf(view.m_scaleY));
-    float x = 0.0F;
-    float y = 0.0F;
-    view.ScreenToXy(50.0F, 50.0F, x, y);
-    // What a rectangle is in the other direction is not defined where one follows the other.
-    if (aspect != aspectFollowY)
-        QCOMPARE(x, 2.0F);
-    if (aspect == aspectStretch || aspect == aspectFollowY)
-        QCOMPARE(y, 3.0F);
-    // It comes back with the pixels.
-    view.zrgl2dViewport(100, 100);
-    QCOMPARE(view.m_left, 2.0F);
-    QCOMPARE(view.m_top, 3.0F);
-    QCOMPARE(view.m_scaleX, 0.02F);
-}
-
-void tst_ZrGl2dOrtho::noExtent()
-{
-    ZrGl2dOrtho view;
-    view.zrgl2dProjection(2.0F, 2.0F, 1.0F, 1.0F, aspectStretch);
-    float sx = -1.0F;
-    float sy = -1.0F;
-    view.XyToScreen(5.0F, 5.0F, sx, sy);
-    QCOMPARE(sx, 0.0F);
-    QCOMPARE(sy, 0.0F);
-    QCOMPARE(view.m_scaleX, 0.0F);
-}
-
-void tst_ZrGl2dOrtho::noExtentOneWay()
-{
-    ZrGl2dOrtho view;
-    view.zrgl2dProjection(2.0F, 2.0F, 1.0F, 3.0F, aspectStretch);
-    float sx = -1.0F;
-    float sy = -1.0F;
-    view.XyToScreen(5.0F, 2.0F, sx, sy);
-    QCOMPARE(sx, 0.0F);
-    QCOMPARE(sy, 50.0F);
-    view.zrgl2dProjection(1.0F, 3.0F, 2.0F, 2.0F, aspectStretch);
-    view.XyToScreen(2.0F, 5.0F, sx, sy);
-    QCOMPARE(sx, 50.0F);
-    QCOMPARE(sy, 0.0F);
-}
-
-void tst_ZrGl2dOrtho::notANumber()
-{
-    // Nothing to see, and nothing that lasts.
-    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
-             -std::numeric_limits<float>::max()}) {
-        for (const eAspect aspect : {aspectStretch, aspectFollowX, aspectFollowY, aspectAuto}) {
-            ZrGl2dOrtho view;
-            view.zrgl2dProjection(bad, 1.0F, 0.0F, bad, aspect);
-            view.zrgl2dViewport(-5, 7);
-            float x = 0.0F;
-            float y = 0.0F;
-            view.ScreenToXy(bad, bad, x, y);
-            view.XyToScreen(bad, bad, x, y);
-            view.zrgl2dViewport(100, 100);
-            view.zrgl2dProjection(0.0F, 1.0F, 0.0F, 1.0F, aspect);
-            QCOMPARE(view.m_scaleX, 0.01F);
-            QCOMPARE(view.m_left, 0.0F);
-            QCOMPARE(view.m_top, 1.0F);
-        }
-    }
+    view.m_rotation = 90.0F;
+    view.zrgl2dProjection(-10.0F, 30.0F, -2.0F, 8.0F, aspectStretch);
+    const QVector3D at = view.m_proj.map(QVector3D(3, -5, 7));
+    QVERIFY(std::fabs(at.x() - (2.0F * 15 / 40 - 1)) < 1e-6F);
+    QVERIFY(std::fabs(at.y() - (2.0F * 5 / 10 - 1)) < 1e-6F);
+    QVERIFY(std::fabs(at.z() + 0.07F) < 1e-6F);
 }
 
 void tst_ZrGl2dOrtho::settingsTakeEffectLater()

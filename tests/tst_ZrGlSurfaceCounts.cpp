@@ -11,6 +11,7 @@ class tst_ZrGlSurfaceCounts : public GlSurfaceTest
 private Q_SLOTS:
     void primitive_data();
     void primitive();
+    void fourProgramsAreBlended();
     void buffersOfOthersDoNotMatter();
     void locationsAreLookedUpOnce();
     void uploads();
@@ -70,6 +71,31 @@ void tst_ZrGlSurfaceCounts::primitive()
         f->glGetIntegerv(GL_BLEND_DST_RGB, &value);
         QCOMPARE(value, GL_ONE_MINUS_SRC_ALPHA);
     }
+}
+
+void tst_ZrGlSurfaceCounts::fourProgramsAreBlended()
+{
+    QOpenGLFunctions* f = m_context->Functions();
+    auto quad = WholeView();
+    const QSet<int> blended{
+        ZrGlSurface::texture, ZrGlSurface::alpha, ZrGlSurface::luminance, ZrGlSurface::colourkey};
+    for (int i = 0; i <= ZrGlSurface::ProgramCount; ++i) {
+        for (const bool wasBlended : {false, true}) {
+            if (wasBlended)
+                f->glEnable(GL_BLEND);
+            f->glBlendFunc(GL_ONE, GL_ONE);
+            const gl::Recorder recorder;
+            m_view->ZrglRenderVbo(quad.data(), {m_white}, static_cast<ZrGlSurface::eProgram>(i));
+            QCOMPARE(recorder.draws.size(), std::size_t(1));
+            QVERIFY2(recorder.draws[0].isBlended == blended.contains(i), qPrintable(QString::number(i)));
+            QVERIFY(!f->glIsEnabled(GL_BLEND));
+            // The function is set where it counts, and left alone elsewhere.
+            GLint value = 0;
+            f->glGetIntegerv(GL_BLEND_SRC_RGB, &value);
+            QCOMPARE(value, blended.contains(i) ? GL_SRC_ALPHA : GL_ONE);
+        }
+    }
+    m_context->TakeErrors();
 }
 
 void tst_ZrGlSurfaceCounts::buffersOfOthersDoNotMatter()
@@ -142,6 +168,11 @@ void tst_ZrGlSurfaceCounts::uploads()
     recorder.Reset();
     m_view->ZrglSetBackground(QStringLiteral(":/back_fade.png"));
     QCOMPARE(recorder.uploadedBytes, bytes(QStringLiteral(":/back_fade.png")));
+    // Without a texture for it there is nowhere to put the atlas.
+    recorder.Reset();
+    m_view->m_fontTex = 0;
+    m_view->ZrglSetFont(m_view->m_font);
+    QCOMPARE(recorder.uploadedBytes, qint64(0));
 }
 
 void tst_ZrGlSurfaceCounts::manyTextsAreOneDraw()

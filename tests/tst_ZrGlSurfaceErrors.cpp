@@ -38,8 +38,10 @@ private Q_SLOTS:
     void contextLost();
     void sharedContext();
     void createdAgain();
+    void everyLossIsLogged();
     void zeroViewport_data();
     void zeroViewport();
+    void emptyViewportOfTheSurface();
     void tooLargeFont();
 };
 
@@ -250,10 +252,31 @@ void tst_ZrGlSurfaceErrors::neverCreated()
     gl::Recorder recorder;
     gl::DrawAll(*m_view, m_white);
     m_view->ZrGlClipToViewport();
+    for (int i = -1; i <= ZrGlSurface::ProgramCount; ++i)
+        m_view->ZrglSetPgm(static_cast<ZrGlSurface::eProgram>(i));
+    m_view->ZrglInitShaders();
+    m_view->ZrglInitPalette();
+    m_view->ZrglInitMarkers();
+    m_view->ZrglInitFont();
+    m_view->ZrglSetBackground(QStringLiteral(":/back_light.png"));
+    GLuint tex = 4711;
+    QVERIFY(!m_view->ZrglLoadImageToTexture(QStringLiteral(":/back_light.png"), tex));
+    QCOMPARE(tex, 4711U);
+    QCOMPARE(m_view->ZrglCompileShader(GL_VERTEX_SHADER, QStringLiteral(":/map.vsh")), 0);
+    QCOMPARE(m_view->ZrglLinkProgram(1, 2), 0);
+    QVERIFY(!m_view->IsReady());
     QVERIFY(recorder.draws.empty());
+    QVERIFY(recorder.programs.isEmpty() && recorder.shaders.isEmpty());
+    QCOMPARE(recorder.uploadedBytes, qint64(0));
     QCOMPARE(gl::Lines(), QString::fromLatin1(notCurrent));
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
     QVERIFY(IsBlack());
+    // What was set before takes effect with `OnCreate`.
+    gl::s_lines.clear();
+    m_view->OnCreate();
+    QVERIFY2(gl::s_lines.empty(), qPrintable(gl::Lines()));
+    QVERIFY(m_view->IsReady() && m_view->m_bgTex != 0);
+    QVERIFY(gl::DrawAll(*m_view, m_white) == recorder.draws.size());
 }
 
 void tst_ZrGlSurfaceErrors::contextLost()
@@ -324,9 +347,30 @@ void tst_ZrGlSurfaceErrors::createdAgain()
     m_context->Clear(Qt::black);
     Create();
     QCOMPARE(m_view->m_program, 0U);
+    {
+        // The program that was current is gone: there is none to load a matrix into or to draw with.
+        float corners[] = {0, 8.5F, 0, 0, 64, 8.5F, 0, 0};
+        const gl::Recorder recorder;
+        m_view->ZrglSetPgm(static_cast<ZrGlSurface::eProgram>(7));
+        m_view->ZrglRenderVboLine(corners, 2);
+        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+        QVERIFY(recorder.draws.empty());
+    }
     m_view->ZrglRenderPixelRect(0, 0, 64, 64, Qt::green);
     QCOMPARE(gl::CountNot(m_context->Read(), Qt::green), 0);
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+}
+
+void tst_ZrGlSurfaceErrors::everyLossIsLogged()
+{
+    for (int i = 1; i <= 3; ++i) {
+        m_view->OnCreate();
+        gl::s_lines.clear();
+        m_context->DoneCurrent();
+        gl::DrawAll(*m_view, m_white);
+        QCOMPARE(gl::Lines(), QString::fromLatin1(notCurrent));
+        QVERIFY(m_context->MakeCurrent());
+    }
 }
 
 void tst_ZrGlSurfaceErrors::zeroViewport_data()
@@ -363,6 +407,24 @@ void tst_ZrGlSurfaceErrors::zeroViewport()
     auto quad = WholeView();
     m_view->ZrglRenderVbo(quad.data(), m_white, ZrGlSurface::texture);
     QVERIFY(Unlike(Filled(Qt::white)).isEmpty());
+}
+
+void tst_ZrGlSurfaceErrors::emptyViewportOfTheSurface()
+{
+    // GL has another one still: what is placed in pixels of the surface's has no place.
+    Create();
+    m_view->m_overlayTex = m_white;
+    const QMatrix4x4 before = m_view->m_proj;
+    for (const QSize& size : {QSize(0, 0), QSize(0, 64), QSize(64, 0), QSize(-3, -3)}) {
+        m_view->ZrglSetViewport(QRect(QPoint(0, 0), size));
+        const gl::Recorder recorder;
+        m_view->ZrglRenderPixelRect(0, 0, 64, 64, Qt::red);
+        m_view->ZrglRenderOverlay();
+        m_view->ZrglRenderBackground();
+        QVERIFY(recorder.draws.empty());
+        QCOMPARE(m_view->m_proj, before);
+    }
+    QVERIFY(IsBlack());
 }
 
 void tst_ZrGlSurfaceErrors::tooLargeFont()

@@ -16,6 +16,8 @@ public:
 private Q_SLOTS:
     void markersInOrder();
     void withoutImages();
+    void markersThatAreGone();
+    void createdInOrder();
     void paletteFallback();
     void paletteCount_data();
     void paletteCount();
@@ -25,6 +27,7 @@ private Q_SLOTS:
     void imageToTexture();
     void damagedImage();
     void tooLargeImage();
+    void largestImage();
     void imageWithUnicodeName();
 };
 
@@ -67,6 +70,45 @@ void tst_ZrGlSurfaceImages::withoutImages()
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
+void tst_ZrGlSurfaceImages::markersThatAreGone()
+{
+    // What was loaded before is not kept.
+    Create();
+    QVERIFY(m_view->m_markers[0] != 0 && m_view->m_markers[14] != 0);
+    const resource::Without without(QStringLiteral(":/marker_pin.png"));
+    QVERIFY(without.IsDone());
+    m_view->ZrglInitMarkers();
+    for (const GLuint tex : m_view->m_markers)
+        QCOMPARE(tex, 0U);
+    QCOMPARE(gl::s_lines.size(), std::size_t(15));
+}
+
+void tst_ZrGlSurfaceImages::createdInOrder()
+{
+    // Programs, palettes, markers, background: told by what each says where nothing is to be had.
+    const resource::Without shaders(QStringLiteral(":/map.vsh"));
+    const resource::Without images(QStringLiteral(":/marker_pin.png"));
+    for (const char* name : {":/map.vsh", ":/palettes.png", ":/marker_pin.png", ":/back_light.png"})
+        QVERIFY2(!QFile::exists(QString::fromLatin1(name)), name);
+    m_view->m_background = QStringLiteral(":/back_light.png");
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
+            gl::s_lines.push_back({0, QString(), text});
+        });
+    m_view->OnCreate();
+    qInstallMessageHandler(before);
+    QStringList texts;
+    for (const gl::LogLine& line : gl::s_lines) {
+        const QString text = line.text.section(QLatin1Char(' '), 0, 1);
+        if (texts.isEmpty() || texts.last() != text)
+            texts << text;
+    }
+    QCOMPARE(texts,
+        QStringList({QStringLiteral("Cannot read"), QStringLiteral("zrglInitPalette, Cannot"),
+            QStringLiteral("Marker image"), QStringLiteral("Background image")}));
+    QCOMPARE(gl::s_lines.size(), std::size_t(14 + 1 + 15 + 1));
+}
+
 void tst_ZrGlSurfaceImages::paletteFallback()
 {
     const resource::Without without(QStringLiteral(":/palettes.png"));
@@ -81,6 +123,16 @@ void tst_ZrGlSurfaceImages::paletteFallback()
                 "zrglInitPalette, Cannot load palettes bitmap from resource, using default greyscale")));
     }
     QCOMPARE(m_view->m_palCount, 1);
+    QOpenGLFunctions* f = m_context->Functions();
+    f->glBindTexture(GL_TEXTURE_2D, m_view->m_palTex);
+    const QMap<GLenum, GLint> sampled{{GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
+        {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE}, {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+        {GL_TEXTURE_MIN_FILTER, GL_NEAREST}};
+    for (auto it = sampled.cbegin(); it != sampled.cend(); ++it) {
+        GLint value = 0;
+        f->glGetTexParameteriv(GL_TEXTURE_2D, it.key(), &value);
+        QCOMPARE(value, it.value());
+    }
     const QImage image = m_context->ReadTexture(m_view->m_palTex, QSize(256, 256));
     QVERIFY(!image.isNull());
     // 256 rows of bytes 0 to 255 one behind the other, then three of 255 that the last entry left.
@@ -234,22 +286,42 @@ void tst_ZrGlSurfaceImages::tooLargeImage()
     Create();
     GLint most = 0;
     m_context->Functions()->glGetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
-    QImage image(most + 1, 1, QImage::Format_Grayscale8);
-    image.fill(Qt::white);
+    for (const QSize& size : {QSize(most + 1, 1), QSize(1, most + 1)}) {
+        gl::s_lines.clear();
+        QImage image(size, QImage::Format_Grayscale8);
+        image.fill(Qt::white);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("large.png"));
+        QVERIFY(image.save(path));
+        GLuint tex = 0;
+        QVERIFY(!m_view->ZrglLoadImageToTexture(path, tex));
+        QCOMPARE(tex, 0U);
+        QCOMPARE(gl::Lines(),
+            QStringLiteral("An image of %1 by %2 pixels is larger than a texture may be: %3")
+                .arg(size.width())
+                .arg(size.height())
+                .arg(most));
+        gl::s_lines.clear();
+        m_view->ZrglSetBackground(path);
+        QVERIFY(gl::Lines().contains(QLatin1String("Background image load failed: ") + path));
+        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+    }
+}
+
+void tst_ZrGlSurfaceImages::largestImage()
+{
+    Create();
+    GLint most = 0;
+    m_context->Functions()->glGetIntegerv(GL_MAX_TEXTURE_SIZE, &most);
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("wide.png"));
-    QVERIFY(image.save(path));
-    GLuint tex = 0;
-    QVERIFY(!m_view->ZrglLoadImageToTexture(path, tex));
-    QCOMPARE(tex, 0U);
-    QCOMPARE(gl::Lines(),
-        QStringLiteral("An image of %1 by 1 pixels is larger than a texture may be: %2")
-            .arg(most + 1)
-            .arg(most));
-    gl::s_lines.clear();
-    m_view->ZrglSetBackground(path);
-    QVERIFY(gl::Lines().contains(QLatin1String("Background image load failed: ") + path));
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+    const QString path = dir.filePath(QStringLiteral("long.png"));
+    for (const QSize& size : {QSize(most, 1), QSize(1, most)}) {
+        QVERIFY(Filled(size, QColor(9, 8, 7)).save(path));
+        GLuint tex = 0;
+        QVERIFY(m_view->ZrglLoadImageToTexture(path, tex));
+        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+    }
+    QVERIFY2(gl::s_lines.empty(), qPrintable(gl::Lines()));
 }
 
 void tst_ZrGlSurfaceImages::imageWithUnicodeName()

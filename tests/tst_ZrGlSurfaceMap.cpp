@@ -65,6 +65,7 @@ private Q_SLOTS:
     void offsetIsAdded_data();
     void offsetIsAdded();
     void otherValuesPassUnchanged();
+    void texturesWithOtherValues();
 
 private:
     void AddViews();
@@ -321,6 +322,26 @@ void tst_ZrGlSurfaceMap::otherValuesPassUnchanged()
     GLint map = 0;
     f->glGetUniformiv(m_view->m_program, f->glGetUniformLocation(m_view->m_program, "uMap"), &map);
     QCOMPARE(map, 1);
+}
+
+void tst_ZrGlSurfaceMap::texturesWithOtherValues()
+{
+    QOpenGLFunctions* f = m_context->Functions();
+    const GLuint tex = m_context->Texture(Filled(QSize(1, 1), Qt::yellow));
+    float quad[] = {-100, 10, 0, 0, -100, 20, 0, 1, 100, 10, 1, 0, 100, 20, 1, 1};
+    QImage expected = Filled(Qt::black);
+    for (int y = 10; y < 20; ++y) {
+        for (int x = -100; x < 100; ++x)
+            expected.setPixelColor(wide / 2 + x, high / 2 - 1 - y, Qt::yellow);
+    }
+    for (const int value : {0, 2, -1}) {
+        m_context->Clear(Qt::black);
+        Use(ZrGlSurface::texture, {512345.678, 4812345.321, 0.01, 8, 0});
+        f->glUniform1i(f->glGetUniformLocation(m_view->m_program, "uMap"), value);
+        m_view->ZrglRenderVbo(quad, tex, ZrGlSurface::texture);
+        const QString difference = Unlike(expected);
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
 }
 
 GL_TEST_MAIN(tst_ZrGlSurfaceMap)

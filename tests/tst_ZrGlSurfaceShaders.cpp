@@ -386,6 +386,8 @@ void tst_ZrGlSurfaceShaders::waterfall_data()
     QTest::newRow("no altitude") << 1 << 50.0F << 0.0F << 32.0F << 32.0;
     QTest::newRow("negative altitude") << 1 << 50.0F << -30.0F << 32.0F << 32.0;
     QTest::newRow("wider") << 1 << 100.0F << 30.0F << 32.0F << 12.8;
+    // The altitude is no depth in the view, which reaches 100 before and behind its plane.
+    QTest::newRow("high above") << 0 << 50.0F << 150.0F << 32.0F << 32.0;
     QTest::newRow("in the water column") << 1 << 50.0F << 60.0F << 32.0F << 0.0;
 }
 

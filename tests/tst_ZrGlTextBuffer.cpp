@@ -1,4 +1,4 @@
-// The buffer of laid-out text, how texts are laid out, and the glyph table; none of it needs a context.
+// The buffer of laid-out text and how texts are laid out; neither needs a context.
 
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrGlTextBuffer.h"
@@ -25,19 +25,6 @@ QFont Font(int pixels)
     return font;
 }
 
-/// Sides of the atlas, from a glyph's size and place.
-QSize AtlasOf(const ZrGlSurface& view)
-{
-    const ZrGlSurface::Glyph& g = view.m_glyphs[33];
-    return {qRound(static_cast<float>(g.width) / (g.s1 - g.s0)),
-        qRound(static_cast<float>(g.height) / (g.t1 - g.t0))};
-}
-
-bool IsPowerOfTwo(int v)
-{
-    return v > 0 && (v & (v - 1)) == 0;
-}
-
 } // namespace
 
 class tst_ZrGlTextBuffer : public QObject
@@ -61,17 +48,12 @@ private Q_SLOTS:
     void scaled();
     void turned();
     void outsideTheTable();
+    void lastOfTheTable();
+    void highestCounts();
     void surrogates();
     void longText();
 
     void noFontYet();
-    void glyphsAreMeasured();
-    void narrowAtlasStays_data();
-    void narrowAtlasStays();
-    void atlasIsFolded_data();
-    void atlasIsFolded();
-    void glyphsDoNotOverlap_data();
-    void glyphsDoNotOverlap();
 };
 
 void tst_ZrGlTextBuffer::starts()
@@ -215,6 +197,8 @@ void tst_ZrGlTextBuffer::flags_data()
     QTest::newRow("32 means nothing") << 32U << 0.0 << 0.0;
     QTest::newRow("centre of all") << 18U << -0.5 << -0.5;
     QTest::newRow("top right") << 12U << -1.0 << -1.0;
+    QTest::newRow("centre before right") << 6U << -0.5 << 0.0;
+    QTest::newRow("middle before top") << 24U << 0.0 << -0.5;
     QTest::newRow("mirrored in place") << 192U << 0.0 << 0.0;
 }
 
@@ -253,7 +237,7 @@ void tst_ZrGlTextBuffer::mirrored()
     ZrGlTextBuffer plain;
     view.ZrglAddText(plain, 0, 0, 0, QStringLiteral("k"), 0);
     const ZrGlSurface::Glyph& g = view.m_glyphs['k' - 32];
-    for (const unsigned flags : {64U, 128U, 192U}) {
+    for (const unsigned flags : {1U, 32U, 64U, 128U, 192U}) {
         ZrGlTextBuffer buffer;
         view.ZrglAddText(buffer, 0, 0, 0, QStringLiteral("k"), flags);
         for (int v = 0; v < 6; ++v) {
@@ -326,6 +310,29 @@ void tst_ZrGlTextBuffer::outsideTheTable()
         QVERIFY(std::isfinite(buffer.m_data[i]));
 }
 
+void tst_ZrGlTextBuffer::lastOfTheTable()
+{
+    View view;
+    view.ZrglSetFont(Font(16));
+    ZrGlTextBuffer buffer;
+    view.ZrglAddText(buffer, 0, 0, 0, QStringLiteral("}"), 0);
+    QVERIFY(view.m_glyphs[93].width > 0);
+    QCOMPARE(buffer.m_data[5 * 4], static_cast<float>(view.m_glyphs[93].width));
+}
+
+void tst_ZrGlTextBuffer::highestCounts()
+{
+    // A character outside the table has no height, wherever it stands.
+    View view;
+    view.ZrglSetFont(Font(16));
+    const auto high = static_cast<float>(view.m_glyphs['a' - 32].height);
+    for (const QString& text : {QStringLiteral("a\u20ac"), QStringLiteral("\u20aca")}) {
+        ZrGlTextBuffer buffer;
+        view.ZrglAddText(buffer, 0, 0, 0, text, 8);
+        QCOMPARE(buffer.m_data[1], -high);
+    }
+}
+
 void tst_ZrGlTextBuffer::surrogates()
 {
     View view;
@@ -362,118 +369,6 @@ void tst_ZrGlTextBuffer::noFontYet()
     for (int v = 0; v < 18; ++v) {
         QCOMPARE(buffer.m_data[v * 4], 3.0F);
         QCOMPARE(buffer.m_data[v * 4 + 1], 4.0F);
-    }
-}
-
-void tst_ZrGlTextBuffer::narrowAtlasStays_data()
-{
-    QTest::addColumn<int>("pixels");
-    for (const int pixels : {333, 400, 501})
-        QTest::addRow("%d", pixels) << pixels;
-}
-
-void tst_ZrGlTextBuffer::narrowAtlasStays()
-{
-    // A row of glyphs that is at most twice as wide as high is not folded, and its sides are not rounded.
-    QFETCH(int, pixels);
-    QFont font = Font(pixels);
-    font.setStretch(1);
-    View view;
-    view.ZrglSetFont(font);
-    int wide = 0;
-    for (const ZrGlSurface::Glyph& g : view.m_glyphs) {
-        QVERIFY(g.width > 0);
-        wide += g.width + 2;
-    }
-    const int high = view.m_glyphs[0].height;
-    QVERIFY2(wide <= 2 * high, qPrintable(QStringLiteral("%1 x %2").arg(wide).arg(high)));
-    QVERIFY(!IsPowerOfTwo(wide) && !IsPowerOfTwo(high));
-    int x = 0;
-    for (const ZrGlSurface::Glyph& g : view.m_glyphs) {
-        QCOMPARE(g.s0, static_cast<float>(x) / static_cast<float>(wide));
-        QCOMPARE(g.t0, 0.0F);
-        QCOMPARE(g.t1, 1.0F);
-        x += g.width + 2;
-    }
-}
-
-void tst_ZrGlTextBuffer::glyphsAreMeasured()
-{
-    View view;
-    const QFont font = Font(19);
-    view.ZrglSetFont(font);
-    QCOMPARE(view.m_font, font);
-    const QFontMetrics metrics(font);
-    for (int i = 0; i < 94; ++i) {
-        const ZrGlSurface::Glyph& g = view.m_glyphs[static_cast<std::size_t>(i)];
-        QCOMPARE(int(g.code), 32 + i);
-        QCOMPARE(g.width, metrics.horizontalAdvance(QChar(32 + i)));
-        QCOMPARE(g.height, metrics.height());
-    }
-    View other;
-    other.m_font = Font(31);
-    other.ZrglInitFont();
-    QCOMPARE(other.m_glyphs[5].height, QFontMetrics(Font(31)).height());
-}
-
-void tst_ZrGlTextBuffer::atlasIsFolded_data()
-{
-    QTest::addColumn<int>("pixels");
-    for (const int pixels : {1, 6, 12, 16, 24, 40, 100})
-        QTest::addRow("%d", pixels) << pixels;
-}
-
-void tst_ZrGlTextBuffer::atlasIsFolded()
-{
-    QFETCH(int, pixels);
-    View view;
-    view.ZrglSetFont(Font(pixels));
-    int w = 0;
-    for (const ZrGlSurface::Glyph& g : view.m_glyphs)
-        w += g.width + 2;
-    int h = view.m_glyphs[0].height;
-    bool isFolded = false;
-    while (w > 2 * h) {
-        int half = 1;
-        while (half < w / 2.0)
-            half *= 2;
-        int twice = 1;
-        while (twice < 2 * h)
-            twice *= 2;
-        w = half;
-        h = twice;
-        isFolded = true;
-    }
-    QVERIFY(isFolded);
-    QCOMPARE(AtlasOf(view), QSize(w, h));
-    QVERIFY(IsPowerOfTwo(w) && IsPowerOfTwo(h));
-    QVERIFY(w <= 2 * h);
-}
-
-void tst_ZrGlTextBuffer::glyphsDoNotOverlap_data()
-{
-    atlasIsFolded_data();
-}
-
-void tst_ZrGlTextBuffer::glyphsDoNotOverlap()
-{
-    QFETCH(int, pixels);
-    View view;
-    view.ZrglSetFont(Font(pixels));
-    const QSize atlas = AtlasOf(view);
-    int x = 0;
-    int y = 0;
-    for (const ZrGlSurface::Glyph& g : view.m_glyphs) {
-        if (x + g.width > atlas.width()) {
-            x = 0;
-            y += g.height;
-        }
-        QCOMPARE(qRound(g.s0 * static_cast<float>(atlas.width())), x);
-        QCOMPARE(qRound(g.s1 * static_cast<float>(atlas.width())), x + g.width);
-        QCOMPARE(qRound(g.t0 * static_cast<float>(atlas.height())), y);
-        QCOMPARE(qRound(g.t1 * static_cast<float>(atlas.height())), y + g.height);
-        QVERIFY(g.s1 <= 1.0F && g.t1 <= 1.0F);
-        x += g.width + 2;
     }
 }
 

@@ -13,11 +13,16 @@ class Surface : public ZrGlSurface
 {
 public:
     QList<QSize> sizes;
+    QList<QRect> viewports; ///< there were at each of these
     QList<QPair<QString, const QEvent*>> events;
 
     void Render() override { }
 
-    void OnResize(int width, int height) override { sizes << QSize(width, height); }
+    void OnResize(int width, int height) override
+    {
+        sizes << QSize(width, height);
+        viewports << m_viewport;
+    }
 
     void OnMouseMove(QMouseEvent* event) override { events << qMakePair(QStringLiteral("move"), event); }
 
@@ -118,6 +123,8 @@ void tst_ZrSfHolder::viewport()
     m_holder->MatchViewport();
     QCOMPARE(surface.m_viewport, expected);
     QCOMPARE(surface.sizes, QList<QSize>({expected.size()}));
+    // The viewport comes first.
+    QCOMPARE(surface.viewports, QList<QRect>({expected}));
 }
 
 void tst_ZrSfHolder::viewportFollowsTheGeometry()

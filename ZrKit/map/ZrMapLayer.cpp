@@ -19,7 +19,7 @@ void ZrMapLayer::Release(ZrGlSurface& surface)
 {
     if (!m_isBuilt)
         return;
-    if (m_context && m_context == QOpenGLContext::currentContext())
+    if (m_context && m_context == QOpenGLContext::currentContext() && surface.IsReady())
         OnRelease(surface);
     else
         OnForget();

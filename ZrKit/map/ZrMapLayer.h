@@ -33,10 +33,12 @@ public:
     ZrMapLayer& operator=(const ZrMapLayer&) = delete;
 
     /// Draws what is visible of it. The context is current and \p view applied to \p surface; without a
-    /// context or pixels, and while the layer is not visible, nothing is drawn.
+    /// context or pixels, while the surface is not ready, and while the layer is not visible, nothing is
+    /// drawn.
     void Paint(ZrGlSurface& surface, const ZrMapView& view);
 
-    /// Deletes its GL objects. The context is current.
+    /// Deletes its GL objects. The context is current and the surface ready; otherwise they are left to the
+    /// context.
     void Release(ZrGlSurface& surface);
 
 protected:

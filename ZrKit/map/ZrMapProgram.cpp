@@ -14,10 +14,11 @@ ZrMapProgram::ZrMapProgram(QString vertex, QString fragment)
 bool ZrMapProgram::Use(ZrGlSurface& surface)
 {
     if (!m_isTried) {
-        m_isTried = true;
+        // A surface that is not ready says so in the debug log and builds nothing; later it may.
+        m_isTried = surface.IsReady();
         m_program = static_cast<unsigned>(surface.ZrglBuildProgram(m_vertex, m_fragment));
     }
-    if (m_program == 0)
+    if (m_program == 0 || !surface.IsReady())
         return false;
     surface.m_gl.glUseProgram(m_program);
     surface.m_gl.glUniformMatrix4fv(Uniform(surface, "uMatrix"), 1, GL_FALSE, surface.m_proj.constData());

@@ -12,13 +12,14 @@ struct ZrMapSplit;
 /// A shader program of a layer: built at its first use, its locations looked up once.
 ///
 /// The context must be current. A program that does not build is not tried again; the debug log has the
-/// reason. GUI thread only.
+/// reason. While the surface is not ready nothing is tried. GUI thread only.
 class ZR_KIT_EXPORT ZrMapProgram
 {
 public:
     ZrMapProgram(QString vertex, QString fragment); ///< resources of the two shaders
 
-    /// Makes it current and sets "uMatrix" to the projection of \p surface. False when it did not build.
+    /// Makes it current and sets "uMatrix" to the projection of \p surface. False when it did not build and
+    /// while the surface is not ready.
     bool Use(ZrGlSurface& surface);
 
     /// The location of a uniform, -1 for none. After `Use`.
