@@ -151,7 +151,7 @@ void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*sourc
     g_lines << QString::fromUtf8(message);
 }
 
-class tst_ZrMapLayer : public QObject
+class tst_ZrMapLayerKinds : public QObject
 {
     Q_OBJECT
 
@@ -199,21 +199,21 @@ private:
     ZrMapView m_view;
 };
 
-void tst_ZrMapLayer::initTestCase_data()
+void tst_ZrMapLayerKinds::initTestCase_data()
 {
     QTest::addColumn<Api>("api");
     QTest::newRow("desktop") << Api::desktop;
     QTest::newRow("es") << Api::es;
 }
 
-void tst_ZrMapLayer::AddKinds()
+void tst_ZrMapLayerKinds::AddKinds()
 {
     QTest::addColumn<std::size_t>("kind");
     for (std::size_t i = 0; i < Kinds().size(); ++i)
         QTest::newRow(Kinds()[i].name) << i;
 }
 
-void tst_ZrMapLayer::init()
+void tst_ZrMapLayerKinds::init()
 {
     zr_debug_log_level = 2;
     zr_debug_log_to_dbg = 1;
@@ -225,7 +225,7 @@ void tst_ZrMapLayer::init()
     MakeSurface(true);
 }
 
-void tst_ZrMapLayer::cleanup()
+void tst_ZrMapLayerKinds::cleanup()
 {
     const GLenum error = m_context ? m_context->TakeErrors() : GLenum(GL_NO_ERROR);
     zr_debug_log_level = -1;
@@ -235,7 +235,7 @@ void tst_ZrMapLayer::cleanup()
     QCOMPARE(error, GLenum(GL_NO_ERROR));
 }
 
-void tst_ZrMapLayer::MakeContext()
+void tst_ZrMapLayerKinds::MakeContext()
 {
     QFETCH_GLOBAL(Api, api);
     m_context.reset();
@@ -243,7 +243,7 @@ void tst_ZrMapLayer::MakeContext()
     QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
 }
 
-void tst_ZrMapLayer::MakeSurface(bool isCreated)
+void tst_ZrMapLayerKinds::MakeSurface(bool isCreated)
 {
     m_surface = std::make_unique<GlView>();
     m_surface->m_background = QStringLiteral(":/back_light.png");
@@ -254,7 +254,7 @@ void tst_ZrMapLayer::MakeSurface(bool isCreated)
 }
 
 /// Paints on a clear ground; the pixels that something was drawn in.
-int tst_ZrMapLayer::Painted(ZrMapLayer& layer)
+int tst_ZrMapLayerKinds::Painted(ZrMapLayer& layer)
 {
     m_context->Clear(background);
     m_view.Apply(*m_surface);
@@ -262,7 +262,7 @@ int tst_ZrMapLayer::Painted(ZrMapLayer& layer)
     return gl::CountNot(m_context->Read(), background);
 }
 
-void tst_ZrMapLayer::calls()
+void tst_ZrMapLayerKinds::calls()
 {
     const QString paint = QStringLiteral("paint");
     Noted layer;
@@ -285,7 +285,7 @@ void tst_ZrMapLayer::calls()
     QCOMPARE(layer.calls.last(), paint);
 }
 
-void tst_ZrMapLayer::callsInAnotherContext()
+void tst_ZrMapLayerKinds::callsInAnotherContext()
 {
     QFETCH_GLOBAL(Api, api);
     const QString paint = QStringLiteral("paint");
@@ -316,7 +316,7 @@ void tst_ZrMapLayer::callsInAnotherContext()
     QCOMPARE(layer.calls, QStringList({forget}));
 }
 
-void tst_ZrMapLayer::releaseOfNothing()
+void tst_ZrMapLayerKinds::releaseOfNothing()
 {
     Noted layer;
     layer.Release(*m_surface);
@@ -328,7 +328,7 @@ void tst_ZrMapLayer::releaseOfNothing()
 }
 
 /// Nothing is drawn and the debug log says so; as soon as the surface is ready the layer is seen.
-void tst_ZrMapLayer::beforeOnCreate()
+void tst_ZrMapLayerKinds::beforeOnCreate()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -349,7 +349,7 @@ void tst_ZrMapLayer::beforeOnCreate()
 }
 
 /// The functions that the surface has are those of the context that is gone.
-void tst_ZrMapLayer::newContextBeforeOnCreate()
+void tst_ZrMapLayerKinds::newContextBeforeOnCreate()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -370,7 +370,7 @@ void tst_ZrMapLayer::newContextBeforeOnCreate()
     layer->Release(*m_surface);
 }
 
-void tst_ZrMapLayer::releaseBySurfaceThatIsNotReady()
+void tst_ZrMapLayerKinds::releaseBySurfaceThatIsNotReady()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -385,7 +385,7 @@ void tst_ZrMapLayer::releaseBySurfaceThatIsNotReady()
     layer->Release(*m_surface);
 }
 
-void tst_ZrMapLayer::nothingToDrawOn()
+void tst_ZrMapLayerKinds::nothingToDrawOn()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -404,7 +404,7 @@ void tst_ZrMapLayer::nothingToDrawOn()
 }
 
 /// An error that somebody left is not taken for one of the layer's.
-void tst_ZrMapLayer::errorsOfOthers()
+void tst_ZrMapLayerKinds::errorsOfOthers()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -423,7 +423,7 @@ void tst_ZrMapLayer::errorsOfOthers()
 }
 
 /// Blending off, no arrays, no buffers, lines of one pixel, texture unit 0; and no look-up in a second frame.
-void tst_ZrMapLayer::leavesTheContextClean()
+void tst_ZrMapLayerKinds::leavesTheContextClean()
 {
     QFETCH(std::size_t, kind);
     const auto layer = Kinds()[kind].make();
@@ -458,5 +458,5 @@ void tst_ZrMapLayer::leavesTheContextClean()
     layer->Release(*m_surface);
 }
 
-GL_TEST_MAIN(tst_ZrMapLayer)
-#include "tst_ZrMapLayer.moc"
+GL_TEST_MAIN(tst_ZrMapLayerKinds)
+#include "tst_ZrMapLayerKinds.moc"
