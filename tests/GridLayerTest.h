@@ -2,18 +2,14 @@
 
 // What the tests of the grid layer share. For programs of one source file: it defines the debug log.
 
-#include "GlView.h"
+#include "MapLayerTest.h"
 #include "ZrDebugLog/ZrDebugLog.h"
 #include "ZrKit/map/ZrGridLayer.h"
-#include "ZrKit/map/ZrMapView.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
-#include <QtWidgets>
-
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace grid_test {
 
@@ -74,42 +70,17 @@ void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*sourc
 
 using namespace grid_test;
 
-/// What each test function begins with, and what it paints with.
-class GridLayerTest : public QObject
+/// What each test function begins and ends with.
+class GridLayerTest : public MapLayerTest<ZrGridLayer>
 {
 protected:
-    static void AddContexts();
     void Begin();
     void End();
-    void Paint();
-    QImage Painted(const QColor& background = Qt::black);
-    void MakeContext();
 
-    std::unique_ptr<gl::Context> m_context;
-    std::unique_ptr<GlView> m_surface;
-    std::unique_ptr<ZrGridLayer> m_layer;
-    ZrMapView m_view;
+    void MakeContext() { MapLayerTest::MakeContext(QSize(width, height)); }
+
     ZrProj m_projection;
 };
-
-inline void GridLayerTest::AddContexts()
-{
-    QTest::addColumn<gl::Api>("api");
-    QTest::newRow("GL") << Api::desktop;
-    QTest::newRow("ES") << Api::es;
-}
-
-inline void GridLayerTest::MakeContext()
-{
-    QFETCH_GLOBAL(gl::Api, api);
-    m_context = std::make_unique<gl::Context>(api, QSize(width, height));
-    QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
-    m_surface = std::make_unique<GlView>();
-    m_surface->m_background = QStringLiteral(":/back_light.png");
-    m_surface->ZrglSetViewport(0, 0, width, height);
-    m_surface->OnCreate();
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
 
 inline void GridLayerTest::Begin()
 {
@@ -134,26 +105,7 @@ inline void GridLayerTest::End()
 {
     zr_debug_log_level = -1;
     zr_debug_log_to_dbg = 0;
-    if (m_context && m_surface) {
-        m_layer->Release(*m_surface);
-        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    }
-    m_layer.reset();
-    m_surface.reset();
-    m_context.reset();
+    EndContext();
     ZrUnits::SetToMetric();
     ZrUnits::SetGeoStyle(eGeoDMSFrac);
-}
-
-inline void GridLayerTest::Paint()
-{
-    m_view.Apply(*m_surface);
-    m_layer->Paint(*m_surface, m_view);
-}
-
-inline QImage GridLayerTest::Painted(const QColor& background)
-{
-    m_context->Clear(background);
-    Paint();
-    return m_context->Read().convertToFormat(QImage::Format_RGB32);
 }

@@ -2,17 +2,13 @@
 
 // What the tests of the label layer share. For programs of one source file: it defines the debug log.
 
-#include "GlView.h"
+#include "MapLayerTest.h"
 #include "ZrDebugLog/ZrDebugLog.h"
 #include "ZrKit/map/ZrLabelLayer.h"
-#include "ZrKit/map/ZrMapView.h"
 #include "ZrUtil/ZrTheme.h"
-
-#include <QtWidgets>
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace label_test {
 
@@ -71,41 +67,15 @@ void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*sourc
 
 using namespace label_test;
 
-/// What each test function begins with, and what it paints with.
-class LabelLayerTest : public QObject
+/// What each test function begins and ends with.
+class LabelLayerTest : public MapLayerTest<ZrLabelLayer>
 {
 protected:
-    static void AddContexts();
     void Begin();
     void End();
-    void Paint();
-    QImage Painted(const QColor& background = Qt::black);
-    void MakeContext();
 
-    std::unique_ptr<gl::Context> m_context;
-    std::unique_ptr<GlView> m_surface;
-    std::unique_ptr<ZrLabelLayer> m_layer;
-    ZrMapView m_view;
+    void MakeContext() { MapLayerTest::MakeContext(QSize(width, height)); }
 };
-
-inline void LabelLayerTest::AddContexts()
-{
-    QTest::addColumn<gl::Api>("api");
-    QTest::newRow("GL") << Api::desktop;
-    QTest::newRow("ES") << Api::es;
-}
-
-inline void LabelLayerTest::MakeContext()
-{
-    QFETCH_GLOBAL(gl::Api, api);
-    m_context = std::make_unique<gl::Context>(api, QSize(width, height));
-    QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
-    m_surface = std::make_unique<GlView>();
-    m_surface->m_background = QStringLiteral(":/back_light.png");
-    m_surface->ZrglSetViewport(0, 0, width, height);
-    m_surface->OnCreate();
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-}
 
 inline void LabelLayerTest::Begin()
 {
@@ -126,25 +96,5 @@ inline void LabelLayerTest::End()
 {
     zr_debug_log_level = -1;
     zr_debug_log_to_dbg = 0;
-    if (m_context && m_surface) {
-        m_layer->Release(*m_surface);
-        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    }
-    m_layer.reset();
-    m_surface.reset();
-    m_context.reset();
-}
-
-inline void LabelLayerTest::Paint()
-{
-    m_view.Apply(*m_surface);
-    m_layer->Paint(*m_surface, m_view);
-}
-
-inline QImage LabelLayerTest::Painted(const QColor& background)
-{
-    m_context->Clear(background);
-    Paint();
-    // Blending changes the alpha.
-    return m_context->Read().convertToFormat(QImage::Format_RGB32);
+    EndContext();
 }

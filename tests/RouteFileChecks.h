@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ProgramOutput.h"
 #include "ZrKit/planning/ZrRouteFile.h"
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrWpts.h"
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest/QtTest>
 
@@ -200,19 +200,6 @@ inline bool WriteWhole(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-/// What another program writes to its standard output; empty when it fails.
-inline QByteArray OutputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit
-        || process.exitCode() != 0) {
-        qWarning("%s: %s", qPrintable(program), process.readAllStandardError().constData());
-        return QByteArray();
-    }
-    return process.readAllStandardOutput();
 }
 
 /// The positions of \p route, "lat long name" each.

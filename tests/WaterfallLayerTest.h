@@ -2,16 +2,12 @@
 
 // What the tests of the waterfall layer share. For programs of one source file: it defines the debug log.
 
-#include "GlView.h"
+#include "MapLayerTest.h"
 #include "ZrDebugLog/ZrDebugLog.h"
-#include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/map/ZrWaterfallLayer.h"
-
-#include <QtWidgets>
 
 #include <cmath>
 #include <functional>
-#include <memory>
 
 namespace waterfall_test {
 
@@ -96,66 +92,37 @@ void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*sourc
 using namespace waterfall_test;
 
 /// What each test function begins with, and what it paints with.
-class WaterfallLayerTest : public QObject
+class WaterfallLayerTest : public MapLayerTest<ZrWaterfallLayer>
 {
 protected:
-    static void AddContexts();
     void Begin();
-    void End();
-    void Paint();
+
+    void End() { EndContext(); }
+
     QImage Painted();
     bool Is(const QColor& colour, double index, int palette = 1) const;
     QString Mismatch(const QImage& image, const std::function<int(int, int)>& expected) const;
 
-    std::unique_ptr<gl::Context> m_context;
-    std::unique_ptr<GlView> m_surface;
-    std::unique_ptr<ZrWaterfallLayer> m_layer;
-    ZrMapView m_map;
     QImage m_palettes;
     bool m_isEs = false;
 };
 
-inline void WaterfallLayerTest::AddContexts()
-{
-    QTest::addColumn<gl::Api>("api");
-    QTest::newRow("GL") << Api::desktop;
-    QTest::newRow("ES") << Api::es;
-}
-
 inline void WaterfallLayerTest::Begin()
 {
-    QFETCH_GLOBAL(gl::Api, api);
-    m_isEs = api == Api::es;
-    m_context = std::make_unique<gl::Context>(api, QSize(side, side));
-    QVERIFY2(m_context->Error().isEmpty(), qPrintable(m_context->Error()));
-    m_surface = std::make_unique<GlView>();
-    m_surface->m_background = QStringLiteral(":/back_light.png");
-    m_surface->OnCreate();
+    MakeContext(QSize(side, side));
+    if (QTest::currentTestFailed())
+        return;
+    m_isEs = m_context->Get()->isOpenGLES();
     m_palettes = QImage(QStringLiteral(":/palettes.png")).convertToFormat(QImage::Format_RGBA8888);
     QCOMPARE(m_palettes.width(), 256);
-    m_map = ZrMapView();
-    m_map.SetSize(side, side);
+    m_view = ZrMapView();
+    m_view.SetSize(side, side);
     m_layer = std::make_unique<ZrWaterfallLayer>();
     m_layer->m_view.rect = QRect(0, 0, side, side);
     m_context->Clear(background);
-    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
-inline void WaterfallLayerTest::End()
-{
-    if (m_context)
-        QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
-    m_layer.reset();
-    m_surface.reset();
-    m_context.reset();
-}
-
-inline void WaterfallLayerTest::Paint()
-{
-    m_map.Apply(*m_surface);
-    m_layer->Paint(*m_surface, m_map);
-}
-
+/// With the alpha that is left of it.
 inline QImage WaterfallLayerTest::Painted()
 {
     m_context->Clear(background);

@@ -15,12 +15,7 @@ inline ToolResult RunRoute(const QStringList& arguments)
 /// `zr route` with \p arguments while no file may grow beyond \p bytes (a multiple of 512).
 inline ToolResult RunRouteLimited(const QStringList& arguments, int bytes)
 {
-    QProcess process;
-    process.start(QStringLiteral("/bin/sh"),
-        QStringList{QStringLiteral("-c"), QStringLiteral("ulimit -f %1; exec \"$@\"").arg(bytes / 512),
-            QStringLiteral("sh"), ToolPath(), QStringLiteral("route")}
-            + arguments);
-    return Finish(process);
+    return RunToolLimited(QStringList(QStringLiteral("route")) + arguments, bytes);
 }
 
 /// The head of a list of waypoints: of a route that is linked, at 0.5 m/s.

@@ -85,15 +85,21 @@ inline ToolResult RunLog(const QStringList& arguments)
     return RunTool(QStringList(QStringLiteral("log")) + arguments);
 }
 
-/// `zr log` with \p arguments while no file may grow beyond \p bytes (a multiple of 512).
-inline ToolResult RunLogLimited(const QStringList& arguments, int bytes)
+/// The tool while no file may grow beyond \p bytes (a multiple of 512).
+inline ToolResult RunToolLimited(const QStringList& arguments, int bytes)
 {
     QProcess process;
     process.start(QStringLiteral("/bin/sh"),
         QStringList{QStringLiteral("-c"), QStringLiteral("ulimit -f %1; exec \"$@\"").arg(bytes / 512),
-            QStringLiteral("sh"), ToolPath(), QStringLiteral("log")}
+            QStringLiteral("sh"), ToolPath()}
             + arguments);
     return Finish(process);
+}
+
+/// `zr log` with \p arguments, likewise.
+inline ToolResult RunLogLimited(const QStringList& arguments, int bytes)
+{
+    return RunToolLimited(QStringList(QStringLiteral("log")) + arguments, bytes);
 }
 
 /// Everything in \p folder, hidden files too.

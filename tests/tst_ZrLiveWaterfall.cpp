@@ -1,7 +1,6 @@
 #include "ZrKit/map/ZrLiveWaterfall.h"
 #include "ZrKit/map/ZrPaletteRows.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
-#include "ZrKit/ui/ZrByteText.h"
 
 #include <QImage>
 #include <QtTest>
@@ -22,8 +21,6 @@ private Q_SLOTS:
     void seaFloorIsVisible();
     void clears();
     void paletteRows();
-    void byteTexts_data();
-    void byteTexts();
 
 private:
     static ZrPingRecord Ping(u32 number, u8 side)
@@ -166,30 +163,6 @@ void tst_ZrLiveWaterfall::paletteRows()
     }
     QCOMPARE(ZrPaletteRows::Of(QStringLiteral("none")), -1);
     QCOMPARE(ZrPaletteRows::Of(QString()), -1);
-}
-
-void tst_ZrLiveWaterfall::byteTexts_data()
-{
-    QTest::addColumn<double>("bytes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("0") << 0.0 << QStringLiteral("0 B");
-    QTest::newRow("999") << 999.0 << QStringLiteral("999 B");
-    QTest::newRow("1000") << 1000.0 << QStringLiteral("1.00 kB");
-    QTest::newRow("9994") << 9994.0 << QStringLiteral("9.99 kB");
-    QTest::newRow("9996") << 9996.0 << QStringLiteral("10.0 kB");
-    QTest::newRow("99960") << 99960.0 << QStringLiteral("100 kB");
-    QTest::newRow("999600") << 999600.0 << QStringLiteral("1.00 MB");
-    QTest::newRow("12.4 GB") << 12.4e9 << QStringLiteral("12.4 GB");
-    QTest::newRow("1 PB") << 1e15 << QStringLiteral("1000 TB");
-    QTest::newRow("not known") << -1.0 << QString();
-    QTest::newRow("NaN") << std::nan("") << QString();
-}
-
-void tst_ZrLiveWaterfall::byteTexts()
-{
-    QFETCH(double, bytes);
-    QFETCH(QString, text);
-    QCOMPARE(ZrByteText::Of(bytes).Text(), text);
 }
 
 QTEST_MAIN(tst_ZrLiveWaterfall)

@@ -1,5 +1,6 @@
 // Files of mosaics: what they say, what other programs make of them, and that nothing is left half done.
 
+#include "ProgramOutput.h"
 #include "ZrKit/sonar/ZrMosaicFile.h"
 
 #include <QDir>
@@ -7,7 +8,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -45,18 +45,6 @@ QByteArray ContentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-QByteArray OutputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit
-        || process.exitCode() != 0) {
-        qWarning("%s: %s", qPrintable(program), process.readAllStandardError().constData());
-        return QByteArray();
-    }
-    return process.readAllStandardOutput();
 }
 
 QJsonObject GdalInfo(const QString& path)

@@ -1,10 +1,9 @@
-// Panels over the window: choices, files, messages, values.
+// Panels over the window: choices, files, messages.
 
 #include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrKit/ui/ZrTouchList.h"
-#include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
@@ -92,8 +91,6 @@ private Q_SLOTS:
     void toastActs();
     void toastReplaces();
     void toastOfAnyLength();
-    void tileShowsValues();
-    void tileRepaintsOnlyForChanges();
 
 private:
     std::unique_ptr<QWidget> m_window;
@@ -484,62 +481,6 @@ void tst_ZrOverlay::toastOfAnyLength()
     toast.Show(QString(2000, QLatin1Char('x')) + QStringLiteral(" 港"));
     toast.grab();
     QVERIFY(toast.width() <= m_window->width());
-}
-
-void tst_ZrOverlay::tileShowsValues()
-{
-    ZrValueTile tile(m_window.get(), QStringLiteral("Depth"));
-    tile.resize(180, 90);
-    const QImage dash = tile.grab().toImage();
-    tile.Set(QStringLiteral("12.4"), QStringLiteral("m"));
-    const QImage value = tile.grab().toImage();
-    QVERIFY(value != dash);
-    QCOMPARE(tile.accessibleName(), QStringLiteral("Depth 12.4 m"));
-    QList<QImage> seen{value};
-    for (const auto state :
-        {ZrValueTile::good, ZrValueTile::warning, ZrValueTile::error, ZrValueTile::stale}) {
-        tile.SetState(state);
-        const QImage image = tile.grab().toImage();
-        QVERIFY(!seen.contains(image));
-        seen.append(image);
-    }
-    tile.SetNote(QStringLiteral("2 s ago"));
-    QVERIFY(!seen.contains(tile.grab().toImage()));
-    for (const QSize& size : {QSize(1, 1), QSize(10, 200), QSize(500, 10)}) {
-        tile.resize(size);
-        tile.grab();
-    }
-}
-
-void tst_ZrOverlay::tileRepaintsOnlyForChanges()
-{
-    class Counting : public ZrValueTile
-    {
-    public:
-        int paints = 0;
-        using ZrValueTile::ZrValueTile;
-
-        void paintEvent(QPaintEvent* event) override
-        {
-            ++paints;
-            ZrValueTile::paintEvent(event);
-        }
-    };
-
-    Counting tile(m_window.get(), QStringLiteral("Depth"));
-    tile.resize(180, 90);
-    tile.show();
-    tile.Set(QStringLiteral("1"), QStringLiteral("m"));
-    QTRY_VERIFY(tile.paints > 0);
-    QCoreApplication::processEvents();
-    const int before = tile.paints;
-    tile.Set(QStringLiteral("1"), QStringLiteral("m"));
-    tile.SetNote(QString());
-    tile.SetState(ZrValueTile::normal);
-    QTest::qWait(50);
-    QCOMPARE(tile.paints, before);
-    tile.Set(QStringLiteral("2"), QStringLiteral("m"));
-    QTRY_COMPARE(tile.paints, before + 1);
 }
 
 QTEST_MAIN(tst_ZrOverlay)

@@ -1,33 +1,12 @@
+#include "RecordedLog.h"
 #include "ZrKit/recording/ZrRecorder.h"
 #include "ZrKit/records/ZrFixRecord.h"
-#include "ZrUtil/ZrPlayer.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <vector>
-
 namespace {
-
-struct Item
-{
-    ZrLogItemInf inf;
-    QByteArray payload;
-};
-
-std::vector<Item> ReadLog(const QString& path)
-{
-    std::vector<Item> items;
-    ZrPlayer player;
-    QObject::connect(
-        &player, &ZrPlayer::NewPayload, &player, [&items](const ZrLogItemInf& inf, zr::span<u8> payload) {
-            items.push_back({inf, zr::to_byte_array(payload)});
-        });
-    if (player.OpenFile(path))
-        while (player.ReadNextItem(true)) { }
-    return items;
-}
 
 ZrRecorder::Options In(const QTemporaryDir& dir)
 {
@@ -37,8 +16,6 @@ ZrRecorder::Options In(const QTemporaryDir& dir)
     options.warnBelow = 0;
     return options;
 }
-
-const QByteArray fixLine = "$GPGLL,4828.734,N,06830.882,W,201358,A,A*51";
 
 } // namespace
 

@@ -1,3 +1,4 @@
+#include "RecordedLog.h"
 #include "ZrKit/planning/ZrRouteHistory.h"
 #include "ZrKit/recording/ZrLogName.h"
 #include "ZrKit/recording/ZrRecorder.h"
@@ -6,7 +7,6 @@
 #include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrUtil/ZrLogEvt.h"
-#include "ZrUtil/ZrPlayer.h"
 #include "ZrUtil/ZrWpts.h"
 #include "ZrUtil/ZrXmlStore.h"
 
@@ -17,25 +17,6 @@
 #include <vector>
 
 namespace {
-
-struct Item
-{
-    ZrLogItemInf inf;
-    QByteArray payload;
-};
-
-std::vector<Item> ReadLog(const QString& path)
-{
-    std::vector<Item> items;
-    ZrPlayer player;
-    QObject::connect(
-        &player, &ZrPlayer::NewPayload, &player, [&items](const ZrLogItemInf& inf, zr::span<u8> payload) {
-            items.push_back({inf, zr::to_byte_array(payload)});
-        });
-    if (player.OpenFile(path))
-        while (player.ReadNextItem(true)) { }
-    return items;
-}
 
 QByteArray PlanBytes()
 {

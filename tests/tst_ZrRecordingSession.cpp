@@ -1,3 +1,4 @@
+#include "RecordedLog.h"
 #include "ZrKit/geo/ZrPositionText.h"
 #include "ZrKit/recording/ZrFileSource.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
@@ -6,7 +7,6 @@
 #include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/records/ZrPingRecord.h"
 #include "ZrUtil/ZrLogEvt.h"
-#include "ZrUtil/ZrPlayer.h"
 
 #include <QPointer>
 #include <QProcess>
@@ -22,27 +22,6 @@
 #include <vector>
 
 namespace {
-
-const QByteArray fixLine = "$GPGLL,4828.734,N,06830.882,W,201358,A,A*51";
-
-struct Item
-{
-    ZrLogItemInf inf;
-    QByteArray payload;
-};
-
-std::vector<Item> ReadLog(const QString& path)
-{
-    std::vector<Item> items;
-    ZrPlayer player;
-    QObject::connect(
-        &player, &ZrPlayer::NewPayload, &player, [&items](const ZrLogItemInf& inf, zr::span<u8> payload) {
-            items.push_back({inf, zr::to_byte_array(payload)});
-        });
-    if (player.OpenFile(path))
-        while (player.ReadNextItem(true)) { }
-    return items;
-}
 
 QStringList LogsIn(const QString& path)
 {

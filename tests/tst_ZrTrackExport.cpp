@@ -1,6 +1,7 @@
 // Exported tracks, byte by byte where they are small, and as other programs read them: gpsbabel, the JSON and
 // CSV modules of python3 and Qt's XML reader.
 
+#include "ProgramOutput.h"
 #include "ZrKit/export/ZrTrackExport.h"
 #include "ZrKit/export/ZrTrackText.h"
 
@@ -9,7 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <QtTest/QtTest>
@@ -186,19 +186,6 @@ QByteArray ReadWhole(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// The output of a program; a null array when it could not be run or was not content.
-QByteArray OutputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit
-        || process.exitCode() != 0) {
-        qWarning("%s: %s", qPrintable(program), process.readAllStandardError().constData());
-        return QByteArray();
-    }
-    return process.readAllStandardOutput();
 }
 
 /// One line per waypoint or track point of a GPX file, with whatever it says; "segment" where one begins.

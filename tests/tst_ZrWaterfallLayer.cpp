@@ -402,9 +402,9 @@ void tst_ZrWaterfallLayer::nothingToDraw()
     if (what == QLatin1String("rectangle outside"))
         m_layer->m_view.rect = QRect(100, -300, 50, 50);
     if (what == QLatin1String("view without pixels"))
-        m_map.SetSize(0, 0);
+        m_view.SetSize(0, 0);
     m_context->Clear(background);
-    m_layer->Paint(*m_surface, m_map);
+    m_layer->Paint(*m_surface, m_view);
     QCOMPARE(gl::CountNot(m_context->Read(), background), 0);
 }
 

@@ -120,13 +120,13 @@ void tst_ZrWaterfallLayerContext::noContext()
     AppendPattern(ring, side, 32);
     m_layer->SetRing(&ring);
     m_context->DoneCurrent();
-    m_layer->Paint(*m_surface, m_map);
+    m_layer->Paint(*m_surface, m_view);
     GlView never; // OnCreate was not called
     QVERIFY(m_context->MakeCurrent());
     ZrWaterfallLayer layer;
     layer.m_view.rect = QRect(0, 0, side, side);
     layer.SetRing(&ring);
-    layer.Paint(never, m_map);
+    layer.Paint(never, m_view);
     QCOMPARE(gl::CountNot(m_context->Read(), background), 0);
 }
 

@@ -1,7 +1,7 @@
 // `zr log record` as a person runs it: every source, every way to end, every refusal.
 
+#include "RecordedLog.h"
 #include "ZrKit/records/ZrFixRecord.h"
-#include "ZrUtil/ZrPlayer.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -18,27 +18,7 @@
 
 namespace {
 
-const QByteArray fixLine = "$GPGLL,4828.734,N,06830.882,W,201358,A,A*51";
 constexpr int patience = 30000; // ms
-
-struct Item
-{
-    ZrLogItemInf inf;
-    QByteArray payload;
-};
-
-std::vector<Item> ReadLog(const QString& path)
-{
-    std::vector<Item> items;
-    ZrPlayer player;
-    QObject::connect(
-        &player, &ZrPlayer::NewPayload, &player, [&items](const ZrLogItemInf& inf, zr::span<u8> payload) {
-            items.push_back({inf, zr::to_byte_array(payload)});
-        });
-    if (player.OpenFile(path))
-        while (player.ReadNextItem(true)) { }
-    return items;
-}
 
 /// The tool in the middle of a recording.
 class Recording

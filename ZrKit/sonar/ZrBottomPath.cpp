@@ -8,7 +8,6 @@ namespace {
 
 /// Altitudes that are carried on past a ping.
 constexpr std::size_t mostCarried = 16;
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
 bool IsBetter(double a, double b)
 {

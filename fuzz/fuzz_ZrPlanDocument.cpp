@@ -1,0 +1,85 @@
+// A plan of any bytes, as a state, as a draft and as a file in the settings form: it is taken or refused with
+// a reason and the plan as it was, and what was taken comes back from its own state unchanged.
+
+#include "FuzzFile.h"
+#include "JsonLeaks.h"
+#include "ZrKit/planning/ZrPlanDocument.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+void Require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+/// The file of \p bytes under the suffix of the settings form, through a link.
+QString SettingsFile(const QString& bytes)
+{
+    static const QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("plan.json"));
+    static const bool isLinked = QFile::link(bytes, path);
+    Require(isLinked);
+    return path;
+}
+
+void RequireAreas(const std::vector<ZrArea>& areas)
+{
+    for (const ZrArea& area : areas) {
+        Require(!area.ring.empty());
+        for (const ZrGeoPoint& corner : area.ring)
+            Require(corner.IsValid());
+    }
+}
+
+/// What a page does with a plan that it has got.
+void Use(ZrPlanDocument& plan)
+{
+    RequireAreas(plan.Areas());
+    RequireAreas(plan.NoGo());
+    Require(std::isfinite(plan.Margin()));
+    Require(plan.LineCount() >= 0 && plan.LineCount() <= plan.Route().GetCount());
+    plan.Path();
+    plan.Findings();
+    const QByteArray state = plan.State();
+    ZrPlanDocument again((QString()));
+    Require(again.SetState(state));
+    Require(again.State() == state);
+}
+
+/// Takes \p outcome of reading into \p plan, which was \p before.
+void Take(bool outcome, ZrPlanDocument& plan, const QByteArray& before)
+{
+    Require(outcome == plan.Error().isEmpty());
+    if (outcome)
+        Use(plan);
+    else
+        Require(plan.State() == before);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size)
+{
+    SilenceDebugOutput();
+    const QString path = FuzzFile(data, size);
+    ZrPlanDocument draft(path);
+    ZrPlanDocument state((QString()));
+    ZrPlanDocument file((QString()));
+    const QByteArray empty = state.State();
+
+    const bool isState
+        = state.SetState(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)));
+    Take(isState, state, empty);
+    const bool isDraft = draft.RestoreDraft();
+    Take(isDraft, draft, empty);
+    Require(isDraft == isState && draft.State() == state.State());
+    Take(file.Open(SettingsFile(path)), file, empty);
+    return 0;
+}
