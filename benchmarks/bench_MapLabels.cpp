@@ -6,7 +6,7 @@
 // `ratio_min` that of the fastest ones, `ratio_cpu` that of the processor time of all threads, which other
 // programs disturb least. Where the processor draws the pixels, these are nearly all of it: with `seen` 0 the
 // labels are beyond the edge of the view, and what is left is what drawing costs the application and the
-// driver. Single texts have no halo: with `halo` 1 the layer draws twice as much. Needs a display.
+// driver. Single texts have no halo: with `halo` 1 the layer alone draws one. Needs a display.
 
 #include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMapView.h"

@@ -44,6 +44,10 @@ public:
     QSet<GLuint> shaders; ///< made and not deleted
     QSet<GLuint> programs; ///< likewise
     QMap<QPair<GLuint, QByteArray>, int> lookUps; ///< by program and name
+    bool isBufferMemoryOut = false; ///< no buffer takes anything from here on
+    bool isTextureMemoryOut = false; ///< no texture does
+    int failed = 0; ///< uploads for that reason
+    GLenum error = GL_NO_ERROR; ///< of it, until it is asked for
 
     Recorder()
         : QOpenGLFunctions(QOpenGLContext::currentContext())
@@ -54,6 +58,7 @@ public:
         d_ptr->f.DrawElements = &DrawElements;
         d_ptr->f.GetUniformLocation = &GetUniformLocation;
         d_ptr->f.GetAttribLocation = &GetAttribLocation;
+        d_ptr->f.GetError = &GetError;
         d_ptr->f.BufferData = &BufferData;
         d_ptr->f.BufferSubData = &BufferSubData;
         d_ptr->f.TexImage2D = &TexImage2D;
@@ -213,8 +218,27 @@ private:
         return s_active->m_saved.GetAttribLocation(program, name);
     }
 
+    /// True, and an error, when \p isOut.
+    static bool IsRefused(bool isOut)
+    {
+        if (!isOut)
+            return false;
+        ++s_active->failed;
+        s_active->error = GL_OUT_OF_MEMORY;
+        return true;
+    }
+
+    static GLenum QOPENGLF_APIENTRY GetError()
+    {
+        const GLenum own = s_active->error;
+        s_active->error = GL_NO_ERROR;
+        return own != GL_NO_ERROR ? own : s_active->m_saved.GetError();
+    }
+
     static void QOPENGLF_APIENTRY BufferData(GLenum target, qopengl_GLsizeiptr n, const void* p, GLenum usage)
     {
+        if (IsRefused(s_active->isBufferMemoryOut))
+            return;
         s_active->uploadedBytes += p ? n : 0;
         s_active->m_saved.BufferData(target, n, p, usage);
     }
@@ -229,6 +253,8 @@ private:
     static void QOPENGLF_APIENTRY TexImage2D(GLenum target, GLint level, GLint inside, GLsizei w, GLsizei h,
         GLint border, GLenum format, GLenum type, const GLvoid* p)
     {
+        if (IsRefused(s_active->isTextureMemoryOut))
+            return;
         s_active->uploadedBytes += p ? BytesPerPixel(format) * w * h : 0;
         s_active->m_saved.TexImage2D(target, level, inside, w, h, border, format, type, p);
     }

@@ -20,6 +20,7 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
 inline int s_lines = 0;
+inline QStringList s_messages; ///< the same lines
 
 /// What is not \p background, by more than a trace.
 inline QRect InkBox(const QImage& image, const QColor& background)
@@ -60,9 +61,10 @@ inline ZrMapLabel LabelOf(const QString& text, const QPointF& position = QPointF
 // Takes the place of the library's function.
 void zr_debug_log_modern(int /*level*/, const char* /*source_file*/, int /*source_line*/,
     const char* /*function*/, const char* /*category*/, int /*reserved*/, int64_t /*steady_time_ns*/,
-    const char* /*message*/)
+    const char* message)
 {
     ++label_test::s_lines;
+    label_test::s_messages << QString::fromUtf8(message);
 }
 
 using namespace label_test;
@@ -88,6 +90,7 @@ inline void LabelLayerTest::Begin()
     m_view = ZrMapView();
     m_view.SetSize(width, height);
     s_lines = 0;
+    s_messages.clear();
     zr_debug_log_level = 2;
     zr_debug_log_to_dbg = 1;
 }

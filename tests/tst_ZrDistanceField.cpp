@@ -18,6 +18,7 @@ private Q_SLOTS:
     void emptyPath();
     void nonsense_data();
     void nonsense();
+    void squaresToInk();
 };
 
 namespace {
@@ -95,6 +96,26 @@ void tst_ZrDistanceField::nonsense()
     QFETCH(QRect, box);
     QFETCH(double, spread);
     QVERIFY(ZrDistanceField::Make(QPainterPath(), box, spread).isNull());
+}
+
+void tst_ZrDistanceField::squaresToInk()
+{
+    QImage mask(9, 7, QImage::Format_Alpha8);
+    mask.fill(127); // not half covered
+    for (const float far : ZrDistanceField::SquaresToInk(mask))
+        QVERIFY(far > 1e11F);
+    mask.scanLine(2)[3] = 128;
+    mask.scanLine(5)[8] = 255;
+    const std::vector<float> squares = ZrDistanceField::SquaresToInk(mask);
+    QCOMPARE(squares.size(), std::size_t(63));
+    for (int y = 0; y < 7; ++y) {
+        for (int x = 0; x < 9; ++x) {
+            const int expected
+                = std::min((x - 3) * (x - 3) + (y - 2) * (y - 2), (x - 8) * (x - 8) + (y - 5) * (y - 5));
+            QCOMPARE(squares[static_cast<std::size_t>(y * 9 + x)], static_cast<float>(expected));
+        }
+    }
+    QVERIFY(ZrDistanceField::SquaresToInk(QImage()).empty());
 }
 
 QTEST_MAIN(tst_ZrDistanceField)

@@ -44,6 +44,13 @@ QString Alphabet(int count)
     return text;
 }
 
+QImage Filled(const QSize& size, uchar value)
+{
+    QImage image(size, QImage::Format_Alpha8);
+    image.fill(value);
+    return image;
+}
+
 } // namespace
 
 // Takes the place of the library's function.
@@ -85,6 +92,12 @@ private Q_SLOTS:
     void fullOfWhatIsUsed();
     void absurdLargestSide_data();
     void absurdLargestSide();
+    void changes();
+    void pathsOfGlyphs();
+    void pictures();
+    void picturesTakeThePlaceOfOthers();
+    void picturesLeaveRoomForGlyphs();
+    void nonsensePictures();
 };
 
 void tst_ZrGlyphAtlas::init()
@@ -400,6 +413,140 @@ void tst_ZrGlyphAtlas::absurdLargestSide()
     atlas.Use(atlas.Layout(Alphabet(40)));
     QVERIFY(IsPowerOfTwo(atlas.Image().width()));
     QVERIFY(atlas.Image().width() <= std::max(side, 128));
+}
+
+void tst_ZrGlyphAtlas::changes()
+{
+    ZrGlyphAtlas atlas(FontOf(32));
+    const auto whole = [&atlas] { return std::vector<QRect>{atlas.Image().rect()}; };
+    QCOMPARE(atlas.ChangesSince(-1), whole());
+    QCOMPARE(atlas.ChangesSince(0), std::vector<QRect>());
+    const Text text = atlas.Layout(QStringLiteral("5"));
+    QVERIFY(atlas.Use(text));
+    const QRect cell = atlas.At(text.places[0].glyph).cell;
+    QCOMPARE(atlas.ChangesSince(0), std::vector<QRect>{cell});
+    QCOMPARE(atlas.ChangesSince(1), std::vector<QRect>());
+    QVERIFY(atlas.Use(atlas.Layout(QStringLiteral("6"))));
+    QCOMPARE(atlas.ChangesSince(0).size(), std::size_t(2));
+    // A larger image is another one.
+    const int before = atlas.Revision();
+    QVERIFY(atlas.Use(atlas.Layout(Alphabet(20))));
+    QVERIFY(atlas.Image().width() > 128);
+    QCOMPARE(atlas.ChangesSince(before), whole());
+    QCOMPARE(atlas.ChangesSince(atlas.Revision()), std::vector<QRect>());
+    QCOMPARE(atlas.ChangesSince(std::numeric_limits<int>::max()), std::vector<QRect>());
+    // And so is one with more changes than are told apart.
+    ZrGlyphAtlas other(FontOf(8), 1024);
+    other.AddPicture({QStringLiteral("large"), 1.0F, 0.0F}, Filled(QSize(1000, 300), 1), QPoint());
+    const int start = other.Revision();
+    for (int i = 0; i < 300; ++i)
+        other.AddPicture({QString::number(i), 1.0F, 0.0F}, Filled(QSize(4, 4), 1), QPoint());
+    QCOMPARE(other.ChangesSince(start), std::vector<QRect>{other.Image().rect()});
+}
+
+void tst_ZrGlyphAtlas::pathsOfGlyphs()
+{
+    ZrGlyphAtlas atlas(FontOf(48));
+    const Text text = atlas.Layout(QStringLiteral("O"));
+    const QRawFont raw = QRawFont::fromFont(FontOf(48));
+    const QRectF ink = raw.pathForGlyph(raw.glyphIndexesForString(QStringLiteral("O"))[0]).boundingRect();
+    const QRectF path = atlas.PathOf(text.places[0].glyph).boundingRect();
+    QVERIFY(std::fabs(path.width() - ink.width()) < 0.6 && std::fabs(path.top() - ink.top()) < 0.6);
+}
+
+void tst_ZrGlyphAtlas::pictures()
+{
+    ZrGlyphAtlas atlas(FontOf(32));
+    const ZrGlyphAtlas::PictureKey key{QStringLiteral("12 m"), 13.0F, 1.5F};
+    QCOMPARE(atlas.FindPicture(key), -1);
+    const int first = atlas.AddPicture(key, Filled(QSize(30, 12), 7), QPoint(-1, -11));
+    QVERIFY(first >= 0);
+    QCOMPARE(atlas.FindPicture(key), first);
+    QCOMPARE(atlas.AddPicture(key, Filled(QSize(30, 12), 8), QPoint()), first);
+    QCOMPARE(atlas.FindPicture({key.text, 13.5F, 1.5F}), -1);
+    QCOMPARE(atlas.FindPicture({key.text, 13.0F, 0.0F}), -1);
+    QCOMPARE(atlas.FindPicture({QStringLiteral("13 m"), 13.0F, 1.5F}), -1);
+    QCOMPARE(atlas.PictureAt(first).corner, QPointF(-1, -11));
+    QCOMPARE(atlas.PictureAt(first).cell.size(), QSize(30, 12));
+    // It stays as it is where glyphs come and the image grows.
+    QVERIFY(atlas.Use(atlas.Layout(Alphabet(60))));
+    QVERIFY(atlas.Image().width() > 128);
+    QCOMPARE(atlas.Image().copy(atlas.PictureAt(first).cell), Filled(QSize(30, 12), 7));
+    QCOMPARE(atlas.FindPicture(key), first);
+    QCOMPARE(s_lines, 0);
+}
+
+/// Texts that change all the time do not make the image grow on and on.
+void tst_ZrGlyphAtlas::picturesTakeThePlaceOfOthers()
+{
+    ZrGlyphAtlas atlas(FontOf(32), 4096);
+    const Text text = atlas.Layout(QStringLiteral("Q"));
+    QVERIFY(atlas.Use(text));
+    const ZrGlyphAtlas::PictureKey kept{QStringLiteral("kept"), 13.0F, 0.0F};
+    QVERIFY(atlas.AddPicture(kept, Filled(QSize(50, 16), 9), QPoint(0, 0)) >= 0);
+    int largest = 0;
+    for (int round = 0; round < 200; ++round) {
+        atlas.NextRound();
+        QVERIFY(atlas.Use(text));
+        QVERIFY(atlas.FindPicture(kept) >= 0);
+        std::vector<int> added;
+        for (int i = 0; i < 20; ++i) {
+            const uchar value = static_cast<uchar>(10 + i);
+            added.push_back(atlas.AddPicture({QStringLiteral("%1.%2").arg(round).arg(i), 13.0F, 0.0F},
+                Filled(QSize(40 + i, 10 + round % 5), value), QPoint(round, i)));
+            QVERIFY(added.back() >= 0);
+        }
+        for (int i = 0; i < 20; ++i) {
+            const ZrGlyphAtlas::Glyph& picture = atlas.PictureAt(added[static_cast<std::size_t>(i)]);
+            QCOMPARE(atlas.Image().copy(picture.cell),
+                Filled(QSize(40 + i, 10 + round % 5), static_cast<uchar>(10 + i)));
+            QCOMPARE(picture.corner, QPointF(round, i));
+        }
+        largest = std::max(largest, *std::max_element(added.begin(), added.end()));
+    }
+    QCOMPARE(atlas.Image().copy(atlas.PictureAt(atlas.FindPicture(kept)).cell), Filled(QSize(50, 16), 9));
+    QVERIFY(!atlas.At(text.places[0].glyph).cell.isEmpty());
+    QVERIFY2(atlas.Image().width() <= 256, qPrintable(QString::number(atlas.Image().width())));
+    QVERIFY2(largest < 150, qPrintable(QString::number(largest)));
+}
+
+void tst_ZrGlyphAtlas::picturesLeaveRoomForGlyphs()
+{
+    ZrGlyphAtlas atlas(FontOf(16), 256);
+    int count = 0;
+    while (atlas.TakesPictures() && count < 10000) {
+        const int id
+            = atlas.AddPicture({QString::number(count), 13.0F, 0.0F}, Filled(QSize(31, 15), 1), QPoint());
+        QCOMPARE(id >= 0, atlas.TakesPictures());
+        count += id >= 0 ? 1 : 0;
+    }
+    // Half of 256 x 256, in cells of 32 x 16.
+    QCOMPARE(count, 64);
+    QVERIFY(atlas.Use(atlas.Layout(QStringLiteral("ABCDEFGHabcdefgh"))));
+    QCOMPARE(s_lines, 0);
+    // In the next round there is room again, and what is in use does not count twice.
+    atlas.NextRound();
+    QVERIFY(atlas.TakesPictures());
+    for (int i = 0; i < 63; ++i) {
+        QVERIFY(atlas.FindPicture({QString::number(i), 13.0F, 0.0F}) >= 0);
+        QVERIFY(atlas.FindPicture({QString::number(i), 13.0F, 0.0F}) >= 0);
+    }
+    QVERIFY(atlas.AddPicture({QStringLiteral("new"), 13.0F, 0.0F}, Filled(QSize(31, 15), 1), QPoint()) >= 0);
+    QCOMPARE(atlas.AddPicture({QStringLiteral("more"), 13.0F, 0.0F}, Filled(QSize(31, 15), 1), QPoint()), -1);
+    QVERIFY(!atlas.TakesPictures());
+}
+
+void tst_ZrGlyphAtlas::nonsensePictures()
+{
+    ZrGlyphAtlas atlas(FontOf(32), 256);
+    const ZrGlyphAtlas::PictureKey key{QStringLiteral("text"), 13.0F, 0.0F};
+    QCOMPARE(atlas.AddPicture(key, QImage(), QPoint()), -1);
+    QCOMPARE(atlas.AddPicture(key, QImage(8, 8, QImage::Format_RGB32), QPoint()), -1);
+    QCOMPARE(atlas.AddPicture(key, Filled(QSize(257, 1), 1), QPoint()), -1);
+    QCOMPARE(atlas.AddPicture(key, Filled(QSize(1, 300), 1), QPoint()), -1);
+    QVERIFY(atlas.TakesPictures());
+    QCOMPARE(atlas.FindPicture(key), -1);
+    QCOMPARE(atlas.Revision(), 0);
 }
 
 int main(int argc, char* argv[])

@@ -119,6 +119,7 @@ void tst_ZrMapLayer::newContext()
     layer.Paint(m_surface, m_view);
     const gl::Context second(Api::desktop, size);
     QVERIFY2(second.Error().isEmpty(), qPrintable(second.Error()));
+    m_surface.OnCreate();
     layer.Paint(m_surface, m_view);
     QCOMPARE(layer.told, QStringLiteral("pfp"));
     layer.Paint(m_surface, m_view);
@@ -163,6 +164,7 @@ void tst_ZrMapLayer::contextThatIsGone()
 void tst_ZrMapLayer::releases()
 {
     const gl::Context context(Api::desktop, size);
+    m_surface.OnCreate();
     Noting layer;
     layer.Paint(m_surface, m_view);
     layer.surface = nullptr;
@@ -176,6 +178,7 @@ void tst_ZrMapLayer::releases()
 void tst_ZrMapLayer::releasesOnce()
 {
     const gl::Context context(Api::desktop, size);
+    m_surface.OnCreate();
     Noting layer;
     layer.Release(m_surface);
     QCOMPARE(layer.told, QString());

@@ -1,6 +1,7 @@
 // Markers on a map: which pixels they take, hits, and what a frame costs, in both kinds of context.
 
 #include "GlRecorder.h"
+#include "LogLines.h"
 #include "MapSurface.h"
 #include "WithoutResource.h"
 #include "ZrKit/map/ZrMarkerAtlas.h"
@@ -91,6 +92,8 @@ private Q_SLOTS:
     void nearest();
     void nearestOfNonsense();
     void failedProgram();
+    void noMemory_data();
+    void noMemory();
     void withoutContext();
     void contextLost();
     void released();
@@ -161,7 +164,12 @@ void tst_ZrMarkerLayer::atlasWithoutImages()
     const resource::Without without(QStringLiteral(":/marker_square.png"));
     QVERIFY(without.IsDone());
     QVERIFY(!ZrMarkerAtlas().HasImage(2));
+    const log_lines::Capture log;
     QCOMPARE(NotBlack(Painted(layer, map::ViewOf(size, origin, 1))), 0);
+    QCOMPARE(NotBlack(Painted(layer, map::ViewOf(size, origin, 1))), 0);
+    // Each image of the same resource, once.
+    QCOMPARE(log.Count(QStringLiteral("Marker image load failed: :/marker_square.png")), 1);
+    QCOMPARE(log.Count(QStringLiteral("Marker image load failed: ")), log.All().size());
 }
 
 void tst_ZrMarkerLayer::sameAsTheSurface_data()
@@ -432,20 +440,76 @@ void tst_ZrMarkerLayer::failedProgram()
     {
         const resource::Without without(QStringLiteral(":/map_marker.fsh"));
         QVERIFY(without.IsDone());
+        const log_lines::Capture log;
         QCOMPARE(NotBlack(Painted(layer, view)), 0);
+        QCOMPARE(NotBlack(Painted(layer, view)), 0);
+        QCOMPARE(log.All(),
+            QStringList({QStringLiteral("Cannot read shader :/map_marker.vsh"),
+                QStringLiteral("Cannot read shader :/map_marker.fsh")}));
     }
     QCOMPARE(NotBlack(Painted(layer, view)), 0);
     layer.Release(m_stage->Surface());
     QVERIFY(NotBlack(Painted(layer, view)) > 0);
 }
 
+void tst_ZrMarkerLayer::noMemory_data()
+{
+    QTest::addColumn<bool>("isTexture");
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("texture") << true << false
+                             << QStringLiteral("No texture for 1 markers, none is drawn: error 1285");
+    QTest::newRow("indices") << false << false
+                             << QStringLiteral("No indices for 1 markers, none is drawn: error 1285");
+    QTest::newRow("markers") << false << true
+                             << QStringLiteral("No buffer for 2 markers, none is drawn: error 1285");
+}
+
+void tst_ZrMarkerLayer::noMemory()
+{
+    QFETCH(bool, isTexture);
+    QFETCH(bool, isThere);
+    QFETCH(QString, line);
+    ZrMarkerLayer layer;
+    layer.SetMarkers({Marker(origin)});
+    const ZrMapView view = map::ViewOf(size, origin, 1);
+    if (isThere) {
+        QVERIFY(NotBlack(Painted(layer, view)) > 0);
+        layer.SetMarkers({Marker(origin), Marker(origin)});
+    }
+    {
+        gl::Recorder recorder;
+        recorder.isTextureMemoryOut = isTexture;
+        recorder.isBufferMemoryOut = !isTexture;
+        const log_lines::Capture log;
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(NotBlack(Painted(layer, view)), 0);
+            QCOMPARE(recorder.error, GLenum(GL_NO_ERROR));
+        }
+        QVERIFY(recorder.draws.empty());
+        QVERIFY(recorder.failed > 0);
+        QCOMPARE(log.All(), QStringList(line));
+    }
+    GLint buffer = -1;
+    m_stage->Context().Functions()->glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &buffer);
+    QCOMPARE(buffer, 0);
+    if (!isThere)
+        layer.Release(m_stage->Surface());
+    QVERIFY(NotBlack(Painted(layer, view)) > 0);
+    layer.Release(m_stage->Surface());
+}
+
 void tst_ZrMarkerLayer::withoutContext()
 {
+    const log_lines::Capture log;
     ZrMarkerLayer layer;
     layer.SetMarkers({Marker(origin)});
     MapSurface surface;
     const ZrMapView view = map::ViewOf(size, origin, 1);
     layer.Paint(surface, view); // a surface that was not created
+    layer.Paint(surface, view);
+    QCOMPARE(log.All(),
+        QStringList(QStringLiteral("The OpenGL context of the surface is not current, nothing is drawn")));
     m_stage->Context().DoneCurrent();
     layer.Paint(surface, view);
     layer.Release(surface);

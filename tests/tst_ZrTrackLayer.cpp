@@ -1,6 +1,7 @@
 // The track on a map: pixels, and what each frame costs, in both kinds of context.
 
 #include "GlRecorder.h"
+#include "LogLines.h"
 #include "MapSurface.h"
 #include "TrackShapes.h"
 #include "WithoutResource.h"
@@ -79,6 +80,8 @@ private Q_SLOTS:
     void narrowLinesKeepTheLimit();
     void nothingToDraw();
     void failedProgram();
+    void noMemory_data();
+    void noMemory();
     void withoutContext();
     void released();
 
@@ -383,7 +386,12 @@ void tst_ZrTrackLayer::failedProgram()
     {
         const resource::Without without(QStringLiteral(":/map.vsh"));
         QVERIFY(without.IsDone());
+        const log_lines::Capture log;
         QCOMPARE(map::Count(Painted(layer, view), red), 0);
+        QCOMPARE(map::Count(Painted(layer, view), red), 0);
+        QCOMPARE(log.All(),
+            QStringList({QStringLiteral("Cannot read shader :/map.vsh"),
+                QStringLiteral("Cannot read shader :/solid.fsh")}));
     }
     // It is not tried again in each frame, but after a release.
     QCOMPARE(map::Count(Painted(layer, view), red), 0);
@@ -391,13 +399,69 @@ void tst_ZrTrackLayer::failedProgram()
     QVERIFY(map::Count(Painted(layer, view), red) > 0);
 }
 
+void tst_ZrTrackLayer::noMemory_data()
+{
+    QTest::addColumn<double>("cursor");
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<int>("draws"); // without memory
+    QTest::newRow("track") << -1.0 << false << 0;
+    QTest::newRow("at a cursor") << 1.0 << false << 0;
+    // The line is there, only its pieces at the cursor are new.
+    QTest::newRow("pieces") << 7.0 << true << 2;
+}
+
+void tst_ZrTrackLayer::noMemory()
+{
+    QFETCH(double, cursor);
+    QFETCH(bool, isThere);
+    QFETCH(int, draws);
+    ZrTrackLayer layer;
+    layer.m_colour = red;
+    layer.m_width = 1.0F;
+    // Positions that a level leaves out between its ends.
+    for (int i = 0; i <= 20; ++i)
+        layer.m_track.Append(origin.x() - 100 + 10 * i, origin.y() + 0.5);
+    layer.m_track.Append(notANumber, notANumber);
+    const ZrMapView view = map::ViewOf(m_size, origin, 1);
+    if (isThere)
+        Painted(layer, view);
+    layer.m_cursor = static_cast<i64>(cursor);
+    {
+        gl::Recorder recorder;
+        recorder.isBufferMemoryOut = true;
+        const log_lines::Capture log;
+        for (int i = 0; i < 3; ++i) {
+            recorder.Reset();
+            const QImage image = Painted(layer, view);
+            QCOMPARE(recorder.error, GLenum(GL_NO_ERROR));
+            QVERIFY(static_cast<int>(recorder.draws.size()) <= draws);
+            if (draws == 0)
+                QCOMPARE(map::Count(image, Qt::black), image.width() * image.height());
+        }
+        QVERIFY(recorder.failed > 0);
+        QCOMPARE(log.All().size(), 1);
+        QCOMPARE(log.Count(QStringLiteral(" vertices for a track, it is not drawn: error 1285")), 1);
+    }
+    QVERIFY(map::Count(Painted(layer, view), red) > 0);
+    ZrTrackLayer other;
+    other.m_track = layer.m_track;
+    other.m_colour = layer.m_colour;
+    other.m_width = layer.m_width;
+    other.m_cursor = layer.m_cursor;
+    QCOMPARE(Painted(layer, view), Painted(other, view));
+}
+
 void tst_ZrTrackLayer::withoutContext()
 {
+    const log_lines::Capture log;
     ZrTrackLayer layer;
     layer.m_track.Append(origin.x(), origin.y());
     MapSurface surface;
     const ZrMapView view = map::ViewOf(m_size, origin, 1);
     layer.Paint(surface, view); // a surface that was not created
+    layer.Paint(surface, view);
+    QCOMPARE(log.All(),
+        QStringList(QStringLiteral("The OpenGL context of the surface is not current, nothing is drawn")));
     m_stage->Context().DoneCurrent();
     layer.Paint(surface, view);
     layer.Release(surface);

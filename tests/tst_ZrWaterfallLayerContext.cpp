@@ -2,6 +2,7 @@
 
 #include "GlRecorder.h"
 #include "WaterfallLayerTest.h"
+#include "WithoutResource.h"
 
 namespace {
 
@@ -76,6 +77,8 @@ private Q_SLOTS:
     void release();
     void noContext();
     void failedProgram();
+    void shadersMissing();
+    void palettesMissing();
     void noTextureMemory();
     void errorsOfOthers();
     void stateIsLeftClean();
@@ -126,7 +129,11 @@ void tst_ZrWaterfallLayerContext::noContext()
     ZrWaterfallLayer layer;
     layer.m_view.rect = QRect(0, 0, side, side);
     layer.SetRing(&ring);
+    const LogCapture log;
     layer.Paint(never, m_view);
+    layer.Paint(never, m_view);
+    QCOMPARE(log.Count("The OpenGL context of the surface is not current, nothing is drawn"), 1);
+    QCOMPARE(s_lines.size(), 1);
     QCOMPARE(gl::CountNot(m_context->Read(), background), 0);
 }
 
@@ -144,6 +151,40 @@ void tst_ZrWaterfallLayerContext::failedProgram()
     Paint(); // is not tried again
     QCOMPARE(gl::CountNot(m_context->Read(), background), 0);
     QCOMPARE(log.Count("Shader does not compile"), 2); // either shader once
+}
+
+void tst_ZrWaterfallLayerContext::shadersMissing()
+{
+    ZrWaterfallRing ring(side, 32);
+    AppendPattern(ring, side, 32);
+    m_layer->SetRing(&ring);
+    const resource::Without without(QStringLiteral(":/waterfall.vsh"));
+    QVERIFY(without.IsDone());
+    const LogCapture log;
+    Paint();
+    Paint();
+    QCOMPARE(gl::CountNot(m_context->Read(), background), 0);
+    QCOMPARE(s_lines,
+        QStringList({QStringLiteral("Cannot read shader :/waterfall.vsh"),
+            QStringLiteral("Cannot read shader :/sidescan.fsh")}));
+}
+
+/// The surface has grey ones for want of them, and says so; the layer draws all the same.
+void tst_ZrWaterfallLayerContext::palettesMissing()
+{
+    ZrWaterfallRing ring(side, 32);
+    AppendPattern(ring, side, 32);
+    m_layer->SetRing(&ring);
+    m_layer->m_palette = 7; // beyond the only one
+    const resource::Without without(QStringLiteral(":/palettes.png"));
+    QVERIFY(without.IsDone());
+    QTest::ignoreMessage(
+        QtDebugMsg, "zrglInitPalette, Cannot load palettes bitmap from resource, using default greyscale");
+    m_surface->ZrglInitPalette();
+    QCOMPARE(m_surface->m_palCount, 1);
+    const LogCapture log;
+    QVERIFY(gl::CountNot(Painted(), background) > 0);
+    QCOMPARE(s_lines, QStringList());
 }
 
 void tst_ZrWaterfallLayerContext::noTextureMemory()

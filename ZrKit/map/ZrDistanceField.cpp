@@ -121,3 +121,8 @@ QImage ZrDistanceField::Make(const QPainterPath& path, const QRect& box, double 
     }
     return image;
 }
+
+std::vector<float> ZrDistanceField::SquaresToInk(const QImage& mask)
+{
+    return mask.isNull() ? std::vector<float>() : SquaredDistances(mask, true);
+}

@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <QRect>
 
+#include <vector>
+
 /// Distances to the edge of a filled outline, one byte each, from which a shader draws it sharp at any size
 /// and angle, and with a halo of any width up to the spread.
 ///
@@ -21,4 +23,8 @@ public:
     /// The field of the pixels in \p box, in the coordinates of \p path; `Format_Alpha8`. Null when the box
     /// is empty or too large, or the spread is not above 0.
     static QImage Make(const QPainterPath& path, const QRect& box, double spread);
+
+    /// For each pixel of \p mask, `Format_Alpha8`, row by row: the square of its distance in pixels to the
+    /// next one that is at least half covered, 0 for such a one; above 10^11 when there is none.
+    static std::vector<float> SquaresToInk(const QImage& mask);
 };

@@ -24,6 +24,14 @@ int PowerOfTwo(int side)
     return power;
 }
 
+/// Of cells whose changes are told apart.
+constexpr std::size_t mostChanges = 256;
+
+int Area(const QSize& cell)
+{
+    return cell.isEmpty() ? 0 : (cell.width() + ZrGlyphAtlas::Gap) * (cell.height() + ZrGlyphAtlas::Gap);
+}
+
 QImage Empty(int width, int height)
 {
     QImage image(width, height, QImage::Format_Alpha8);
@@ -157,8 +165,105 @@ bool ZrGlyphAtlas::Fill(Entry& entry)
     entry.glyph.cell = QRect(at, box.size());
     entry.glyph.corner = box.topLeft();
     Copy(field, field.rect(), m_image, at);
-    ++m_revision;
+    Changed(entry.glyph.cell);
     return true;
+}
+
+QPainterPath ZrGlyphAtlas::PathOf(int glyph) const
+{
+    const Entry& entry = m_glyphs[static_cast<std::size_t>(glyph)];
+    return entry.font.pathForGlyph(entry.index);
+}
+
+void ZrGlyphAtlas::NextRound()
+{
+    ++m_round;
+    m_isFullOfPictures = false;
+    m_pictureArea = 0;
+}
+
+int ZrGlyphAtlas::FindPicture(const PictureKey& key)
+{
+    const int id = m_pictureIds.value(key, -1);
+    if (id < 0)
+        return -1;
+    Picture& picture = m_pictures[static_cast<std::size_t>(id)];
+    if (picture.round != m_round)
+        m_pictureArea += Area(picture.glyph.cell.size());
+    picture.round = m_round;
+    return id;
+}
+
+int ZrGlyphAtlas::AddPicture(const PictureKey& key, const QImage& image, const QPoint& corner)
+{
+    const qint64 side = m_largestSide;
+    const int most = static_cast<int>(std::min<qint64>(side * side / 2, MostPictures));
+    if (image.isNull() || image.format() != QImage::Format_Alpha8 || image.width() > m_largestSide
+        || image.height() > m_largestSide)
+        return -1;
+    const int there = FindPicture(key);
+    if (there >= 0)
+        return there;
+    const int area = Area(image.size());
+    // Growing moves nothing and costs an upload of all, dropping is worth it when much is free afterwards.
+    QPoint at;
+    bool hasRoom = area <= most - m_pictureArea && PlaceOnShelf(image.size(), at);
+    if (!hasRoom && area <= most - m_pictureArea) {
+        if (UnusedArea() >= m_image.width() * m_image.height() / 4)
+            DropUnused();
+        hasRoom = FindRoom(image.size(), at);
+    }
+    if (!hasRoom) {
+        m_isFullOfPictures = true;
+        return -1;
+    }
+    int id = static_cast<int>(m_pictures.size());
+    if (m_freePictures.empty()) {
+        m_pictures.emplace_back();
+    } else {
+        id = m_freePictures.back();
+        m_freePictures.pop_back();
+    }
+    m_pictures[static_cast<std::size_t>(id)] = {{QRect(at, image.size()), corner}, key, m_round};
+    m_pictureIds.insert(key, id);
+    m_pictureArea += area;
+    Copy(image, image.rect(), m_image, at);
+    Changed(QRect(at, image.size()));
+    return id;
+}
+
+/// Texels of cells that nothing used in this round.
+int ZrGlyphAtlas::UnusedArea() const
+{
+    int area = 0;
+    for (const Entry& entry : m_glyphs)
+        area += entry.round != m_round ? Area(entry.glyph.cell.size()) : 0;
+    for (const Picture& picture : m_pictures)
+        area += picture.round != m_round ? Area(picture.glyph.cell.size()) : 0;
+    return area;
+}
+
+void ZrGlyphAtlas::Changed(const QRect& cell)
+{
+    ++m_revision;
+    m_changes.push_back(cell);
+    if (m_changes.size() > mostChanges)
+        ChangedAll();
+}
+
+void ZrGlyphAtlas::ChangedAll()
+{
+    m_wholeRevision = ++m_revision;
+    m_changes.clear();
+}
+
+std::vector<QRect> ZrGlyphAtlas::ChangesSince(int revision) const
+{
+    if (revision < m_wholeRevision)
+        return {m_image.rect()};
+    const auto known = static_cast<std::size_t>(revision - m_wholeRevision);
+    return {
+        m_changes.begin() + static_cast<std::ptrdiff_t>(std::min(known, m_changes.size())), m_changes.end()};
 }
 
 bool ZrGlyphAtlas::FindRoom(const QSize& size, QPoint& at)
@@ -205,41 +310,57 @@ bool ZrGlyphAtlas::Grow()
     QImage image = Empty(width, height);
     Copy(m_image, m_image.rect(), image, QPoint(0, 0));
     m_image = image;
-    ++m_revision;
+    ChangedAll();
     return true;
 }
 
-/// Takes the cells of glyphs that are not in use and moves the others together; false when all are in use.
+/// Takes the cells of what is not in use and moves the others together; false when all are in use.
 bool ZrGlyphAtlas::DropUnused()
 {
-    std::vector<Entry*> kept;
+    std::vector<Glyph*> kept;
     bool isAnyDropped = false;
     for (Entry& entry : m_glyphs) {
         if (entry.glyph.cell.isEmpty())
             continue;
         if (entry.round == m_round) {
-            kept.push_back(&entry);
+            kept.push_back(&entry.glyph);
         } else {
             entry.glyph.cell = QRect();
             isAnyDropped = true;
         }
     }
+    for (auto at = m_pictureIds.begin(); at != m_pictureIds.end();) {
+        Picture& picture = m_pictures[static_cast<std::size_t>(*at)];
+        if (picture.round == m_round) {
+            kept.push_back(&picture.glyph);
+            ++at;
+        } else {
+            m_freePictures.push_back(*at);
+            picture = Picture();
+            at = m_pictureIds.erase(at);
+            isAnyDropped = true;
+        }
+    }
     if (!isAnyDropped)
         return false;
-    std::stable_sort(kept.begin(), kept.end(),
-        [](const Entry* a, const Entry* b) { return a->glyph.cell.height() > b->glyph.cell.height(); });
+    // In the order of places, which those of a hash are not: the same texts give the same image.
+    std::sort(kept.begin(), kept.end(), [](const Glyph* a, const Glyph* b) {
+        return a->cell.height() != b->cell.height() ? a->cell.height() > b->cell.height()
+            : a->cell.y() != b->cell.y()            ? a->cell.y() < b->cell.y()
+                                                    : a->cell.x() < b->cell.x();
+    });
     const QImage old = m_image;
     m_image = Empty(old.width(), old.height());
     m_shelves.clear();
-    for (Entry* entry : kept) {
-        const QRect from = entry->glyph.cell;
+    for (Glyph* glyph : kept) {
+        const QRect from = glyph->cell;
         QPoint at;
-        entry->glyph.cell = QRect();
+        glyph->cell = QRect();
         if (PlaceOnShelf(from.size(), at)) {
-            entry->glyph.cell = QRect(at, from.size());
+            glyph->cell = QRect(at, from.size());
             Copy(old, from, m_image, at);
         }
     }
-    ++m_revision;
+    ChangedAll();
     return true;
 }

@@ -5,6 +5,7 @@
 #include "ZrKit/map/ZrMapBatch.h"
 #include "ZrKit/map/ZrMapLabel.h"
 #include "ZrKit/map/ZrMapLayer.h"
+#include "ZrKit/map/ZrTextRaster.h"
 
 #include <QRectF>
 #include <QSizeF>
@@ -26,9 +27,13 @@
 /// \endcode
 ///
 /// Sizes are design pixels, shown `ZrTheme::dp` × the surface's pixels for each widget pixel × `SetScale`
-/// times as large. Vertices and glyphs are uploaded when labels, sizes or colours of the theme have changed,
-/// and while labels are decluttered when other ones are shown; not when only the view moved. Texts that move
-/// all the time belong into a layer of their own.
+/// times as large. What stands upright is drawn from pictures of whole texts, pixel by pixel; what is turned,
+/// very large or long from distances to the edges of glyphs. Vertices and what is new of both are uploaded
+/// when labels, sizes or colours of the theme have changed, and while labels are decluttered when other ones
+/// are shown; not when only the view moved. Texts that move all the time belong into a layer of their own.
+///
+/// Where there is no memory for vertices or texture, nothing is drawn until they change, and the debug log
+/// has a line, one for each context.
 ///
 /// A label whose position is not finite, or a world position beyond 100,000 km, is not drawn. GUI thread
 /// only.
@@ -79,18 +84,33 @@ private:
         }
     };
 
+    /// A label's text as it is drawn.
+    struct Text
+    {
+        ZrGlyphAtlas::Text glyphs;
+        int picture = -1; ///< of the atlas; -1: from its glyphs
+    };
+
+    /// Where the quads of a label are.
+    struct Frame;
+
     Look LookOf(double factor) const;
     ZrGlyphAtlas& Atlas();
     float FontSize(const ZrMapLabel& label) const;
+    float HaloWidth(const ZrMapLabel& label) const;
     bool Layout(const Look& look);
+    bool IsForPicture(const ZrMapLabel& label, const ZrGlyphAtlas::Text& text) const;
+    int PictureOf(const ZrMapLabel& label, const ZrGlyphAtlas::Text& text);
     bool Declutter(const ZrMapView& view);
     ZrMapBatch::Vertices Build();
-    void Add(ZrMapBatch::Vertices& vertices, const ZrMapLabel& label, const ZrGlyphAtlas::Text& text);
+    Frame FrameOf(const ZrMapLabel& label, const ZrGlyphAtlas::Text& text) const;
+    void AddPicture(ZrMapBatch::Vertices& vertices, const ZrMapLabel& label, const Text& text) const;
+    void AddGlyphs(ZrMapBatch::Vertices& vertices, const ZrMapLabel& label, const Text& text) const;
     void LimitAtlas(ZrGlSurface& surface);
-    void UploadAtlas(ZrGlSurface& surface);
+    bool UploadAtlas(ZrGlSurface& surface);
 
     std::vector<ZrMapLabel> m_labels;
-    std::vector<ZrGlyphAtlas::Text> m_texts; ///< of the labels
+    std::vector<Text> m_texts; ///< of the labels
     std::vector<bool> m_isShown;
     std::vector<QRectF> m_taken;
     QFont m_font;
@@ -100,9 +120,15 @@ private:
     bool m_isLaidOut = false;
     Look m_look;
     std::unique_ptr<ZrGlyphAtlas> m_atlas;
+    ZrTextRaster m_raster; ///< of the atlas
     QString m_atlasFamily; ///< of the theme when it was made
     int m_largestAtlas = 4096; ///< that the context takes, texels
     ZrMapBatch m_batch;
     unsigned m_texture = 0;
     int m_revision = -1; ///< of the atlas in the texture
+    QSize m_textureSize; ///< empty while there was no memory for it
+    std::vector<unsigned char> m_rows; ///< of a cell on its way to the texture
+    bool m_hasDistances = false; ///< among the vertices are those of glyphs
+    bool m_isSmooth = false; ///< texels of the texture are mixed
+    bool m_isFailureLogged = false;
 };

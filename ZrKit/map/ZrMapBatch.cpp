@@ -1,9 +1,12 @@
 #include "ZrKit/map/ZrMapBatch.h"
 
+#include "ZrKit/map/ZrMapErrors.h"
 #include "ZrKit/map/ZrMapSplit.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrUtil/ZrGlSurface.h"
+#include "ZrUtil/ZrLogEmit.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 
@@ -23,11 +26,20 @@ constexpr Field fields[] = {
     {"aPosition", 4, GL_FLOAT, offsetof(Vertex, position)},
     {"aCorner", 4, GL_FLOAT, offsetof(Vertex, corner)},
     {"aColour", 4, GL_UNSIGNED_BYTE, offsetof(Vertex, colour)},
+    {"aHalo", 4, GL_UNSIGNED_BYTE, offsetof(Vertex, halo)},
     {"aStyle", 4, GL_FLOAT, offsetof(Vertex, edge)},
 };
 
 static_assert(offsetof(Vertex, texture) == offsetof(Vertex, corner) + 8, "one attribute of four");
 static_assert(offsetof(Vertex, isTurning) == offsetof(Vertex, edge) + 12, "one attribute of four");
+
+void Write(const QColor& value, unsigned char* bytes)
+{
+    bytes[0] = static_cast<unsigned char>(value.red());
+    bytes[1] = static_cast<unsigned char>(value.green());
+    bytes[2] = static_cast<unsigned char>(value.blue());
+    bytes[3] = static_cast<unsigned char>(value.alpha());
+}
 
 } // namespace
 
@@ -49,10 +61,12 @@ void ZrMapBatch::Vertex::SetPixel(const QPointF& pixel)
 
 void ZrMapBatch::Vertex::SetColour(const QColor& value)
 {
-    colour[0] = static_cast<unsigned char>(value.red());
-    colour[1] = static_cast<unsigned char>(value.green());
-    colour[2] = static_cast<unsigned char>(value.blue());
-    colour[3] = static_cast<unsigned char>(value.alpha());
+    Write(value, colour);
+}
+
+void ZrMapBatch::Vertex::SetHalo(const QColor& value)
+{
+    Write(value, halo);
 }
 
 ZrMapBatch::ZrMapBatch(const QString& fragment)
@@ -76,11 +90,18 @@ void ZrMapBatch::Upload(ZrGlSurface& surface, const Vertices& vertices)
         return;
     if (m_buffer == 0)
         gl.glGenBuffers(1, &m_buffer);
+    const auto bytes = static_cast<qopengl_GLsizeiptr>(static_cast<std::size_t>(m_count) * sizeof(Vertex));
     gl.glBindBuffer(GL_ARRAY_BUFFER, m_buffer);
-    gl.glBufferData(GL_ARRAY_BUFFER,
-        static_cast<qopengl_GLsizeiptr>(static_cast<std::size_t>(m_count) * sizeof(Vertex)), vertices.data(),
-        GL_DYNAMIC_DRAW);
+    const GLenum error = ZrMapErrors::Of(
+        gl, [&] { gl.glBufferData(GL_ARRAY_BUFFER, bytes, vertices.data(), GL_DYNAMIC_DRAW); });
     gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    if (error == GL_NO_ERROR)
+        return;
+    m_count = 0;
+    if (!m_isFailureLogged)
+        ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrKit-ZrMapBatch", "No buffer of {} bytes, nothing is drawn: error {}",
+            static_cast<long long>(bytes), error);
+    m_isFailureLogged = true;
 }
 
 void ZrMapBatch::Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& texture)
@@ -105,7 +126,7 @@ void ZrMapBatch::Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& 
             reinterpret_cast<const void*>(field.offset));
     }
     gl.glEnable(GL_BLEND);
-    gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    gl.glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     gl.glDrawArrays(GL_TRIANGLES, 0, m_count);
     gl.glDisable(GL_BLEND);
     for (const Field& field : fields) {
@@ -130,4 +151,5 @@ void ZrMapBatch::Forget()
     m_buffer = 0;
     m_count = 0;
     m_isUploaded = false;
+    m_isFailureLogged = false;
 }

@@ -27,6 +27,7 @@ public:
         float corner[2] = {}; ///< pixels right and up
         float texture[2] = {}; ///< texels; for lines: pixels from the middle and half the width
         unsigned char colour[4] = {}; ///< red, green, blue, alpha
+        unsigned char halo[4] = {}; ///< likewise, of what is around the ink
         float edge = 0.0F; ///< distance where ink ends, 0 to 1
         float sharpness = 0.0F; ///< pixels for the whole range of distances
         float isOnScreen = 0.0F; ///< 1: the position is in pixels
@@ -35,6 +36,7 @@ public:
         void SetWorld(const QPointF& world);
         void SetPixel(const QPointF& pixel); ///< also upright
         void SetColour(const QColor& value);
+        void SetHalo(const QColor& value);
     };
 
     using Vertices = std::vector<Vertex>;
@@ -44,13 +46,14 @@ public:
     /// Makes the program current; false when it did not build.
     bool Use(ZrGlSurface& surface);
 
-    /// Takes the triangles to be drawn. After `Use`.
+    /// Takes the triangles to be drawn. After `Use`. Where there is no memory for them nothing is drawn, and
+    /// the debug log has a line, one for each context.
     void Upload(ZrGlSurface& surface, const Vertices& vertices);
 
     bool IsUploaded() const { return m_isUploaded; } ///< in the context there is
 
-    /// Draws them, blended, with the texture that is bound. \p texture is its size; without one 1 × 1. After
-    /// `Use`; nothing without triangles.
+    /// Draws them, blended as colours that are multiplied by their alpha, with the texture that is bound. \p
+    /// texture is its size; without one 1 × 1. After `Use`; nothing without triangles.
     void Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& texture = QSize(1, 1));
 
     void Release(ZrGlSurface& surface); ///< deletes buffer and program
@@ -61,4 +64,5 @@ private:
     unsigned m_buffer = 0;
     int m_count = 0;
     bool m_isUploaded = false;
+    bool m_isFailureLogged = false;
 };

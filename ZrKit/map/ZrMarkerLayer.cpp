@@ -1,9 +1,11 @@
 #include "ZrKit/map/ZrMarkerLayer.h"
 
+#include "ZrKit/map/ZrMapErrors.h"
 #include "ZrKit/map/ZrMapSplit.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/map/ZrMarkerAtlas.h"
 #include "ZrUtil/ZrGlSurface.h"
+#include "ZrUtil/ZrLogEmit.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrTypes.h"
 
@@ -126,11 +128,10 @@ void ZrMarkerLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
         return;
     auto& gl = surface.m_gl;
     gl.glActiveTexture(GL_TEXTURE0);
-    if (m_texture == 0) {
-        MakeTexture(surface);
-        MakeIndices(surface);
-    }
-    UploadMarkers(surface);
+    if (m_texture == 0)
+        m_hasTexture = MakeTexture(surface) && MakeIndices(surface);
+    if (!m_hasTexture || !UploadMarkers(surface))
+        return;
     m_program.SetSplit(surface, ZrMapSplit(view));
     gl.glUniform1i(m_program.Uniform(surface, "uTexUnit"), 0);
     gl.glUniform2f(m_program.Uniform(surface, "uHalf"), static_cast<float>(view.Width()) / 2.0F,
@@ -150,7 +151,15 @@ void ZrMarkerLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
     gl.glDisable(GL_BLEND);
 }
 
-void ZrMarkerLayer::MakeTexture(ZrGlSurface& surface)
+void ZrMarkerLayer::LogFailure(const char* what, unsigned error)
+{
+    if (!m_isFailureLogged)
+        ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrKit-ZrMarkerLayer", "No {} for {} markers, none is drawn: error {}",
+            what, static_cast<int>(m_markers.size()), error);
+    m_isFailureLogged = true;
+}
+
+bool ZrMarkerLayer::MakeTexture(ZrGlSurface& surface)
 {
     auto& gl = surface.m_gl;
     const ZrMarkerAtlas atlas;
@@ -161,14 +170,19 @@ void ZrMarkerLayer::MakeTexture(ZrGlSurface& surface)
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
     gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 4); // as the rows of an image are
-    int level = 0;
-    for (const QImage& image : atlas.Levels()) {
-        gl.glTexImage2D(GL_TEXTURE_2D, level++, GL_ALPHA, image.width(), image.height(), 0, GL_ALPHA,
-            GL_UNSIGNED_BYTE, image.constBits());
-    }
+    const GLenum error = ZrMapErrors::Of(gl, [&] {
+        int level = 0;
+        for (const QImage& image : atlas.Levels()) {
+            gl.glTexImage2D(GL_TEXTURE_2D, level++, GL_ALPHA, image.width(), image.height(), 0, GL_ALPHA,
+                GL_UNSIGNED_BYTE, image.constBits());
+        }
+    });
+    if (error != GL_NO_ERROR)
+        LogFailure("texture", error);
+    return error == GL_NO_ERROR;
 }
 
-void ZrMarkerLayer::MakeIndices(ZrGlSurface& surface)
+bool ZrMarkerLayer::MakeIndices(ZrGlSurface& surface)
 {
     std::vector<u16> indices;
     indices.reserve(static_cast<std::size_t>(batch) * indicesOfMarker);
@@ -179,12 +193,18 @@ void ZrMarkerLayer::MakeIndices(ZrGlSurface& surface)
     auto& gl = surface.m_gl;
     gl.glGenBuffers(1, &m_indices);
     gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indices);
-    gl.glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<qopengl_GLsizeiptr>(indices.size() * sizeof(u16)),
-        indices.data(), GL_STATIC_DRAW);
+    const GLenum error = ZrMapErrors::Of(gl, [&] {
+        gl.glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+            static_cast<qopengl_GLsizeiptr>(indices.size() * sizeof(u16)), indices.data(), GL_STATIC_DRAW);
+    });
     gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    if (error != GL_NO_ERROR)
+        LogFailure("indices", error);
+    return error == GL_NO_ERROR;
 }
 
-void ZrMarkerLayer::UploadMarkers(ZrGlSurface& surface)
+/// Leaves the buffer bound, unless there is no memory for it.
+bool ZrMarkerLayer::UploadMarkers(ZrGlSurface& surface)
 {
     auto& gl = surface.m_gl;
     const int count = static_cast<int>(m_markers.size());
@@ -193,13 +213,20 @@ void ZrMarkerLayer::UploadMarkers(ZrGlSurface& surface)
     gl.glBindBuffer(GL_ARRAY_BUFFER, m_vertices);
     constexpr auto markerBytes = static_cast<qopengl_GLsizeiptr>(corners * sizeof(Vertex));
     if (count > m_capacity) {
+        const GLenum error = ZrMapErrors::Of(
+            gl, [&] { gl.glBufferData(GL_ARRAY_BUFFER, count * markerBytes, nullptr, GL_DYNAMIC_DRAW); });
+        if (error != GL_NO_ERROR) {
+            m_capacity = 0;
+            gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
+            LogFailure("buffer", error);
+            return false;
+        }
         m_capacity = count;
-        gl.glBufferData(GL_ARRAY_BUFFER, m_capacity * markerBytes, nullptr, GL_DYNAMIC_DRAW);
         m_changedFirst = 0;
         m_changedEnd = count;
     }
     if (m_changedFirst >= m_changedEnd)
-        return;
+        return true;
     std::vector<Vertex> vertices(static_cast<std::size_t>(corners * (m_changedEnd - m_changedFirst)));
     for (int i = m_changedFirst; i < m_changedEnd; ++i)
         WriteMarker(m_markers[static_cast<std::size_t>(i)],
@@ -208,6 +235,7 @@ void ZrMarkerLayer::UploadMarkers(ZrGlSurface& surface)
         (m_changedEnd - m_changedFirst) * markerBytes, vertices.data());
     m_changedFirst = 0;
     m_changedEnd = 0;
+    return true;
 }
 
 void ZrMarkerLayer::DrawMarkers(ZrGlSurface& surface)
@@ -256,4 +284,6 @@ void ZrMarkerLayer::OnForget()
     m_vertices = 0;
     m_indices = 0;
     m_capacity = 0;
+    m_hasTexture = false;
+    m_isFailureLogged = false;
 }

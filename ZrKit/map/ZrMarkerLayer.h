@@ -22,6 +22,9 @@ class QPointF;
 /// const int touched = ZrMarkerLayer::Nearest(layer.Markers(), view, finger, radius);
 /// \endcode
 ///
+/// Where there is no memory for texture or buffers nothing is drawn, and the debug log has a line, one for
+/// each context. Buffers are tried again by the next `Paint`, the texture in another context.
+///
 /// Later markers cover earlier ones. Only what was changed is uploaded, 176 bytes for each marker. Images
 /// stand as `ZrglRenderMarker` draws them: row 0 of a file at the lower edge.
 class ZR_KIT_EXPORT ZrMarkerLayer : public ZrMapLayer
@@ -50,9 +53,10 @@ protected:
     void OnForget() override;
 
 private:
-    void MakeTexture(ZrGlSurface& surface);
-    void MakeIndices(ZrGlSurface& surface);
-    void UploadMarkers(ZrGlSurface& surface);
+    bool MakeTexture(ZrGlSurface& surface);
+    bool MakeIndices(ZrGlSurface& surface);
+    bool UploadMarkers(ZrGlSurface& surface);
+    void LogFailure(const char* what, unsigned error);
     void DrawMarkers(ZrGlSurface& surface);
 
     ZrMapProgram m_program;
@@ -63,4 +67,6 @@ private:
     unsigned m_vertices = 0;
     unsigned m_indices = 0;
     int m_capacity = 0; ///< of the buffer, markers
+    bool m_hasTexture = false; ///< and indices; false while there is no memory for them
+    bool m_isFailureLogged = false;
 };

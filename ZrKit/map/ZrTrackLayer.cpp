@@ -1,8 +1,10 @@
 #include "ZrKit/map/ZrTrackLayer.h"
 
+#include "ZrKit/map/ZrMapErrors.h"
 #include "ZrKit/map/ZrMapSplit.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrUtil/ZrGlSurface.h"
+#include "ZrUtil/ZrLogEmit.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QPointF>
@@ -112,13 +114,14 @@ void ZrTrackLayer::DrawAll(ZrGlSurface& surface, const ZrMapView& view)
         width = std::max(width, static_cast<float>(m_picture.RowHeight() / view.Scale()));
     const QColor past = m_colour.isValid() ? m_colour : ZrTheme::track;
     const QColor future = m_futureColour.isValid() ? m_futureColour : past.darker(futureDarker);
-    Upload(surface, m_picture, m_buffer);
+    const bool hasPast = HasCursor() && m_picture.IsCover();
+    if (!Upload(surface, m_picture, m_buffer) || (hasPast && !Upload(surface, m_pastPicture, m_pastBuffer)))
+        return;
     if (m_casing.isValid())
         Draw(surface, m_buffer, 0, m_buffer.count, m_casing, CasingWidth(width));
     if (!HasCursor()) {
         Draw(surface, m_buffer, 0, m_buffer.count, past, width);
-    } else if (m_picture.IsCover()) {
-        Upload(surface, m_pastPicture, m_pastBuffer);
+    } else if (hasPast) {
         Draw(surface, m_buffer, 0, m_buffer.count, future, width);
         if (m_pastPicture.IsCover())
             width = std::max(width, static_cast<float>(m_pastPicture.RowHeight() / view.Scale()));
@@ -135,10 +138,9 @@ void ZrTrackLayer::DrawAtCursor(ZrGlSurface& surface, const QColor& past, const 
     const int line = m_picture.LineBehind(m_cursor);
     const auto& lines = m_picture.Lines();
     const int count = static_cast<int>(lines.size());
-    const bool isCut = line < count && lines[static_cast<std::size_t>(line)].from < m_cursor;
-    const int behind = isCut ? line + 1 : line;
-    if (isCut)
-        UploadJoint(surface, line);
+    const bool isOver = line < count && lines[static_cast<std::size_t>(line)].from < m_cursor;
+    const int behind = isOver ? line + 1 : line;
+    const bool isCut = isOver && UploadJoint(surface, line);
     Draw(surface, m_buffer, 2 * behind, 2 * (count - behind), future, thin);
     if (isCut)
         Draw(surface, m_jointBuffer, 2, 2, future, thin);
@@ -147,8 +149,27 @@ void ZrTrackLayer::DrawAtCursor(ZrGlSurface& surface, const QColor& past, const 
         Draw(surface, m_jointBuffer, 0, 2, past, width);
 }
 
+/// Storage anew for the buffer that is bound, so that the driver need not wait for what is being drawn.
+bool ZrTrackLayer::Allocate(ZrGlSurface& surface, Buffer& buffer, int vertices, const float* data)
+{
+    auto& gl = surface.m_gl;
+    const GLenum error = ZrMapErrors::Of(gl, [&] {
+        gl.glBufferData(GL_ARRAY_BUFFER, qopengl_GLsizeiptr(vertices) * vertexBytes, data, GL_DYNAMIC_DRAW);
+    });
+    buffer.capacity = error == GL_NO_ERROR ? vertices : 0;
+    if (error == GL_NO_ERROR)
+        return true;
+    buffer.count = 0;
+    buffer.buildCount = -1;
+    if (!m_isFailureLogged)
+        ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrKit-ZrTrackLayer",
+            "No buffer of {} vertices for a track, it is not drawn: error {}", vertices, error);
+    m_isFailureLogged = true;
+    return false;
+}
+
 /// What is new of a picture; all of it when it was built again or the buffer must grow.
-void ZrTrackLayer::Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, Buffer& buffer)
+bool ZrTrackLayer::Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, Buffer& buffer)
 {
     auto& gl = surface.m_gl;
     const int count = picture.VertexCount();
@@ -156,13 +177,12 @@ void ZrTrackLayer::Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, B
         gl.glGenBuffers(1, &buffer.id);
     const bool isOther = buffer.buildCount != picture.BuildCount();
     if (!isOther && buffer.count == count)
-        return;
+        return true;
     gl.glBindBuffer(GL_ARRAY_BUFFER, buffer.id);
     if (isOther || count > buffer.capacity) {
-        // Storage anew, so that the driver need not wait for what is being drawn.
-        buffer.capacity = std::max({buffer.capacity, count + count / 2, smallestBuffer});
-        gl.glBufferData(
-            GL_ARRAY_BUFFER, qopengl_GLsizeiptr(buffer.capacity) * vertexBytes, nullptr, GL_DYNAMIC_DRAW);
+        const int vertices = std::max({buffer.capacity, count + count / 2, smallestBuffer});
+        if (!Allocate(surface, buffer, vertices, nullptr))
+            return false;
         buffer.count = 0;
         buffer.buildCount = picture.BuildCount();
     }
@@ -173,16 +193,17 @@ void ZrTrackLayer::Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, B
                 + static_cast<std::size_t>(buffer.count) * ZrTrackPicture::FloatsPerVertex);
     }
     buffer.count = count;
+    return true;
 }
 
-void ZrTrackLayer::UploadJoint(ZrGlSurface& surface, int line)
+bool ZrTrackLayer::UploadJoint(ZrGlSurface& surface, int line)
 {
     auto& gl = surface.m_gl;
     if (m_jointBuffer.id == 0)
         gl.glGenBuffers(1, &m_jointBuffer.id);
     if (m_jointBuffer.buildCount == m_picture.BuildCount() && m_jointLine == line
         && m_jointCursor == m_cursor)
-        return;
+        return true;
     const ZrTrackLod::Segment& cut = m_picture.Lines()[static_cast<std::size_t>(line)];
     float vertices[jointVertices * ZrTrackPicture::FloatsPerVertex];
     float* at = vertices;
@@ -192,10 +213,12 @@ void ZrTrackLayer::UploadJoint(ZrGlSurface& surface, int line)
         at += ZrTrackPicture::FloatsPerVertex;
     }
     gl.glBindBuffer(GL_ARRAY_BUFFER, m_jointBuffer.id);
-    gl.glBufferData(GL_ARRAY_BUFFER, sizeof(vertices), vertices, GL_DYNAMIC_DRAW);
+    if (!Allocate(surface, m_jointBuffer, jointVertices, vertices))
+        return false;
     m_jointBuffer.buildCount = m_picture.BuildCount();
     m_jointLine = line;
     m_jointCursor = m_cursor;
+    return true;
 }
 
 void ZrTrackLayer::Draw(
@@ -251,5 +274,6 @@ void ZrTrackLayer::OnForget()
     m_pastBuffer = Buffer();
     m_jointBuffer = Buffer();
     m_jointLine = -1;
+    m_isFailureLogged = false;
     m_widest = 0.0F;
 }

@@ -25,6 +25,9 @@ class QPointF;
 /// of the same view and track none. Seen from another place the vertices are chosen again when the view
 /// leaves those there are.
 ///
+/// Where there is no memory for vertices nothing is drawn, `Paint` tries again, and the debug log has a line,
+/// one for each context.
+///
 /// A colour that is not opaque is blended, and denser where the track crosses itself.
 class ZR_KIT_EXPORT ZrTrackLayer : public ZrMapLayer
 {
@@ -59,8 +62,9 @@ private:
 
     float Width() const;
     void UpdatePictures(const ZrMapView& view);
-    void Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, Buffer& buffer);
-    void UploadJoint(ZrGlSurface& surface, int line);
+    bool Upload(ZrGlSurface& surface, const ZrTrackPicture& picture, Buffer& buffer);
+    bool Allocate(ZrGlSurface& surface, Buffer& buffer, int vertices, const float* data);
+    bool UploadJoint(ZrGlSurface& surface, int line);
     void DrawAll(ZrGlSurface& surface, const ZrMapView& view);
     void DrawAtCursor(ZrGlSurface& surface, const QColor& past, const QColor& future, float width);
     void Draw(
@@ -76,6 +80,7 @@ private:
     Buffer m_jointBuffer; ///< the pieces before and behind the cursor of the line that it lies on
     int m_jointLine = -1;
     i64 m_jointCursor = -1;
+    bool m_isFailureLogged = false;
     float m_widest = 0.0F; ///< line of the driver, pixels; 0 until asked
     int m_height = 0; ///< of the view, pixels
     int m_widthPixels = 0; ///< of the view

@@ -1,5 +1,6 @@
 #include "ZrKit/map/ZrWaterfallLayer.h"
 
+#include "ZrKit/map/ZrMapErrors.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrLogEmit.h"
@@ -15,15 +16,6 @@ namespace {
 float Limited(float value, float least, float most)
 {
     return std::isnan(value) ? 0.0F : std::clamp(value, least, most);
-}
-
-/// Fetches what errors there are, lest they are taken for one's own.
-GLenum TakeErrors(QOpenGLFunctions& gl)
-{
-    const GLenum first = gl.glGetError();
-    // A lost context reports an error for ever.
-    for (int i = 0; i < 10 && gl.glGetError() != GL_NO_ERROR; ++i) { }
-    return first;
 }
 
 } // namespace
@@ -79,7 +71,7 @@ bool ZrWaterfallLayer::PrepareTextures(ZrGlSurface& surface)
 bool ZrWaterfallLayer::MakeTextures(ZrGlSurface& surface, Side& side) const
 {
     auto& gl = surface.m_gl;
-    TakeErrors(gl);
+    ZrMapErrors::Take(gl);
     side.textures.resize(static_cast<std::size_t>((m_ring->Capacity() + m_pageRows - 1) / m_pageRows));
     side.uploaded = 0;
     gl.glGenTextures(static_cast<GLsizei>(side.textures.size()), side.textures.data());
@@ -90,7 +82,7 @@ bool ZrWaterfallLayer::MakeTextures(ZrGlSurface& surface, Side& side) const
         gl.glTexImage2D(
             GL_TEXTURE_2D, 0, GL_ALPHA, m_width, m_pageRows, 0, GL_ALPHA, GL_UNSIGNED_BYTE, nullptr);
     }
-    const GLenum error = TakeErrors(gl);
+    const GLenum error = ZrMapErrors::Take(gl);
     if (error == GL_NO_ERROR)
         return true;
     ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrKit-ZrWaterfallLayer",

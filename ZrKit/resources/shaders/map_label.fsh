@@ -11,15 +11,17 @@ precision mediump float;
 #define lowp
 #endif
 
-// Signed distances to the edge of the glyphs.
+// Signed distances to the edge of glyphs, or the ink and halo of whole texts, which have an edge likewise.
 uniform sampler2D uTexUnit;
 varying vec2 vTexCoords;
 varying mediump vec4 vColour;
-// The distance where the ink ends, and how many pixels the whole range of distances is.
+// Multiplied by its alpha.
+varying mediump vec4 vHalo;
+// Ink is the value multiplied by the first, and the second added.
 varying vec2 vStyle;
 
 void main()
 {
-    float ink = clamp((texture2D(uTexUnit, vTexCoords).a - vStyle.x) * vStyle.y + 0.5, 0.0, 1.0);
-    gl_FragColor = vec4(vColour.rgb, vColour.a * ink);
+    float ink = texture2D(uTexUnit, vTexCoords).a * vStyle.x + vStyle.y;
+    gl_FragColor = mix(vHalo * clamp(ink + 1.0, 0.0, 1.0), vec4(vColour.rgb, 1.0), clamp(ink, 0.0, 1.0) * vColour.a);
 }

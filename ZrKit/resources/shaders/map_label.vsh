@@ -25,17 +25,20 @@ attribute highp vec4 aPosition;
 // Pixels right and up from the position, and texture coordinates.
 attribute highp vec4 aCorner;
 attribute mediump vec4 aColour;
-// Edge and sharpness of the fragment shader; 1 for a position on the screen; 1 for a corner that turns with the map.
+attribute mediump vec4 aHalo;
+// The value of the texture where the ink is a half, and by how much ink changes with the value; 1 for a position on the screen; 1 for a corner that turns with the map.
 attribute highp vec4 aStyle;
 varying highp vec2 vTexCoords;
 varying mediump vec4 vColour;
+varying mediump vec4 vHalo;
 varying highp vec2 vStyle;
 
 void main()
 {
     vTexCoords = aCorner.zw * uTexel;
     vColour = aColour;
-    vStyle = aStyle.xy;
+    vHalo = vec4(aHalo.rgb * aHalo.a, aHalo.a);
+    vStyle = vec2(aStyle.y, 0.5 - aStyle.x * aStyle.y);
     highp vec2 at;
     if (aStyle.z > 0.5) {
         at = vec2(aPosition.x - uHalf.x, uHalf.y - aPosition.y);

@@ -18,5 +18,6 @@ varying mediump vec4 vColour;
 void main()
 {
     float ink = clamp(vTexCoords.y + 0.5 - abs(vTexCoords.x), 0.0, 1.0);
-    gl_FragColor = vec4(vColour.rgb, vColour.a * ink);
+    // Multiplied by its alpha.
+    gl_FragColor = vec4(vColour.rgb, 1.0) * (vColour.a * ink);
 }
