@@ -86,6 +86,8 @@ void tst_SurveySettings::roundTrip()
     a.contrast = 2.25;
     a.slant = true;
     a.bottom = false;
+    a.blanking = 2;
+    a.gapsCut = false;
     SurveySettings b;
     Load(b, Stored(a));
     QCOMPARE(Stored(b), Stored(a));
@@ -96,6 +98,8 @@ void tst_SurveySettings::roundTrip()
     QCOMPARE(b.simSet, 271.5);
     QCOMPARE(b.slant, true);
     QCOMPARE(b.bottom, false);
+    QCOMPARE(b.blanking, 2);
+    QCOMPARE(b.gapsCut, false);
     QVERIFY(Stored(b) != Stored(*std::make_unique<SurveySettings>()));
 }
 
@@ -128,6 +132,9 @@ void tst_SurveySettings::integers_data()
     row("tcp port", "-7", 10110);
     row("serial baud", "0", 4800);
     row("serial baud", "300", 300);
+    row("blanking", "3", 1);
+    row("blanking", "-1", 1);
+    row("blanking", "0", 0);
     row("palette", "14", 1);
     row("palette", "13", 13);
     row("split megabytes", "-5", 0);
@@ -144,8 +151,9 @@ void tst_SurveySettings::integers()
     const SurveySettings settings = With(key.constData(), text);
     const QMap<QByteArray, int> values({{"colours", settings.colours}, {"source", settings.source},
         {"udp port", settings.udpPort}, {"tcp port", settings.tcpPort}, {"serial baud", settings.serialBaud},
-        {"palette", settings.palette}, {"split megabytes", settings.splitMegabytes},
-        {"split minutes", settings.splitMinutes}, {"stop below megabytes", settings.stopBelowMegabytes}});
+        {"blanking", settings.blanking}, {"palette", settings.palette},
+        {"split megabytes", settings.splitMegabytes}, {"split minutes", settings.splitMinutes},
+        {"stop below megabytes", settings.stopBelowMegabytes}});
     QTEST(values[key], "expected");
 }
 

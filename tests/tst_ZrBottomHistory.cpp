@@ -42,6 +42,7 @@ private Q_SLOTS:
     void strokeEnds();
     void clear();
     void detect();
+    void replace();
     void noSteps();
     void redoIsForgotten();
     void clean();
@@ -172,6 +173,32 @@ void tst_ZrBottomHistory::detect()
     QCOMPARE(Text(m_line), S("9 1* 1* 1* 1*"));
     QVERIFY(m_history->Redo());
     QCOMPARE(Text(m_line), S("7 1* 1*"));
+}
+
+/// What a detection found in a stretch takes the place of all that was there.
+void tst_ZrBottomHistory::replace()
+{
+    m_history->Draw(1, 5.0, 3, 5.0);
+    const QString drawn = Text(m_line);
+    const std::vector<double> found{7.0, 8.0};
+    QVERIFY(m_history->Replace(2, found));
+    QCOMPARE(Text(m_line), S("9 5* 7 8 nan"));
+    QCOMPARE(m_history->UndoName(), S("Detect bottom line"));
+    QVERIFY(m_history->Undo());
+    QCOMPARE(Text(m_line), drawn);
+    QVERIFY(m_history->Redo());
+    QCOMPARE(Text(m_line), S("9 5* 7 8 nan"));
+    // The same once more is no step; nor is what lies behind the end, or nothing.
+    const int steps = m_history->Steps();
+    QVERIFY(!m_history->Replace(2, found));
+    QVERIFY(!m_history->Replace(5, found));
+    QVERIFY(!m_history->Replace(farAway, found));
+    QVERIFY(!m_history->Replace(0, std::vector<double>()));
+    QCOMPARE(m_history->Steps(), steps);
+    // Of what sticks out the part within counts.
+    QVERIFY(m_history->Replace(4, found));
+    QCOMPARE(Text(m_line), S("9 5* 7 8 7"));
+    QCOMPARE(m_line.Count(), std::size_t(5));
 }
 
 void tst_ZrBottomHistory::noSteps()

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void names();
     void nightIsDim();
     void sizesStay();
+    void overPictures();
 
 private:
     void Schemes();
@@ -147,6 +148,26 @@ void tst_ZrColourScheme::sizesStay()
     ZrColourScheme::Apply(ZrColourScheme::night);
     QCOMPARE(ZrTheme::font.pixelSize(), size);
     QCOMPARE(ZrTheme::ctrlOutline.width(), width);
+}
+
+/// At night no ink is blue or bright; by day and at dusk all are as they are.
+void tst_ZrColourScheme::overPictures()
+{
+    const QVector<QColor> inks{
+        Qt::white, QColor(64, 224, 255), QColor(255, 190, 40, 150), QColor(10, 20, 250)};
+    for (const int scheme : {ZrColourScheme::day, ZrColourScheme::dusk}) {
+        ZrColourScheme::Apply(scheme);
+        for (const QColor& ink : inks)
+            QCOMPARE(ZrColourScheme::OverPicture(ink), ink);
+    }
+    ZrColourScheme::Apply(ZrColourScheme::night);
+    for (const QColor& ink : inks) {
+        const QColor dim = ZrColourScheme::OverPicture(ink);
+        QVERIFY2(dim.blue() <= 80 && dim.red() >= dim.green() && dim.red() <= 216, qPrintable(dim.name()));
+        QCOMPARE(dim.alpha(), ink.alpha());
+    }
+    // What was brighter still is.
+    QVERIFY(ZrColourScheme::OverPicture(Qt::white).red() > ZrColourScheme::OverPicture(inks[1]).red());
 }
 
 QTEST_MAIN(tst_ZrColourScheme)

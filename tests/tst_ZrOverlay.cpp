@@ -91,6 +91,7 @@ private Q_SLOTS:
     void toastActs();
     void toastReplaces();
     void toastOfAnyLength();
+    void toastKeepsFree();
 
 private:
     std::unique_ptr<QWidget> m_window;
@@ -460,6 +461,26 @@ void tst_ZrOverlay::toastActs()
     QVERIFY(toast.isVisible());
     QCOMPARE(toast.Text(), QStringLiteral("Back again"));
     QVERIFY(!undo->isVisible());
+}
+
+/// What lies at the edges stays usable while it is shown, also when that is told meanwhile.
+void tst_ZrOverlay::toastKeepsFree()
+{
+    ZrToast toast(m_window.get());
+    toast.Show(QStringLiteral("Waypoint 7 deleted"));
+    const QRect before = toast.geometry();
+    toast.SetFree(120, 200);
+    QVERIFY(toast.geometry().bottom() < m_window->height() - 120);
+    QVERIFY(toast.geometry().right() < m_window->width() - 200);
+    QVERIFY(m_window->rect().contains(toast.geometry()));
+    toast.Show(ZrToast::error, QStringLiteral("The disk is full ").repeated(10));
+    QVERIFY(toast.geometry().bottom() < m_window->height() - 120);
+    toast.SetFree(-5, -5);
+    toast.Show(QStringLiteral("Waypoint 7 deleted"));
+    QCOMPARE(toast.geometry(), before);
+    // More than there is: it stays in view.
+    toast.SetFree(100000);
+    QVERIFY(toast.geometry().top() >= 0);
 }
 
 void tst_ZrOverlay::toastReplaces()

@@ -105,6 +105,7 @@ private Q_SLOTS:
     void fixesInFrontOfNavigation();
     void compressedRecords();
     void unusableRecordsAreCounted();
+    void recordsThatWereNotFilled();
     void damagedLog();
     void unreadableLogs_data();
     void unreadableLogs();
@@ -370,6 +371,35 @@ void tst_ZrSurveySeries::unusableRecordsAreCounted()
     QCOMPARE(m_reader.Skipped(), u64(3));
 }
 
+/// Zeros everywhere are no values; one zero among others is.
+void tst_ZrSurveySeries::recordsThatWereNotFilled()
+{
+    Nav blank;
+    blank.depth = blank.altitude = blank.heading = blank.pitch = blank.roll = 0.0f;
+    Nav surface = blank; // at the surface, heading north
+    surface.latitude = 48.0;
+    surface.longitude = -68.0;
+    Nav island = blank; // where no position is recorded as 0, 0
+    island.latitude = island.longitude = 0.0;
+    Nav turning = blank;
+    turning.heading = 1.0f;
+    LogBytes log;
+    double time = startTime;
+    for (const Nav& nav : {blank, surface, island, turning})
+        log.Add(NavItem(time += 1.0, nav));
+    QVERIFY(Read(log));
+    QCOMPARE(m_series.Count(), std::size_t(4));
+    for (const std::size_t row : {0, 2}) {
+        QVERIFY(std::isnan(m_series.depth.Value(row)));
+        QVERIFY(std::isnan(m_series.heading.Value(row)));
+        QVERIFY(std::isnan(m_series.track[row].latitude));
+    }
+    for (const std::size_t row : {1, 3}) {
+        QCOMPARE(m_series.depth.Value(row), 0.0f);
+        QVERIFY(!std::isnan(m_series.heading.Value(row)));
+    }
+}
+
 void tst_ZrSurveySeries::damagedLog()
 {
     LogBytes log;
@@ -501,6 +531,10 @@ void tst_ZrSurveySeries::sideScan()
         qPrintable(QStringLiteral("%1 %2").arg(double(speed.min)).arg(double(speed.max))));
     // The first record of the file has the position 0, 0, which is none.
     QVERIFY(std::isnan(m_series.track[0].latitude));
+    // Nor are its other zeros values.
+    for (const ZrPlotSeries* series :
+        {&m_series.depth, &m_series.altitude, &m_series.heading, &m_series.pitch})
+        QVERIFY(std::isnan(series->Value(0)) && !std::isnan(series->Value(1)));
     for (std::size_t i = 1; i < m_series.Count(); ++i)
         QVERIFY(std::fabs(m_series.track[i].latitude) < 90.0);
 }

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void twoFingersZoom();
     void secondFingerEndsTheScrub();
     void gapIsOnePlace();
+    void gapIsRealTime();
     void revealMovesAsLittleAsNeeded();
     void paintsOnlyChanges();
     void withoutLog();
@@ -222,6 +223,33 @@ void tst_ZrTimeBar::gapIsOnePlace()
 {
     QCOMPARE(qRound(m_bar->XOf(start + 99.0)), qRound(m_bar->XOf(start + 3600.0 + 99.5)));
     QVERIFY(m_bar->XOf(start + 3600.0 + 110.0) - m_bar->XOf(start + 90.0) < 120.0);
+}
+
+/// As long as it was, hatched, with its length on it; the next log is shown the same way.
+void tst_ZrTimeBar::gapIsRealTime()
+{
+    const QImage cut = m_bar->grab().toImage();
+    QSignalSpy viewed(m_bar.get(), &ZrTimeBar::ViewChanged);
+    m_bar->SetGapsCut(false);
+    QCOMPARE(viewed.size(), 1);
+    QVERIFY(!m_bar->AreGapsCut());
+    m_bar->ShowAll();
+    const double gap = m_bar->XOf(start + 3600.0 + 99.9) - m_bar->XOf(start + 99.0);
+    QVERIFY2(gap > 850.0, qPrintable(QString::number(gap)));
+    const QImage real = m_bar->grab().toImage();
+    const int y = m_bar->height() / 2;
+    int changes = 0;
+    for (int x = 150; x < 400; ++x)
+        changes += real.pixel(x, y) != real.pixel(x + 1, y) ? 1 : 0;
+    QVERIFY2(changes > 30, qPrintable(QString::number(changes)));
+    m_bar->SetLog(Log());
+    QVERIFY(!m_bar->AreGapsCut());
+    viewed.clear();
+    m_bar->SetGapsCut(false);
+    QCOMPARE(viewed.size(), 0);
+    m_bar->SetGapsCut(true);
+    m_bar->ShowAll();
+    QCOMPARE(m_bar->grab().toImage(), cut);
 }
 
 void tst_ZrTimeBar::revealMovesAsLittleAsNeeded()

@@ -74,6 +74,8 @@ private Q_SLOTS:
     void fetchesWhatIsShown_data();
     void fetchesWhatIsShown();
     void fetchesOnce();
+    void renews();
+    void heldTiles();
     void tellsWhatIsMissing();
     void scrubsThroughMillions();
     void logGrows();
@@ -138,6 +140,49 @@ void tst_ZrWaterfallWindow::fetchesOnce()
     QVERIFY(window.Update(ViewOf(540.0))); // out of the window: some of it stays
     log.asked.clear();
     QVERIFY(!window.Update(ViewOf(540.0)));
+}
+
+/// Lines that have changed are fetched once more as far as the ring has them; one that is not at hand stays.
+void tst_ZrWaterfallWindow::renews()
+{
+    ZrWaterfallRing ring(64, 1);
+    Log log(1000);
+    ZrWaterfallWindow window(ring, log);
+    window.Update(ViewOf(500.0));
+    const u64 before = ring.Revision();
+    log.asked.clear();
+    log.missing = {491};
+    window.Renew(490, 495);
+    QCOMPARE(log.asked, (std::vector<i64>{490, 491, 492, 493, 494}));
+    QCOMPARE(ring.Revision(), before + 4);
+    QVERIFY(ring.Has(491) && ring.At(491).revision <= before);
+    log.asked.clear();
+    // Beyond the ring, before the log, behind it, in no order: nothing.
+    window.Renew(100, 200);
+    window.Renew(-10, -5);
+    window.Renew(5000, 6000);
+    window.Renew(495, 490);
+    QVERIFY(log.asked.empty());
+    window.Renew(std::numeric_limits<i64>::min(), std::numeric_limits<i64>::max());
+    QCOMPARE(log.asked.size(), std::size_t(20));
+}
+
+void tst_ZrWaterfallWindow::heldTiles()
+{
+    ZrWaterfallTiles tiles(10000, 1000000);
+    for (const i64 tile : {0, 3, 4})
+        QVERIFY(tiles.Put(tile, TileOf(tile)));
+    const auto held = [&tiles](i64 first, i64 end) {
+        std::vector<i64> numbers = tiles.Held(first, end);
+        std::sort(numbers.begin(), numbers.end());
+        return numbers;
+    };
+    QCOMPARE(held(0, 10000), (std::vector<i64>{0, 3, 4}));
+    QCOMPARE(held(256, 768), std::vector<i64>());
+    QCOMPARE(held(256, 769), std::vector<i64>{3});
+    QCOMPARE(held(1023, 1025), (std::vector<i64>{3, 4}));
+    QCOMPARE(held(255, 255), std::vector<i64>());
+    QCOMPARE(held(-50, 0), std::vector<i64>());
 }
 
 void tst_ZrWaterfallWindow::tellsWhatIsMissing()

@@ -1,12 +1,14 @@
 #include "ZrKit/map/ZrMapInput.h"
 
 #include "ZrKit/map/ZrMapView.h"
+#include "ZrUtil/ZrTheme.h"
 
 #include <QMouseEvent>
 #include <QTouchEvent>
 #include <QWheelEvent>
 #include <QtMath>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -36,6 +38,8 @@ double ZrMapInput::Seconds() const
 
 ZrMapGesture::eEvent ZrMapInput::Handle(ZrMapView& view, QEvent* event, double pixelFactor)
 {
+    const auto scaled = static_cast<double>(ZrTheme::DpF(static_cast<float>(TapDistance)));
+    m_gesture.m_tapDistance = std::max(scaled, TapDistance) * pixelFactor;
     switch (event->type()) {
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:

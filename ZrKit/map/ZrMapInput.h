@@ -29,6 +29,9 @@ class ZR_KIT_EXPORT ZrMapInput
 public:
     ZrMapGesture m_gesture;
 
+    /// Design pixels that a finger may move and still tap; never less than so many pixels of the widget.
+    static constexpr double TapDistance = 10.0;
+
     ZrMapInput();
 
     /// \param pixelFactor device pixels for each pixel of the widget, `QWidget::devicePixelRatioF`

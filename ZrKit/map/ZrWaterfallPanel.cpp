@@ -17,7 +17,7 @@ namespace {
 
 constexpr int ringLines = 4096;
 constexpr int ringWidth = 2048; ///< samples
-constexpr double tapDistance = 10.0; ///< pixels
+constexpr double tapDistance = 10.0; ///< design pixels
 constexpr double zoomStep = 1.25; ///< for each notch of the wheel
 constexpr double notch = 120.0; ///< eighths of a degree
 constexpr int mostRounds = 6;
@@ -52,6 +52,8 @@ void ZrWaterfallPanel::SetLoader(ZrWaterfallLoader* loader)
     m_offset = 0.0;
     if (loader) {
         m_window = std::make_unique<ZrWaterfallWindow>(m_ring, loader->Tiles());
+        connect(loader, &ZrWaterfallLoader::Renewed, this,
+            [this](qint64 first, qint64 end) { m_window->Renew(first, end); });
         connect(loader, &ZrWaterfallLoader::Loaded, this, &ZrWaterfallPanel::Refresh);
     }
     Refresh();
@@ -163,6 +165,12 @@ double ZrWaterfallPanel::YOf(double ping) const
 
 // -- Input
 
+double ZrWaterfallPanel::Reach(double distance) const
+{
+    return std::max(static_cast<double>(ZrTheme::DpF(static_cast<float>(distance))), distance)
+        * devicePixelRatioF();
+}
+
 void ZrWaterfallPanel::Press(const QPointF& pixel)
 {
     m_isPressed = true;
@@ -176,7 +184,7 @@ void ZrWaterfallPanel::Move(const QPointF& pixel)
     if (!m_isPressed)
         return;
     if (!m_isMoved) {
-        if ((pixel - m_pressed).manhattanLength() < tapDistance)
+        if ((pixel - m_pressed).manhattanLength() < Reach(tapDistance))
             return;
         m_isMoved = true;
         if (!m_isPointing)

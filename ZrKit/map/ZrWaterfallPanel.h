@@ -66,6 +66,10 @@ public:
 
     const ZrWaterfallLayout& Layout() const { return m_layout; }
 
+    /// Design pixels in those of the layout, but never less than so many of the widget: fingers do not shrink
+    /// with the window.
+    double Reach(double distance) const;
+
     /// The vertical place of a ping in pixels of the layout; NaN when it is not in view.
     double YOf(double ping) const;
 

@@ -1,5 +1,6 @@
 #include "ZrKit/map/ZrWaterfallPings.h"
 
+#include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/sonar/ZrSonarGeo.h"
 #include "ZrKit/sonar/ZrSonarLog.h"
 #include "ZrKit/sonar/ZrSonarTrack.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -25,13 +27,25 @@ ZrSonarGainSettings Automatic()
 
 } // namespace
 
-ZrWaterfallPings::ZrWaterfallPings(ZrSonarLog& log, const ZrSonarGeo& geo)
+ZrWaterfallPings::ZrWaterfallPings(ZrSonarLog& log, std::shared_ptr<const ZrSonarGeo> geo)
     : m_log(log)
-    , m_geo(geo)
+    , m_geo(std::move(geo))
     , m_gain(Automatic())
 {
     m_contrast.clip = clipped;
     m_contrast.gamma = 1.0;
+}
+
+void ZrWaterfallPings::SetGeo(std::shared_ptr<const ZrSonarGeo> geo)
+{
+    const std::lock_guard lock(m_mutex);
+    m_geo.swap(geo);
+}
+
+std::shared_ptr<const ZrSonarGeo> ZrWaterfallPings::Geo() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_geo;
 }
 
 std::size_t ZrWaterfallPings::Count() const
@@ -50,8 +64,9 @@ bool ZrWaterfallPings::Learn()
 {
     const std::size_t count = Count();
     const std::size_t step = std::max<std::size_t>((count + MostLearnt - 1) / MostLearnt, 1);
-    const auto altitude = [this](std::size_t ping) {
-        return m_geo.KnowsAltitudes() ? m_geo.Altitude(ping) : std::numeric_limits<double>::quiet_NaN();
+    const std::shared_ptr<const ZrSonarGeo> geo = Geo();
+    const auto altitude = [&geo](std::size_t ping) {
+        return geo->KnowsAltitudes() ? geo->Altitude(ping) : std::numeric_limits<double>::quiet_NaN();
     };
     for (int pass = 0; pass < 2; ++pass) {
         for (std::size_t ping = 0; ping < count; ping += step) {
@@ -88,15 +103,17 @@ void ZrWaterfallPings::Make(std::size_t ping, ZrWaterfallLine& line)
         return;
     const ZrSonarPing& from = m_log.Pings()[ping];
     line.time = from.time;
-    const double altitude = m_geo.KnowsAltitudes() ? m_geo.Altitude(ping) : line.altitude;
+    const std::shared_ptr<const ZrSonarGeo> geo = Geo();
+    const double altitude = geo->KnowsAltitudes() ? geo->Altitude(ping) : line.altitude;
     if (altitude > 0.0)
         line.altitude = altitude;
-    line.along = m_geo.Track().Distance(ping);
+    line.along = geo->Track().Distance(ping);
     for (const eSonarSide side : {sidePort, sideStarboard}) {
         const auto at = static_cast<std::size_t>(side);
         const double range = from.sides[side].slantRange;
         if (!m_log.ReadSamples(ping, side, m_samples))
             continue;
+        ZrSonarBlanking::Apply(m_blanking, m_samples, range, line.altitude);
         m_gain.Apply(m_samples, side, range, line.altitude);
         line.samples[at].resize(m_samples.size());
         m_contrast.Map(m_samples, line.samples[at]);

@@ -7,6 +7,8 @@
 
 #include <atomic>
 #include <cstddef>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 class IZrProgress;
@@ -23,9 +25,10 @@ class ZrSonarLog;
 ///
 /// The gain is learnt from, and the contrast measured on, at most `MostLearnt` pings evenly spread over the
 /// log, so that neither a long log takes long nor scrolling changes what was seen already. Bottom altitudes
-/// are those of \p geo.
+/// are those of the geometry that was set last.
 ///
-/// One thread at a time; `cancel` may be set from any.
+/// One thread at a time, but for `cancel`, `SetGeo` and `SetBlanking`, which are for any: the next line that
+/// is made follows them.
 class ZR_KIT_EXPORT ZrWaterfallPings
 {
 public:
@@ -34,8 +37,17 @@ public:
     IZrProgress* progress = nullptr; ///< of `Learn`; may be null
     std::atomic<bool> cancel{false}; ///< ends `Learn` at the next ping
 
-    /// Both must stay.
-    ZrWaterfallPings(ZrSonarLog& log, const ZrSonarGeo& geo);
+    /// The log must stay.
+    ZrWaterfallPings(ZrSonarLog& log, std::shared_ptr<const ZrSonarGeo> geo);
+
+    /// Another bottom line. Gain and contrast stay as they were learnt, lest the picture flickers with every
+    /// correction.
+    void SetGeo(std::shared_ptr<const ZrSonarGeo> geo);
+
+    /// What in front of the seabed is dark, a `ZrSonarBlanking::eKind`; nothing at first.
+    void SetBlanking(int kind) { m_blanking = kind; }
+
+    int Blanking() const { return m_blanking; }
 
     /// Makes gain and contrast. False when `cancel` was set.
     bool Learn();
@@ -47,9 +59,12 @@ public:
 
 private:
     bool Report(std::size_t done, std::size_t all);
+    std::shared_ptr<const ZrSonarGeo> Geo() const;
 
     ZrSonarLog& m_log;
-    const ZrSonarGeo& m_geo;
+    mutable std::mutex m_mutex; ///< guards the next
+    std::shared_ptr<const ZrSonarGeo> m_geo;
+    std::atomic<int> m_blanking{0};
     ZrSonarGain m_gain;
     ZrSonarContrast m_contrast;
     std::vector<u16> m_samples;

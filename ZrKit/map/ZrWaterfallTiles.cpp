@@ -95,6 +95,17 @@ std::vector<i64> ZrWaterfallTiles::Wanted(const std::vector<ZrWaterfallRing::Lin
     return wanted;
 }
 
+std::vector<i64> ZrWaterfallTiles::Held(i64 first, i64 end) const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<i64> held;
+    for (const Tile& tile : m_tiles) {
+        if (first < end && tile.number * TileLines < end && (tile.number + 1) * TileLines > first)
+            held.push_back(tile.number);
+    }
+    return held;
+}
+
 i64 ZrWaterfallTiles::Bytes() const
 {
     const std::lock_guard lock(m_mutex);

@@ -37,6 +37,9 @@ public:
     /// The tiles that \p missing lie in and that lack one of these lines, each once.
     std::vector<i64> Wanted(const std::vector<ZrWaterfallRing::Lines>& missing) const;
 
+    /// The tiles that are held, whole or in part, and have one of the lines \p first to before \p end.
+    std::vector<i64> Held(i64 first, i64 end) const;
+
     i64 Bytes() const; ///< of the lines that are held
 
 private:

@@ -48,6 +48,15 @@ void ZrWaterfallWindow::MoveRing(const ZrWaterfallView& view)
     m_ring.SetWindow(first, count);
 }
 
+void ZrWaterfallWindow::Renew(i64 first, i64 end)
+{
+    const i64 last = std::min(end, m_ring.End());
+    for (i64 line = std::max(first, m_ring.First()); line < last; ++line) {
+        if (m_ring.Has(line) && m_source.Fetch(line, m_line))
+            m_ring.Put(line, m_line);
+    }
+}
+
 bool ZrWaterfallWindow::FetchMissing(const std::vector<ZrWaterfallRing::Lines>& missing)
 {
     bool any = false;

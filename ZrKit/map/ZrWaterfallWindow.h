@@ -32,6 +32,9 @@ public:
     /// True when any was fetched.
     bool Update(const ZrWaterfallView& view);
 
+    /// Fetches lines \p first to before \p end anew where the ring has them: they have changed.
+    void Renew(i64 first, i64 end);
+
     /// The lines in view that the source does not have at hand, in ascending order.
     const std::vector<ZrWaterfallRing::Lines>& Missing() const { return m_missing; }
 

@@ -40,6 +40,13 @@ float Above0(float value, float high)
     return value > 0.0F && value <= high ? value : unknown;
 }
 
+/// Recorders that have not heard of the vehicle yet fill a record with zeros.
+bool IsBlank(const ZrNavRecord& nav)
+{
+    const bool isNowhere = std::isnan(nav.latitude) || (nav.latitude == 0.0 && nav.longitude == 0.0);
+    return isNowhere && nav.depth == 0.0F && nav.altitude == 0.0F && nav.heading == 0.0F;
+}
+
 /// A value that holds for some seconds.
 class Held
 {
@@ -125,7 +132,7 @@ public:
             m_way = WaySpeed();
             m_hasNav = true;
         }
-        Append(time, nav);
+        Append(time, IsBlank(nav) ? ZrNavRecord() : nav);
     }
 
     void Add(double time, const ZrFixRecord& fix)

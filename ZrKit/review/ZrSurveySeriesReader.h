@@ -17,7 +17,8 @@ struct ZrSurveySeries;
 /// heading or else course from the latest motion record. Values are taken when they are in range: headings
 /// and rolls within ±360 and ±180 degrees, pitches within ±90 degrees, depths from −1,000 to 12,000 m,
 /// altitudes above 0 up to 12,000 m, speeds up to 50 m/s, positions on the earth. Soundings and motion count
-/// for 5 seconds.
+/// for 5 seconds. A navigation record without a position whose depth, altitude and heading are all exactly 0
+/// was not filled: nothing of it is known.
 ///
 /// The speed over ground is that of the motion records. Where there is none it comes from the positions: from
 /// one 4 seconds ago or more, up to a minute, to that of the row; repeated positions do not count.

@@ -139,9 +139,26 @@ bool ZrBottomHistory::Clear(std::size_t first, std::size_t last)
 
 bool ZrBottomHistory::SetFound(std::vector<double> altitudes)
 {
+    return SetLine(std::move(altitudes), 0, 0);
+}
+
+bool ZrBottomHistory::Replace(std::size_t first, zr::span<const double> altitudes)
+{
+    std::vector<double> found = m_line.Found();
+    const std::size_t from = std::min(first, found.size());
+    const std::size_t count = std::min(altitudes.size(), found.size() - from);
+    std::copy_n(altitudes.begin(), count, found.begin() + static_cast<std::ptrdiff_t>(from));
+    return SetLine(std::move(found), from, count);
+}
+
+/// Takes what was found, and nothing by hand in \p count pings from \p first on.
+bool ZrBottomHistory::SetLine(std::vector<double> found, std::size_t first, std::size_t count)
+{
     m_stroke = false;
     auto before = std::make_shared<const ZrBottomLine>(m_line);
-    m_line.SetFound(std::move(altitudes));
+    m_line.SetFound(std::move(found));
+    if (count > 0)
+        m_line.Clear(first, first + count - 1);
     if (AreSame(before->Found(), m_line.Found()) && AreSame(before->Edited(), m_line.Edited()))
         return false;
     Step step;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrSpan.h"
 #include "ZrUtil/ZrTypes.h"
 
 #include <QString>
@@ -70,6 +71,10 @@ public:
 
     bool Clear(std::size_t first, std::size_t last);
     bool SetFound(std::vector<double> altitudes);
+
+    /// Takes over what a detection found from ping \p first on, in place of what was found and set by hand
+    /// there; behind the end of the line is ignored.
+    bool Replace(std::size_t first, zr::span<const double> altitudes);
     /// @}
 
     /// \name Operations
@@ -83,6 +88,7 @@ public:
 private:
     struct Step;
 
+    bool SetLine(std::vector<double> found, std::size_t first, std::size_t count);
     bool PushEdits(const QString& name, std::size_t first, std::vector<double> before);
     void Push(Step step);
     void Apply(const Step& step, bool forward);

@@ -76,9 +76,14 @@ ZrBottomEcho ZrBottomTracker::Find(const ZrBottomEchoes::Side& port, const ZrBot
 
 std::vector<double> ZrBottomTracker::Track(ZrSonarLog& log)
 {
+    return Track(log, Part());
+}
+
+std::vector<double> ZrBottomTracker::Track(ZrSonarLog& log, const Part& part)
+{
     m_confidences.clear();
     std::vector<ZrBottomEcho> chosen;
-    if (!Choose(log, chosen))
+    if (!Choose(log, part, chosen))
         return {};
     std::vector<double> line(chosen.size());
     std::transform(
@@ -96,9 +101,11 @@ std::vector<double> ZrBottomTracker::Track(ZrSonarLog& log)
 }
 
 /// The echo that is the seabed, ping by ping; false when cancelled.
-bool ZrBottomTracker::Choose(ZrSonarLog& log, std::vector<ZrBottomEcho>& chosen)
+bool ZrBottomTracker::Choose(ZrSonarLog& log, const Part& part, std::vector<ZrBottomEcho>& chosen)
 {
-    const std::size_t count = log.Pings().size();
+    const std::size_t end = std::min(part.end, log.Pings().size());
+    const std::size_t first = std::min(part.first, end);
+    const std::size_t count = end - first;
     chosen.reserve(count);
     ZrBottomEchoes echoes(m_settings);
     ZrBottomPath path(m_settings);
@@ -115,13 +122,15 @@ bool ZrBottomTracker::Choose(ZrSonarLog& log, std::vector<ZrBottomEcho>& chosen)
         if (progress && percent != told)
             progress->UpdateProgress(percent);
         told = percent;
-        const ZrSonarPing& ping = log.Pings()[i];
+        const ZrSonarPing& ping = log.Pings()[first + i];
         ZrBottomEchoes::Side sides[2];
         for (const eSonarSide side : {sidePort, sideStarboard}) {
-            if (log.ReadSamples(i, side, samples[side]))
+            if (part.sides[side] && log.ReadSamples(first + i, side, samples[side]))
                 sides[side] = {samples[side], RangeOf(ping.sides[side])};
         }
-        path.Add(echoes.Find(sides[sidePort], sides[sideStarboard], ping.pose.altitude));
+        const bool isExpected = i < part.expected.size() && !std::isnan(part.expected[i]);
+        const double expected = isExpected ? part.expected[i] : ping.pose.altitude;
+        path.Add(echoes.Find(sides[sidePort], sides[sideStarboard], expected));
         take();
     }
     path.Finish();

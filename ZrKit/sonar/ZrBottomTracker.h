@@ -5,8 +5,10 @@
 #include "ZrKit/sonar/ZrBottomEchoes.h"
 #include "ZrKit/sonar/ZrBottomTrackerSettings.h"
 
+#include <array>
 #include <atomic>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 class IZrProgress;
@@ -51,6 +53,20 @@ public:
     /// to bridge. Empty when `cancel` was set. Pings that cannot be read are pings without samples.
     std::vector<double> Track(ZrSonarLog& log);
 
+    /// What of a log is tracked. A plain value.
+    struct Part
+    {
+        std::size_t first = 0; ///< ping
+        std::size_t end = std::numeric_limits<std::size_t>::max(); ///< the one behind the last
+        std::array<bool, 2> sides{true, true}; ///< that are listened to, by `eSonarSide`
+        /// Altitudes that are mistrusted less than others, metres, from `first` on; NaN, or none, where the
+        /// recorded one is taken.
+        std::vector<double> expected;
+    };
+
+    /// The same for a part alone, as if there were no others: one altitude for each of its pings.
+    std::vector<double> Track(ZrSonarLog& log, const Part& part);
+
     /// How sure the last `Track` was of each ping, 0 to 1; 0 where it found nothing, also where a gap is
     /// bridged. The strength of the echo, less the further it lies off the smoothed line.
     const std::vector<double>& Confidences() const { return m_confidences; }
@@ -62,7 +78,7 @@ public:
         double expected, const ZrBottomTrackerSettings& settings = ZrBottomTrackerSettings());
 
 private:
-    bool Choose(ZrSonarLog& log, std::vector<ZrBottomEcho>& chosen);
+    bool Choose(ZrSonarLog& log, const Part& part, std::vector<ZrBottomEcho>& chosen);
     void Bridge(std::vector<double>& line) const;
     std::vector<double> Smooth(const std::vector<double>& line) const;
 

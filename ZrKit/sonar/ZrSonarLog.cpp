@@ -100,6 +100,27 @@ bool ZrSonarLog::Open(const QString& path)
     return true;
 }
 
+bool ZrSonarLog::OpenAs(const ZrSonarLog& other)
+{
+    if (this == &other)
+        return m_file.isOpen();
+    m_file.close();
+    m_path = other.m_path;
+    m_fileSize = other.m_fileSize;
+    m_error.clear();
+    m_damage = other.m_damage;
+    m_damagePos = other.m_damagePos;
+    m_waiting.clear();
+    m_file.setFileName(m_path);
+    if (!other.m_file.isOpen())
+        return Fail(QStringLiteral("No log is open"));
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return Fail(m_file.errorString());
+    m_pings = other.m_pings;
+    m_skipped = other.m_skipped;
+    return true;
+}
+
 bool ZrSonarLog::Fail(const QString& error)
 {
     m_error = error;

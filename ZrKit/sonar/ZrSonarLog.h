@@ -53,6 +53,11 @@ public:
     /// be read, is no log or `cancel` was set; a log without pings is none of these.
     bool Open(const QString& path);
 
+    /// Takes over the table of \p other, which was opened, and opens its file: for a thread of its own,
+    /// without walking the log once more. False, with the reason in `Error` and an empty table, when that
+    /// cannot be.
+    bool OpenAs(const ZrSonarLog& other);
+
     const QString& Path() const { return m_path; }
 
     const std::vector<ZrSonarPing>& Pings() const { return m_pings; }

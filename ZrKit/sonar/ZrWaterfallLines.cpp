@@ -37,10 +37,12 @@ const ZrWaterfallLines::Line& ZrWaterfallLines::At(std::size_t ping)
         if (columns == 0 || !m_log.ReadSamples(ping, side, m_samples))
             continue;
         const double slantRange = m_log.Pings()[ping].sides[side].slantRange;
-        m_gain.Apply(m_samples, side, slantRange, m_map.Altitude(static_cast<double>(ping)));
+        const double height = m_map.Altitude(static_cast<double>(ping));
+        ZrSonarBlanking::Apply(m_map.Settings().blanking, m_samples, slantRange, height);
+        m_gain.Apply(m_samples, side, slantRange, height);
         m_side.resize(static_cast<std::size_t>(columns));
         const double metres = m_map.MetresPerPixel();
-        const double altitude = m_map.IsSlantCorrected() ? m_map.Altitude(static_cast<double>(ping)) : 0.0;
+        const double altitude = m_map.IsSlantCorrected() ? height : 0.0;
         ZrSlantRange::Correct(m_samples, slantRange, altitude, m_side, columns * metres);
         // Those whose middle has samples.
         const double end = m_map.EndRange(ping, side) / metres;

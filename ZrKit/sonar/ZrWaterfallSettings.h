@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/sonar/ZrSonarGainSettings.h"
 
 #include <QRgb>
@@ -47,6 +48,7 @@ struct ZrWaterfallSettings
     QString palette = QStringLiteral("copper"); ///< of `ZrSonarPalette::Names`
 
     QRgb noData = qRgb(44, 54, 66); ///< where nothing was recorded: unlike any echo in the usual palettes
+    int blanking = ZrSonarBlanking::none; ///< what of the water column is dark
     bool drawBottom = false; ///< marks the first echo of the seabed; only in slant range
     QRgb bottom = qRgb(64, 224, 255);
 };

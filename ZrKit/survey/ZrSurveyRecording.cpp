@@ -8,6 +8,7 @@
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrBottomTracker.h"
 #include "ZrKit/sonar/ZrSonarTrackSettings.h"
+#include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrUtil/IZrProgress.h"
 
 #include <QFileInfo>
@@ -156,8 +157,8 @@ bool ZrSurveyRecording::LoadSonar()
     ZrSonarTrackSettings settings;
     settings.smoothing = Smoothing;
     m_track = std::make_unique<ZrSonarTrack>(Pings(), settings);
-    m_geo = std::make_unique<ZrSonarGeo>(Pings(), *m_track, m_bottom);
-    m_waterfall = std::make_shared<ZrWaterfallPings>(m_log, *m_geo);
+    m_geo = std::make_shared<ZrSonarGeo>(Pings(), *m_track, m_bottom);
+    m_waterfall = std::make_shared<ZrWaterfallPings>(m_log, m_geo);
     Stage stage(progress, cancel, m_waterfall->cancel, 90, 99);
     m_waterfall->progress = &stage;
     const bool learnt = m_waterfall->Learn();
@@ -189,7 +190,28 @@ bool ZrSurveyRecording::LoadBottom()
         }
     }
     m_bottom.SetFound(std::move(altitudes));
+    m_bottomHistory.Reset();
     return true;
+}
+
+std::pair<std::size_t, std::size_t> ZrSurveyRecording::ApplyBottom()
+{
+    if (!m_geo)
+        return {0, 0};
+    const auto geo = std::make_shared<const ZrSonarGeo>(Pings(), *m_track, m_bottom);
+    const auto isSame = [&](std::size_t ping) {
+        return geo->Altitude(ping) == m_geo->Altitude(ping)
+            && geo->KnowsAltitudes() == m_geo->KnowsAltitudes();
+    };
+    std::size_t first = 0;
+    std::size_t end = Pings().size();
+    while (first < end && isSame(first))
+        ++first;
+    while (end > first && isSame(end - 1))
+        --end;
+    m_geo = geo;
+    m_waterfall->SetGeo(geo);
+    return {first, end};
 }
 
 void ZrSurveyRecording::LoadPlan()
@@ -251,6 +273,17 @@ ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
         }
     }
     return {from.latitude, from.longitude};
+}
+
+std::vector<ZrSonarTarget> ZrSurveyRecording::Targets() const
+{
+    std::vector<ZrSonarTarget> targets;
+    ZrSonarTarget target;
+    for (std::size_t i = 0; i < m_events.Count(); ++i) {
+        if (ZrTargetEvent::ToTarget(m_events.At(i), target))
+            targets.push_back(target);
+    }
+    return targets;
 }
 
 void ZrSurveyRecording::UpdateDatasetEvents()

@@ -6,9 +6,11 @@
 #include "ZrKit/review/ZrEventList.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrKit/review/ZrSurveySeries.h"
+#include "ZrKit/sonar/ZrBottomHistory.h"
 #include "ZrKit/sonar/ZrBottomLine.h"
 #include "ZrKit/sonar/ZrSonarGeo.h"
 #include "ZrKit/sonar/ZrSonarLog.h"
+#include "ZrKit/sonar/ZrSonarTarget.h"
 #include "ZrKit/sonar/ZrSonarTrack.h"
 
 #include <QCoreApplication>
@@ -17,6 +19,7 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class IZrProgress;
@@ -86,13 +89,24 @@ public:
 
     const std::vector<ZrSonarPing>& Pings() const { return m_log.Pings(); }
 
+    const ZrSonarLog& SonarLog() const { return m_log; } ///< its samples are read by the waterfall alone
+
     const ZrBottomLine& Bottom() const { return m_bottom; }
+
+    /// Changes the bottom line; see `ZrBottomEditor`, which also keeps it.
+    ZrBottomHistory& BottomHistory() { return m_bottomHistory; }
+
+    /// Brings the bottom line, as it is now, into the geometry and the waterfall. The pings whose altitude
+    /// is another one by that, the first and the one behind the last; the same twice when there are none.
+    std::pair<std::size_t, std::size_t> ApplyBottom();
 
     const ZrSonarTrack& Track() const { return *m_track; } ///< with sonar alone, as the next two
 
-    const ZrSonarGeo& Geo() const { return *m_geo; }
+    const ZrSonarGeo& Geo() const { return *m_geo; } ///< up to the next `ApplyBottom`
 
     const std::shared_ptr<ZrWaterfallPings>& Waterfall() const { return m_waterfall; }
+
+    std::vector<ZrSonarTarget> Targets() const; ///< those among the events, see `ZrTargetEvent`
 
     double PingAt(double steady) const; ///< with its fraction; NaN without sonar
     double TimeOfPing(double ping) const; ///< steady; likewise
@@ -124,8 +138,9 @@ private:
     std::vector<ZrGeoPoint> m_plan;
     ZrSonarLog m_log;
     ZrBottomLine m_bottom;
+    ZrBottomHistory m_bottomHistory{m_bottom};
     std::unique_ptr<ZrSonarTrack> m_track;
-    std::unique_ptr<ZrSonarGeo> m_geo;
+    std::shared_ptr<const ZrSonarGeo> m_geo;
     std::shared_ptr<ZrWaterfallPings> m_waterfall;
     std::vector<double> m_pingTimes; ///< steady, ascending
 };

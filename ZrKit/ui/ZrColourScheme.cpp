@@ -64,6 +64,15 @@ void ZrColourScheme::Apply(int scheme)
     ZrTheme::ctrlHint.setColor(ZrTheme::ctrlHintCol);
 }
 
+QColor ZrColourScheme::OverPicture(const QColor& colour)
+{
+    if (s_current != night)
+        return colour;
+    // White becomes the light red of the night's text.
+    const int light = qGray(colour.rgb());
+    return {light * 216 / 255, light * 102 / 255, light * 78 / 255, colour.alpha()};
+}
+
 QString ZrColourScheme::Name(int scheme)
 {
     switch (scheme) {

@@ -2,6 +2,7 @@
 
 #include "ZrKit/ZrKitExport.h"
 
+#include <QColor>
 #include <QString>
 
 /// The colours of the theme for the light on deck: a light screen for the sun, a dark one for dusk and rooms,
@@ -36,6 +37,10 @@ public:
     static QString Name(int scheme); ///< "Day"; translated, empty for one that is none
 
     static bool IsLight() { return s_current == day; } ///< dark detail on a light background
+
+    /// \p colour for what is drawn over a picture of its own colours: at night a dim red as light as it was
+    /// bright, else as it is. The opacity stays.
+    static QColor OverPicture(const QColor& colour);
 
 private:
     static int s_current;

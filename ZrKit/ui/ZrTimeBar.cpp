@@ -1,12 +1,8 @@
 #include "ZrKit/ui/ZrTimeBar.h"
 
-#include "ZrKit/review/ZrPlotDecimator.h"
-#include "ZrKit/review/ZrTimeText.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QMouseEvent>
-#include <QPainter>
-#include <QPainterPath>
 #include <QTouchEvent>
 #include <QWheelEvent>
 
@@ -19,14 +15,14 @@ constexpr double zoomStep = 1.25; ///< for each notch of the wheel
 constexpr double notch = 120.0; ///< eighths of a degree
 constexpr double panStep = 0.1; ///< of the visible part
 constexpr double revealMargin = 0.1;
-constexpr int dragDistance = 8; ///< pixels within which a press on a flag stays one
+constexpr double dragDistance = 8.0; ///< pixels within which a press on a flag stays one
 constexpr double least = 22.0; ///< pixels that a finger misses a handle or a flag by at most
 constexpr double attraction = 6.0; ///< pixels from which an event draws the cursor
 
-QColor Faded(QColor colour, double alpha)
+/// For fingers these are pixels of the widget at least, and more where everything is drawn larger.
+double Reach(double pixels)
 {
-    colour.setAlphaF(alpha);
-    return colour;
+    return std::max(static_cast<double>(ZrTheme::DpF(static_cast<float>(pixels))), pixels);
 }
 
 } // namespace
@@ -47,8 +43,10 @@ QSize ZrTimeBar::sizeHint() const
 
 void ZrTimeBar::SetLog(std::shared_ptr<const ZrSteadyTime> log)
 {
+    const bool isCut = m_line.AreGapsCut();
     m_line = ZrTimeLine();
     m_line.SetLog(std::move(log));
+    m_line.SetGapsCut(isCut);
     m_events.clear();
     m_currentEvent = -1;
     m_range[0] = m_range[1] = m_cursor = std::numeric_limits<double>::quiet_NaN();
@@ -96,6 +94,14 @@ void ZrTimeBar::Viewed()
 {
     update();
     Q_EMIT ViewChanged();
+}
+
+void ZrTimeBar::SetGapsCut(bool cut)
+{
+    if (cut == m_line.AreGapsCut())
+        return;
+    m_line.SetGapsCut(cut);
+    Viewed();
 }
 
 void ZrTimeBar::ShowAll()
@@ -182,7 +188,7 @@ double ZrTimeBar::TimeAt(double x) const
 {
     const QRect axis = Axis();
     const double at = std::clamp(x - axis.x(), 0.0, static_cast<double>(axis.width()));
-    return m_line.Snap(at, axis.width(), m_events, attraction);
+    return m_line.Snap(at, axis.width(), m_events, Reach(attraction));
 }
 
 // -- Input
@@ -193,7 +199,7 @@ void ZrTimeBar::Press(const QPointF& pos)
     if (!m_line.Log())
         return;
     m_pressed = pos;
-    const double reach = std::max(least, static_cast<double>(ZrTheme::DpF(22)));
+    const double reach = Reach(least);
     const QRect axis = Axis();
     // Handles and flags are in the upper half; below it a finger always takes the time.
     if (pos.y() < axis.center().y()) {
@@ -219,7 +225,7 @@ void ZrTimeBar::Press(const QPointF& pos)
 
 void ZrTimeBar::Move(const QPointF& pos)
 {
-    if (m_grab == grabEvent && (pos - m_pressed).manhattanLength() > dragDistance) {
+    if (m_grab == grabEvent && (pos - m_pressed).manhattanLength() > Reach(dragDistance)) {
         m_grab = grabTime;
         Q_EMIT ScrubBegan();
     }
@@ -320,170 +326,4 @@ void ZrTimeBar::wheelEvent(QWheelEvent* event)
         Pan(-notches * panStep);
     else
         Zoom(std::pow(zoomStep, notches), (event->position().x() - axis.x()) / axis.width());
-}
-
-// -- Painting
-
-void ZrTimeBar::paintEvent(QPaintEvent* /*event*/)
-{
-    QPainter painter(this);
-    painter.fillRect(rect(), ZrTheme::toolBack);
-    const QRect axis = Axis();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Faded(ZrTheme::ctrlOutlineCol, 0.18));
-    painter.drawRoundedRect(axis, ZrTheme::DpI(4), ZrTheme::DpI(4));
-    painter.setFont(SmallFont());
-    if (!m_line.Log()) {
-        painter.setPen(ZrTheme::bodyCol);
-        painter.drawText(axis, Qt::AlignCenter, tr("No recording"));
-        return;
-    }
-    PaintProfile(painter, axis);
-    PaintCuts(painter, axis);
-    PaintRange(painter, axis);
-    PaintTicks(painter, axis);
-    PaintEvents(painter, axis);
-    PaintCursor(painter, axis);
-}
-
-void ZrTimeBar::PaintProfile(QPainter& painter, const QRect& axis)
-{
-    if (!m_profile || m_profile->Count() == 0)
-        return;
-    const ZrPlotSeries::Extent extent = m_profile->ExtentOf(0, m_profile->Count());
-    if (!extent.IsKnown())
-        return;
-    ZrPlotDecimator decimator;
-    decimator.mostStep = m_line.LongestStep();
-    const std::vector<double> columns = m_line.Columns(axis.width());
-    const double low = std::min(static_cast<double>(extent.min), 0.0);
-    const double span = std::max(static_cast<double>(extent.max) - low, 1e-3);
-    const double height = axis.height() - ZrTheme::DpF(6);
-    QPainterPath path;
-    QPointF last;
-    const auto close = [&] {
-        if (path.elementCount() == 0)
-            return;
-        path.lineTo(last.x(), axis.y());
-        path.closeSubpath();
-        painter.fillPath(path, Faded(ZrTheme::ctrlHighlightCol, 0.28));
-        path = QPainterPath();
-    };
-    for (const ZrPlotDecimator::Point& point : decimator.Decimate(*m_profile, columns)) {
-        if (std::isnan(point.y)) {
-            close();
-            continue;
-        }
-        const QPointF at(axis.x() + static_cast<double>(point.x),
-            axis.y() + (static_cast<double>(point.y) - low) / span * height);
-        if (path.elementCount() == 0)
-            path.moveTo(at.x(), axis.y());
-        path.lineTo(at);
-        last = at;
-    }
-    close();
-}
-
-void ZrTimeBar::PaintCuts(QPainter& painter, const QRect& axis)
-{
-    int taken = axis.x();
-    for (const ZrTimeLine::Cut& cut : m_line.Cuts(axis.width())) {
-        const int x = axis.x() + qRound(cut.fraction * axis.width());
-        painter.fillRect(QRect(x - 1, axis.y(), 3, axis.height()), ZrTheme::toolBack);
-        painter.setPen(QPen(ZrTheme::warnCol, 1, Qt::DashLine));
-        painter.drawLine(x, axis.y(), x, axis.bottom());
-        const QString text = ZrTimeText::Elapsed(cut.seconds);
-        const int width = painter.fontMetrics().horizontalAdvance(text);
-        const int left = x + ZrTheme::DpI(4);
-        if (left < taken || left + width > axis.right())
-            continue;
-        painter.setPen(ZrTheme::warnCol);
-        painter.drawText(QRect(left, axis.y(), width, axis.height()), Qt::AlignLeft | Qt::AlignVCenter, text);
-        taken = left + width + ZrTheme::DpI(8);
-    }
-}
-
-void ZrTimeBar::PaintRange(QPainter& painter, const QRect& axis)
-{
-    painter.setClipRect(rect().adjusted(0, 0, 0, 0));
-    const auto clampX
-        = [&axis](double x) { return std::clamp(x, static_cast<double>(axis.left()), axis.right() + 1.0); };
-    if (!std::isnan(m_range[0]) && !std::isnan(m_range[1])) {
-        const double from = clampX(std::min(HandleX(0), HandleX(1)));
-        const double to = clampX(std::max(HandleX(0), HandleX(1)));
-        painter.fillRect(QRectF(from, axis.y(), to - from, axis.height()), Faded(ZrTheme::goodCol, 0.25));
-    }
-    for (int end = 0; end < 2; ++end) {
-        const double x = HandleX(end);
-        if (x < axis.left() - 1 || x > axis.right() + 1)
-            continue;
-        painter.setPen(QPen(ZrTheme::goodCol, ZrTheme::DpI(2)));
-        painter.drawLine(QPointF(x, axis.y()), QPointF(x, axis.bottom()));
-        const double side = ZrTheme::DpF(18);
-        const QRectF box(end == 0 ? x - side : x, axis.y() - side, side, side);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ZrTheme::goodCol);
-        painter.drawRect(box);
-        painter.setPen(ZrTheme::goodCol.lightness() > 127 ? Qt::black : Qt::white);
-        painter.drawText(box, Qt::AlignCenter, end == 0 ? QStringLiteral("A") : QStringLiteral("B"));
-    }
-}
-
-void ZrTimeBar::PaintTicks(QPainter& painter, const QRect& axis)
-{
-    const QFontMetrics metrics = painter.fontMetrics();
-    const auto measure = [&metrics](const QString& text) { return metrics.horizontalAdvance(text); };
-    const int top = axis.bottom() + 1;
-    for (const ZrTimeLine::Tick& tick : m_line.Ticks(axis.width(), measure)) {
-        const int x = axis.x() + qRound(tick.fraction * axis.width());
-        const bool isLong = !tick.label.isEmpty();
-        painter.setPen(QPen(ZrTheme::ctrlOutlineCol, 1));
-        painter.drawLine(x, top - ZrTheme::DpI(isLong ? 8 : 4), x, top + ZrTheme::DpI(isLong ? 4 : 0));
-        if (!isLong)
-            continue;
-        painter.setPen(ZrTheme::bodyCol);
-        painter.drawText(QRect(axis.x() + tick.labelLeft, top + ZrTheme::DpI(2),
-                             metrics.horizontalAdvance(tick.label) + 2, metrics.height()),
-            Qt::AlignLeft | Qt::AlignVCenter, tick.label);
-    }
-}
-
-void ZrTimeBar::PaintEvents(QPainter& painter, const QRect& axis)
-{
-    const double pole = ZrTheme::DpF(16);
-    const double flag = ZrTheme::DpF(10);
-    const auto paint = [&](std::size_t i, const QColor& colour) {
-        const double x = XOf(m_events[i]);
-        if (x < axis.left() - 1 || x > axis.right() + 1)
-            return;
-        painter.setPen(QPen(colour, std::max(ZrTheme::DpI(2), 1)));
-        painter.drawLine(QPointF(x, axis.y() - pole), QPointF(x, axis.bottom()));
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colour);
-        const QPointF corners[]
-            = {{x, axis.y() - pole}, {x + flag, axis.y() - pole + flag / 2.0}, {x, axis.y() - pole + flag}};
-        painter.drawPolygon(corners, 3);
-    };
-    for (std::size_t i = 0; i < m_events.size(); ++i) {
-        if (static_cast<int>(i) != m_currentEvent)
-            paint(i, ZrTheme::warnCol);
-    }
-    if (m_currentEvent >= 0 && m_currentEvent < static_cast<int>(m_events.size()))
-        paint(static_cast<std::size_t>(m_currentEvent), ZrTheme::ctrlCol);
-}
-
-void ZrTimeBar::PaintCursor(QPainter& painter, const QRect& axis)
-{
-    const double x = XOf(m_cursor);
-    if (!(x >= axis.left() - 1 && x <= axis.right() + 1))
-        return;
-    const double half = ZrTheme::DpF(7);
-    painter.setPen(QPen(ZrTheme::toolBack, ZrTheme::DpI(5)));
-    painter.drawLine(QPointF(x, axis.y()), QPointF(x, axis.bottom()));
-    painter.setPen(QPen(ZrTheme::ctrlCol, std::max(ZrTheme::DpI(2), 1)));
-    painter.drawLine(QPointF(x, axis.y()), QPointF(x, axis.bottom()));
-    painter.setPen(QPen(ZrTheme::toolBack, 1));
-    painter.setBrush(ZrTheme::ctrlCol);
-    painter.drawEllipse(QPointF(x, axis.bottom() - half), half, half);
 }

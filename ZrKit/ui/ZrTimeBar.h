@@ -22,11 +22,11 @@ class QTouchEvent;
 /// connect(bar, &ZrTimeBar::Scrubbed, this, &Page::GoTo); // which calls bar->SetCursor
 /// \endcode
 ///
-/// Below stand the times of the log in UTC; gaps are cut out and marked with what is missing; events are
-/// flags along the upper edge, the range A to B a band with two handles there. A tap on a flag tells the
-/// event, a drag anywhere else the time below the finger, at every move; events attract it. The wheel zooms
-/// about the mouse, with Shift it moves along, as two fingers do. The bar moves no cursor itself: who listens
-/// does.
+/// Below stand the times of the log in UTC; gaps are cut out and marked with what is missing, or hatched;
+/// events are flags along the upper edge, the range A to B a band with two handles there. A tap on a flag
+/// tells the event, a drag anywhere else the time below the finger, at every move; events attract it. The
+/// wheel zooms about the mouse, with Shift it moves along, as two fingers do. The bar moves no cursor itself:
+/// who listens does.
 ///
 /// Times are steady times (see `ZrSteadyTime`). Repaints only when what it shows changes. GUI thread only.
 class ZR_KIT_EXPORT ZrTimeBar : public QWidget
@@ -59,6 +59,12 @@ public:
     double RangeA() const { return m_range[0]; }
 
     double RangeB() const { return m_range[1]; }
+
+    /// Whether gaps are cut out of the axis, as they are at first; else it is real time, and they are as long
+    /// as they were. The next `SetLog` keeps to it.
+    void SetGapsCut(bool cut);
+
+    bool AreGapsCut() const { return m_line.AreGapsCut(); }
 
     void ShowAll();
     void Zoom(double factor, double fraction);
@@ -112,6 +118,7 @@ private:
     QFont SmallFont() const;
     void PaintProfile(QPainter& painter, const QRect& axis);
     void PaintCuts(QPainter& painter, const QRect& axis);
+    void PaintGaps(QPainter& painter, const QRect& axis);
     void PaintRange(QPainter& painter, const QRect& axis);
     void PaintTicks(QPainter& painter, const QRect& axis);
     void PaintEvents(QPainter& painter, const QRect& axis);

@@ -55,10 +55,20 @@ void ZrToast::Start(eKind kind, const QString& text)
     m_timer->start(kind == info ? Milliseconds : 2 * Milliseconds);
 }
 
+void ZrToast::SetFree(int below, int right)
+{
+    if (below == m_freeBelow && right == m_freeRight)
+        return;
+    m_freeBelow = std::max(below, 0);
+    m_freeRight = std::max(right, 0);
+    Place();
+}
+
 void ZrToast::Place()
 {
-    const QRect area = parentWidget() ? parentWidget()->rect() : QRect();
+    const QRect area = parentWidget() ? parentWidget()->rect().adjusted(0, 0, -m_freeRight, 0) : QRect();
     const int margin = ZrTheme::DpI(24);
+    const int above = m_freeBelow > 0 ? m_freeBelow + ZrTheme::DpI(8) : margin;
     const int width = std::min(area.width() - 2 * margin, ZrTheme::DpI(760));
     const int button = m_action->text.isEmpty() ? 0 : std::max(ZrTheme::DpI(140), 44);
     const int padding = ZrTheme::DpI(16);
@@ -66,7 +76,7 @@ void ZrToast::Place()
     const QRect text
         = QFontMetrics(ZrTheme::font).boundingRect(0, 0, textWidth, area.height(), Qt::TextWordWrap, m_text);
     const int height = std::max(text.height() + 2 * padding, std::max(ZrTheme::DpI(72), 60));
-    setGeometry(area.center().x() - width / 2, area.bottom() - margin - height, width, height);
+    setGeometry(area.center().x() - width / 2, std::max(area.bottom() - above - height, 0), width, height);
     const int side = std::max(ZrTheme::DpI(48), 44);
     m_action->setGeometry(width - padding - button, (height - side) / 2, button, side);
     m_action->Changed();

@@ -41,6 +41,10 @@ public:
 
     QString Text() const { return m_text; }
 
+    /// Keeps so many pixels at the lower and at the right edge of the parent free, of controls that are in
+    /// use while it is shown; none at first.
+    void SetFree(int below, int right = 0);
+
     void Place(); ///< at the lower edge of the parent; after a change of its size or of the scale
 
 protected:
@@ -53,6 +57,8 @@ private:
 
     QString m_text;
     eKind m_kind = info;
+    int m_freeBelow = 0;
+    int m_freeRight = 0;
     std::function<void()> m_run;
     ZrBtn* m_action;
     QTimer* m_timer;

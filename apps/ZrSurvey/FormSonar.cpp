@@ -24,6 +24,14 @@ FormSonar::FormSonar(SurveyView& view)
         SurveySettings::MostGain, 0.5, 1, QStringLiteral("dB"));
     AddSlider(tr("Contrast"), QString(), &SurveySettings::contrast, SurveySettings::LeastContrast,
         SurveySettings::MostContrast, 0.05, 2, QString());
+    AddChoice(
+        tr("Water column"), tr("What lies in front of the sea floor: the outgoing pulse, or all of it."),
+        {Button(tr("As recorded")), Button(tr("No pulse")), Button(tr("Dark"))}, 3,
+        [this] { return Settings().blanking; },
+        [this](int kind) {
+            Settings().blanking = kind;
+            Edited();
+        });
     AddSwitch(tr("Slant range"), tr("Echoes are placed at their distance over the ground."), tr("Corrected"),
         &SurveySettings::slant);
     AddSwitch(tr("Bottom line"), tr("Where the sea floor begins is drawn over the echoes."), tr("Shown"),

@@ -1,15 +1,19 @@
 // What buttons and keys do on the page "Review".
 
 #include "ZrKit/review/ZrTimeText.h"
+#include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrTextPanel.h"
 #include "ZrKit/ui/ZrTimeBar.h"
 #include "ZrUtil/ZrBtn.h"
+#include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
+#include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QKeyEvent>
@@ -134,8 +138,7 @@ void ReviewPage::ExportPart()
 void ReviewPage::Toggle(bool& setting)
 {
     setting = !setting;
-    m_sonar->ShowSettings();
-    ShowState();
+    View().SettingsEdited(); // which comes back here
 }
 
 void ReviewPage::Enlarge(ePane pane)
@@ -177,6 +180,8 @@ bool ReviewPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
             Q_EMIT button->Clicked();
         return true;
     };
+    if (OnToolKey(key, modifiers))
+        return true;
     using T = ReviewTransport;
     switch (key) {
     case Qt::Key_Space:
@@ -216,8 +221,19 @@ bool ReviewPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
         return click(isCtrl ? m_exportBtn : m_slant);
     case Qt::Key_O:
         return click(m_bottom);
+    case Qt::Key_K:
+        return click(m_correct);
     case Qt::Key_M:
         return click(m_measure);
+    case Qt::Key_G:
+        return click(m_gaps);
+    case Qt::Key_W: {
+        int& kind = View().Model().settings.blanking;
+        kind = (kind + 1) % ZrSonarBlanking::kindCount;
+        View().SettingsEdited();
+        m_sonar->Look().Load();
+        return true;
+    }
     case Qt::Key_1:
         return click(m_mapLarge);
     case Qt::Key_2:
@@ -240,15 +256,52 @@ bool ReviewPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
             m_events->Undo();
         return true;
     case Qt::Key_Escape:
-        if (m_sonar->Measure().IsOn()) {
-            m_sonar->Measure().SetOn(false);
-            return true;
-        }
+        if (m_sonar->Look().isVisible())
+            return click(m_look);
         if (m_pane != paneAll) {
             Enlarge(m_pane);
             return true;
         }
         return false;
+    default:
+        return false;
+    }
+}
+
+/// Keys that a tool which is on has for itself.
+bool ReviewPage::OnToolKey(int key, Qt::KeyboardModifiers modifiers)
+{
+    ReviewBottom& bottom = m_sonar->Bottom();
+    ReviewMeasure& measure = m_sonar->Measure();
+    const bool isCtrl = modifiers & Qt::ControlModifier;
+    const bool isShift = modifiers & Qt::ShiftModifier;
+    if (key == Qt::Key_Escape && (bottom.IsOn() || measure.IsOn())) {
+        bottom.SetOn(false);
+        measure.SetOn(false);
+        return true;
+    }
+    if (measure.IsOn() && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        measure.Store();
+        return true;
+    }
+    if (!bottom.IsOn())
+        return false;
+    switch (key) {
+    case Qt::Key_Z:
+    case Qt::Key_Y:
+        if (!isCtrl)
+            return false;
+        if (key == Qt::Key_Y || isShift)
+            bottom.Redo();
+        else
+            bottom.Undo();
+        return true;
+    case Qt::Key_D:
+        bottom.Detect();
+        return true;
+    case Qt::Key_Delete:
+        bottom.TakeBack();
+        return true;
     default:
         return false;
     }

@@ -2,10 +2,12 @@
 
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrKit/ui/ZrTextPanel.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/ReviewText.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
@@ -55,6 +57,25 @@ void ReviewEvents::Show(ZrSurveyRecording* recording)
     Fill();
 }
 
+/// Of a target its size and place in the units in force.
+QString ReviewEvents::Subtitle(const ZrLogEvt& evt) const
+{
+    ZrSonarTarget target;
+    const QString time = ZrTimeText::DateClock(evt.time, 1);
+    if (!ZrTargetEvent::ToTarget(evt, target))
+        return evt.detail.isEmpty() ? time : time + QStringLiteral("  ") + evt.detail.simplified();
+    QStringList sizes;
+    const auto add = [&sizes](const QString& name, double metres) {
+        if (std::isfinite(metres))
+            sizes << name + QLatin1Char(' ') + review::length_text(metres, 2);
+    };
+    add(tr("along"), target.length);
+    add(tr("across"), target.width);
+    add(tr("height"), target.height);
+    const QString place = review::position_text(target.position.lat, target.position.lng);
+    return sizes.isEmpty() ? place : sizes.join(QStringLiteral(", ")) + QStringLiteral("  ") + place;
+}
+
 void ReviewEvents::Fill()
 {
     QVector<ZrListItem> items;
@@ -64,10 +85,9 @@ void ReviewEvents::Fill()
             const ZrLogEvt& evt = events.At(i);
             ZrListItem item;
             item.title = evt.text.isEmpty() ? tr("Event") : evt.text.simplified();
-            item.subtitle = ZrTimeText::DateClock(evt.time, 1);
-            if (!evt.detail.isEmpty())
-                item.subtitle += QStringLiteral("  ") + evt.detail.simplified();
-            item.edge = ZrTheme::warnCol;
+            item.subtitle = Subtitle(evt);
+            ZrSonarTarget target;
+            item.edge = ZrTargetEvent::ToTarget(evt, target) ? ZrTheme::ctrlHighlightCol : ZrTheme::warnCol;
             items.append(item);
         }
     }
@@ -96,11 +116,7 @@ void ReviewEvents::Add(double steady, const QString& text, const QString& detail
     const auto add = [this, time, detail](const QString& words) {
         ZrLogEvt evt(time, esUser, words);
         evt.detail = detail;
-        ZrEventList& events = m_recording->Events();
-        const u64 id = events.Add(evt);
-        Save();
-        SetCurrent(static_cast<int>(events.IndexOf(id)));
-        m_view.Tell(tr("Event \"%1\" added").arg(words), tr("Undo"), [this] { Undo(); });
+        Add(evt);
     };
     if (!text.isEmpty()) {
         add(text);
@@ -118,13 +134,24 @@ void ReviewEvents::Add(double steady, const QString& text, const QString& detail
         });
 }
 
+void ReviewEvents::Add(const ZrLogEvt& evt)
+{
+    if (!m_recording)
+        return;
+    ZrEventList& events = m_recording->Events();
+    const u64 id = events.Add(evt);
+    Save();
+    SetCurrent(static_cast<int>(events.IndexOf(id)));
+    m_view.Tell(tr("Event \"%1\" added").arg(evt.text.simplified()), tr("Undo"), [this] { Undo(); });
+}
+
 void ReviewEvents::Edit(int row)
 {
     if (!m_recording || row < 0 || row >= static_cast<int>(m_recording->Events().Count()))
         return;
     const u64 id = m_recording->Events().Id(static_cast<std::size_t>(row));
     const ZrLogEvt before = m_recording->Events().At(static_cast<std::size_t>(row));
-    m_text->Ask(tr("Edit event"), before.detail, before.text, [this, id, before](const QString& words) {
+    m_text->Ask(tr("Edit event"), Subtitle(before), before.text, [this, id, before](const QString& words) {
         const QString plain = words.simplified();
         if (plain.isEmpty())
             return tr("Type a text");

@@ -4,6 +4,7 @@
 
 class SurveyView;
 class ZrBtn;
+class ZrLogEvt;
 class ZrSurveyRecording;
 class ZrTextPanel;
 class ZrTouchList;
@@ -21,6 +22,7 @@ public:
 
     /// Adds an event at a steady time, after asking for its text unless one is given.
     void Add(double steady, const QString& text = QString(), const QString& detail = QString());
+    void Add(const ZrLogEvt& evt); ///< at once
 
     void Edit(int row);
     void Remove(int row);
@@ -44,6 +46,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    QString Subtitle(const ZrLogEvt& evt) const;
     void Save();
     void Fill();
     void Place();

@@ -8,6 +8,7 @@
 #include "ZrKit/sonar/ZrWaterfall.h"
 #include "ZrKit/sonar/ZrWaterfallMap.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/survey/ZrTargetFile.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrWorkPanel.h"
@@ -40,6 +41,7 @@ struct ReviewExport::Job
     Job(const std::shared_ptr<ZrSurveyRecording>& from, std::size_t first, std::size_t end,
         const QString& colours)
         : recording(from)
+        , bottom(from->Bottom())
         , part(from->Dataset(), first, end)
         , waterfall(log)
         , mosaic(MosaicSettings(colours))
@@ -65,6 +67,9 @@ struct ReviewExport::Job
         case events:
             Take(part.WriteEvents(path));
             break;
+        case targets:
+            isDone = WriteTargets();
+            break;
         case ReviewExport::waterfall:
             isDone = DrawWaterfall();
             break;
@@ -72,6 +77,23 @@ struct ReviewExport::Job
             isDone = DrawMosaic();
             break;
         }
+    }
+
+    /// What was done to what was recorded, to be said of a picture.
+    QString Done() const
+    {
+        if (kind == targets)
+            return ReviewExport::tr(": %n target(s)", nullptr, static_cast<int>(targetsInPart.size()));
+        if (kind != ReviewExport::waterfall)
+            return {};
+        QStringList parts;
+        if (slant)
+            parts << ReviewExport::tr("corrected for slant range");
+        if (blanking == ZrSonarBlanking::pulse)
+            parts << ReviewExport::tr("without the outgoing pulse");
+        if (blanking == ZrSonarBlanking::water)
+            parts << ReviewExport::tr("with a dark water column");
+        return parts.isEmpty() ? QString() : QStringLiteral(", ") + parts.join(QStringLiteral(", "));
     }
 
     void Take(ZrExportRange::eResult result)
@@ -84,12 +106,20 @@ struct ReviewExport::Job
     /// The samples are read from a log of its own: that of the screen is in use.
     bool OpenLog()
     {
-        if (!log.Open(recording->Path())) {
+        if (!log.OpenAs(recording->SonarLog())) {
             error = log.Error();
             return false;
         }
         lastPing = std::min(lastPing, log.Pings().size() - 1);
         return true;
+    }
+
+    bool WriteTargets()
+    {
+        ZrTargetFile out;
+        const bool isWritten = out.Write(targetsInPart, path);
+        error = out.Error();
+        return isWritten;
     }
 
     bool DrawWaterfall()
@@ -99,11 +129,11 @@ struct ReviewExport::Job
         ZrWaterfallSettings settings;
         settings.palette = palette;
         settings.slantCorrected = slant;
+        settings.blanking = blanking;
         QImage image;
         for (int width : {0, widestPicture, 2048, 1024, 512}) {
             settings.width = width;
-            const ZrWaterfallMap map(
-                log.Pings(), recording->Track(), recording->Bottom(), settings, firstPing, lastPing);
+            const ZrWaterfallMap map(log.Pings(), recording->Track(), bottom, settings, firstPing, lastPing);
             if (map.IsTooLarge() && width != 512)
                 continue;
             if (!waterfall.Render(map, image)) {
@@ -124,7 +154,7 @@ struct ReviewExport::Job
     {
         if (!OpenLog())
             return false;
-        mosaic.AddLine(log, recording->Bottom(), firstPing, lastPing);
+        mosaic.AddLine(log, bottom, firstPing, lastPing);
         if (!mosaic.Build()) {
             error = mosaic.Error();
             return false;
@@ -137,11 +167,14 @@ struct ReviewExport::Job
     }
 
     std::shared_ptr<ZrSurveyRecording> recording;
+    ZrBottomLine bottom; ///< that of the recording may be corrected meanwhile
+    std::vector<ZrSonarTarget> targetsInPart;
     int kind = segment;
     QString path;
     std::size_t firstPing = 0;
     std::size_t lastPing = 0;
     bool slant = false;
+    int blanking = ZrSonarBlanking::none;
     std::atomic<bool> cancel{false};
     ZrExportRange part;
     ZrSonarLog log;
@@ -191,7 +224,8 @@ void ReviewExport::Ask(const std::shared_ptr<ZrSurveyRecording>& recording, doub
     items << item(tr("Records"), tr("A table of position, depth, altitude, attitude"), "list");
     items << item(tr("Events"), tr("A table"), "events");
     if (recording->HasSonar()) {
-        items << item(tr("Waterfall picture"), tr("PNG or JPEG"), "image");
+        items << item(tr("Targets"), tr("GeoJSON or CSV, with position and size"), "target");
+        items << item(tr("Waterfall picture"), tr("PNG or JPEG, as it is shown"), "image");
         items << item(tr("Mosaic"), tr("The sea floor with north up and its place on the earth"), "mosaic");
     }
     const double length = m_to - m_from;
@@ -205,8 +239,9 @@ void ReviewExport::Ask(const std::shared_ptr<ZrSurveyRecording>& recording, doub
 void ReviewExport::OnChosen(int kind)
 {
     static const char* const suffixes[kindCount]
-        = {"log", "gpx kml geojson csv", "csv", "csv", "png jpg", "png jpg tif"};
-    static const char* const names[kindCount] = {"part", "track", "records", "events", "waterfall", "mosaic"};
+        = {"log", "gpx kml geojson csv", "csv", "csv", "geojson csv", "png jpg", "png jpg tif"};
+    static const char* const names[kindCount]
+        = {"part", "track", "records", "events", "targets", "waterfall", "mosaic"};
     m_kind = kind;
     m_files->SetMode(ZrFilePanel::saveFile);
     m_files->SetSuffixes(QString::fromLatin1(suffixes[kind]).split(QLatin1Char(' ')));
@@ -230,6 +265,12 @@ bool ReviewExport::Write(int kind, const QString& path)
     m_job->kind = kind;
     m_job->path = path;
     m_job->slant = settings.slant;
+    m_job->blanking = settings.blanking;
+    for (const ZrSonarTarget& target : m_recording->Targets()) {
+        const double at = m_recording->Times()->FromLog(target.time);
+        if (at >= m_from && at <= m_to)
+            m_job->targetsInPart.push_back(target);
+    }
     if (m_recording->HasSonar()) {
         m_job->firstPing = static_cast<std::size_t>(std::ceil(m_recording->PingAt(m_from)));
         m_job->lastPing = std::max(m_job->firstPing, static_cast<std::size_t>(m_recording->PingAt(m_to)));
@@ -245,7 +286,7 @@ void ReviewExport::OnFinished()
     if (job->isDone) {
         const QString name = QFileInfo(job->path).fileName();
         m_view.Tell(job->remark.isEmpty()
-                ? tr("%1 was written").arg(name)
+                ? tr("%1 was written").arg(name) + job->Done()
                 : tr("%1 was written as far as the log is sound: %2").arg(name, job->remark));
     } else if (m_worker.IsCancelled()) {
         m_view.Tell(tr("The export was cancelled; nothing was replaced"));

@@ -24,6 +24,7 @@ public:
         track,
         records,
         events,
+        targets,
         waterfall,
         mosaic,
         kindCount

@@ -25,6 +25,7 @@ namespace {
 /// Shares of the page's height and width.
 constexpr double plotsShare = 0.38;
 constexpr double mapShare = 0.46;
+constexpr int leastHeaderFont = 11; ///< pixels
 
 int HeaderHeight()
 {
@@ -80,6 +81,17 @@ void ReviewPage::OnColours()
     SurveyPage::OnColours();
 }
 
+/// The transport and the time line.
+int ReviewPage::FreeBelow() const
+{
+    return height() - m_bar->y();
+}
+
+int ReviewPage::FreeRight() const
+{
+    return m_events->isVisibleTo(this) ? m_events->width() : 0;
+}
+
 int ReviewPage::BandLeft() const
 {
     return m_open->x() - Gap();
@@ -105,7 +117,10 @@ void ReviewPage::Place()
     const int bar = std::max(ZrTheme::DpI(ZrTimeBar::Height), 64);
     const int bottom = area.bottom() + 1 - gap;
     m_transport->setGeometry(area.x(), bottom - transport, area.width(), transport);
-    m_bar->setGeometry(area.x(), bottom - transport - bar, area.width(), bar);
+    // Beside the time line, in its colour.
+    const int gapsSide = std::max(ZrTheme::DpI(56), 44);
+    m_bar->setGeometry(area.x(), bottom - transport - bar, area.width() - gapsSide - gap, bar);
+    m_gaps->setGeometry(m_bar->geometry().right() + 1, m_bar->y() + (bar - gapsSide) / 2, gapsSide, gapsSide);
     const bool hasLog = m_recording != nullptr;
     const QRect upper(area.x(), area.y(), area.width(), m_bar->y() - area.y());
     m_firstOpen->setGeometry(upper.center().x() - ZrTheme::DpI(160), upper.center().y(), ZrTheme::DpI(320),
@@ -152,7 +167,7 @@ void ReviewPage::Place()
         }
     };
     row(m_mapHeader, isMap, {m_mapLarge, m_follow, m_fit});
-    row(m_sonarHeader, isSonar, {m_sonarLarge, m_measure, m_bottom, m_slant, m_look});
+    row(m_sonarHeader, isSonar, {m_sonarLarge, m_measure, m_correct, m_bottom, m_slant, m_look});
     m_list->setEnabled(hasLog);
     m_list->on = hasEvents;
     m_list->Changed();
@@ -170,7 +185,7 @@ void ReviewPage::PaintHeader(QPainter& painter, const QRect& header, const QStri
     QFont font = painter.font();
     const int wide = painter.fontMetrics().horizontalAdvance(text);
     if (wide > room.width())
-        font.setPixelSize(std::max(font.pixelSize() * std::max(room.width(), 1) / wide, 11));
+        font.setPixelSize(std::max(font.pixelSize() * std::max(room.width(), 1) / wide, leastHeaderFont));
     painter.setFont(font);
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
         painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width()));
@@ -190,6 +205,9 @@ void ReviewPage::paintEvent(QPaintEvent* event)
     back.setAlpha(255);
     for (const QRect& part : around)
         painter.fillRect(part, back);
+    painter.fillRect(
+        QRect(m_bar->geometry().right() + 1, m_bar->y(), width() - m_bar->width(), m_bar->height()),
+        ZrTheme::toolBack);
     if (!m_recording) {
         painter.setFont(ZrTheme::fontLarge);
         painter.setPen(ZrTheme::bodyCol);
@@ -204,7 +222,12 @@ void ReviewPage::paintEvent(QPaintEvent* event)
     const double ping = m_recording->PingAt(m_clock.Time());
     const auto line = static_cast<std::size_t>(std::lround(ping));
     const QString altitude = review::length_text(m_recording->Bottom().Altitude(line), 1);
-    PaintHeader(painter, m_sonarHeader,
-        tr("Line %1 of %2, altitude %3").arg(line + 1).arg(m_recording->Pings().size()).arg(altitude),
-        m_look->x());
+    // Where there is no room for both the altitude is what matters.
+    const int room = m_look->x() - m_sonarHeader.x() - 3 * Gap();
+    const QString all
+        = tr("Line %1 of %2, altitude %3").arg(line + 1).arg(m_recording->Pings().size()).arg(altitude);
+    QFont smallest = ZrTheme::font;
+    smallest.setPixelSize(leastHeaderFont);
+    const bool isRoom = QFontMetrics(smallest).horizontalAdvance(all) <= room;
+    PaintHeader(painter, m_sonarHeader, isRoom ? all : altitude, m_look->x());
 }

@@ -1,6 +1,7 @@
 #include "apps/ZrSurvey/ReviewLook.h"
 
 #include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrSlider.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SurveySettings.h"
@@ -47,6 +48,19 @@ ReviewLook::ReviewLook(QWidget* parent, SurveySettings& settings)
     };
     connect(m_gain, &ZrSlider::ValueChanged, this, tell);
     connect(m_contrast, &ZrSlider::ValueChanged, this, tell);
+    for (const QString& name : {tr("As recorded"), tr("No pulse"), tr("Dark")}) {
+        auto* button = new ZrBtn(this, ZrBtn::typeStd);
+        button->text = name;
+        button->setAccessibleName(tr("Water column: %1").arg(name));
+        button->setToolTip(tr("What is shown of the water column (W goes through them)"));
+        const int kind = m_water.size();
+        connect(button, &ZrBtn::Clicked, this, [this, kind] {
+            m_settings.blanking = kind;
+            ShowWater();
+            Q_EMIT Changed();
+        });
+        m_water.append(button);
+    }
     for (const QString& name : ZrSonarPalette::Names()) {
         ZrSonarPalette palette;
         palette.Load(name);
@@ -64,7 +78,16 @@ void ReviewLook::Load()
     m_gain->SetValue(m_settings.gain);
     m_contrast->SetValue(m_settings.contrast);
     m_isLoading = false;
+    ShowWater();
     update();
+}
+
+void ReviewLook::ShowWater()
+{
+    for (int kind = 0; kind < m_water.size(); ++kind) {
+        m_water[kind]->on = kind == m_settings.blanking;
+        m_water[kind]->Changed();
+    }
 }
 
 QRect ReviewLook::Swatch(int palette) const
@@ -83,10 +106,15 @@ void ReviewLook::Place(const QRect& area)
     const int rows = (m_palettes.size() + columns - 1) / columns;
     const int top = margin + rows * (RowHeight() + ZrTheme::DpI(8));
     const int width = std::min(std::max(ZrTheme::DpI(520), 400), area.width() - 2 * margin);
-    const int height = std::min(top + 2 * slider + margin, area.height());
+    const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
+    const int height = std::min(top + 2 * slider + label + RowHeight() + 2 * margin, area.height());
     setGeometry(area.right() - width - margin, area.y() + margin / 2, width, height);
     m_gain->setGeometry(margin, top, width - 2 * margin, slider);
     m_contrast->setGeometry(margin, top + slider, width - 2 * margin, slider);
+    m_waterLabel = QRect(margin, top + 2 * slider + margin / 2, width - 2 * margin, label);
+    const int third = (width - 2 * margin) / 3;
+    for (int kind = 0; kind < m_water.size(); ++kind)
+        m_water[kind]->setGeometry(margin + kind * third, m_waterLabel.bottom() + 1, third, RowHeight());
     update();
 }
 
@@ -129,4 +157,7 @@ void ReviewLook::paintEvent(QPaintEvent* /*event*/)
             painter.drawPolygon(corners, 3);
         }
     }
+    painter.setFont(ZrTheme::font);
+    painter.setPen(ZrTheme::bodyCol);
+    painter.drawText(m_waterLabel, Qt::AlignLeft | Qt::AlignVCenter, tr("Water column"));
 }

@@ -4,9 +4,11 @@
 #include <QWidget>
 
 class SurveySettings;
+class ZrBtn;
 class ZrSlider;
 
-/// A panel over the waterfall for its palette, gain and contrast, which shows at once what is changed.
+/// A panel over the waterfall for its palette, gain, contrast and what is shown of the water column, which
+/// shows at once what is changed.
 class ReviewLook : public QWidget
 {
     Q_OBJECT
@@ -25,11 +27,14 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    void ShowWater();
     QRect Swatch(int palette) const;
 
     SurveySettings& m_settings;
     ZrSlider* m_gain;
     ZrSlider* m_contrast;
+    QVector<ZrBtn*> m_water; ///< by `ZrSonarBlanking::eKind`
     QVector<QImage> m_palettes;
+    QRect m_waterLabel;
     bool m_isLoading = false;
 };

@@ -2,10 +2,12 @@
 
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -14,8 +16,10 @@ namespace {
 constexpr int arrowImage = 1;
 constexpr int circleImage = 3;
 constexpr int pinImage = 7;
-constexpr double fitMargin = 48.0; ///< pixels
-constexpr double tapReach = 32.0; ///< pixels
+constexpr float fitMargin = 48.0F; ///< design pixels
+constexpr float tapReach = 32.0F; ///< likewise, from which a place of the track is hit
+constexpr float pinReach = 24.0F; ///< and an event
+constexpr double leastReach = 22.0; ///< pixels of the widget: half of what a finger needs
 
 ZrMapMarker Marker(const QPointF& position, int image, double size, const QColor& colour)
 {
@@ -90,6 +94,16 @@ QPointF ReviewMap::ToWorld(double lat, double lng) const
     return world;
 }
 
+QPointF ReviewMap::Vehicle() const
+{
+    return m_vehicle.Markers().empty() ? ToWorld(std::nan(""), 0.0) : m_vehicle.Markers().front().position;
+}
+
+QPointF ReviewMap::PixelOf(const ZrGeoPoint& at) const
+{
+    return m_map.m_camera.ToPixel(WorldOf(at)) / m_panel->devicePixelRatioF();
+}
+
 void ReviewMap::Show(ZrSurveyRecording* recording)
 {
     m_recording = recording;
@@ -130,7 +144,10 @@ void ReviewMap::ShowEvents()
     std::vector<ZrMapMarker> markers;
     const ZrEventList& events = m_recording->Events();
     for (std::size_t i = 0; i < events.Count(); ++i) {
-        const ZrGeoPoint at = m_recording->PositionAt(m_recording->TimeOf(events.At(i)));
+        ZrGeoPoint at = m_recording->PositionAt(m_recording->TimeOf(events.At(i)));
+        ZrSonarTarget target;
+        if (ZrTargetEvent::ToTarget(events.At(i), target) && target.position.IsValid())
+            at = target.position;
         markers.push_back(Marker(ToWorld(at.lat, at.lng), pinImage, 14.0, ZrTheme::warnCol));
     }
     m_events.SetMarkers(std::move(markers));
@@ -170,7 +187,8 @@ void ReviewMap::FitAll()
     m_isFitted = true;
     const QRectF bounds = m_track.m_track.Bounds().united(m_plan.m_track.Bounds());
     if (!bounds.isNull())
-        m_map.m_camera.Fit(bounds, fitMargin);
+        m_map.m_camera.Fit(
+            bounds, static_cast<double>(ZrTheme::DpF(fitMargin)) * m_panel->devicePixelRatioF());
     m_page.Changed();
 }
 
@@ -187,12 +205,15 @@ void ReviewMap::OnTapped(const QPointF& /*world*/, const QPointF& pixel)
     if (!m_recording)
         return;
     const double ratio = m_panel->devicePixelRatioF();
-    const int event = ZrMarkerLayer::Nearest(m_events.Markers(), m_map.m_camera, pixel, 20.0 * ratio);
+    const auto reach = [ratio](float design) {
+        return std::max(static_cast<double>(ZrTheme::DpF(design)), leastReach) * ratio;
+    };
+    const int event = ZrMarkerLayer::Nearest(m_events.Markers(), m_map.m_camera, pixel, reach(pinReach));
     if (event >= 0) {
         Q_EMIT Scrubbed(m_recording->TimeOf(m_recording->Events().At(static_cast<std::size_t>(event))));
         return;
     }
-    double best = tapReach * ratio;
+    double best = reach(tapReach);
     i64 row = -1;
     const double scale = m_map.m_camera.Scale();
     const QPointF world = m_map.m_camera.ToWorld(pixel);

@@ -4,6 +4,7 @@
 #include "ZrKit/map/ZrMapSurface.h"
 #include "ZrKit/map/ZrMarkerLayer.h"
 #include "ZrKit/map/ZrTrackLayer.h"
+#include "ZrKit/planning/ZrGeoPoint.h"
 #include "ZrUtil/ZrProj.h"
 
 #include <QObject>
@@ -34,6 +35,12 @@ public:
     void SetFollows(bool follows); ///< the vehicle stays in view
 
     bool Follows() const { return m_follows; }
+
+    QPointF Vehicle() const; ///< where it is drawn, metres of the grid
+
+    QPointF WorldOf(const ZrGeoPoint& at) const { return ToWorld(at.lat, at.lng); }
+
+    QPointF PixelOf(const ZrGeoPoint& at) const; ///< of the panel
 
     void Restyle();
 

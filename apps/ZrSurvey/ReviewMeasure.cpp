@@ -2,6 +2,7 @@
 
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
@@ -24,7 +25,7 @@ ReviewMeasure::ReviewMeasure(QWidget* parent, ZrWaterfallPanel& panel)
     m_shadowButton->checkable = true;
     m_shadowButton->setToolTip(tr("Tap the end of the target's shadow"));
     m_store->text = tr("Store");
-    m_store->setToolTip(tr("Keep it as an event"));
+    m_store->setToolTip(tr("Keep it as an event (Return)"));
     m_clear->text = tr("Clear");
     connect(m_shadowButton, &ZrBtn::Toggled, this, [this](bool on) {
         m_wantsShadow = on;
@@ -167,12 +168,8 @@ void ReviewMeasure::OnDrawn(const QPointF& from, const QPointF& to, bool isDone)
 
 void ReviewMeasure::Store()
 {
-    if (!m_target)
-        return;
-    QStringList parts;
-    for (const Line& line : Lines())
-        parts << line.caption + QLatin1Char(' ') + line.value;
-    Q_EMIT Stored(m_target->time, tr("Target"), parts.join(QStringLiteral(", ")));
+    if (m_target)
+        Q_EMIT Stored(*m_target);
 }
 
 QVector<ReviewMeasure::Line> ReviewMeasure::Lines() const
@@ -219,7 +216,7 @@ void ReviewMeasure::PaintMarks(QPainter& painter)
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(QColor(0, 0, 0, 200), 5.0 * unit));
         draw();
-        painter.setPen(QPen(QColor(90, 230, 255), 2.0 * unit));
+        painter.setPen(QPen(ZrColourScheme::OverPicture(QColor(90, 230, 255)), 2.0 * unit));
         draw();
     };
     both([&] {
@@ -260,8 +257,10 @@ void ReviewMeasure::Place(const QRect& area)
     const int rows = std::max(static_cast<int>(Lines().size()), m_target ? 2 : 1);
     const QSize size = QSize(ZrTheme::DpI(m_target ? 380 : 440), rows * row + below + 2 * margin)
                            .boundedTo(area.size() - QSize(2 * margin, 2 * margin));
-    setGeometry(area.right() - size.width() - margin, area.bottom() - size.height() - margin, size.width(),
-        size.height());
+    // On the side where the target is not.
+    const bool isLeft = m_target && m_target->spot.side == sideStarboard;
+    setGeometry(isLeft ? area.x() + margin : area.right() - size.width() - margin,
+        area.bottom() - size.height() - margin, size.width(), size.height());
     const int button = (size.width() - 4 * margin) / 3;
     int x = margin;
     for (ZrBtn* each : {m_shadowButton, m_clear, m_store}) {

@@ -27,6 +27,7 @@ public:
     bool IsOn() const { return m_isOn; }
 
     void Clear();
+    void Store(); ///< what was marked last, if anything
 
     const std::optional<ZrSonarTarget>& Target() const { return m_target; } ///< marked last
 
@@ -44,7 +45,7 @@ public:
 
 Q_SIGNALS:
     void Failed(const QString& reason); ///< a sentence
-    void Stored(double time, const QString& text, const QString& detail); ///< log time
+    void Stored(const ZrSonarTarget& target);
     void OnChanged();
 
 protected:
@@ -61,7 +62,6 @@ private:
     void OnTapped(const ZrWaterfallPoint& point);
     void OnDrawn(const QPointF& from, const QPointF& to, bool isDone);
     void Mark(const ZrSonarSpot& spot);
-    void Store();
     void Update();
     QVector<Line> Lines() const;
     QPointF PixelOf(const ZrSonarSpot& spot) const;

@@ -4,6 +4,7 @@
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrPlotPanel.h"
 #include "ZrKit/ui/ZrTextPanel.h"
@@ -11,6 +12,7 @@
 #include "ZrKit/ui/ZrWorkPanel.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
 #include "apps/ZrSurvey/ReviewLook.h"
@@ -48,11 +50,14 @@ ReviewPage::ReviewPage(SurveyView& view)
     , m_look(AddTool("palette", QString(), tr("Palette, gain and contrast (P)")))
     , m_slant(AddTool("slant", QString(), tr("Correct for slant range (S)")))
     , m_bottom(AddTool("bottom", QString(), tr("Show the bottom line (O)")))
+    , m_correct(AddTool("bottom_edit", QString(), tr("Correct the bottom line (K)")))
     , m_measure(AddTool("measure", QString(), tr("Mark and measure targets (M)")))
     , m_sonarLarge(AddTool("enlarge", QString(), tr("Enlarge the waterfall (2)")))
     , m_plotsLarge(AddTool("enlarge", QString(), tr("Enlarge the plots (3)")))
+    , m_gaps(AddTool("gaps", QString(), QString()))
     , m_firstOpen(new ZrBtn(this, ZrBtn::typeAccent))
 {
+    m_hasBackground = false;
     m_firstOpen->img = QImage(QStringLiteral(":/icons/open.png"));
     m_firstOpen->text = tr("Open a recording");
     m_firstOpen->setToolTip(m_open->toolTip());
@@ -100,7 +105,11 @@ void ReviewPage::Connect()
     connect(m_follow, &ZrBtn::Clicked, this, [this] { m_map->SetFollows(!m_map->Follows()); });
     connect(m_map, &ReviewMap::FollowsChanged, this, &ReviewPage::ShowState);
     connect(m_mapLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneMap); });
-    connect(&View(), &SurveyView::SettingsChanged, this, [this] { m_sonar->ShowSettings(); });
+    connect(&View(), &SurveyView::SettingsChanged, this, [this] {
+        m_sonar->ShowSettings();
+        ShowGaps();
+        ShowState();
+    });
     connect(m_sonarLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneSonar); });
     connect(m_plotsLarge, &ZrBtn::Clicked, this, [this] { Enlarge(panePlots); });
     connect(m_look, &ZrBtn::Clicked, this, [this] {
@@ -109,17 +118,23 @@ void ReviewPage::Connect()
         m_sonar->Look().raise();
         ShowState();
     });
+    connect(m_gaps, &ZrBtn::Clicked, this, [this] {
+        View().Model().settings.gapsCut = !View().Model().settings.gapsCut;
+        View().SettingsEdited();
+    });
+    connect(m_correct, &ZrBtn::Clicked, this, [this] { m_sonar->Bottom().SetOn(!m_sonar->Bottom().IsOn()); });
+    connect(m_sonar, &ReviewSonar::ToolChanged, this, &ReviewPage::ShowState);
+    connect(m_sonar, &ReviewSonar::BottomChanged, this, [this] { update(m_sonarHeader); });
     connect(m_slant, &ZrBtn::Clicked, this, [this] { Toggle(View().Model().settings.slant); });
     connect(m_bottom, &ZrBtn::Clicked, this, [this] { Toggle(View().Model().settings.bottom); });
     connect(
         m_measure, &ZrBtn::Clicked, this, [this] { m_sonar->Measure().SetOn(!m_sonar->Measure().IsOn()); });
-    connect(&m_sonar->Measure(), &ReviewMeasure::OnChanged, this, &ReviewPage::ShowState);
     connect(&m_sonar->Measure(), &ReviewMeasure::Failed, this,
         [this](const QString& reason) { View().Warn(reason); });
-    connect(&m_sonar->Measure(), &ReviewMeasure::Stored, this,
-        [this](double time, const QString& text, const QString& detail) {
-            m_events->Add(m_recording->Times()->FromLog(time, m_clock.Time()), text, detail);
-        });
+    connect(&m_sonar->Measure(), &ReviewMeasure::Stored, this, [this](const ZrSonarTarget& target) {
+        const int number = static_cast<int>(m_recording->Targets().size()) + 1;
+        m_events->Add(ZrTargetEvent::ToEvent(target, tr("Target %1").arg(number)));
+    });
 
     const auto pause = [this] {
         m_clock.Pause();
@@ -224,7 +239,7 @@ void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
 {
     ZrSurveyRecording* now = recording.get();
     m_map->Show(now);
-    m_sonar->Show(now);
+    m_sonar->Show(recording);
     m_events->Show(now);
     const std::shared_ptr<ZrSurveyRecording> before = std::exchange(m_recording, recording);
     m_clock = ZrPlayClock();
@@ -236,6 +251,7 @@ void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
     if (now) {
         m_clock.SetRange(now->Times()->Begin(), now->Times()->End());
         m_clock.SetGaps(m_bar->Line().Gaps());
+        ShowGaps();
         ShowEvents();
         TellWay();
         ShowCursor();
@@ -244,6 +260,18 @@ void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
     if (isVisible())
         Place();
     Changed();
+}
+
+/// In real time playing takes as long as gaps were.
+void ReviewPage::ShowGaps()
+{
+    const bool isCut = View().Model().settings.gapsCut;
+    m_bar->SetGapsCut(isCut);
+    m_clock.SetSkipGaps(isCut);
+    const QString hint = isCut ? tr("Gaps are cut out of the time line: show real time (G)")
+                               : tr("The time line is real time: cut gaps out (G)");
+    m_gaps->setToolTip(hint);
+    m_gaps->setAccessibleName(hint);
 }
 
 /// Gives the 3D page the whole way, of very long recordings every so many places.
@@ -337,7 +365,7 @@ void ReviewPage::ShowEvents()
     std::sort(steady.begin(), steady.end());
     m_bar->SetEvents(std::move(steady));
     m_map->ShowEvents();
-    m_sonar->Panel().update();
+    m_sonar->ShowEvents();
     m_list->badge = static_cast<i32>(m_recording->Events().Count());
     m_list->Changed();
 }
@@ -362,7 +390,9 @@ void ReviewPage::ShowState()
     set(*m_look, m_sonar->Look().isVisible(), hasSonar);
     set(*m_slant, settings.slant, hasSonar);
     set(*m_bottom, settings.bottom, hasSonar);
+    set(*m_correct, m_sonar->Bottom().IsOn(), hasSonar);
     set(*m_measure, m_sonar->Measure().IsOn(), hasSonar);
+    set(*m_gaps, !settings.gapsCut, hasLog);
     set(*m_mapLarge, m_pane == paneMap, hasLog);
     set(*m_sonarLarge, m_pane == paneSonar, hasSonar);
     set(*m_plotsLarge, m_pane == panePlots, hasLog);

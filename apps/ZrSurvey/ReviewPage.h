@@ -60,6 +60,8 @@ public:
     void OnPageClose() override;
     void OnColours() override;
     bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
+    int FreeBelow() const override;
+    int FreeRight() const override;
 
 protected:
     void Place() override;
@@ -90,7 +92,9 @@ private:
     void ShowEvents();
     void ShowState();
     void Enlarge(ePane pane);
+    bool OnToolKey(int key, Qt::KeyboardModifiers modifiers);
     void Toggle(bool& setting);
+    void ShowGaps();
     void StepEvent(int direction);
     void SetRangeEnd(int end);
     void ExportPart();
@@ -117,9 +121,11 @@ private:
     ZrBtn* m_look;
     ZrBtn* m_slant;
     ZrBtn* m_bottom;
+    ZrBtn* m_correct;
     ZrBtn* m_measure;
     ZrBtn* m_sonarLarge;
     ZrBtn* m_plotsLarge;
+    ZrBtn* m_gaps;
     ZrBtn* m_firstOpen;
     QRect m_mapHeader;
     QRect m_sonarHeader;

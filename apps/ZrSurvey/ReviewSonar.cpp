@@ -7,6 +7,7 @@
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 #include "apps/ZrSurvey/SurveyModel.h"
@@ -22,9 +23,13 @@ namespace {
 
 /// Over the picture, which is dark by day too; not the theme's, which may be dark as well.
 const QColor cursorColour(255, 255, 255);
-const QColor bottomColour(64, 224, 255);
 const QColor eventColour(255, 190, 40);
 const QColor shade(0, 0, 0, 150);
+
+QColor Ink(const QColor& colour)
+{
+    return ZrColourScheme::OverPicture(colour);
+}
 
 } // namespace
 
@@ -32,6 +37,7 @@ ReviewSonar::ReviewSonar(SurveyPage& page)
     : m_page(page)
     , m_panel(new ZrWaterfallPanel(&page))
     , m_measure(new ReviewMeasure(&page, *m_panel))
+    , m_bottom(new ReviewBottom(&page, page.View(), *m_panel))
     , m_look(new ReviewLook(&page, page.View().Model().settings))
 {
     m_panel->m_overlay
@@ -44,12 +50,35 @@ ReviewSonar::ReviewSonar(SurveyPage& page)
             Q_EMIT Scrubbed(m_recording->TimeOfPing(ping));
     });
     connect(m_panel, &ZrWaterfallPanel::Tapped, this, [this](const ZrWaterfallPoint& point) {
-        if (!m_recording || m_measure->IsOn() || !point.IsValid())
+        if (!m_recording || m_measure->IsOn() || m_bottom->IsOn() || !point.IsValid())
             return;
         Q_EMIT ScrubBegan();
         Q_EMIT Scrubbed(m_recording->TimeOfPing(point.ping));
     });
-    connect(m_look, &ReviewLook::Changed, this, &ReviewSonar::ShowSettings);
+    connect(m_look, &ReviewLook::Changed, this, [this] {
+        m_page.View().SettingsEdited(); // which comes back here
+    });
+    connect(m_measure, &ReviewMeasure::OnChanged, this, [this] {
+        if (m_measure->IsOn())
+            m_bottom->SetOn(false);
+        m_panel->m_isPointing = m_measure->IsOn() || m_bottom->IsOn();
+        Q_EMIT ToolChanged();
+    });
+    connect(m_bottom, &ReviewBottom::OnChanged, this, [this] {
+        if (m_bottom->IsOn()) {
+            m_measure->SetOn(false);
+            m_look->hide();
+        }
+        m_panel->m_isPointing = m_measure->IsOn() || m_bottom->IsOn();
+        ShowSettings();
+        Q_EMIT ToolChanged();
+    });
+    connect(m_bottom, &ReviewBottom::LineChanged, this, [this](qint64 first, qint64 end) {
+        if (m_loader)
+            m_loader->Renew(first, end);
+        m_measure->Clear();
+        Q_EMIT BottomChanged();
+    });
 }
 
 ReviewSonar::~ReviewSonar()
@@ -70,16 +99,19 @@ void ReviewSonar::Render()
     m_panel->Surface().Render();
 }
 
-void ReviewSonar::Show(ZrSurveyRecording* recording)
+void ReviewSonar::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
 {
+    m_bottom->Show(nullptr);
     m_panel->SetLoader(nullptr);
     m_loader.reset();
-    m_recording = recording;
+    m_recording = recording.get();
     if (recording && recording->HasSonar()) {
+        recording->Waterfall()->SetBlanking(m_page.View().Model().settings.blanking);
         m_loader = std::make_unique<ZrWaterfallLoader>(recording->Waterfall());
         m_panel->SetLoader(m_loader.get());
     }
-    m_measure->Show(recording);
+    m_measure->Show(m_recording);
+    m_bottom->Show(recording);
     m_look->hide();
     ShowSettings();
 }
@@ -90,11 +122,22 @@ void ReviewSonar::SetCursor(double steady)
         m_panel->SetCursor(m_recording->PingAt(steady));
 }
 
+void ReviewSonar::ShowEvents()
+{
+    m_targets = m_recording ? m_recording->Targets() : std::vector<ZrSonarTarget>();
+    m_panel->update();
+}
+
 void ReviewSonar::ShowSettings()
 {
     const SurveySettings& settings = m_page.View().Model().settings;
     ZrWaterfallPalettes::SetLook(m_panel->m_layer, settings.palette, settings.gain, settings.contrast);
-    m_panel->m_view.slantCorrected = settings.slant;
+    // The line is drawn where the echoes came from.
+    m_panel->m_view.slantCorrected = settings.slant && !m_bottom->IsOn();
+    if (m_loader && m_recording->Waterfall()->Blanking() != settings.blanking) {
+        m_recording->Waterfall()->SetBlanking(settings.blanking);
+        m_loader->Renew(0, static_cast<i64>(m_recording->Pings().size()));
+    }
     m_panel->Refresh();
 }
 
@@ -105,7 +148,10 @@ void ReviewSonar::Place(const QRect& area, bool isVisible)
     m_measure->Place(area);
     m_measure->setVisible(isVisible && m_measure->IsOn());
     m_measure->Restyle();
-    m_look->Place(area);
+    m_bottom->Place(area);
+    m_bottom->setVisible(isVisible && m_bottom->IsOn());
+    // Over the plots as well: it goes with what is beside it.
+    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), m_page.height() - m_page.FreeBelow() - 1)));
     if (!isVisible)
         m_look->hide();
     m_look->raise();
@@ -119,60 +165,50 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
     // The brightest thing on the screen would take the eyes their night sight.
     if (ZrColourScheme::Current() == ZrColourScheme::night)
         painter.fillRect(QRect(QPoint(), layout.View().rect.size()), QColor(30, 0, 0, 150));
-    if (m_page.View().Model().settings.bottom && !layout.IsSlantCorrected())
-        PaintBottom(painter, layout);
+    if (m_page.View().Model().settings.bottom || m_bottom->IsOn())
+        m_bottom->Paint(painter, layout);
     PaintScale(painter, layout);
     const double width = m_panel->width() * m_panel->devicePixelRatioF();
-    const ZrEventList& events = m_recording->Events();
-    for (std::size_t i = 0; i < events.Count(); ++i) {
-        const double y = m_panel->YOf(m_recording->PingAt(m_recording->TimeOf(events.At(i))));
-        if (std::isnan(y))
-            continue;
-        painter.setPen(QPen(eventColour, 2.0 * unit));
-        painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
-        painter.setBrush(eventColour);
-        const QPointF flag[]
-            = {{28.0 * unit, y - 6.0 * unit}, {38.0 * unit, y}, {28.0 * unit, y + 6.0 * unit}};
-        painter.drawPolygon(flag, 3);
-    }
+    PaintEvents(painter, layout);
     const double y = m_panel->YOf(m_panel->Cursor());
     if (!std::isnan(y)) {
         painter.setPen(QPen(shade, 4.0 * unit));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));
-        painter.setPen(QPen(cursorColour, std::max(1.5 * unit, 1.0)));
+        painter.setPen(QPen(Ink(cursorColour), std::max(1.5 * unit, 1.0)));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));
     }
     m_measure->PaintMarks(painter);
 }
 
-void ReviewSonar::PaintBottom(QPainter& painter, const ZrWaterfallLayout& layout)
+/// Flags at the left edge; targets where they are.
+void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout)
 {
-    if (!(layout.MetresPerPixel() > 0.0))
-        return;
-    const double middle = layout.View().rect.x() + layout.Columns(sidePort);
-    QPolygonF sides[2];
-    const auto draw = [&painter, &sides] {
-        for (QPolygonF& side : sides) {
-            painter.drawPolyline(side);
-            side.clear();
-        }
-    };
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(bottomColour, std::max(1.2 * m_panel->devicePixelRatioF(), 1.0)));
-    for (const ZrWaterfallLayout::Row& row : layout.Rows()) {
-        const double altitude = row.line >= 0
-            ? m_recording->Bottom().Altitude(static_cast<std::size_t>(row.line))
-            : std::nan("");
-        if (std::isnan(altitude)) {
-            draw();
+    const double unit = static_cast<double>(ZrTheme::dp) * m_panel->devicePixelRatioF();
+    const ZrEventList& events = m_recording->Events();
+    for (std::size_t i = 0; i < events.Count(); ++i) {
+        const double y = m_panel->YOf(m_recording->PingAt(m_recording->TimeOf(events.At(i))));
+        if (std::isnan(y))
             continue;
-        }
-        const double y = (row.from + row.to) / 2.0;
-        const double away = altitude / layout.MetresPerPixel();
-        sides[0].append({middle - away, y});
-        sides[1].append({middle + away, y});
+        painter.setPen(QPen(Ink(eventColour), 2.0 * unit));
+        painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
+        painter.setBrush(Ink(eventColour));
+        const QPointF flag[]
+            = {{28.0 * unit, y - 6.0 * unit}, {38.0 * unit, y}, {28.0 * unit, y + 6.0 * unit}};
+        painter.drawPolygon(flag, 3);
     }
-    draw();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    for (const ZrSonarTarget& target : m_targets) {
+        const QPointF at
+            = layout.ToPixel(static_cast<double>(target.spot.ping), target.spot.side, target.slantRange);
+        if (std::isnan(at.x()))
+            continue;
+        const double radius = 9.0 * unit;
+        painter.setPen(QPen(shade, 4.0 * unit));
+        painter.drawEllipse(at, radius, radius);
+        painter.setPen(QPen(Ink(eventColour), 2.0 * unit));
+        painter.drawEllipse(at, radius, radius);
+    }
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -195,7 +231,7 @@ void ReviewSonar::PaintScale(QPainter& painter, const ZrWaterfallLayout& layout)
     const double most = std::max(layout.Range(sidePort), layout.Range(sideStarboard)) * scale;
     const double pixels = std::max(layout.Columns(sidePort), layout.Columns(sideStarboard));
     const ZrAxisTicks ticks(0.0, most, std::max(static_cast<int>(pixels / (70.0 * ratio)), 2));
-    painter.setPen(QColor(235, 240, 245));
+    painter.setPen(Ink(QColor(235, 240, 245)));
     for (const double value : ticks.Values()) {
         for (const int sign : {-1, 1}) {
             const double x = middle + sign * value / scale / layout.MetresPerPixel();

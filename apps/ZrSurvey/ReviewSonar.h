@@ -1,12 +1,15 @@
 #pragma once
 
 #include "ZrKit/map/ZrWaterfallLoader.h"
+#include "ZrKit/sonar/ZrSonarTarget.h"
 
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 class QPainter;
+class ReviewBottom;
 class ReviewLook;
 class ReviewMeasure;
 class SurveyPage;
@@ -14,8 +17,8 @@ class ZrSurveyRecording;
 class ZrWaterfallLayout;
 class ZrWaterfallPanel;
 
-/// The waterfall of the page "Review": both sides around the cursor, the bottom line, the events, the
-/// measuring tool.
+/// The waterfall of the page "Review": both sides around the cursor, the bottom line and its correction, the
+/// events, the measuring tool. Of the two tools one is on at a time.
 class ReviewSonar : public QObject
 {
     Q_OBJECT
@@ -28,6 +31,8 @@ public:
 
     ReviewMeasure& Measure() { return *m_measure; }
 
+    ReviewBottom& Bottom() { return *m_bottom; }
+
     ReviewLook& Look() { return *m_look; }
 
     const ZrWaterfallLoader* Loader() const { return m_loader.get(); } ///< null without sonar
@@ -35,24 +40,29 @@ public:
     void Create(); ///< context current
     void Render(); ///< likewise
 
-    void Show(ZrSurveyRecording* recording); ///< null for nothing
+    void Show(const std::shared_ptr<ZrSurveyRecording>& recording); ///< null for nothing
     void SetCursor(double steady);
+    void ShowEvents(); ///< after a change of those of the recording
     void ShowSettings(); ///< those of the display of sonar
     void Place(const QRect& area, bool isVisible);
 
 Q_SIGNALS:
     void ScrubBegan();
     void Scrubbed(double steady);
+    void ToolChanged(); ///< one was turned on or off
+    void BottomChanged(); ///< the altitude of some pings is another one
 
 private:
     void PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layout);
-    void PaintBottom(QPainter& painter, const ZrWaterfallLayout& layout);
+    void PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout);
     void PaintScale(QPainter& painter, const ZrWaterfallLayout& layout);
 
     SurveyPage& m_page;
     ZrSurveyRecording* m_recording = nullptr;
+    std::vector<ZrSonarTarget> m_targets; ///< among the events
     ZrWaterfallPanel* m_panel;
     ReviewMeasure* m_measure;
+    ReviewBottom* m_bottom;
     ReviewLook* m_look;
     std::unique_ptr<ZrWaterfallLoader> m_loader;
 };

@@ -34,6 +34,11 @@ public:
     int BandBottom() const; ///< real pixels: the buttons in it are never smaller than a finger
     int Gap() const; ///< between controls: every distance is a multiple of it
 
+    /// How much of the lower edge messages leave free, real pixels: controls that are in use meanwhile.
+    virtual int FreeBelow() const { return 0; }
+
+    virtual int FreeRight() const { return 0; } ///< likewise of the right one
+
     void Changed(); ///< asks for one frame
     void Animate(); ///< asks for frames until `OnFrame` returns false
 

@@ -62,6 +62,8 @@ void SurveySettings::settings(zr::ZrSetModule& module)
     module.item(QStringLiteral("contrast"), contrast);
     module.item(QStringLiteral("slant"), slant);
     module.item(QStringLiteral("bottom"), bottom);
+    module.item(QStringLiteral("blanking"), blanking);
+    module.item(QStringLiteral("gaps cut"), gapsCut);
     if (module.is_loading())
         PutRight();
 }
@@ -88,6 +90,7 @@ void SurveySettings::PutRight()
     Clamp(simSpeed, LeastSimSpeed, MostSimSpeed, standard.simSpeed);
     Clamp(simCurrent, 0.0, MostSimCurrent, standard.simCurrent);
     Clamp(simSet, 0.0, 360.0, standard.simSet);
+    Choose(blanking, 0, LastBlanking, standard.blanking);
     Choose(palette, 0, LastPalette, standard.palette);
     Clamp(gain, -MostGain, MostGain, standard.gain);
     Clamp(contrast, LeastContrast, MostContrast, standard.contrast);

@@ -13,6 +13,7 @@ public:
     /// What is outside is not taken from a file, and refused by the forms.
     /// @{
     static constexpr int LastSource = 5; ///< of `SurveySource::eKind`
+    static constexpr int LastBlanking = 2; ///< of `ZrSonarBlanking::eKind`
     static constexpr int LastPalette = 13; ///< of `ZrSonarPalette::Names`
     static constexpr int MostSplitMegabytes = 1024 * 1024;
     static constexpr int MostSplitMinutes = 24 * 60;
@@ -68,6 +69,12 @@ public:
     double contrast = 1.0;
     bool slant = false; ///< corrected for slant range
     bool bottom = true; ///< the bottom line is shown
+    int blanking = 1; ///< a `ZrSonarBlanking::eKind`
+    /// @}
+
+    /// \name Review
+    /// @{
+    bool gapsCut = true; ///< of the time line; else it is real time
     /// @}
 
     SurveySettings();

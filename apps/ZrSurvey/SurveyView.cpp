@@ -103,13 +103,21 @@ bool SurveyView::OpenPlan(const QString& path)
     return static_cast<PlanPage*>(GetPage(QStringLiteral("Plan")))->OpenPlan(path);
 }
 
+void SurveyView::PlaceToast()
+{
+    if (Page())
+        m_toast->SetFree(Page()->FreeBelow(), Page()->FreeRight());
+}
+
 void SurveyView::Tell(const QString& text, const QString& action, const std::function<void()>& run)
 {
+    PlaceToast();
     m_toast->Show(text, action, run);
 }
 
 void SurveyView::Warn(const QString& text)
 {
+    PlaceToast();
     m_toast->Show(ZrToast::error, text);
 }
 
@@ -189,9 +197,10 @@ void SurveyView::ApplyColours()
     const QString sheet = ZrTheme::GetStylesheet(QStringLiteral(":/css/AppView.css"));
     if (qApp->styleSheet() != sheet)
         qApp->setStyleSheet(sheet);
-    m_toast->Place();
     for (ZrPage* page : qAsConst(m_pages))
         static_cast<SurveyPage*>(page)->OnColours();
+    PlaceToast();
+    m_toast->Place();
     for (ZrRowForm* form : qAsConst(m_rowForms))
         form->Restyle();
     m_logging->setStyleSheet(ZrTheme::GetStylesheet(QStringLiteral(":/css/forms.css")));

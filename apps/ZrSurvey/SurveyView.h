@@ -62,6 +62,7 @@ private:
     void AddForms();
     void LoadSettings();
     void ApplyColours();
+    void PlaceToast();
 
     std::unique_ptr<SurveyModel> m_model;
     ZrToast* m_toast;
