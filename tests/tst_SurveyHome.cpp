@@ -113,7 +113,9 @@ void tst_SurveyHome::positionTile()
     QCOMPARE(now.state, ZrValueTile::normal);
     QCOMPARE(HomeState::Position(pose, true, 4.9).note, S("Fix 4 s ago"));
     QCOMPARE(HomeState::Position(pose, true, 4.9).state, ZrValueTile::normal);
-    QCOMPARE(HomeState::Position(pose, true, 5.0).state, ZrValueTile::stale);
+    QCOMPARE(HomeState::Position(pose, true, 5.0).state, ZrValueTile::warning);
+    QCOMPARE(HomeState::Position(pose, true, 29.9).state, ZrValueTile::warning);
+    QCOMPARE(HomeState::Position(pose, true, 30.0).state, ZrValueTile::error);
     QCOMPARE(HomeState::Position(pose, true, 130.0).note, S("Fix 2 min ago"));
     QCOMPARE(HomeState::Position(pose, false, 0.0).note, S("From a recording"));
     QCOMPARE(HomeState::Position(pose, false, 0.0).state, ZrValueTile::stale);
@@ -133,6 +135,10 @@ void tst_SurveyHome::dataTile()
     QCOMPARE(late.unit, S("5 s"));
     QCOMPARE(late.state, ZrValueTile::warning);
     QCOMPARE(HomeState::Data(S("x"), true, 30.0).state, ZrValueTile::error);
+    const HomeState::Tile refused = HomeState::Data(S("x"), true, 1.0, S("Connection refused"));
+    QCOMPARE(refused.value, S("No data"));
+    QCOMPARE(refused.note, S("Connection refused"));
+    QCOMPARE(refused.state, ZrValueTile::error);
 }
 
 void tst_SurveyHome::recordingTile()
@@ -299,6 +305,16 @@ void tst_SurveyHome::tilesFollow()
     m_view->Model().recording.End();
     QCOMPARE(Tile(2)->Value(), S("Off"));
     QVERIFY(Tile(3)->Note().startsWith(S("Stops at")));
+
+    SurveyFeed::Facts facts;
+    facts.state = SurveyFeed::troubled;
+    facts.reason = S("Host not found");
+    m_view->Model().feed.Set(S("2 boat:1"), facts);
+    QCOMPARE(Tile(1)->Note(), S("Host not found"));
+    QCOMPARE(Tile(1)->State(), ZrValueTile::error);
+    facts.state = SurveyFeed::receiving;
+    m_view->Model().feed.Set(S("2 boat:1"), facts);
+    QCOMPARE(Tile(1)->Value(), S("Receiving"));
 }
 
 void tst_SurveyHome::styleOfPositions()

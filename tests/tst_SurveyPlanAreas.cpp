@@ -21,6 +21,10 @@ private Q_SLOTS:
     void newCanBeUndone();
     void draftRestored();
     void findingShowsThePlace();
+    void planNotBegun();
+    void marginOfNoGo();
+    void cameraStays();
+    void cameraOfAnotherPlan();
     void idleDrawsNothing();
 };
 
@@ -231,6 +235,134 @@ void tst_SurveyPlanAreas::draftRestored()
     m_view.reset();
     Open();
     QCOMPARE(Plan().Route().GetCount(), 0);
+}
+
+/// There is nothing wrong with a plan that has not been begun.
+void tst_SurveyPlanAreas::planNotBegun()
+{
+    const auto tiles = m_page->findChildren<ZrValueTile*>();
+    for (const int tile : {0, 1, 4}) {
+        QCOMPARE(tiles[tile]->Value(), QString());
+        QCOMPARE(tiles[tile]->Number(), QStringLiteral("–"));
+        QCOMPARE(static_cast<int>(tiles[tile]->State()), static_cast<int>(ZrValueTile::normal));
+    }
+    QCOMPARE(Button("tab_warning")->badge, 0);
+    Click("tab_warning");
+    ZrTouchList* checks = m_page->findChildren<ZrTouchList*>(QString(), Qt::FindDirectChildrenOnly).last();
+    QVERIFY(checks->isVisible() && checks->Items().isEmpty());
+    QCOMPARE(checks->m_empty, QStringLiteral("Add a waypoint or draw an area"));
+    // Two waypoints are a way.
+    AddRoute();
+    QTRY_COMPARE(tiles[3]->Value(), QStringLiteral("3"));
+    QVERIFY(!tiles[0]->Value().isEmpty());
+    QVERIFY(!tiles[1]->Value().isEmpty());
+    QTRY_VERIFY(!tiles[4]->Value().isEmpty());
+    QCOMPARE(checks->m_empty, QStringLiteral("Nothing to say"));
+}
+
+void tst_SurveyPlanAreas::marginOfNoGo()
+{
+    AddRoute();
+    Click("tab_warning");
+    auto* margin = m_page->findChild<ZrInput*>(QStringLiteral("margin"));
+    QVERIFY(margin && margin->isVisible());
+    QCOMPARE(margin->UnitText(), ZrUnits::GetShortLengthUnits());
+    const auto type = [margin](const QString& text) {
+        margin->setFocus();
+        margin->selectAll();
+        QTest::keyClick(margin, Qt::Key_Delete);
+        QTest::keyClicks(margin, text);
+        QTest::keyClick(margin, Qt::Key_Return);
+    };
+    type(QStringLiteral("25"));
+    QTRY_COMPARE(Plan().Margin(), 25.0);
+    QVERIFY(Plan().IsDirty());
+    type(QStringLiteral("-3")); // out of its range
+    QTRY_VERIFY2(Toast().contains(QStringLiteral("Distance to no-go areas")), qPrintable(Toast()));
+    QCOMPARE(Plan().Margin(), 25.0);
+    // In other units it is the same.
+    ZrUnits::SetToImperial();
+    m_view->Page()->OnColours();
+    margin->clearFocus();
+    QTRY_COMPARE(margin->UnitText(), ZrUnits::GetShortLengthUnits());
+    type(QStringLiteral("100"));
+    QTRY_VERIFY(std::fabs(Plan().Margin() - 30.48) < 0.01);
+    // It is looked at: an area beside the way, nearer than the margin.
+    const ZrWpt* a = Wpt(0);
+    const ZrWpt* b = Wpt(1);
+    const double lat = (a->lat + b->lat) / 2.0;
+    const double lng = (a->lng + b->lng) / 2.0;
+    const double near = 10.0 / 111000.0;
+    Plan().SetNoGo({{QStringLiteral("Rock"),
+        {{lat + 2.5 * near, lng - 2.5 * near}, {lat + 3.0 * near, lng - 2.5 * near},
+            {lat + 3.0 * near, lng - 3.0 * near}}}});
+    const auto tiles = m_page->findChildren<ZrValueTile*>();
+    const auto count
+        = [&] { return tiles[4]->State() == ZrValueTile::stale ? -1 : tiles[4]->Value().toInt(); };
+    Plan().SetMargin(0.0);
+    QTRY_VERIFY(count() >= 0);
+    const int without = count();
+    Plan().SetMargin(200.0);
+    QTRY_VERIFY(count() > without);
+    // A restart brings it back with the draft.
+    m_view.reset();
+    Open();
+    QCOMPARE(Plan().Margin(), 200.0);
+}
+
+/// Where the map was left it is when the page, or the program, comes again.
+void tst_SurveyPlanAreas::cameraStays()
+{
+    AddRoute();
+    ZrMapView& camera = m_page->Map().m_camera;
+    Click("tool_zoom_in");
+    Click("tool_zoom_in");
+    QTest::keyClick(m_panel, Qt::Key_Right);
+    QTest::keyClick(m_panel, Qt::Key_Down);
+    const double scale = camera.Scale();
+    const QPointF centre = camera.Centre();
+    const ZrGeoPoint place = m_page->Chart().ToGeo(centre);
+    m_view->Show(QStringLiteral("Home"));
+    m_view->Show(QStringLiteral("Plan"));
+    QTest::qWait(50);
+    QCOMPARE(camera.Scale(), scale);
+    QCOMPARE(camera.Centre(), centre);
+    m_view->close();
+    m_view.reset();
+    Open();
+    QCOMPARE(Names().size(), 3);
+    const ZrMapView& again = m_page->Map().m_camera;
+    QVERIFY(std::fabs(again.Scale() / scale - 1.0) < 1e-6);
+    const ZrGeoPoint now = m_page->Chart().ToGeo(again.Centre());
+    QVERIFY2(std::fabs(now.lat - place.lat) < 1e-6 && std::fabs(now.lng - place.lng) < 1e-6,
+        qPrintable(
+            QStringLiteral("%1 %2, not %3 %4").arg(now.lat).arg(now.lng).arg(place.lat).arg(place.lng)));
+    // Without any plan as well.
+    m_page->findChild<PlanFiles*>()->New();
+    QTest::qWait(50);
+    m_view->close();
+    m_view.reset();
+    Open();
+    QCOMPARE(Plan().Route().GetCount(), 0);
+    const ZrGeoPoint empty = m_page->Chart().ToGeo(m_page->Map().m_camera.Centre());
+    QVERIFY(std::fabs(empty.lat - place.lat) < 1e-4 && std::fabs(empty.lng - place.lng) < 1e-4);
+}
+
+/// A plan that is opened is shown whole.
+void tst_SurveyPlanAreas::cameraOfAnotherPlan()
+{
+    AddRoute();
+    const QString path = m_dir->filePath(QStringLiteral("there.json"));
+    QVERIFY(Plan().Save(path));
+    m_page->Map().m_camera.Pan({100000.0, 0.0});
+    Click("tool_zoom_in"); // which tells of the place
+    m_view->close();
+    m_view.reset();
+    Open();
+    QVERIFY(m_view->OpenPlan(path));
+    QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(3));
+    for (int i = 0; i < 3; ++i)
+        QTRY_VERIFY(m_panel->rect().contains(PixelOf(i)));
 }
 
 void tst_SurveyPlanAreas::findingShowsThePlace()

@@ -1,13 +1,17 @@
 // The page "Record" of the application as a person uses it: a real window, touches, and the logs on disk.
 
+#include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrKit/records/ZrNavRecord.h"
+#include "ZrKit/review/ZrLogCheck.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrToast.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
+#include "ZrUtil/ZrPlayer.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/RecordPage.h"
@@ -16,6 +20,7 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QSignalSpy>
+#include <QStorageInfo>
 #include <QSurfaceFormat>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -36,6 +41,10 @@ private Q_SLOTS:
     void keysDoTheSame();
     void recordingGoesOnBehindOtherPages();
     void waterfallRuns();
+    void bottomLineCanBeSwitchedOff();
+    void stopsBeforeTheDiskIsFull();
+    void splitsWithHead();
+    void anglesHaveTheirSign();
     void followEndsByHand();
     void otherUnitsAtOnce();
     void replayIsASource();
@@ -264,15 +273,130 @@ void tst_SurveyRecord::waterfallRuns()
     QTRY_VERIFY(Page().Waterfall().Ring().End() > 20);
     QVERIFY(Page().Waterfall().Ring().HasSide(sidePort));
     QVERIFY(Page().Waterfall().Ring().HasSide(sideStarboard));
-    // Something of it is on the screen: the newest lines, at the top of the right part.
-    const auto brightness = [this] {
+    // Something of it is on the screen: the newest lines, at its top.
+    QWidget* panel = Page().findChildren<ZrMapPanel*>().last();
+    const auto brightness = [this, panel] {
         const QImage image = m_view->grabFramebuffer();
+        const double ratio = m_view->devicePixelRatioF();
+        const QRect at = panel->geometry();
         int brightest = 0;
-        for (int x = image.width() * 7 / 10; x < image.width() - 20; ++x)
-            brightest = std::max(brightest, qGray(image.pixel(x, image.height() / 4)));
+        for (int x = at.left() + 10; x < at.right() - 10; ++x)
+            brightest
+                = std::max(brightest, qGray(image.pixel(qRound(x * ratio), qRound((at.top() + 10) * ratio))));
         return brightest;
     };
     QTRY_VERIFY(brightness() > 60);
+}
+
+void tst_SurveyRecord::bottomLineCanBeSwitchedOff()
+{
+    Open();
+    QTRY_VERIFY(Page().Waterfall().Ring().End() > 150);
+    QWidget* panel = Page().findChildren<ZrMapPanel*>().last();
+    const auto drawn = [this, panel] {
+        const QImage image = m_view->grab(panel->geometry()).toImage();
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                count += colour.blue() > colour.red() + 90 ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    QVERIFY(m_view->Model().settings.bottom);
+    QTRY_VERIFY(drawn() > 50);
+    QTest::keyClick(m_view.get(), Qt::Key_O);
+    QVERIFY(!m_view->Model().settings.bottom);
+    QTRY_COMPARE(drawn(), 0);
+    for (ZrBtn* button : Page().findChildren<ZrBtn*>()) {
+        if (button->toolTip().contains(QStringLiteral("bottom line"))) {
+            QVERIFY(!button->on);
+            Touch(button);
+            QTRY_VERIFY(button->on);
+        }
+    }
+    QVERIFY(m_view->Model().settings.bottom);
+    QTRY_VERIFY(drawn() > 50);
+}
+
+/// The disk is filled by another program while it records.
+void tst_SurveyRecord::stopsBeforeTheDiskIsFull()
+{
+    constexpr qint64 megabyte = 1000000;
+    constexpr qint64 room = 60 * megabyte;
+    // Where others hardly write.
+    const bool hasMemory = QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+        && QStorageInfo(QStringLiteral("/dev/shm")).bytesAvailable() > 3 * room;
+    const QTemporaryDir disk(hasMemory ? QStringLiteral("/dev/shm/zr-full") : QString());
+    QVERIFY(disk.isValid());
+    SurveySettings& settings = m_view->Model().settings;
+    settings.recordDir = disk.path();
+    settings.stopBelowMegabytes
+        = static_cast<int>((QStorageInfo(disk.path()).bytesAvailable() - room) / megabyte);
+    Open();
+    QTRY_VERIFY(HasPosition());
+    QSignalSpy failed(&Page().Session(), &ZrRecordingSession::Failed);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Page().Session().Status().items > 50);
+    QFile filler(disk.filePath(QStringLiteral("filler")));
+    QVERIFY(filler.open(QIODevice::WriteOnly));
+    QCOMPARE(filler.write(QByteArray(static_cast<int>(2 * room), 'x')), 2 * room);
+    filler.close();
+    QTRY_VERIFY_WITH_TIMEOUT(IsOff(), 30000);
+    QCOMPARE(failed.size(), 1);
+    QVERIFY(!m_view->Model().recording.IsOn());
+    // Told on the screen, with the reason and the limit; the log says it as well, and is sound.
+    const QString told = m_view->findChild<ZrToast*>()->Text();
+    QVERIFY2(told.contains(QStringLiteral("free")), qPrintable(told));
+    QTRY_VERIFY(Button(QStringLiteral("Record")));
+    const QString log
+        = disk.filePath(QDir(disk.path()).entryList({QStringLiteral("*.log")}, QDir::Files).first());
+    QVERIFY(EventsOf(log).join(QLatin1Char(' ')).contains(QStringLiteral("free")));
+    ZrLogCheck check;
+    QVERIFY(check.Run(log));
+    QCOMPARE(check.ProblemCount(), u64(0));
+    // And it does not begin again on a disk that is full.
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_COMPARE(failed.size(), 2);
+    QVERIFY(IsOff());
+}
+
+/// Each part can be understood without the others.
+void tst_SurveyRecord::splitsWithHead()
+{
+    m_view->Model().settings.splitMegabytes = 1;
+    Open();
+    QTRY_VERIFY(HasPosition());
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY_WITH_TIMEOUT(Page().Session().Status().part >= 3, 120000);
+    Touch(Button(QStringLiteral("Stop")));
+    QTRY_VERIFY(IsOff());
+    const QStringList logs = Logs();
+    QVERIFY(logs.size() >= 3);
+    for (const QString& log : logs) {
+        QVERIFY2(QFileInfo(log).size() <= 1000000, qPrintable(log));
+        ZrPlayer player;
+        QVector<u32> types;
+        connect(&player, &ZrPlayer::NewPayload, this,
+            [&types](const ZrLogItemInf& inf, zr::span<u8>) { types.append(inf.type); });
+        QVERIFY(player.OpenFile(log));
+        while (types.size() < 8 && player.ReadNextItem(true)) { }
+        QVERIFY2(types.first() == u32(rtMissionPlan), qPrintable(log));
+        QVERIFY2(types.contains(u32(krtNavigation)) || types.contains(u32(krtFix)), qPrintable(log));
+    }
+}
+
+void tst_SurveyRecord::anglesHaveTheirSign()
+{
+    Open();
+    for (const char* caption : {"Heading", "Pitch", "Roll"}) {
+        ZrValueTile* tile = Tile(QString::fromLatin1(caption));
+        QTRY_VERIFY(!tile->Value().isEmpty());
+        QTRY_VERIFY2(tile->Number().endsWith(ZrUnits::degrees), qPrintable(tile->Number()));
+        QVERIFY(!tile->Number().contains(QLatin1Char('-')));
+    }
 }
 
 void tst_SurveyRecord::followEndsByHand()

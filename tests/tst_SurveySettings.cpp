@@ -88,6 +88,10 @@ void tst_SurveySettings::roundTrip()
     a.bottom = false;
     a.blanking = 2;
     a.gapsCut = false;
+    a.planLat = -33.5;
+    a.planLng = 151.25;
+    a.planScale = 0.125;
+    a.planRotation = 30.0;
     SurveySettings b;
     Load(b, Stored(a));
     QCOMPARE(Stored(b), Stored(a));
@@ -100,6 +104,8 @@ void tst_SurveySettings::roundTrip()
     QCOMPARE(b.bottom, false);
     QCOMPARE(b.blanking, 2);
     QCOMPARE(b.gapsCut, false);
+    QCOMPARE(b.planScale, 0.125);
+    QCOMPARE(b.planLng, 151.25);
     QVERIFY(Stored(b) != Stored(*std::make_unique<SurveySettings>()));
 }
 
@@ -176,6 +182,13 @@ void tst_SurveySettings::numbers_data()
     row("gain not a number", "gain", QJsonValue(), 0.0);
     row("contrast zero", "contrast", 0.0, 0.25);
     row("contrast high", "contrast", 5.0, 4.0);
+    row("plan scale too small", "plan scale", 1e-5, 0.0);
+    row("plan scale too large", "plan scale", 1e6, 0.0);
+    row("plan scale not a number", "plan scale", QJsonValue(), 0.0);
+    row("plan scale", "plan scale", 0.5, 0.5);
+    row("plan rotation", "plan rotation", 1e9, 360.0);
+    row("plan latitude", "plan latitude", 91.0, 0.0);
+    row("plan longitude", "plan longitude", QJsonValue(), 0.0);
 }
 
 void tst_SurveySettings::numbers()
@@ -185,7 +198,9 @@ void tst_SurveySettings::numbers()
     const SurveySettings settings = With(key.constData(), value);
     const QMap<QByteArray, double> values(
         {{"simulator speed", settings.simSpeed}, {"simulator current", settings.simCurrent},
-            {"simulator set", settings.simSet}, {"gain", settings.gain}, {"contrast", settings.contrast}});
+            {"simulator set", settings.simSet}, {"gain", settings.gain}, {"contrast", settings.contrast},
+            {"plan scale", settings.planScale}, {"plan rotation", settings.planRotation},
+            {"plan latitude", settings.planLat}, {"plan longitude", settings.planLng}});
     QTEST(values[key], "expected");
 }
 

@@ -1,8 +1,12 @@
 #include "ZrKit/map/ZrLiveWaterfall.h"
 #include "ZrKit/map/ZrPaletteRows.h"
+#include "ZrKit/map/ZrWaterfallLayout.h"
+#include "ZrKit/map/ZrWaterfallOverlay.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrUtil/ZrUnits.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QtTest>
 
 #include <cmath>
@@ -19,10 +23,68 @@ private Q_SLOTS:
     void badPings_data();
     void badPings();
     void seaFloorIsVisible();
+    void contrastIsOfTheSeaFloor();
+    void linesAreAlike();
+    void contrastFollows();
+    void pulseIsDim();
+    void bottomIsFound();
+    void bottomThatIsToldOnly();
+    void overlay();
+    void overlayWithoutAltitude();
+    void scale();
     void clears();
     void paletteRows();
 
 private:
+    /// A sea floor of speckle from \p altitude on, metres, behind a quiet water column and a loud pulse.
+    static ZrPingRecord SeaFloor(u32 number, u8 side, double altitude, double level = 3000.0)
+    {
+        ZrPingRecord ping;
+        ping.pingNumber = number;
+        ping.side = side;
+        ping.sampleWidth = 2;
+        ping.slantRange = 50.0F;
+        u32 state = number * 2654435761U + side * 40503U + 1U;
+        const auto speckle = [&state] {
+            state = state * 1664525U + 1013904223U;
+            return -std::log((static_cast<double>(state >> 8) + 1.0) / 16777217.0);
+        };
+        for (int i = 0; i < 1000; ++i) {
+            const double range = (i + 0.5) * 0.05;
+            const double mean = range < 0.4 ? 60000.0 : range < altitude ? 30.0 : level;
+            const bool isFlat = range < 0.4 || altitude > 50.0; // noise may look like anything
+            const int value = static_cast<int>(std::min(mean * (isFlat ? 1.0 : speckle()), 65535.0));
+            ping.samples += static_cast<char>(value & 0xFF);
+            ping.samples += static_cast<char>(value >> 8);
+        }
+        return ping;
+    }
+
+    static void AddLines(ZrLiveWaterfall& waterfall, u32 first, u32 end, double altitude,
+        double level = 3000.0, double told = std::numeric_limits<double>::quiet_NaN())
+    {
+        for (u32 number = first; number < end; ++number) {
+            for (u8 side = 0; side < 2; ++side)
+                waterfall.Add(SeaFloor(number, side, altitude, level), number, told);
+        }
+    }
+
+    /// The mean brightness of a line over shares of its range.
+    static double Mean(const ZrLiveWaterfall& waterfall, i64 line, double from, double to)
+    {
+        const auto samples = waterfall.Ring().Samples(line, sidePort);
+        double sum = 0.0;
+        int count = 0;
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            const double share = (static_cast<double>(i) + 0.5) / static_cast<double>(samples.size());
+            if (share >= from && share < to) {
+                sum += samples[i];
+                ++count;
+            }
+        }
+        return sum / count;
+    }
+
     static ZrPingRecord Ping(u32 number, u8 side)
     {
         ZrPingRecord ping;
@@ -131,6 +193,182 @@ void tst_ZrLiveWaterfall::seaFloorIsVisible()
     const double mean = sum / 256.0;
     // Amplitudes of 1000 to 4000 of 65535 would be nearly black as they are.
     QVERIFY2(mean > 60.0 && mean < 200.0, qPrintable(QString::number(mean)));
+}
+
+/// Half of what is seen is water: neither it nor the pulse make the sea floor all white or all black.
+void tst_ZrLiveWaterfall::contrastIsOfTheSeaFloor()
+{
+    ZrLiveWaterfall waterfall(256, 500);
+    AddLines(waterfall, 0, 100, 25.0);
+    for (const i64 line : {i64(0), i64(50), i64(99)}) {
+        const double floor = Mean(waterfall, line, 0.6, 1.0);
+        QVERIFY2(floor > 35.0 && floor < 130.0, qPrintable(QString::number(floor)));
+        QVERIFY(Mean(waterfall, line, 0.05, 0.45) < 10.0);
+        int black = 0;
+        int white = 0;
+        for (const u8 value : waterfall.Ring().Samples(line, sidePort).subspan(300, 200)) {
+            black += value == 0 ? 1 : 0;
+            white += value == 255 ? 1 : 0;
+        }
+        QVERIFY2(black <= 20 && white <= 20,
+            qPrintable(QStringLiteral("%1 black, %2 white of 200").arg(black).arg(white)));
+    }
+}
+
+/// Lines made early look as those made late: there are no bands.
+void tst_ZrLiveWaterfall::linesAreAlike()
+{
+    ZrLiveWaterfall waterfall(512, 500);
+    AddLines(waterfall, 0, 400, 8.0);
+    double least = 255.0;
+    double most = 0.0;
+    for (i64 line = 0; line + 8 <= 400; line += 8) {
+        double mean = 0.0;
+        for (i64 i = line; i < line + 8; ++i)
+            mean += Mean(waterfall, i, 0.3, 1.0) / 8.0;
+        least = std::min(least, mean);
+        most = std::max(most, mean);
+    }
+    QVERIFY2(most - least < 0.12 * most, qPrintable(QStringLiteral("%1 to %2").arg(least).arg(most)));
+}
+
+/// After a change of the sea floor the contrast goes there, in steps that are small.
+void tst_ZrLiveWaterfall::contrastFollows()
+{
+    ZrLiveWaterfall waterfall(1024, 500);
+    AddLines(waterfall, 0, 140, 8.0, 600.0);
+    AddLines(waterfall, 140, 500, 8.0, 6000.0);
+    const auto mean = [&waterfall](i64 first) {
+        double sum = 0.0;
+        for (i64 i = first; i < first + 8; ++i)
+            sum += Mean(waterfall, i, 0.3, 1.0) / 8.0;
+        return sum;
+    };
+    const double after = mean(490);
+    QVERIFY2(after > 35.0 && after < 130.0, qPrintable(QString::number(after)));
+    for (i64 line = 260; line < 490; line += 8)
+        QVERIFY2(std::fabs(mean(line + 2) - mean(line)) < 30.0, qPrintable(QString::number(line)));
+}
+
+void tst_ZrLiveWaterfall::pulseIsDim()
+{
+    ZrLiveWaterfall waterfall(64, 1000);
+    AddLines(waterfall, 0, 20, 8.0);
+    const auto samples = waterfall.Ring().Samples(19, sideStarboard);
+    for (std::size_t i = 0; i < 8; ++i)
+        QCOMPARE(samples[i], ZrLiveWaterfall::PulseMost);
+    // Behind it everything may be white.
+    u8 brightest = 0;
+    for (const u8 value : samples.subspan(200, 800))
+        brightest = std::max(brightest, value);
+    QVERIFY(brightest > 200);
+}
+
+void tst_ZrLiveWaterfall::bottomIsFound()
+{
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 30, 12.0, 3000.0, 10.5); // the other sensor hangs lower
+    for (i64 line = 6; line < 30; ++line) {
+        const double altitude = waterfall.Ring().At(line).altitude;
+        QVERIFY2(std::fabs(altitude - 12.0) < 0.3, qPrintable(QString::number(altitude)));
+    }
+}
+
+void tst_ZrLiveWaterfall::bottomThatIsToldOnly()
+{
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 5, 12.0);
+    QVERIFY(std::fabs(waterfall.Ring().At(4).altitude - 12.0) < 0.3);
+    // Nothing but noise: for a while the sea floor is where it was, then where one says that it is.
+    AddLines(waterfall, 5, 30, 100.0, 3000.0, 30.0);
+    QVERIFY(std::fabs(waterfall.Ring().At(6).altitude - 12.0) < 0.3);
+    QCOMPARE(waterfall.Ring().At(29).altitude, 30.0);
+}
+
+void tst_ZrLiveWaterfall::overlay()
+{
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 30, 12.0);
+    ZrWaterfallView view;
+    view.rect = QRect(0, 0, 400, 100);
+    view.pixelsPerLine = 2.0;
+    for (const auto newest : {ZrWaterfallSettings::newestTop, ZrWaterfallSettings::newestBottom}) {
+        view.newest = newest;
+        const ZrWaterfallLayout layout(waterfall.Ring(), view);
+        const std::vector<QPolygonF> lines = ZrWaterfallOverlay::Bottom(layout);
+        QCOMPARE(lines.size(), std::size_t(2));
+        for (std::size_t side = 0; side < 2; ++side) {
+            QCOMPARE(lines[side].size(), 30);
+            const double away = std::fabs(lines[side].first().x() - 200.0) * layout.MetresPerPixel();
+            QVERIFY2(std::fabs(away - 12.0) < 0.6, qPrintable(QString::number(away)));
+            QCOMPARE(lines[side].first().x() < 200.0, side == 0);
+            // The newest line is at its edge.
+            QCOMPARE(lines[side].first().y(), newest == ZrWaterfallSettings::newestTop ? 1.0 : 99.0);
+        }
+    }
+    QImage image(400, 100, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    view.newest = ZrWaterfallSettings::newestTop;
+    ZrWaterfallOverlay::PaintBottom(painter, ZrWaterfallLayout(waterfall.Ring(), view), 2.0);
+    painter.end();
+    int drawn = 0;
+    for (int x = 0; x < 400; ++x)
+        drawn += qBlue(image.pixel(x, 30)) > 100 ? 1 : 0;
+    QVERIFY2(drawn >= 2 && drawn <= 8, qPrintable(QString::number(drawn)));
+    view.slantCorrected = true;
+    QVERIFY(ZrWaterfallOverlay::Bottom(ZrWaterfallLayout(waterfall.Ring(), view)).empty());
+}
+
+void tst_ZrLiveWaterfall::overlayWithoutAltitude()
+{
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 10, 100.0);
+    ZrWaterfallView view;
+    view.rect = QRect(0, 0, 400, 100);
+    QVERIFY(ZrWaterfallOverlay::Bottom(ZrWaterfallLayout(waterfall.Ring(), view)).empty());
+    QVERIFY(ZrWaterfallOverlay::Bottom(ZrWaterfallLayout()).empty());
+    // An altitude beyond what is shown.
+    AddLines(waterfall, 10, 20, 100.0, 3000.0, 400.0);
+    QVERIFY(ZrWaterfallOverlay::Bottom(ZrWaterfallLayout(waterfall.Ring(), view)).empty());
+}
+
+void tst_ZrLiveWaterfall::scale()
+{
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 30, 12.0);
+    ZrWaterfallView view;
+    view.rect = QRect(0, 0, 600, 100);
+    const ZrWaterfallLayout layout(waterfall.Ring(), view);
+    QFont font;
+    font.setPixelSize(14);
+    const int high = ZrWaterfallOverlay::ScaleHeight(font);
+    const auto paint = [&font](const ZrWaterfallLayout& of) {
+        QImage image(600, 100, QImage::Format_RGB32);
+        image.fill(Qt::gray);
+        QPainter painter(&image);
+        ZrWaterfallOverlay::PaintScale(painter, of, font);
+        painter.end();
+        return image;
+    };
+    const QImage image = paint(layout);
+    // A band at the lower edge, and ticks above it, as many to port as to starboard.
+    QVERIFY(qGray(image.pixel(1, 99)) < qGray(image.pixel(1, 50)));
+    const int y = 100 - high - 2;
+    int left = 0;
+    int right = 0;
+    for (int x = 0; x < 600; ++x) {
+        if (qGray(image.pixel(x, y)) > 200)
+            ++(x < 299 ? left : right);
+    }
+    QVERIFY2(left >= 2, qPrintable(QString::number(left)));
+    QVERIFY(std::abs(right - left) <= 2); // with the middle
+    QImage blank(600, 100, QImage::Format_RGB32);
+    blank.fill(Qt::gray);
+    QCOMPARE(paint(ZrWaterfallLayout()), blank);
+    ZrUnits::SetToImperial();
+    QVERIFY(paint(layout) != image);
+    ZrUnits::SetToMetric();
 }
 
 void tst_ZrLiveWaterfall::clears()

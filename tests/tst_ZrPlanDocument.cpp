@@ -6,6 +6,7 @@
 #include "ZrUtil/ZrWpt.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
@@ -63,6 +64,7 @@ private Q_SLOTS:
     void newForgetsAll();
     void draftIsThereAtOnce();
     void dragIsWrittenWhenItPauses();
+    void longDragIsWrittenMeanwhile();
     void draftIsRestored();
     void draftOfAreasAlone();
     void draftIsGoneAfterSaving();
@@ -296,6 +298,27 @@ void tst_ZrPlanDocument::dragIsWrittenWhenItPauses()
     ZrPlanDocument other(At("draft"));
     QVERIFY(other.RestoreDraft());
     QCOMPARE(other.Route().GetHead()->lat, 49.6);
+}
+
+void tst_ZrPlanDocument::longDragIsWrittenMeanwhile()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    plan.FlushDraft();
+    const QByteArray before = Content(At("draft"));
+    double lat = 49.5;
+    // Looked at without a pause between the edits that would be one to the draft as well.
+    QElapsedTimer drag;
+    drag.start();
+    int edits = 0;
+    while (Content(At("draft")) == before && drag.elapsed() < 20000) {
+        plan.History().Move(plan.Route().GetHead(), lat += 1e-6, -4.0);
+        plan.Edited();
+        ++edits;
+    }
+    QVERIFY(Content(At("draft")) != before);
+    QVERIFY(drag.elapsed() >= ZrPlanDocument::DraftMostMilliseconds - 1);
+    QVERIFY(edits > 1);
 }
 
 void tst_ZrPlanDocument::draftIsRestored()

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void noPath();
     void noPort();
     void missingPortIsTriedAgain();
+    void portsOfThisComputer();
     void unpluggedPort();
 };
 
@@ -185,6 +187,28 @@ void tst_ZrSerialSource::unpluggedPort()
     far.Close();
     QTRY_COMPARE(troubles.size(), 1);
     QVERIFY(troubles[0][0].toString().endsWith(QStringLiteral("trying again")));
+}
+
+void tst_ZrSerialSource::portsOfThisComputer()
+{
+    QTemporaryDir dir;
+    const auto path = [&dir](const char* name) { return dir.filePath(QString::fromLatin1(name)); };
+    // Pipes stand for devices: they are no plain files either.
+    for (const char* name : {"ttyS0", "ttyS1", "ttyS2", "ttyUSB1", "ttyUSB0", "ttyACM0", "tty1", "null"})
+        QCOMPARE(::mkfifo(QFile::encodeName(path(name)).constData(), 0600), 0);
+    QVERIFY(QDir().mkpath(path("sys/ttyS0")));
+    QVERIFY(QDir().mkpath(path("sys/ttyS1")));
+    const auto tell = [&path](const char* name, const QByteArray& type) {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(type);
+    };
+    tell("sys/ttyS0/type", "4\n");
+    tell("sys/ttyS1/type", "0\n"); // a name without a device
+    tell("ttyUSB7", "a plain file\n");
+    QCOMPARE(ZrSerialSource::Ports(dir.path(), path("sys")),
+        QStringList({path("ttyUSB0"), path("ttyUSB1"), path("ttyACM0"), path("ttyS0"), path("ttyS2")}));
+    QCOMPARE(ZrSerialSource::Ports(path("none"), path("sys")), QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_ZrSerialSource)

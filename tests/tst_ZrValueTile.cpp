@@ -36,6 +36,8 @@ class tst_ZrValueTile : public QObject
 private Q_SLOTS:
     void init();
     void tellsAssistiveTechnologies();
+    void numbers_data();
+    void numbers();
     void sizeFollowsTheScale();
     void noValueIsADash();
     void partsAreShown();
@@ -299,6 +301,43 @@ void tst_ZrValueTile::noRoom()
         tile.resize(size);
         QCOMPARE(Painted(tile).size(), size);
     }
+}
+
+void tst_ZrValueTile::numbers_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<QString>("shown");
+    const QString degree(QChar(0xB0));
+    QTest::newRow("angle") << QStringLiteral("334.3") << degree << QStringLiteral("334.3") + degree;
+    QTest::newRow("negative angle") << QStringLiteral("-0.5") << degree
+                                    << QChar(0x2212) + QStringLiteral("0.5") + degree;
+    QTest::newRow("temperature") << QStringLiteral("7") << degree + QLatin1Char('C')
+                                 << QLatin1Char('7') + degree + QLatin1Char('C');
+    QTest::newRow("length") << QStringLiteral("-12.4") << QStringLiteral("m")
+                            << QChar(0x2212) + QStringLiteral("12.4");
+    QTest::newRow("name") << QStringLiteral("-a") << QString() << QStringLiteral("-a");
+    QTest::newRow("in between") << QStringLiteral("2021-03-03") << QString() << QStringLiteral("2021-03-03");
+    QTest::newRow("not known") << QString() << degree << QStringLiteral("–");
+    QTest::newRow("a hyphen") << QStringLiteral("-") << QString() << QStringLiteral("-");
+}
+
+void tst_ZrValueTile::numbers()
+{
+    QFETCH(QString, value);
+    QFETCH(QString, unit);
+    ZrValueTile tile(nullptr, QStringLiteral("Pitch"));
+    tile.Set(value, unit);
+    QTEST(tile.Number(), "shown");
+    QCOMPARE(tile.Value(), value);
+    // An angle's sign is no unit that is painted a second time.
+    tile.resize(200, 90);
+    const QImage image = tile.grab().toImage();
+    ZrValueTile plain(nullptr, QStringLiteral("Pitch"));
+    const bool hasUnit = !value.isEmpty() && !unit.isEmpty() && !unit.startsWith(QChar(0xB0));
+    plain.Set(tile.Number() == QStringLiteral("–") ? QString() : tile.Number(), hasUnit ? unit : QString());
+    plain.resize(200, 90);
+    QCOMPARE(image, plain.grab().toImage());
 }
 
 QTEST_MAIN(tst_ZrValueTile)

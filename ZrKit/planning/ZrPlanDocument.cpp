@@ -105,8 +105,10 @@ void ZrPlanDocument::SetMargin(double metres)
 void ZrPlanDocument::Edited()
 {
     Forget();
+    if (!m_isDraftDue)
+        m_draftWait.start();
     m_isDraftDue = true;
-    if (!m_draftTimer->isActive())
+    if (!m_draftTimer->isActive() || m_draftWait.elapsed() >= DraftMostMilliseconds)
         WriteDraft();
     m_draftTimer->start(DraftMilliseconds);
     Q_EMIT Changed();

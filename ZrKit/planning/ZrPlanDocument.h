@@ -9,6 +9,7 @@
 #include "ZrUtil/ZrWpts.h"
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
@@ -32,7 +33,8 @@ class QTimer;
 /// \endcode
 ///
 /// The draft is replaced in one step at once after an edit; of edits that follow within `DraftMilliseconds`,
-/// as in a drag, the last one is written when they pause. It is removed when the plan is saved, or abandoned
+/// as in a drag, the last one is written when they pause, and one every `DraftMostMilliseconds` while they do
+/// not. It is removed when the plan is saved, or abandoned
 /// by `New`, `Open` or `DiscardDraft`. Plans saved in the settings form (.json) hold the areas as well; other
 /// forms hold the route alone.
 ///
@@ -43,6 +45,7 @@ class ZR_KIT_EXPORT ZrPlanDocument : public QObject
 
 public:
     static constexpr int DraftMilliseconds = 250;
+    static constexpr int DraftMostMilliseconds = 1000;
 
     /// \param draftPath file of the draft; empty to keep none
     explicit ZrPlanDocument(const QString& draftPath, QObject* parent = nullptr);
@@ -141,6 +144,7 @@ private:
     QString m_path;
     QString m_draftPath;
     QTimer* m_draftTimer;
+    QElapsedTimer m_draftWait; ///< since the first edit that is not in the draft
     bool m_isDraftDue = false;
     bool m_hasDraftFailed = false;
     QString m_error;

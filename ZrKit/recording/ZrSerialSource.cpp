@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrSerialSource.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -96,6 +97,24 @@ QVector<int> ZrSerialSource::Speeds()
     for (const Speed& speed : speeds)
         all.append(speed.baud);
     return all;
+}
+
+QStringList ZrSerialSource::Ports(const QString& deviceDir, const QString& systemDir)
+{
+    const QDir devices(deviceDir);
+    const QStringList kinds
+        = {QStringLiteral("ttyUSB*"), QStringLiteral("ttyACM*"), QStringLiteral("rfcomm*"),
+            QStringLiteral("ttyAMA*"), QStringLiteral("ttyS*"), QStringLiteral("cu.*")};
+    QStringList ports;
+    for (const QString& kind : kinds) {
+        for (const QString& name : devices.entryList({kind}, QDir::System, QDir::Name)) {
+            // The type of a port that is a name only.
+            QFile type(systemDir + QLatin1Char('/') + name + QStringLiteral("/type"));
+            if (!type.open(QIODevice::ReadOnly) || type.readAll().trimmed() != "0")
+                ports += devices.filePath(name);
+        }
+    }
+    return ports;
 }
 
 QString ZrSerialSource::Name() const
@@ -200,6 +219,11 @@ ZrSerialSource::ZrSerialSource(const QString& path, int baud, QObject* parent)
 ZrSerialSource::~ZrSerialSource() = default;
 
 QVector<int> ZrSerialSource::Speeds()
+{
+    return {};
+}
+
+QStringList ZrSerialSource::Ports(const QString& /*deviceDir*/, const QString& /*systemDir*/)
 {
     return {};
 }

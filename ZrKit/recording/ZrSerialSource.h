@@ -2,6 +2,7 @@
 
 #include "ZrKit/recording/ZrLineSource.h"
 
+#include <QStringList>
 #include <QVector>
 
 class QSocketNotifier;
@@ -29,6 +30,12 @@ public:
     QString Name() const override;
 
     static QVector<int> Speeds(); ///< those that ports have, bits per second, in ascending order
+
+    /// The paths of the ports that this computer has, adapters, which are what a vehicle is plugged into,
+    /// first. Of the names that the system keeps for ports which it may or may not have, those are given
+    /// behind which \p systemDir tells a device. Empty under Windows.
+    static QStringList Ports(const QString& deviceDir = QStringLiteral("/dev"),
+        const QString& systemDir = QStringLiteral("/sys/class/tty"));
 
 private:
     bool Open(QString* error, bool* isPort);

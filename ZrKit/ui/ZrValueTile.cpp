@@ -1,6 +1,7 @@
 #include "ZrKit/ui/ZrValueTile.h"
 
 #include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -71,6 +72,23 @@ QSize ZrValueTile::sizeHint() const
     return {ZrTheme::DpI(180), ZrTheme::DpI(96)};
 }
 
+bool ZrValueTile::IsAngle() const
+{
+    return m_unit.startsWith(ZrUnits::degrees);
+}
+
+QString ZrValueTile::Number() const
+{
+    if (m_value.isEmpty())
+        return QStringLiteral("–");
+    QString number = m_value;
+    // A position or a name keeps its hyphens.
+    if (number.size() > 1 && number[0] == QLatin1Char('-')
+        && (number[1].isDigit() || number[1] == QLatin1Char('.')))
+        number[0] = QChar(0x2212);
+    return IsAngle() ? number + m_unit : number;
+}
+
 void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
@@ -98,10 +116,11 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     }
     const QRect middle(area.x(), area.y() + smallSize.height(), area.width(),
         std::max(bottom - area.y() - smallSize.height(), 1));
-    const QString value = m_value.isEmpty() ? QStringLiteral("–") : m_value;
+    const QString value = Number();
+    const QString unit = m_value.isEmpty() || IsAngle() ? QString() : m_unit;
     QFont large = ZrTheme::fontHuge;
     large.setPixelSize(std::clamp(middle.height() * 9 / 10, 12, std::max(ZrTheme::DpI(36), 12)));
-    const int unitWidth = m_unit.isEmpty() ? 0 : smallSize.horizontalAdvance(m_unit) + ZrTheme::DpI(6);
+    const int unitWidth = unit.isEmpty() ? 0 : smallSize.horizontalAdvance(unit) + ZrTheme::DpI(6);
     // A long value, for instance a position, is made to fit rather than cut.
     const int valueWidth = QFontMetrics(large).horizontalAdvance(value);
     const int room = std::max(middle.width() - unitWidth, 1);
@@ -111,12 +130,12 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(colour);
     painter.drawText(middle, Qt::AlignLeft | Qt::AlignVCenter, value);
     const QFontMetrics largeSize = painter.fontMetrics();
-    if (m_unit.isEmpty())
+    if (unit.isEmpty())
         return;
     const int baseline = middle.center().y() + (largeSize.ascent() - largeSize.descent()) / 2 + 1;
     painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
-    painter.drawText(middle.x() + largeSize.horizontalAdvance(value) + ZrTheme::DpI(6), baseline, m_unit);
+    painter.drawText(middle.x() + largeSize.horizontalAdvance(value) + ZrTheme::DpI(6), baseline, unit);
 }
 
 void ZrValueTile::mousePressEvent(QMouseEvent* event)

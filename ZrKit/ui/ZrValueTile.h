@@ -13,6 +13,9 @@
 /// depth->SetState(ZrValueTile::stale); // older than it should be: dimmed, and marked
 /// \endcode
 ///
+/// A unit that begins with the degree sign stands directly behind the number and is as large: "334.3°". The
+/// minus of a number is drawn as the sign "−", as wide as its digits.
+///
 /// Repaints only when what it shows changes. GUI thread only.
 class ZR_KIT_EXPORT ZrValueTile : public QWidget
 {
@@ -40,6 +43,8 @@ public:
 
     QString Note() const { return m_note; }
 
+    QString Number() const; ///< what is shown large: the value, and an angle's sign
+
     eState State() const { return m_state; }
 
     QSize sizeHint() const override;
@@ -54,6 +59,7 @@ protected:
 
 private:
     void Tell();
+    bool IsAngle() const;
 
     QString m_caption;
     QString m_value;

@@ -1,9 +1,13 @@
 #include "apps/ZrSurvey/FormSources.h"
 
+#include "ZrKit/recording/ZrSerialSource.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/SourceMaker.h"
+#include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
@@ -12,11 +16,13 @@
 FormSources::FormSources(SurveyView& view)
     : SurveyForm(view)
     , m_files(new ZrFilePanel(&view, tr("File to replay")))
+    , m_ports(new ZrChoicePanel(&view, tr("Serial port")))
 {
     m_name = tr("Source of data");
     m_icon = QImage(QStringLiteral(":/icons/source.png"));
     m_files->SetMode(ZrFilePanel::openFile);
     m_files->hide();
+    m_ports->hide();
     QVector<ZrBtn*> kinds;
     for (int i = 0; i < SurveySource::Count; ++i)
         kinds.append(Button(SurveySource::Name(i)));
@@ -27,6 +33,10 @@ FormSources::FormSources(SurveyView& view)
             Settings().source = kind;
             Edited();
         });
+    ZrBtn* test = Button(tr("Test"), QStringLiteral("source"));
+    test->setToolTip(tr("Opens the source and tells what it gives"));
+    connect(test, &ZrBtn::Clicked, this, [this] { View().Model().feed.Want(); });
+    m_stateRow = AddRow(tr("State"), QString(), {test}, beside);
 
     const auto notEmpty
         = [](const QString& text) { return text.trimmed().isEmpty() ? tr("A name") : QString(); };
@@ -52,11 +62,53 @@ FormSources::FormSources(SurveyView& view)
     m_fields.append({SurveySource::serial,
         AddText(tr("Port"), tr("The serial port, for instance /dev/ttyUSB0."), &SurveySettings::serialPort,
             notEmpty)});
-    m_fields.append({SurveySource::serial,
-        AddInteger(tr("Baud"), tr("Bits per second; 4800 for most NMEA talkers."),
-            &SurveySettings::serialBaud, SurveySettings::LeastBaud, SurveySettings::MostBaud)});
+    m_portsRow = AddPorts();
+    m_fields.append({SurveySource::serial, m_portsRow});
+    m_fields.append({SurveySource::serial, AddSpeeds()});
     m_fileRow = AddFile();
+    connect(&view.Model().feed, &SurveyFeed::Changed, this, &FormSources::ShowFeed);
     OnEdited();
+}
+
+int FormSources::AddPorts()
+{
+    ZrBtn* choose = Button(tr("Choose the port"), QStringLiteral("list"));
+    connect(choose, &ZrBtn::Clicked, this, &FormSources::ChoosePort);
+    connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
+        Settings().serialPort = m_ports->Items()[row].title;
+        ShowValues();
+        View().SettingsEdited();
+    });
+    return AddRow(tr("Ports of this computer"), QString(), {choose}, beside);
+}
+
+void FormSources::ChoosePort()
+{
+    const QStringList ports = ZrSerialSource::Ports();
+    OnEdited();
+    if (ports.isEmpty())
+        return;
+    QVector<ZrListItem> items;
+    for (const QString& port : ports)
+        items.append({port, QString(), QString(), QImage(), false, QColor(), QVariant()});
+    m_ports->SetItems(items, ports.indexOf(Settings().serialPort));
+    m_ports->Open();
+}
+
+/// The speeds that ports have: no other works.
+int FormSources::AddSpeeds()
+{
+    const QVector<int> speeds = ZrSerialSource::Speeds();
+    QVector<ZrBtn*> buttons;
+    for (const int speed : speeds)
+        buttons.append(Button(QString::number(speed)));
+    return AddChoice(
+        tr("Baud"), tr("Bits per second; 4800 for most NMEA talkers."), buttons, 7,
+        [this, speeds] { return speeds.indexOf(Settings().serialBaud); },
+        [this, speeds](int index) {
+            Settings().serialBaud = speeds[index];
+            Edited();
+        });
 }
 
 int FormSources::AddFile()
@@ -85,4 +137,23 @@ void FormSources::OnEdited()
     const QString& file = Settings().sourceFile;
     SetHelp(m_fileRow, file.isEmpty() ? tr("No file is chosen yet.") : file);
     SetHelp(m_currentRow, tr("Speed of the current, %1.").arg(ZrUnits::GetSpeedUnits()));
+    if (kind == SurveySource::serial) {
+        const int count = ZrSerialSource::Ports().size();
+        SetHelp(m_portsRow,
+            count > 0 ? tr("%1 found.").arg(count) : tr("None found. Is the adapter plugged in?"));
+    }
+    ShowFeed();
+}
+
+/// What the source of the settings gives, when it is the one that is open.
+void FormSources::ShowFeed()
+{
+    const SurveyFeed& feed = View().Model().feed;
+    const bool isTested = feed.Key() == SourceMaker::Key(Settings()) && feed.State() != SurveyFeed::none;
+    QString text = feed.Text();
+    if (!text.isEmpty())
+        text[0] = text[0].toUpper();
+    const bool isBad = isTested && SurveyFeed::IsBad(feed.State());
+    SetProblem(m_stateRow, isBad ? text : QString());
+    SetHelp(m_stateRow, isTested ? text : tr("Not opened yet."));
 }

@@ -68,6 +68,7 @@ HomePage::HomePage(SurveyView& view)
     const SurveyModel& model = view.Model();
     connect(&model.vehicle, &SurveyVehicle::Changed, this, &HomePage::OnVehicle);
     connect(&model.recording, &SurveyRecording::Changed, this, &HomePage::ShowState);
+    connect(&model.feed, &SurveyFeed::Changed, this, &HomePage::ShowState);
     connect(&view, &SurveyView::SettingsChanged, this, [this] {
         ListRecordings();
         ShowState();
@@ -140,8 +141,12 @@ void HomePage::ShowState()
     const ZrRecorder::Status& status = recording.Status();
     const bool isOn = recording.IsOn();
     ::Show(*m_position, HomeState::Position(vehicle.Current(), vehicle.IsLive(), Age(m_fixClock)));
-    ::Show(
-        *m_data, HomeState::Data(SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock)));
+    const SurveyFeed::eState feed = model.feed.State();
+    const bool isSilent = feed == SurveyFeed::silent; // the tile tells its age itself
+    const QString problem = SurveyFeed::IsBad(feed) && !isSilent ? model.feed.Text() : QString();
+    ::Show(*m_data,
+        HomeState::Data(SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock), problem));
+    m_data->setToolTip(problem);
     ::Show(*m_recording,
         HomeState::Recording(isOn ? recording.ElapsedText() : QString(), status,
             tr("Into %1").arg(QFileInfo(model.settings.recordDir).fileName())));

@@ -76,16 +76,23 @@ HomeState::Tile HomeState::Position(const SurveyVehicle::Pose& pose, bool isLive
         tile.note = Tr("Fix now");
     } else {
         tile.note = Tr("Fix %1 ago").arg(DurationText(age));
-        if (age >= Late)
-            tile.state = ZrValueTile::stale;
+        tile.state = age >= Lost ? ZrValueTile::error
+            : age >= Late        ? ZrValueTile::warning
+                                 : ZrValueTile::normal;
     }
     return tile;
 }
 
-HomeState::Tile HomeState::Data(const QString& source, bool isLive, double age)
+HomeState::Tile HomeState::Data(const QString& source, bool isLive, double age, const QString& problem)
 {
     Tile tile;
     tile.note = source;
+    if (!problem.isEmpty()) {
+        tile.value = Tr("No data");
+        tile.note = problem;
+        tile.state = ZrValueTile::error;
+        return tile;
+    }
     if (!isLive || std::isnan(age)) {
         tile.value = Tr("Off");
         return tile;

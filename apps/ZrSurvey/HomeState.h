@@ -25,7 +25,8 @@ struct HomeState
     static Tile Position(const SurveyVehicle::Pose& pose, bool isLive, double age);
 
     /// \param source where data are to come from; \param age of the last of them
-    static Tile Data(const QString& source, bool isLive, double age);
+    /// \param problem that keeps them from coming, a sentence; may be empty
+    static Tile Data(const QString& source, bool isLive, double age, const QString& problem = QString());
 
     /// \param elapsed time of the recording that is going on, empty for none; \param folder of recordings
     static Tile Recording(const QString& elapsed, const ZrRecorder::Status& status, const QString& folder);

@@ -15,6 +15,9 @@ constexpr int arrowImage = 1; // of the surface's markers
 constexpr int waypointImage = 3;
 constexpr double firstScale = 0.5; // metres per pixel, while there is nothing but the vehicle
 
+constexpr double shortestStep = 10.0; // metres between samples of the plan's way
+constexpr double mostSamples = 20000.0;
+
 constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
@@ -64,7 +67,9 @@ void LiveMap::SetPlan(const ZrWpts& route)
 {
     m_planPlaces.clear();
     m_planPoints.clear();
-    for (const ZrPathSample& sample : ZrRoutePath(route).Sample(10.0)) {
+    const ZrRoutePath path(route);
+    const double step = std::max(shortestStep, path.Length() / mostSamples);
+    for (const ZrPathSample& sample : path.Sample(step)) {
         const bool isKnown = sample.position.IsValid();
         m_planPlaces.emplace_back(
             isKnown ? sample.position.lng : notKnown, isKnown ? sample.position.lat : notKnown);

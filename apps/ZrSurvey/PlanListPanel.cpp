@@ -13,7 +13,7 @@ PlanListPanel::PlanListPanel(SurveyView& view, QWidget* parent)
     : PlanPanel(view, parent)
     , m_list(new ZrTouchList(this))
 {
-    m_list->m_empty = tr("No waypoint yet");
+    m_list->m_empty = tr("Add a waypoint or draw an area");
     connect(m_list, &ZrTouchList::Chosen, this, &PlanListPanel::Chosen);
     connect(m_list, &ZrTouchList::CurrentChanged, this, &PlanListPanel::Chosen);
     m_buttons = {

@@ -9,6 +9,7 @@
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/PlanListPanel.h"
+#include "apps/ZrSurvey/PlanMarginPanel.h"
 #include "apps/ZrSurvey/PlanPatternPanel.h"
 #include "apps/ZrSurvey/PlanPointPanel.h"
 #include "apps/ZrSurvey/SurveyModel.h"
@@ -54,6 +55,7 @@ PlanPage::PlanPage(SurveyView& view)
     , m_list(new PlanListPanel(view, this))
     , m_point(new PlanPointPanel(view, this))
     , m_pattern(new PlanPatternPanel(view, this))
+    , m_margin(new PlanMarginPanel(view, this))
     , m_checks(new ZrTouchList(this))
     , m_more(new ZrChoicePanel(&view, tr("Plan")))
     , m_length(new ZrValueTile(this, tr("Length")))
@@ -65,7 +67,6 @@ PlanPage::PlanPage(SurveyView& view)
 {
     m_hasBackground = false;
     m_more->hide();
-    m_checks->m_empty = tr("Nothing to say");
     m_later->setSingleShot(true);
     m_map.m_layers = m_chart.Layers();
     m_map.m_layers.prepend(&m_grid);
@@ -190,9 +191,11 @@ void PlanPage::Connect()
         Select(-1);
         SetMode(modeBrowse);
         m_isFitDue = true;
+        m_isCameraDue = false;
         Later();
     });
     connect(m_panel, &ZrMapPanel::Changed, this, &SurveyPage::Changed);
+    connect(m_panel, &ZrMapPanel::CameraMoved, this, &PlanPage::KeepCamera);
     connect(m_panel, &ZrMapPanel::Tapped, this, &PlanPage::OnTapped);
     connect(m_panel, &ZrMapPanel::DoubleTapped, this, [this](const QPointF& world) {
         if (m_mode == modeBrowse)
@@ -256,6 +259,7 @@ void PlanPage::OnColours()
     m_list->Restyle();
     m_point->Restyle();
     m_pattern->Restyle();
+    m_margin->Restyle();
     m_checks->Restyle();
     m_more->Restyle();
     m_files->Restyle();
@@ -280,11 +284,14 @@ const ZrRoutePath& PlanPage::Path()
 /// The map is in the zone of the plan.
 void PlanPage::MatchOrigin()
 {
+    const SurveySettings& settings = View().Model().settings;
     ZrGeoPoint origin;
     if (const ZrWpt* first = Plan().Route().GetHead())
         origin = {first->lat, first->lng};
     else if (!Plan().Areas().empty())
         origin = Plan().Areas().front().ring.front();
+    else if (m_isCameraDue && settings.planScale > 0.0)
+        origin = {settings.planLat, settings.planLng};
     else if (!m_origin.IsValid())
         origin = {View().Model().vehicle.Current().lat, View().Model().vehicle.Current().lng};
     if (!origin.IsValid() && !m_origin.IsValid()) {
@@ -301,11 +308,41 @@ void PlanPage::MatchOrigin()
     m_map.m_camera.SetCentre(m_chart.ToWorld(centre));
 }
 
+/// Once the page is seen, where it was left before the last end of the program.
+void PlanPage::RestoreCamera()
+{
+    if (!m_isCameraDue || !isVisible())
+        return;
+    m_isCameraDue = false;
+    const SurveySettings& settings = View().Model().settings;
+    if (!(settings.planScale > 0.0))
+        return;
+    m_isFitDue = false;
+    m_map.m_camera.SetScale(settings.planScale);
+    m_map.m_camera.SetRotation(settings.planRotation);
+    m_map.m_camera.SetCentre(m_chart.ToWorld({settings.planLat, settings.planLng}));
+}
+
+void PlanPage::KeepCamera()
+{
+    const ZrMapView& camera = m_map.m_camera;
+    const ZrGeoPoint centre = m_chart.ToGeo(camera.Centre());
+    if (!centre.IsValid())
+        return;
+    SurveySettings& settings = View().Model().settings;
+    settings.planLat = centre.lat;
+    settings.planLng = centre.lng;
+    settings.planScale = camera.Scale();
+    settings.planRotation = camera.Rotation();
+    View().SaveSoon();
+}
+
 void PlanPage::Refresh()
 {
     m_later->stop();
     m_units = Units();
     MatchOrigin();
+    RestoreCamera();
     int index = 0;
     m_selected = -1;
     for (ZrListPos* pos = Plan().Route().GetHeadPos(); pos && !m_selectedId.isNull(); ++index) {
@@ -348,25 +385,42 @@ void PlanPage::Fit()
 void PlanPage::ShowTotals()
 {
     const ZrRoutePath& path = Path();
-    m_length->Set(ZrUnits::GetLengthString(path.Length(), 2, false), ZrUnits::GetLengthUnits(path.Length()));
-    m_duration->Set(DurationText(path.Duration()), tr("h"));
+    const int waypoints = Plan().Route().GetCount();
+    const bool hasWay = waypoints > 1;
+    m_length->Set(hasWay ? ZrUnits::GetLengthString(path.Length(), 2, false) : QString(),
+        ZrUnits::GetLengthUnits(path.Length()));
+    m_duration->Set(hasWay ? DurationText(path.Duration()) : QString(), tr("h"));
     m_lines->Set(QString::number(Plan().LineCount()), QString());
-    m_count->Set(QString::number(Plan().Route().GetCount()), QString());
-    const int errors = m_review.Count(ZrRouteFinding::eError);
-    const int warnings = m_review.Count(ZrRouteFinding::eWarning);
-    m_check->Set(errors + warnings == 0 ? tr("OK") : QString::number(errors + warnings), QString());
-    m_check->SetState(!m_review.IsCurrent() ? ZrValueTile::stale
-            : errors > 0                    ? ZrValueTile::error
-            : warnings > 0                  ? ZrValueTile::warning
-                                            : ZrValueTile::good);
+    m_count->Set(QString::number(waypoints), QString());
+    // Of a plan that is not begun there is nothing wrong yet.
+    const bool isBegun = waypoints > 0;
+    const int errors = isBegun ? m_review.Count(ZrRouteFinding::eError) : 0;
+    const int warnings = isBegun ? m_review.Count(ZrRouteFinding::eWarning) : 0;
+    m_check->Set(!isBegun            ? QString()
+            : errors + warnings == 0 ? tr("OK")
+                                     : QString::number(errors + warnings),
+        QString());
+    m_check->SetState(!isBegun      ? ZrValueTile::normal
+            : !m_review.IsCurrent() ? ZrValueTile::stale
+            : errors > 0            ? ZrValueTile::error
+            : warnings > 0          ? ZrValueTile::warning
+                                    : ZrValueTile::good);
     m_tabs[sideChecks]->badge = errors + warnings;
     m_tabs[sideChecks]->update();
+    m_margin->Show();
 }
 
 void PlanPage::ShowChecks()
 {
+    const bool isBegun = !Plan().Route().IsEmpty();
+    m_checks->m_empty = isBegun  ? tr("Nothing to say")
+        : Plan().Areas().empty() ? tr("Add a waypoint or draw an area")
+                                 : tr("Add a waypoint, or survey lines over the area");
+    m_checks->viewport()->update();
     QVector<ZrListItem> items;
     for (const ZrRouteFinding& finding : m_review.Findings()) {
+        if (!isBegun)
+            break;
         ZrListItem item;
         item.title = finding.text;
         item.subtitle = finding.index >= 0 ? tr("Waypoint %1").arg(finding.index + 1) : tr("The whole plan");
@@ -392,6 +446,7 @@ void PlanPage::ShowSide(eSide side)
     m_list->setVisible(!isPattern && side == sideList);
     m_point->setVisible(!isPattern && side == sidePoint);
     m_checks->setVisible(!isPattern && side == sideChecks);
+    m_margin->setVisible(!isPattern && side == sideChecks);
     m_pattern->setVisible(isPattern);
     for (ZrBtn* tab : qAsConst(m_tabs))
         tab->setVisible(!isPattern);

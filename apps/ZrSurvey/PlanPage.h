@@ -11,6 +11,7 @@
 
 class PlanFiles;
 class PlanListPanel;
+class PlanMarginPanel;
 class PlanPanel;
 class PlanPatternPanel;
 class PlanPointPanel;
@@ -91,6 +92,8 @@ private:
     void Later();
     void Refresh();
     void MatchOrigin();
+    void RestoreCamera();
+    void KeepCamera();
     void ShowTotals();
     void ShowChecks();
     void ShowState();
@@ -137,6 +140,7 @@ private:
     PlanListPanel* m_list;
     PlanPointPanel* m_point;
     PlanPatternPanel* m_pattern;
+    PlanMarginPanel* m_margin;
     ZrTouchList* m_checks;
     ZrChoicePanel* m_more;
     QVector<ZrBtn*> m_bandButtons;
@@ -171,6 +175,7 @@ private:
     eSide m_side = sideList;
     ZrGeoPoint m_origin; ///< of the chart
     bool m_isFitDue = true;
+    bool m_isCameraDue = true; ///< the map is to be where it was left, unless a plan is opened
     bool m_isOpened = false; ///< has been shown once
     int m_selected = -1; ///< waypoint
     QUuid m_selectedId;

@@ -87,8 +87,7 @@ void PlanPage::OnTapped(const QPointF& world, const QPointF& pixel)
 {
     Refresh();
     const ZrMapView& camera = m_map.m_camera;
-    const double factor = devicePixelRatioF();
-    if (m_grid.NorthArrowRect(camera, 1).contains(pixel / factor)) {
+    if (m_grid.NorthArrowRect(camera, m_map.m_pixelFactor).contains(pixel)) {
         m_map.m_camera.SetRotation(0.0);
         m_panel->Moved();
         return;

@@ -7,6 +7,7 @@
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/PlanListPanel.h"
+#include "apps/ZrSurvey/PlanMarginPanel.h"
 #include "apps/ZrSurvey/PlanPage.h"
 #include "apps/ZrSurvey/PlanPatternPanel.h"
 #include "apps/ZrSurvey/PlanPointPanel.h"
@@ -50,6 +51,7 @@ void PlanPage::Place()
     const int side = std::min(ZrTheme::DpI(sideWidth), area.width() / 2);
     const QRect map = area.adjusted(0, 0, -side, 0);
     m_sideRect = QRect(map.right() + 1, area.y(), side, area.height());
+    m_map.m_pixelFactor = qRound(devicePixelRatioF());
     m_panel->setGeometry(map);
     const double ratio = devicePixelRatioF();
     const int y0 = 2 * Gap();
@@ -106,7 +108,9 @@ void PlanPage::PlaceSide(const QRect& side)
     const QRect below = side.adjusted(0, tab + Gap(), 0, 0);
     m_list->setGeometry(below);
     m_point->setGeometry(below);
-    m_checks->setGeometry(below);
+    const int margin = m_margin->Height();
+    m_margin->setGeometry(below.x(), below.y(), below.width(), margin);
+    m_checks->setGeometry(below.adjusted(0, margin, 0, 0));
     m_pattern->setGeometry(side);
 }
 

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 PlanPanel::PlanPanel(SurveyView& view, QWidget* parent)
     : QWidget(parent)
@@ -32,10 +33,15 @@ ZrInput* PlanPanel::AddField(const QString& caption, int kind, const std::functi
         field->setMaxLength(80);
     // A value is taken when it is complete: each key would be a step to undo.
     const auto isGiven = std::make_shared<bool>(false);
-    const auto take = [field, isGiven, apply] {
-        if (*isGiven)
+    const auto take = [this, field, isGiven, apply] {
+        if (!std::exchange(*isGiven, false))
+            return;
+        const QString refusal
+            = field->kind == ZrInput::kindText ? QString() : field->RefusalText(field->QLineEdit::text());
+        if (refusal.isEmpty())
             apply(field->value);
-        *isGiven = false;
+        else
+            m_view.Warn(QStringLiteral("%1: %2").arg(field->caption, refusal));
     };
     connect(field, &ZrInput::NewInput, this, [isGiven, take] {
         *isGiven = true;

@@ -1,7 +1,10 @@
 #include "apps/ZrSurvey/RecordPage.h"
 
 #include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/map/ZrWaterfallOverlay.h"
+#include "ZrKit/map/ZrWaterfallPalettes.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
@@ -70,20 +73,21 @@ RecordPage::RecordPage(SurveyView& view)
 {
     m_hasBackground = false;
     m_sonar.m_layers = {&m_sonarLayer};
-    m_sonar.m_water = QColor(0, 0, 0);
+    m_sonar.m_water = QColor(20, 26, 32);
     m_sonarLayer.SetRing(&m_waterfall.Ring());
     m_sonarLayer.m_isSmooth = true;
     m_sonarPanel->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_sonarPanel->setFocusPolicy(Qt::NoFocus);
 
-    m_follow = AddTool(QStringLiteral("follow"), tr("Follow the vehicle (F)"), &RecordPage::ToggleFollow);
+    m_follow = AddMapTool(QStringLiteral("follow"), tr("Follow the vehicle (F)"), &RecordPage::ToggleFollow);
     m_follow->checkable = true;
     m_follow->on = true;
-    AddTool(QStringLiteral("fit"), tr("Show plan and trail (Home)"), &RecordPage::FitMap);
-    m_mapTools.swap(m_sonarTools); // so far all are of the map
-    AddTool(QStringLiteral("palette"), tr("Next palette (P)"), &RecordPage::NextPalette);
-    AddTool(QStringLiteral("remove"), tr("Less gain ([)"), &RecordPage::Quieter);
-    AddTool(QStringLiteral("add"), tr("More gain (])"), &RecordPage::Louder);
+    AddMapTool(QStringLiteral("fit"), tr("Show plan and trail (Home)"), &RecordPage::FitMap);
+    AddSonarTool(QStringLiteral("palette"), tr("Next palette (P)"), &RecordPage::NextPalette);
+    AddSonarTool(QStringLiteral("remove"), tr("Less gain ([)"), &RecordPage::Quieter);
+    AddSonarTool(QStringLiteral("add"), tr("More gain (])"), &RecordPage::Louder);
+    m_bottom
+        = AddSonarTool(QStringLiteral("bottom"), tr("Show the bottom line (O)"), &RecordPage::ToggleBottom);
 
     m_note->kind = ZrInput::kindText;
     m_note->caption = tr("Note");
@@ -117,14 +121,27 @@ RecordPage::RecordPage(SurveyView& view)
         if (isVisible())
             Changed();
     });
+    connect(&view.Model().feed, &SurveyFeed::Wanted, this, [this] {
+        if (m_openKey != SourceMaker::Key(View().Model().settings)
+            || m_session.Source() != ZrRecordingSession::sourceOpen)
+            OpenSource();
+    });
     connect(m_tick, &QTimer::timeout, this, &RecordPage::OnTick);
     m_tick->setObjectName(QStringLiteral("tick"));
     m_tick->start(tickMs);
 }
 
-ZrBtn* RecordPage::AddTool(const QString& icon, const QString& hint, void (RecordPage::*action)())
+ZrBtn* RecordPage::AddMapTool(const QString& icon, const QString& hint, void (RecordPage::*action)())
 {
     ZrBtn* button = Button(this, ZrBtn::typeRound, icon, hint);
+    connect(button, &ZrBtn::Clicked, this, action);
+    m_mapTools.append(button);
+    return button;
+}
+
+ZrBtn* RecordPage::AddSonarTool(const QString& icon, const QString& hint, void (RecordPage::*action)())
+{
+    ZrBtn* button = Button(this, ZrBtn::typeTool, icon, hint);
     connect(button, &ZrBtn::Clicked, this, action);
     m_sonarTools.append(button);
     return button;
@@ -134,6 +151,7 @@ void RecordPage::zr_initializeGL()
 {
     m_map.OnCreate();
     m_sonar.OnCreate();
+    ZrWaterfallPalettes::Load(m_sonar);
 }
 
 void RecordPage::zr_paintGL()
@@ -194,6 +212,9 @@ bool RecordPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     case Qt::Key_P:
         NextPalette();
         return true;
+    case Qt::Key_O:
+        ToggleBottom();
+        return true;
     case Qt::Key_BracketLeft:
         Quieter();
         return true;
@@ -251,6 +272,15 @@ void RecordPage::EnableEvents()
 
 void RecordPage::OnTrouble(const QString& message)
 {
+    // Those of the source begin with its name, which is not told yet while it is being opened.
+    const int end = message.indexOf(QLatin1String(": "));
+    if (end >= 0
+        && (m_session.Source() == ZrRecordingSession::sourceOpening
+            || message.left(end) == m_session.SourceText())) {
+        const QString text = message.mid(end + 2).section(QLatin1Char(';'), 0, 0);
+        m_trouble = text == QLatin1String("connected") ? QString() : text;
+        ShowSource();
+    }
     View().Tell(message);
 }
 
@@ -327,8 +357,9 @@ void RecordPage::Place()
     PlaceInstruments(QRect(area.x(), area.y(), column, area.height()));
     area.setLeft(area.left() + column + gap);
     const int sonar = area.width() * 2 / 5;
+    m_map.m_pixelFactor = qRound(devicePixelRatioF());
     m_mapPanel->setGeometry(area.adjusted(0, 0, -sonar - gap, 0));
-    m_sonarPanel->setGeometry(QRect(area.right() + 1 - sonar, area.y(), sonar, area.height()));
+    PlaceSonar(QRect(area.right() + 1 - sonar, area.y(), sonar, area.height()));
     const int side = std::max(ZrTheme::DpI(64), 44);
     const QRect mapArea = m_mapPanel->geometry();
     int y = mapArea.y() + gap;
@@ -337,13 +368,18 @@ void RecordPage::Place()
         tool->Changed();
         y += side + gap;
     }
-    // The newest lines are at the top: those of the waterfall lie over the oldest ones.
-    const QRect sonarArea = m_sonarPanel->geometry();
-    int x = sonarArea.right() + 1 - m_sonarTools.size() * (side + gap);
+}
+
+void RecordPage::PlaceSonar(const QRect& area)
+{
+    const int side = std::max(ZrTheme::DpI(64), 44);
+    m_sonarHead = QRect(area.x(), area.y(), area.width(), side);
+    m_sonarPanel->setGeometry(area.adjusted(0, side, 0, 0));
+    int x = area.right() + 1 - static_cast<int>(m_sonarTools.size()) * side;
     for (ZrBtn* tool : qAsConst(m_sonarTools)) {
-        tool->setGeometry(x, sonarArea.bottom() + 1 - side - gap, side, side);
+        tool->setGeometry(x, area.y(), side, side);
         tool->Changed();
-        x += side + gap;
+        x += side;
     }
 }
 
@@ -409,17 +445,44 @@ void RecordPage::paintEvent(QPaintEvent* event)
     painter.fillRect(rect(), ZrTheme::formBack);
     painter.end();
     SurveyPage::paintEvent(event);
-    QPainter text(this);
-    text.setFont(ZrTheme::font);
+    QPainter over(this);
+    PaintSonar(over);
+}
+
+void RecordPage::PaintSonar(QPainter& painter) const
+{
+    painter.setPen(Qt::NoPen);
+    painter.fillRect(m_sonarHead, ZrTheme::toolBack);
+    const int tools = m_sonarTools.isEmpty() ? m_sonarHead.right() : m_sonarTools.front()->x();
+    const QRect label = m_sonarHead.adjusted(Gap(), 0, tools - m_sonarHead.right() - Gap(), 0);
+    const QStringList look = SonarText();
+    const QRect upper(label.x(), label.y(), label.width(), label.height() / 2);
+    painter.setFont(ZrTheme::font);
+    const QFontMetrics metrics = painter.fontMetrics();
+    painter.setPen(ZrTheme::ctrlCol);
+    painter.drawText(upper, Qt::AlignLeft | Qt::AlignBottom,
+        metrics.elidedText(look.first(), Qt::ElideRight, label.width()));
+    painter.setPen(ZrTheme::bodyCol);
+    painter.drawText(
+        upper.translated(0, label.height() - upper.height()), Qt::AlignLeft | Qt::AlignTop, look.last());
+
     const QRect sonar = m_sonarPanel->geometry();
-    text.setPen(QColor(160, 160, 160));
-    if (m_waterfall.Ring().End() <= 0)
-        text.drawText(sonar, Qt::AlignCenter | Qt::TextWordWrap, tr("No sonar data"));
-    // The lower left corner is free of controls; its own ground keeps it readable over the echoes.
-    const QString look = SonarText();
-    const QSize size = text.fontMetrics().size(Qt::TextSingleLine, look) + QSize(2 * Gap(), Gap());
-    const QRect label(sonar.x(), sonar.bottom() + 1 - size.height(), size.width(), size.height());
-    text.fillRect(label, ZrTheme::toolBack);
-    text.setPen(ZrTheme::bodyCol);
-    text.drawText(label, Qt::AlignCenter, look);
+    painter.setClipRect(sonar);
+    if (m_waterfall.Ring().End() <= 0) {
+        painter.setPen(QColor(160, 170, 180));
+        painter.drawText(sonar, Qt::AlignCenter | Qt::TextWordWrap, tr("No sonar data"));
+        return;
+    }
+    const double ratio = devicePixelRatioF();
+    painter.translate(sonar.topLeft());
+    painter.scale(1.0 / ratio, 1.0 / ratio);
+    const ZrWaterfallLayout& layout = m_sonarLayer.Layout();
+    if (View().Model().settings.bottom)
+        ZrWaterfallOverlay::PaintBottom(painter, layout, 1.2 * ratio);
+    QFont font = ZrTheme::font;
+    font.setPixelSize(qRound(std::max(ZrTheme::DpI(14), 11) * ratio));
+    ZrWaterfallOverlay::PaintScale(painter, layout, font);
+    // The brightest thing on the screen would take the eyes their night sight.
+    if (ZrColourScheme::Current() == ZrColourScheme::night)
+        painter.fillRect(layout.View().rect, QColor(30, 0, 0, 150));
 }

@@ -3,6 +3,7 @@
 #include "ZrKit/map/ZrLiveWaterfall.h"
 #include "ZrKit/map/ZrMapSurface.h"
 #include "ZrKit/map/ZrWaterfallLayer.h"
+#include "ZrKit/recording/ZrArrivalRate.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
 #include "apps/ZrSurvey/LiveMap.h"
 #include "apps/ZrSurvey/SurveyPage.h"
@@ -40,23 +41,27 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    ZrBtn* AddTool(const QString& icon, const QString& hint, void (RecordPage::*action)());
+    ZrBtn* AddMapTool(const QString& icon, const QString& hint, void (RecordPage::*action)());
+    ZrBtn* AddSonarTool(const QString& icon, const QString& hint, void (RecordPage::*action)());
     void PlaceBar(const QRect& area);
     void PlaceInstruments(const QRect& area);
     void PlaceEvents(const QRect& area);
+    void PlaceSonar(const QRect& area);
+    void PaintSonar(QPainter& painter) const;
     void MakeEventButtons();
 
     void ToggleRecording();
     void ToggleFollow();
     void FitMap();
     void NextPalette();
+    void ToggleBottom();
     void Louder();
     void Quieter();
     void ChangeGain(double by);
     void AddEvent(const QString& label);
     void AddNote();
     void EnableEvents();
-    QString SonarText() const;
+    QStringList SonarText() const;
 
     void ChooseSource();
     void UseSource(int kind);
@@ -75,6 +80,7 @@ private:
     void ShowInstruments();
     void ShowRecording();
     void ShowSource();
+    void TellFeed();
     void ShowSonar();
 
     ZrRecordingSession m_session;
@@ -91,6 +97,8 @@ private:
     QVector<ZrBtn*> m_mapTools;
     QVector<ZrBtn*> m_sonarTools;
     ZrBtn* m_follow;
+    ZrBtn* m_bottom;
+    QRect m_sonarHead; ///< above the waterfall: its looks, and the tools for them
     QVector<ZrValueTile*> m_figures; ///< of the recording
     ZrValueTile* m_elapsed;
     ZrValueTile* m_size;
@@ -113,6 +121,8 @@ private:
     ZrFilePanel* m_files;
 
     QString m_openKey; ///< of the source that was opened
+    QString m_trouble; ///< of the source, while it is tried again; else empty
+    ZrArrivalRate m_arrivals;
     u64 m_sourceNumber = 0;
     qint64 m_space = -1; ///< bytes free while nothing is recorded; -1 not known
     int m_ticks = 0;

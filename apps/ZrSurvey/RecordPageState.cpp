@@ -1,7 +1,8 @@
 // What the page "Record" shows of its session, and where its data come from.
 
 #include "ZrKit/map/ZrMapPanel.h"
-#include "ZrKit/map/ZrPaletteRows.h"
+#include "ZrKit/map/ZrWaterfallPalettes.h"
+#include "ZrKit/recording/ZrSerialSource.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrByteText.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
@@ -26,9 +27,9 @@
 namespace {
 
 constexpr double gainStep = 2.0; // dB
-constexpr double mostGain = 20.0; // dB, either way
 constexpr int spaceTicks = 10; // free space is looked at so often
 constexpr double littleTime = 600.0; // seconds of recording left
+constexpr double lostAfter = 30.0; // seconds without a fix
 
 QString FixName(double quality)
 {
@@ -55,6 +56,8 @@ void RecordPage::OpenSource()
 {
     const SurveySettings& settings = View().Model().settings;
     m_openKey = SourceMaker::Key(settings);
+    m_trouble.clear();
+    m_arrivals.Clear();
     m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
     ShowPlan();
 }
@@ -94,6 +97,7 @@ void RecordPage::ChooseSource()
 void RecordPage::UseSource(int kind)
 {
     View().Model().settings.source = kind;
+    View().SettingsEdited();
     if (kind == SurveySource::serial)
         ChoosePort();
     else if (kind == SurveySource::nmeaFile || kind == SurveySource::replay)
@@ -104,7 +108,7 @@ void RecordPage::UseSource(int kind)
 
 void RecordPage::ChoosePort()
 {
-    const QStringList ports = SourceMaker::SerialPorts();
+    const QStringList ports = ZrSerialSource::Ports();
     if (ports.isEmpty()) {
         View().Warn(tr("This computer has no serial port"));
         OpenSource();
@@ -114,6 +118,7 @@ void RecordPage::ChoosePort()
         m_ports = new ZrChoicePanel(&View(), tr("Serial port"));
         connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
             View().Model().settings.serialPort = m_ports->Items()[row].title;
+            View().SettingsEdited();
             OpenSource();
         });
     }
@@ -131,6 +136,7 @@ void RecordPage::ChooseFile()
         m_files->SetMode(ZrFilePanel::openFile);
         connect(m_files, &ZrFilePanel::FileChosen, this, [this](const QString& path) {
             View().Model().settings.sourceFile = path;
+            View().SettingsEdited();
             OpenSource();
         });
     }
@@ -179,6 +185,7 @@ void RecordPage::TellModel()
 
 void RecordPage::OnTick()
 {
+    TellFeed();
     if (!isVisible())
         return;
     if (m_openKey != SourceMaker::Key(View().Model().settings) && !(m_sources && m_sources->isVisible())
@@ -230,6 +237,7 @@ void RecordPage::ShowInstruments()
     const int whole = state.fix.IsKnown() ? static_cast<int>(std::min(isLong ? age / 60.0 : age, 9999.0)) : 0;
     m_fix->Set(state.fix.IsKnown() ? QString::number(whole) : QString(), isLong ? tr("min") : tr("s"));
     m_fix->SetState(!state.fix.IsKnown()    ? ZrValueTile::normal
+            : age > lostAfter               ? ZrValueTile::error
             : age > ZrLiveValue::StaleAfter ? ZrValueTile::warning
                                             : ZrValueTile::good);
     QString note = FixName(state.fix.value);
@@ -268,35 +276,50 @@ void RecordPage::ShowRecording()
     SetSubtitle(isOn ? QFileInfo(status.file).fileName() : QString());
 }
 
-void RecordPage::ShowSource()
+void RecordPage::TellFeed()
 {
-    const SurveySettings& settings = View().Model().settings;
-    QString state;
+    const ZrRecordingNews& news = m_session.News();
+    const double now = m_session.Now();
+    const double age = now - news.state.lastData;
+    SurveyFeed::Facts facts;
+    facts.isText = news.lineCount > 0;
+    facts.badLines = news.damagedLines + news.droppedLines;
+    m_arrivals.Look(now, facts.isText ? news.lineCount - news.damagedLines : news.recordCount);
+    facts.perSecond = m_arrivals.PerSecond(now);
+    facts.age = age;
+    if (age <= ZrLiveValue::StaleAfter)
+        m_trouble.clear();
     switch (m_session.Source()) {
     case ZrRecordingSession::sourceNone:
-        state = tr("no source");
+        facts.state = SurveyFeed::none;
         break;
     case ZrRecordingSession::sourceOpening:
-        state = tr("opening …");
+        facts.state = SurveyFeed::opening;
         break;
     case ZrRecordingSession::sourceFailed:
-        state = m_session.SourceText();
+        facts.state = SurveyFeed::failed;
+        facts.reason = m_session.SourceText();
         break;
     case ZrRecordingSession::sourceFinished:
-        state = tr("at its end");
+        facts.state = SurveyFeed::finished;
         break;
-    case ZrRecordingSession::sourceOpen: {
-        const double silent = m_session.Now() - m_session.State().lastData;
-        state = !std::isfinite(silent)         ? tr("waiting for data")
-            : silent > ZrLiveValue::StaleAfter ? tr("silent for %1 s").arg(static_cast<int>(silent))
-                                               : tr("receiving");
+    case ZrRecordingSession::sourceOpen:
+        facts.reason = m_trouble;
+        facts.state = !m_trouble.isEmpty()                           ? SurveyFeed::troubled
+            : std::isfinite(age) && age > ZrLiveValue::StaleAfter    ? SurveyFeed::silent
+            : std::isfinite(age)                                     ? SurveyFeed::receiving
+            : facts.badLines > 2 && facts.badLines >= news.lineCount ? SurveyFeed::unreadable
+                                                                     : SurveyFeed::waiting;
         break;
     }
-    }
-    const u64 damaged = m_session.News().damagedLines + m_session.News().droppedLines;
-    if (damaged > 0)
-        state = tr("%1, %2 bad lines").arg(state).arg(damaged);
-    const QString text = SurveySource::Describe(settings) + QChar(QChar::LineSeparator) + state;
+    View().Model().feed.Set(m_openKey, facts);
+}
+
+void RecordPage::ShowSource()
+{
+    TellFeed();
+    const QString text = SurveySource::Describe(View().Model().settings) + QChar(QChar::LineSeparator)
+        + View().Model().feed.Text();
     if (m_source->text == text)
         return;
     m_source->text = text;
@@ -306,18 +329,27 @@ void RecordPage::ShowSource()
 void RecordPage::ShowSonar()
 {
     const SurveySettings& settings = View().Model().settings;
-    const QStringList names = ZrSonarPalette::Names();
-    const QString name = names.value(settings.palette, names.first());
-    m_sonarLayer.m_palette = ZrPaletteRows::Of(name);
-    m_sonarLayer.m_gain = static_cast<float>(std::pow(10.0, settings.gain / 20.0) - 1.0);
+    ZrWaterfallPalettes::SetLook(m_sonarLayer, settings.palette, settings.gain, settings.contrast);
     m_sonarLayer.m_view.slantCorrected = settings.slant;
+    if (m_bottom->on == settings.bottom)
+        return;
+    m_bottom->on = settings.bottom;
+    m_bottom->update();
 }
 
 void RecordPage::NextPalette()
 {
     SurveySettings& settings = View().Model().settings;
-    const QStringList names = ZrSonarPalette::Names();
-    settings.palette = (settings.palette + 1) % names.size();
+    settings.palette = (settings.palette + 1) % ZrSonarPalette::Names().size();
+    View().SettingsEdited();
+    ShowState();
+}
+
+void RecordPage::ToggleBottom()
+{
+    bool& isShown = View().Model().settings.bottom;
+    isShown = !isShown;
+    View().SettingsEdited();
     ShowState();
 }
 
@@ -334,17 +366,19 @@ void RecordPage::Quieter()
 void RecordPage::ChangeGain(double by)
 {
     double& gain = View().Model().settings.gain;
-    gain = std::clamp(gain + by, -mostGain, mostGain);
+    gain = std::clamp(gain + by, -SurveySettings::MostGain, SurveySettings::MostGain);
+    View().SettingsEdited();
     ShowState();
 }
 
-/// Palette and gain.
-QString RecordPage::SonarText() const
+/// The palette, and the gain.
+QStringList RecordPage::SonarText() const
 {
     const SurveySettings& settings = View().Model().settings;
     const QStringList names = ZrSonarPalette::Names();
-    return tr("%1, %2%3 dB")
-        .arg(names.value(settings.palette, names.first()))
-        .arg(settings.gain > 0.0 ? QStringLiteral("+") : QString())
-        .arg(settings.gain, 0, 'f', 0);
+    const QString sign = settings.gain > 0.0 ? QStringLiteral("+")
+        : settings.gain < 0.0                ? QString(QChar(0x2212))
+                                             : QString();
+    return {names.value(settings.palette, names.first()),
+        tr("%1%2 dB").arg(sign).arg(std::fabs(settings.gain), 0, 'f', 0)};
 }

@@ -11,7 +11,6 @@
 #include "apps/ZrSurvey/SurveySource.h"
 
 #include <QDateTime>
-#include <QDir>
 
 #include <memory>
 
@@ -100,18 +99,4 @@ QString SourceMaker::Key(const SurveySettings& settings)
     default:
         return QStringLiteral("%1 %2").arg(settings.source).arg(settings.sourceFile);
     }
-}
-
-QStringList SourceMaker::SerialPorts()
-{
-    const QDir devices(QStringLiteral("/dev"));
-    const QStringList patterns = {QStringLiteral("ttyUSB*"), QStringLiteral("ttyACM*"),
-        QStringLiteral("ttyAMA*"), QStringLiteral("ttyS*"), QStringLiteral("cu.*")};
-    QStringList ports;
-    // By kind: adapters, which are what a vehicle is plugged into, come first.
-    for (const QString& pattern : patterns) {
-        for (const QString& name : devices.entryList({pattern}, QDir::System, QDir::Name))
-            ports += devices.filePath(name);
-    }
-    return ports;
 }

@@ -17,6 +17,4 @@ public:
 
     /// What a source depends on: another text means that another one is to be opened.
     static QString Key(const SurveySettings& settings);
-
-    static QStringList SerialPorts(); ///< that this computer has
 };

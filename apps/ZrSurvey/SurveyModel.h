@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/planning/ZrPlanDocument.h"
+#include "apps/ZrSurvey/SurveyFeed.h"
 #include "apps/ZrSurvey/SurveyRecording.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
@@ -18,4 +19,5 @@ struct SurveyModel
     ZrPlanDocument plan;
     SurveyVehicle vehicle;
     SurveyRecording recording;
+    SurveyFeed feed;
 };

@@ -64,6 +64,10 @@ void SurveySettings::settings(zr::ZrSetModule& module)
     module.item(QStringLiteral("bottom"), bottom);
     module.item(QStringLiteral("blanking"), blanking);
     module.item(QStringLiteral("gaps cut"), gapsCut);
+    module.item(QStringLiteral("plan latitude"), planLat);
+    module.item(QStringLiteral("plan longitude"), planLng);
+    module.item(QStringLiteral("plan scale"), planScale);
+    module.item(QStringLiteral("plan rotation"), planRotation);
     if (module.is_loading())
         PutRight();
 }
@@ -94,6 +98,11 @@ void SurveySettings::PutRight()
     Choose(palette, 0, LastPalette, standard.palette);
     Clamp(gain, -MostGain, MostGain, standard.gain);
     Clamp(contrast, LeastContrast, MostContrast, standard.contrast);
+    const bool isPlace = std::fabs(planLat) <= 90.0 && std::fabs(planLng) <= 180.0;
+    if (!isPlace || !(planScale >= LeastPlanScale && planScale <= MostPlanScale)) {
+        planLat = planLng = planScale = 0.0;
+    }
+    Clamp(planRotation, -360.0, 360.0, 0.0);
 }
 
 QString SurveySettings::PrefixProblem(const QString& prefix)

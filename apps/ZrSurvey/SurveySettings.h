@@ -31,6 +31,8 @@ public:
     static constexpr int MostLabels = 8; ///< event buttons
     static constexpr int LongestLabel = 40; ///< characters
     static constexpr int LongestPrefix = 64;
+    static constexpr double LeastPlanScale = 1e-4; ///< metres for each pixel
+    static constexpr double MostPlanScale = 1e5;
     /// @}
 
     /// \name Display
@@ -75,6 +77,14 @@ public:
     /// \name Review
     /// @{
     bool gapsCut = true; ///< of the time line; else it is real time
+    /// @}
+
+    /// \name Where the map of the page "Plan" was left
+    /// @{
+    double planLat = 0.0; ///< of its middle, degrees
+    double planLng = 0.0;
+    double planScale = 0.0; ///< metres for each pixel; 0 for a map that was never moved
+    double planRotation = 0.0; ///< degrees
     /// @}
 
     SurveySettings();

@@ -167,9 +167,14 @@ bool SurveyView::SaveSettings()
     return isSaved;
 }
 
-void SurveyView::SettingsEdited()
+void SurveyView::SaveSoon()
 {
     m_save->start();
+}
+
+void SurveyView::SettingsEdited()
+{
+    SaveSoon();
     Q_EMIT SettingsChanged();
 }
 

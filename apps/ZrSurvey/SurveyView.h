@@ -34,6 +34,7 @@ public:
     bool OpenPlan(const QString& path); ///< shows the page "Plan" with it
 
     bool SaveSettings(); ///< false, after a message, when they cannot be written
+    void SaveSoon(); ///< after a change of `SurveySettings` that concerns no other page
     void SettingsEdited(); ///< tells of `SurveySettings` that were changed, and saves them soon
     void ShowSettings(const QString& form); ///< by name; the form shown last when there is none
 
