@@ -91,6 +91,7 @@ inline void SurveyReviewWindow::init()
     m_view->resize(1280, 800);
     m_view->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    QTRY_VERIFY(m_view->IsComplete());
 }
 
 inline void SurveyReviewWindow::cleanup()

@@ -40,6 +40,7 @@ protected:
         QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
         // No window manager gives it the keys.
         QApplication::setActiveWindow(m_view.get());
+        QTRY_VERIFY(m_view->IsComplete());
         Settle();
     }
 

@@ -216,6 +216,8 @@ void tst_SurveyTranslation::forms()
 
 void tst_SurveyTranslation::toolTips()
 {
+    for (const char* page : {"Plan", "Record", "Review", "Scene"})
+        m_view->Show(QString::fromLatin1(page));
     QSet<QString> texts;
     for (QWidget* child : m_view->findChildren<QWidget*>()) {
         texts.insert(child->toolTip());

@@ -30,7 +30,7 @@ class ZR_KIT_EXPORT ZrWaterfallLoader : public QObject
     Q_OBJECT
 
 public:
-    static constexpr i64 MostBytes = i64(96) * 1024 * 1024; ///< of lines in memory
+    static constexpr i64 MostBytes = i64(16) * 1024 * 1024; ///< of lines in memory
 
     explicit ZrWaterfallLoader(std::shared_ptr<ZrWaterfallPings> pings, QObject* parent = nullptr);
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int ringLines = 4096;
+constexpr int ringLines = 3072;
 constexpr int ringWidth = 2048; ///< samples
 constexpr double tapDistance = 10.0; ///< design pixels
 constexpr double zoomStep = 1.25; ///< for each notch of the wheel

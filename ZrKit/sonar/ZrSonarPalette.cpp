@@ -2,10 +2,28 @@
 
 #include "ZrUtil/LqColourMap.h"
 
+#include <QMap>
+
+#include <mutex>
+
 namespace {
 
 /// The ramp that needs no file.
 const auto linearName = QLatin1String("linear");
+
+using MapColours = std::array<QRgb, 256>;
+
+/// The colours of a map; false when it cannot be read.
+bool ReadColours(const QString& name, MapColours& colours)
+{
+    LqColourMap map;
+    map.ReadCMap(QStringLiteral(":/%1.cmap.json").arg(name));
+    if (map.m_count != static_cast<int>(colours.size()))
+        return false;
+    for (std::size_t i = 0; i < colours.size(); ++i)
+        colours[i] = qRgb(map.m_rgb[3 * i], map.m_rgb[3 * i + 1], map.m_rgb[3 * i + 2]);
+    return true;
+}
 
 } // namespace
 
@@ -32,12 +50,18 @@ bool ZrSonarPalette::Load(const QString& name)
         *this = ZrSonarPalette();
         return true;
     }
-    LqColourMap map;
-    map.ReadCMap(QStringLiteral(":/%1.cmap.json").arg(name));
-    if (map.m_count != 256)
-        return false;
+    // Each map is read once: they are text.
+    static std::mutex mutex;
+    static QMap<QString, MapColours> read;
+    const std::lock_guard lock(mutex);
+    auto found = read.constFind(name);
+    if (found == read.constEnd()) {
+        MapColours colours;
+        if (!ReadColours(name, colours))
+            return false;
+        found = read.insert(name, colours);
+    }
     m_name = name;
-    for (std::size_t i = 0; i < m_colours.size(); ++i)
-        m_colours[i] = qRgb(map.m_rgb[3 * i], map.m_rgb[3 * i + 1], map.m_rgb[3 * i + 2]);
+    m_colours = *found;
     return true;
 }

@@ -17,7 +17,7 @@
 /// \endcode
 ///
 /// The maps are resources of the kit, ":/copper.cmap.json" and so on, which `SonarDataPkt::BuildPalettes`
-/// finds too. A plain value; `Load` in any thread.
+/// finds too; each is read once in the process, when it is loaded first. A plain value; `Load` in any thread.
 class ZR_KIT_EXPORT ZrSonarPalette
 {
 public:

@@ -17,6 +17,10 @@
 #include <cmath>
 #include <limits>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
@@ -56,6 +60,15 @@ private:
     int m_percent = 0;
 };
 
+/// Of what was read only tables are left, which grew piece by piece: the rest goes back to the system at
+/// once.
+void ReleaseMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
 } // namespace
 
 bool ZrSurveyRecording::Fail(const QString& error)
@@ -92,6 +105,7 @@ bool ZrSurveyRecording::Load(const QString& path)
     if (!m_events.Load(path, &error))
         m_remarks << error;
     LoadPlan();
+    ReleaseMemory();
     if (progress)
         progress->UpdateProgress(100);
     return true;

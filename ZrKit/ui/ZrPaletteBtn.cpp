@@ -10,12 +10,8 @@
 
 ZrPaletteBtn::ZrPaletteBtn(QWidget* parent, const QString& palette)
     : ZrBtn(parent, typeStd)
-    , m_colours(256, 1, QImage::Format_RGB32)
+    , m_palette(palette)
 {
-    ZrSonarPalette colours;
-    colours.Load(palette);
-    for (int i = 0; i < m_colours.width(); ++i)
-        m_colours.setPixel(i, 0, colours.Colour(i));
     text = palette;
     if (!text.isEmpty())
         text[0] = text[0].toUpper();
@@ -42,8 +38,19 @@ QRectF ZrPaletteBtn::ContentRect() const
     return {swatch.x(), swatch.bottom(), swatch.width(), height() - swatch.bottom() - swatch.y() / 2.0};
 }
 
+void ZrPaletteBtn::LoadColours()
+{
+    ZrSonarPalette colours;
+    colours.Load(m_palette);
+    m_colours = QImage(256, 1, QImage::Format_RGB32);
+    for (int i = 0; i < m_colours.width(); ++i)
+        m_colours.setPixel(i, 0, colours.Colour(i));
+}
+
 void ZrPaletteBtn::paintEvent(QPaintEvent* event)
 {
+    if (m_colours.isNull())
+        LoadColours();
     ZrBtn::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);

@@ -22,6 +22,8 @@ protected:
 
 private:
     QRectF Swatch() const;
+    void LoadColours();
 
-    QImage m_colours;
+    QString m_palette;
+    QImage m_colours; ///< null until they are painted first
 };

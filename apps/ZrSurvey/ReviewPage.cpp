@@ -29,6 +29,12 @@
 #include <cmath>
 #include <utility>
 
+namespace {
+
+constexpr std::size_t mostPlaces = 50000; ///< of the way that the page "3D" gets
+
+} // namespace
+
 ReviewPage::ReviewPage(SurveyView& view)
     : SurveyPage(view, tr("Review"))
     , m_map(new ReviewMap(*this))
@@ -279,7 +285,7 @@ void ReviewPage::TellWay()
 {
     std::vector<SurveyVehicle::Place> way;
     const ZrSurveySeries& series = m_recording->Series();
-    const std::size_t step = series.Count() / SurveyVehicle::MostPlaces + 1;
+    const std::size_t step = series.Count() / mostPlaces + 1;
     way.reserve(series.Count() / step + 1);
     for (std::size_t i = 0; i < series.Count(); i += step)
         way.push_back({series.track[i].latitude, series.track[i].longitude,

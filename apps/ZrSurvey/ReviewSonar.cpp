@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -91,11 +92,13 @@ ReviewSonar::~ReviewSonar()
 void ReviewSonar::Create()
 {
     m_panel->Surface().OnCreate();
-    ZrWaterfallPalettes::Load(m_panel->Surface());
+    m_hasPalettes = false;
 }
 
 void ReviewSonar::Render()
 {
+    if (m_loader && !std::exchange(m_hasPalettes, true))
+        ZrWaterfallPalettes::Load(m_panel->Surface());
     m_panel->Surface().Render();
 }
 

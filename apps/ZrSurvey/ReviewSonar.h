@@ -65,4 +65,5 @@ private:
     ReviewBottom* m_bottom;
     ReviewLook* m_look;
     std::unique_ptr<ZrWaterfallLoader> m_loader;
+    bool m_hasPalettes = false; ///< they are read for the first recording with sonar
 };

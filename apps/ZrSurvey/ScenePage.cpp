@@ -95,7 +95,7 @@ void ScenePage::zr_paintGL()
 
 void ScenePage::OnPageOpen()
 {
-    OnVehicle();
+    ShowVehicle();
     UpdatePlan();
 }
 
@@ -110,8 +110,13 @@ QVector3D ScenePage::ToScene(double lat, double lng, double depth) const
 
 void ScenePage::OnVehicle()
 {
-    if (!isVisible() && m_revision >= 0)
-        return;
+    // A recording has a long way, of which a sea floor is made: not for a page that nobody sees.
+    if (isVisible())
+        ShowVehicle();
+}
+
+void ScenePage::ShowVehicle()
+{
     UpdateWay();
     const SurveyVehicle::Pose& pose = View().Model().vehicle.Current();
     m_scene.m_hasVehicle = m_grid && std::isfinite(pose.lat) && std::isfinite(pose.lng);

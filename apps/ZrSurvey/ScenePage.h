@@ -35,6 +35,7 @@ protected:
 private:
     ZrBtn* AddButton(const QString& icon, const QString& hint, void (ScenePage::*action)());
     void OnVehicle();
+    void ShowVehicle();
     void ToggleFollow();
     void Exaggerate();
     void ResetView();

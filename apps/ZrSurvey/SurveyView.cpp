@@ -28,8 +28,12 @@
 #include <QTimer>
 
 #include <chrono>
+#include <utility>
 
 namespace {
+
+/// Of the part that is no page.
+const auto formsName = QLatin1String(" forms");
 
 /// Pages ask for their frames themselves: the view's own timer need not paint a screen that stands still.
 constexpr std::chrono::milliseconds idle = std::chrono::hours(24);
@@ -53,19 +57,63 @@ SurveyView::SurveyView(const QString& dataDir)
     connect(m_save, &QTimer::timeout, this, &SurveyView::SaveSettings);
     AddForms();
     AddPage(QStringLiteral("Home"), new HomePage(*this), true);
-    AddPage(QStringLiteral("Plan"), new PlanPage(*this), false);
-    AddPage(QStringLiteral("Record"), new RecordPage(*this), false);
-    AddPage(QStringLiteral("Review"), new ReviewPage(*this), false);
-    AddPage(QStringLiteral("Scene"), new ScenePage(*this), false);
+    AddLater<PlanPage>(QStringLiteral("Plan"));
+    AddLater<RecordPage>(QStringLiteral("Record"));
+    AddLater<ReviewPage>(QStringLiteral("Review"));
+    AddLater<ScenePage>(QStringLiteral("Scene"));
+    m_unbuilt.append({formsName, [](SurveyView& view) { view.AddRowForms(); }});
     LoadSettings();
     ApplyColours();
     m_current->OnPageOpen();
+    connect(this, &QOpenGLWidget::frameSwapped, this, [this] {
+        if (std::exchange(m_isFramed, true))
+            return;
+        QTimer::singleShot(0, this, &SurveyView::BuildNext);
+    });
 }
 
 SurveyView::~SurveyView()
 {
     // Pages use the model until their end.
     qDeleteAll(m_pages);
+}
+
+template <class T> void SurveyView::AddLater(const QString& name)
+{
+    m_unbuilt.append({name, [name](SurveyView& view) {
+                          auto* page = new T(view);
+                          view.AddPage(name, page, false);
+                          page->OnColours();
+                      }});
+}
+
+/// Builds a part; false when it is there already, or unknown.
+bool SurveyView::Need(const QString& part)
+{
+    for (int i = 0; i < m_unbuilt.size(); ++i) {
+        if (m_unbuilt[i].name != part)
+            continue;
+        // Its own building may ask for others.
+        const Part taken = m_unbuilt.takeAt(i);
+        taken.build(*this);
+        return true;
+    }
+    return false;
+}
+
+void SurveyView::BuildNext()
+{
+    const bool hasBuilt = Need(formsName) || (m_model->plan.HasDraft() && Need(QStringLiteral("Plan")));
+    if (hasBuilt)
+        QTimer::singleShot(0, this, &SurveyView::BuildNext);
+    else
+        m_isComplete = true;
+}
+
+ZrPage* SurveyView::GetPage(const QString& name)
+{
+    Need(name);
+    return ZrAppView::GetPage(name);
 }
 
 SurveyPage* SurveyView::Page() const
@@ -124,21 +172,30 @@ void SurveyView::Warn(const QString& text)
 /// The log of the library has no tab: with one more the tabs would not fit into the smallest window.
 void SurveyView::AddForms()
 {
+    m_logging = new ZrFmLogging(&forms());
+    m_logging->m_isTiered = true;
+    forms().AddNewForm(new ZrFmApp(&forms()));
+    forms().AddNewForm(m_logging);
+}
+
+/// Those that keep nothing themselves: the settings can be read without them.
+void SurveyView::AddRowForms()
+{
     auto* about = new FormAbout(*this);
     m_rowForms = {new FormDisplay(*this), new FormRecording(*this), new FormSources(*this),
         new FormSonar(*this), about};
-    m_logging = new ZrFmLogging(&forms());
-    m_logging->m_isTiered = true;
     m_logging->m_parentForm = about;
-    forms().AddNewForm(new ZrFmApp(&forms()));
-    for (ZrRowForm* form : qAsConst(m_rowForms))
-        forms().AddNewForm(form);
-    forms().AddNewForm(m_logging);
     about->m_logForm = m_logging->m_name;
+    for (ZrRowForm* form : qAsConst(m_rowForms)) {
+        forms().AddNewForm(form);
+        form->Restyle();
+    }
+    forms().update();
 }
 
 void SurveyView::ShowSettings(const QString& form)
 {
+    Need(formsName);
     if (!form.isEmpty())
         forms().SetToForm(form);
     if (forms().isHidden())

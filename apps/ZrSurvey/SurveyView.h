@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrAppView.h"
 
+#include <functional>
 #include <memory>
 
 class QTimer;
@@ -13,6 +14,10 @@ struct SurveyModel;
 
 /// The window of the application: its pages, the forms of its settings, its shortcuts, and what all of them
 /// share, the model.
+///
+/// The first frame shows the page "Home". The other pages are built when they are asked for, the page "Plan"
+/// also when a draft is to be restored; the forms after the first frame. One part is built in each turn of
+/// the event loop, so that what is touched meanwhile answers.
 class SurveyView : public ZrAppView
 {
     Q_OBJECT
@@ -25,6 +30,12 @@ public:
     SurveyModel& Model() { return *m_model; }
 
     SurveyPage* Page() const; ///< the one that is shown
+
+    /// In place of the library's: builds the page where it is not yet there. Null when there is none.
+    ZrPage* GetPage(const QString& name);
+
+    bool IsComplete() const { return m_isComplete; } ///< all that is built without being asked for is there
+
     void Show(const QString& page); ///< by name: "Home", "Plan", "Record", "Review", "Scene"
 
     /// Opens a log or a plan, by its content. False, after a message, when it is neither.
@@ -60,7 +71,18 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// What is built when it is needed, or after the first frame.
+    struct Part
+    {
+        QString name; ///< of the page
+        std::function<void(SurveyView&)> build;
+    };
+
+    template <class T> void AddLater(const QString& name);
     void AddForms();
+    void AddRowForms();
+    bool Need(const QString& part);
+    void BuildNext();
     void LoadSettings();
     void ApplyColours();
     void PlaceToast();
@@ -71,4 +93,7 @@ private:
     QTimer* m_save;
     QVector<ZrRowForm*> m_rowForms;
     ZrFmLogging* m_logging = nullptr;
+    QVector<Part> m_unbuilt;
+    bool m_isFramed = false; ///< the first frame was on the screen
+    bool m_isComplete = false;
 };

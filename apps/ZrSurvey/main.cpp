@@ -1,5 +1,7 @@
 // Plans, records and reviews surveys of underwater vehicles.
 
+#include "ZrDebugLog/ZrDebugLog.h"
+#include "ZrKit/ui/ZrQtLog.h"
 #include "ZrKit/ui/ZrTranslation.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SurveyView.h"
@@ -11,6 +13,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -61,7 +64,9 @@ int main(int argc, char** argv)
     const QCommandLineOption size(QStringLiteral("size"),
         QCoreApplication::translate("main", "Size of the window, for instance 1280x800."),
         QStringLiteral("WxH"), QStringLiteral("1280x800"));
-    parser.addOptions({help, data, screenshot, page, size});
+    const QCommandLineOption timeStart(QStringLiteral("time-start"),
+        QCoreApplication::translate("main", "Print a line at the first frame and end."));
+    parser.addOptions({help, data, screenshot, page, size, timeStart});
     parser.addPositionalArgument(QStringLiteral("FILE"),
         QCoreApplication::translate("main", "A log to review or a plan to work on."),
         QStringLiteral("[FILE]"));
@@ -79,10 +84,24 @@ int main(int argc, char** argv)
         return 1;
     }
 
+    // What the program says about its own work goes into the file that the settings show, unless they say
+    // otherwise; a terminal stays quiet.
+    zr_debug_log_write_switch(&zr_debug_log_to_file, 1);
+    zr_debug_log_write_switch(&zr_debug_log_to_dbg, 0);
+    const ZrQtLog qtLog;
     SurveyView view(parser.isSet(data) ? parser.value(data)
                                        : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     const QStringList sides = parser.value(size).split(QLatin1Char('x'));
     view.resize(sides.value(0).toInt(), sides.value(1).toInt());
+    if (parser.isSet(timeStart)) {
+        QObject::connect(&view, &QOpenGLWidget::frameSwapped, &view, [isTold = false]() mutable {
+            if (std::exchange(isTold, true))
+                return;
+            std::puts("first frame");
+            std::fflush(stdout);
+            QCoreApplication::quit();
+        });
+    }
     view.show();
     if (parser.isSet(page))
         view.Show(parser.value(page));

@@ -1,0 +1,147 @@
+// The review of a log of more than 2 GiB, in a process of its own: how much memory it takes, and whether the
+// screen goes on meanwhile.
+
+#include "GlTest.h"
+#include "LongLog.h"
+#include "ZrKit/map/ZrWaterfallLoader.h"
+#include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewPage.h"
+#include "apps/ZrSurvey/ReviewSonar.h"
+#include "apps/ZrSurvey/SurveyView.h"
+
+#include <QSignalSpy>
+#include <QStorageInfo>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <random>
+
+namespace {
+
+constexpr int patience = 200000; ///< milliseconds
+constexpr qint64 logBytes = qint64(2) << 30;
+constexpr qint64 neededBytes = 2500000000;
+constexpr qint64 mostKilobytes = 400000000 / 1024;
+constexpr int places = 50;
+constexpr int leastTurns = 10; ///< of the event loop; work in its thread would leave none
+
+} // namespace
+
+class tst_SurveyLongLog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void cleanupTestCase() { m_view.reset(); }
+
+    void opens();
+    void scrubs();
+    void exports();
+
+private:
+    ReviewPage& Page() const { return *static_cast<ReviewPage*>(m_view->GetPage(QStringLiteral("Review"))); }
+
+    static void CheckMemory(const char* when);
+
+    QTemporaryDir m_folder;
+    QString m_log;
+    long_log::Shape m_shape;
+    std::unique_ptr<SurveyView> m_view;
+};
+
+void tst_SurveyLongLog::CheckMemory(const char* when)
+{
+    const qint64 peak = long_log::OfProcess("/proc/self/status", "VmHWM:");
+    const auto now
+        = [](const char* key) { return long_log::OfProcess("/proc/self/status", key) * 1024 / 1000000; };
+    qInfo("%s: %lld MB at most, %lld MB now, %lld of them of files", when, peak * 1024 / 1000000,
+        now("VmRSS:"), now("RssFile:"));
+    QVERIFY(peak > 0);
+    QVERIFY2(peak < mostKilobytes, when);
+}
+
+void tst_SurveyLongLog::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    const QStorageInfo disk(m_folder.path());
+    QVERIFY2(disk.bytesAvailable() >= neededBytes,
+        qPrintable(QStringLiteral("%1 has %2 MB free; the log needs %3 MB")
+                       .arg(m_folder.path())
+                       .arg(disk.bytesAvailable() / 1000000)
+                       .arg(neededBytes / 1000000)));
+    m_log = m_folder.filePath(QStringLiteral("long.log"));
+    m_shape.samples = 2000;
+    m_shape.width = 2;
+    m_shape.lines = logBytes / m_shape.LineBytes() + 1;
+    QVERIFY(long_log::Write(m_log, m_shape));
+    QVERIFY(QFileInfo(m_log).size() >= logBytes);
+    ZrTheme::SetDesignScale(1280, 800);
+    ZrTheme::SetStdStyle();
+    m_view = std::make_unique<SurveyView>(QString());
+    m_view->resize(1280, 800);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+    QTRY_VERIFY(m_view->IsComplete());
+    CheckMemory("started");
+}
+
+void tst_SurveyLongLog::opens()
+{
+    QSignalSpy frames(m_view.get(), &SurveyView::FramePainted);
+    long_log::Turns turns;
+    turns.Begin();
+    m_view->OpenLog(m_log);
+    QVERIFY(Page().IsLoading());
+    QTRY_VERIFY_WITH_TIMEOUT(!Page().IsLoading(), patience);
+    turns.End();
+    qInfo("opening: %d turns of the event loop, %d frames, at most %lld ms without a turn", turns.Count(),
+        frames.size(), turns.Longest());
+    QVERIFY2(turns.Count() >= leastTurns, qPrintable(QString::number(turns.Count())));
+    QVERIFY(frames.size() > 0);
+    QVERIFY(Page().Recording());
+    QCOMPARE(Page().Recording()->Pings().size(), static_cast<std::size_t>(m_shape.lines));
+    QCOMPARE(Page().Recording()->Series().Count(), static_cast<std::size_t>(m_shape.lines));
+    QVERIFY(!Page().Recording()->IsDamaged());
+    CheckMemory("opened");
+}
+
+void tst_SurveyLongLog::scrubs()
+{
+    std::minstd_rand random(7);
+    const ZrWaterfallLoader& loader = *Page().Sonar().Loader();
+    const i64 before = loader.LinesRead();
+    for (int i = 0; i < places; ++i) {
+        const auto ping = static_cast<double>(random() % static_cast<unsigned>(m_shape.lines));
+        Page().GoTo(Page().Recording()->TimeOfPing(ping));
+        QTRY_VERIFY_WITH_TIMEOUT(!loader.IsLoading(), patience);
+        QVERIFY(std::fabs(Page().Recording()->PingAt(Page().Clock().Time()) - ping) < 1e-3);
+    }
+    // Somewhere else each time, so that lines had to come.
+    QVERIFY(loader.LinesRead() - before > places * 100);
+    CheckMemory("scrubbed");
+}
+
+void tst_SurveyLongLog::exports()
+{
+    const ZrSteadyTime& times = *Page().Recording()->Times();
+    QSignalSpy done(&Page().Export(), &ReviewExport::Done);
+    long_log::Turns turns;
+    turns.Begin();
+    Page().Export().SetPart(Page().Recording(), times.Begin(), times.End());
+    const QString track = m_folder.filePath(QStringLiteral("long.gpx"));
+    QVERIFY(Page().Export().Write(ReviewExport::track, track));
+    QVERIFY(!done.isEmpty() || done.wait(patience));
+    turns.End();
+    qInfo(
+        "exporting: %d turns of the event loop, at most %lld ms without one", turns.Count(), turns.Longest());
+    QVERIFY(done.last()[0].toBool());
+    QVERIFY(QFileInfo(track).size() > 100000);
+    CheckMemory("exported");
+}
+
+GL_TEST_MAIN(tst_SurveyLongLog)
+#include "tst_SurveyLongLog.moc"
