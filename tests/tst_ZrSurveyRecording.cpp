@@ -1,4 +1,5 @@
 #include "ZrKit/records/ZrFixRecord.h"
+#include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrWorker.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrSonarTestLog.h"
@@ -135,8 +136,11 @@ void tst_ZrSurveyRecording::navigationAlone()
     QVERIFY(!recording.IsDamaged());
     QVERIFY(!recording.HasSonar());
     QCOMPARE(recording.Series().Count(), std::size_t(50));
-    QCOMPARE(recording.Dataset().recs.size(), std::size_t(50));
-    QCOMPARE(recording.RecordTimes().Times().size(), std::size_t(50));
+    ZrDatasetReader reader;
+    QCOMPARE(recording.ReadRecords(reader)->recs.size(), std::size_t(50));
+    reader.cancel = true;
+    QVERIFY(QFile::remove(path + QStringLiteral(".zri")));
+    QVERIFY(!recording.ReadRecords(reader));
     QVERIFY(IsNear(recording.Times()->End() - recording.Times()->Begin(), 49.0, 1e-6));
     QVERIFY(std::isnan(recording.PingAt(recording.Times()->Begin())));
     QVERIFY(std::isnan(recording.TimeOfPing(0.0)));
@@ -192,7 +196,8 @@ void tst_ZrSurveyRecording::fixesAlone()
     ZrSurveyRecording recording;
     QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
     QCOMPARE(recording.Series().Count(), std::size_t(20));
-    QCOMPARE(recording.Dataset().recs.size(), std::size_t(20));
+    ZrDatasetReader reader;
+    QCOMPARE(recording.ReadRecords(reader)->recs.size(), std::size_t(20));
     QVERIFY(IsNear(recording.PositionAt(recording.Times()->Begin()).lat, 44.0, 1e-9));
 }
 
@@ -344,7 +349,10 @@ void tst_ZrSurveyRecording::events()
         QVERIFY(recording.Events().Add(evt));
         QString error;
         QVERIFY2(recording.Events().Save(&error), qPrintable(error));
-        recording.UpdateDatasetEvents();
+        ZrDatasetReader reader;
+        const std::unique_ptr<ZrSurveyDataset> records = recording.ReadRecords(reader);
+        QVERIFY(records);
+        QCOMPARE(records->events.GetCount(), 1);
     }
     ZrSurveyRecording again;
     QVERIFY2(again.Load(path), qPrintable(again.Error()));
@@ -419,8 +427,8 @@ void tst_ZrSurveyRecording::inAnotherThread()
     QVERIFY(!finished.isEmpty() || finished.wait(60000));
     QVERIFY(worked != here);
     QCOMPARE(recording->Error(), QString());
-    QCOMPARE(recording->Dataset().thread(), QThread::currentThread());
-    QCOMPARE(recording->Dataset().recs.size(), std::size_t(100));
+    ZrDatasetReader reader;
+    QCOMPARE(recording->ReadRecords(reader)->recs.size(), std::size_t(100));
 }
 
 /// No index can be put beside the log: it is told, and the recording is there.

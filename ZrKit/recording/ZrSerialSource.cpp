@@ -1,5 +1,6 @@
 #include "ZrKit/recording/ZrSerialSource.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QSocketNotifier>
@@ -119,17 +120,18 @@ QStringList ZrSerialSource::Ports(const QString& deviceDir, const QString& syste
 
 QString ZrSerialSource::Name() const
 {
-    return QStringLiteral("serial port %1").arg(m_path);
+    return QCoreApplication::translate("ZrSerialSource", "serial port %1").arg(m_path);
 }
 
 bool ZrSerialSource::Start(QString* error)
 {
     if (m_path.isEmpty()) {
-        *error = QStringLiteral("No serial port is chosen");
+        *error = QCoreApplication::translate("ZrSerialSource", "No serial port is chosen");
         return false;
     }
     if (!FindSpeed(m_baud)) {
-        *error = QStringLiteral("No serial port works at %1 bits per second").arg(m_baud);
+        *error = QCoreApplication::translate("ZrSerialSource", "No serial port works at %1 bits per second")
+                     .arg(m_baud);
         return false;
     }
     bool isPort = true;
@@ -152,7 +154,8 @@ bool ZrSerialSource::Open(QString* error, bool* isPort)
     }
     if (!Configure(m_port, FindSpeed(m_baud)->code)) {
         *isPort = false;
-        *error = QStringLiteral("%1 is no serial port: %2").arg(m_path, SystemError());
+        *error = QCoreApplication::translate("ZrSerialSource", "%1 is no serial port: %2")
+                     .arg(m_path, SystemError());
         Close();
         return false;
     }
@@ -180,7 +183,7 @@ void ZrSerialSource::OnReadable()
     if (count > 0)
         Feed(QByteArray(bytes.data(), static_cast<int>(count)));
     else if (count == 0)
-        OnLost(QStringLiteral("the port was closed"));
+        OnLost(QCoreApplication::translate("ZrSerialSource", "the port was closed"));
     else if (errno != EAGAIN && errno != EINTR)
         OnLost(SystemError());
 }
@@ -190,7 +193,8 @@ void ZrSerialSource::OnLost(const QString& reason)
     Close();
     FeedEnd();
     if (!std::exchange(m_troubleTold, true))
-        Q_EMIT Trouble(QStringLiteral("%1: %2; trying again").arg(Name(), reason));
+        Q_EMIT Trouble(
+            QCoreApplication::translate("ZrSerialSource", "%1: %2; trying again").arg(Name(), reason));
     m_retry->start();
 }
 
@@ -230,12 +234,12 @@ QStringList ZrSerialSource::Ports(const QString& /*deviceDir*/, const QString& /
 
 QString ZrSerialSource::Name() const
 {
-    return QStringLiteral("serial port %1").arg(m_path);
+    return QCoreApplication::translate("ZrSerialSource", "serial port %1").arg(m_path);
 }
 
 bool ZrSerialSource::Start(QString* error)
 {
-    *error = QStringLiteral("Serial ports cannot be read on this system");
+    *error = QCoreApplication::translate("ZrSerialSource", "Serial ports cannot be read on this system");
     return false;
 }
 

@@ -4,6 +4,7 @@
 #include "ZrKit/sonar/ZrBottomLine.h"
 #include "ZrKit/sonar/ZrSonarPing.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -37,9 +38,10 @@ QString Described(const QJsonObject& log)
         return QString::number(log.value(QLatin1String(name)).toDouble(), 'f', 3);
     };
     const double pings = log.value(QLatin1String("pings")).toDouble();
-    return pings > 0.0
-        ? QStringLiteral("%1 pings from %2 to %3 s").arg(pings, 0, 'f', 0).arg(time("first"), time("last"))
-        : QStringLiteral("no pings");
+    return pings > 0.0 ? QCoreApplication::translate("ZrBottomFile", "%1 pings from %2 to %3 s")
+                             .arg(pings, 0, 'f', 0)
+                             .arg(time("first"), time("last"))
+                       : QCoreApplication::translate("ZrBottomFile", "no pings");
 }
 
 /// The pings with an altitude as stretches.
@@ -66,7 +68,7 @@ bool Fill(const QJsonObject& root, const QString& name, std::vector<double>& alt
 {
     const QJsonValue value = root.value(name);
     if (!value.isArray()) {
-        reason = QStringLiteral("\"%1\" is missing or no list").arg(name);
+        reason = QCoreApplication::translate("ZrBottomFile", "\"%1\" is missing or no list").arg(name);
         return false;
     }
     std::size_t next = 0;
@@ -80,14 +82,19 @@ bool Fill(const QJsonObject& root, const QString& name, std::vector<double>& alt
             && ping < static_cast<double>(altitudes.size())
             && count <= altitudes.size() - static_cast<std::size_t>(ping);
         if (!fits || count == 0) {
-            reason = QStringLiteral("Stretch %1 of \"%2\" does not fit in").arg(number).arg(name);
+            reason = QCoreApplication::translate("ZrBottomFile", "Stretch %1 of \"%2\" does not fit in")
+                         .arg(number)
+                         .arg(name);
             return false;
         }
         next = static_cast<std::size_t>(ping);
         for (const QJsonValue& altitude : values) {
             const double metres = altitude.toDouble(-1.0);
             if (!(metres >= 0.0) || std::isinf(metres)) {
-                reason = QStringLiteral("Ping %1 of \"%2\" has no altitude that can be").arg(next).arg(name);
+                reason = QCoreApplication::translate(
+                    "ZrBottomFile", "Ping %1 of \"%2\" has no altitude that can be")
+                             .arg(next)
+                             .arg(name);
                 return false;
             }
             altitudes[next++] = metres;
@@ -115,12 +122,12 @@ QByteArray ZrBottomFile::ReadAll()
 {
     const QFileInfo info(m_path);
     if (!info.exists() && !info.isSymLink()) {
-        Fail(Missing, QStringLiteral("There is no such file"));
+        Fail(Missing, QCoreApplication::translate("ZrBottomFile", "There is no such file"));
         return {};
     }
     // Opening a pipe would wait for whoever writes into it.
     if (!info.isFile()) {
-        Fail(Unreadable, QStringLiteral("This is no ordinary file"));
+        Fail(Unreadable, QCoreApplication::translate("ZrBottomFile", "This is no ordinary file"));
         return {};
     }
     QFile file(m_path);
@@ -129,7 +136,8 @@ QByteArray ZrBottomFile::ReadAll()
         return {};
     }
     if (file.size() > MaxSize) {
-        Fail(Unreadable, QStringLiteral("The file is too large for a bottom line"));
+        Fail(Unreadable,
+            QCoreApplication::translate("ZrBottomFile", "The file is too large for a bottom line"));
         return {};
     }
     const QByteArray bytes = file.readAll();
@@ -147,27 +155,31 @@ bool ZrBottomFile::Load(const std::vector<ZrSonarPing>& pings, ZrBottomLine& lin
     if (m_state != Idle)
         return false;
     if (bytes.isEmpty())
-        return Fail(Damaged, QStringLiteral("The file is empty"));
+        return Fail(Damaged, QCoreApplication::translate("ZrBottomFile", "The file is empty"));
     QJsonParseError parse;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &parse);
     if (parse.error != QJsonParseError::NoError) {
         return Fail(Damaged,
-            QStringLiteral("The file is damaged at byte %1 (%2)").arg(parse.offset).arg(parse.errorString()));
+            QCoreApplication::translate("ZrBottomFile", "The file is damaged at byte %1 (%2)")
+                .arg(parse.offset)
+                .arg(parse.errorString()));
     }
     const QJsonObject root = document.object();
     if (root.value(QStringLiteral("format")).toString() != FormatName())
-        return Fail(Foreign, QStringLiteral("The file holds no bottom line"));
+        return Fail(Foreign, QCoreApplication::translate("ZrBottomFile", "The file holds no bottom line"));
     const double made = root.value(QStringLiteral("version")).toDouble();
     if (made != static_cast<double>(version)) {
         return Fail(Foreign,
-            QStringLiteral("The file has version %1 of the format, and only %2 is known")
+            QCoreApplication::translate(
+                "ZrBottomFile", "The file has version %1 of the format, and only %2 is known")
                 .arg(made)
                 .arg(version));
     }
     const QJsonObject log = root.value(QStringLiteral("log")).toObject();
     if (log != LogOf(pings)) {
         return Fail(Foreign,
-            QStringLiteral("The bottom line belongs to another log: it has %1, this log has %2")
+            QCoreApplication::translate(
+                "ZrBottomFile", "The bottom line belongs to another log: it has %1, this log has %2")
                 .arg(Described(log), Described(LogOf(pings))));
     }
     constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
@@ -194,7 +206,8 @@ bool ZrBottomFile::Keep()
         name = aside + QLatin1Char('-') + QString::number(i);
     QFile file(m_path);
     if (!file.rename(name))
-        return Fail(NotWritten, QStringLiteral("Cannot be moved aside, %1").arg(file.errorString()));
+        return Fail(NotWritten,
+            QCoreApplication::translate("ZrBottomFile", "Cannot be moved aside, %1").arg(file.errorString()));
     m_keptPath = name;
     return true;
 }
@@ -204,7 +217,9 @@ bool ZrBottomFile::Save(const std::vector<ZrSonarPing>& pings, const ZrBottomLin
     if (line.Count() != pings.size()) {
         m_keptPath.clear();
         return Fail(NotWritten,
-            QStringLiteral("The bottom line has %1 pings, the log %2").arg(line.Count()).arg(pings.size()));
+            QCoreApplication::translate("ZrBottomFile", "The bottom line has %1 pings, the log %2")
+                .arg(line.Count())
+                .arg(pings.size()));
     }
     QJsonObject root;
     root.insert(QStringLiteral("format"), FormatName());
@@ -215,7 +230,8 @@ bool ZrBottomFile::Save(const std::vector<ZrSonarPing>& pings, const ZrBottomLin
     const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Compact);
     if (bytes.size() > MaxSize) {
         m_keptPath.clear();
-        return Fail(NotWritten, QStringLiteral("The bottom line is too large for the file"));
+        return Fail(NotWritten,
+            QCoreApplication::translate("ZrBottomFile", "The bottom line is too large for the file"));
     }
     ZrBottomLine former;
     const bool replaces = Load(pings, former) || m_state == Missing;

@@ -3,7 +3,6 @@
 #include "ZrKit/planning/ZrGeoShapes.h"
 #include "ZrKit/planning/ZrRouteFile.h"
 #include "ZrKit/review/ZrDatasetReader.h"
-#include "ZrKit/review/ZrEventFile.h"
 #include "ZrKit/review/ZrSurveySeriesReader.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrBottomTracker.h"
@@ -113,19 +112,17 @@ bool ZrSurveyRecording::Load(const QString& path)
 
 bool ZrSurveyRecording::LoadRecords()
 {
-    const auto read = [this](std::unique_ptr<ZrSurveyDataset> dataset) {
+    // The index is made, or found good; its records are not kept.
+    const auto index = [this](std::size_t& count) {
         ZrDatasetReader reader;
         Stage stage(progress, cancel, reader.cancel, 0, 30);
         reader.progress = &stage;
-        const ZrDatasetReader::eResult result = reader.Read(m_path, *dataset);
-        if (result == ZrDatasetReader::Unreadable || result == ZrDatasetReader::Cancelled)
+        const std::unique_ptr<ZrSurveyDataset> dataset = ReadRecords(reader);
+        if (!dataset)
             return Fail(reader.Error());
         if (!reader.WriteError().isEmpty())
             m_remarks << reader.WriteError();
-        // Whoever uses it is not in this thread, which may be gone then.
-        if (QCoreApplication::instance())
-            dataset->moveToThread(QCoreApplication::instance()->thread());
-        m_dataset = std::move(dataset);
+        count = dataset->recs.size();
         return true;
     };
     ZrSurveySeriesReader reader;
@@ -142,16 +139,23 @@ bool ZrSurveyRecording::LoadRecords()
                          .arg(reader.DamagePos())
                          .arg(reader.Damage());
     }
-    if (!read(std::make_unique<ZrSurveyDataset>()))
+    std::size_t count = 0;
+    if (!index(count))
         return false;
     // Logs without navigation have their positions in fixes.
-    if (m_dataset->recs.empty() && m_series.Count() > 0
-        && !read(std::make_unique<ZrSurveyDataset>(zr::rec_type(krtFix), ZrSurveyDataset::DefaultCrdTypes())))
-        return false;
-    m_recordTimes.Reserve(m_dataset->recs.size());
-    for (const ZrLogRec& rec : m_dataset->recs)
-        m_recordTimes.Append(rec.time);
-    return true;
+    m_isOfFixes = count == 0 && m_series.Count() > 0;
+    return !m_isOfFixes || index(count);
+}
+
+std::unique_ptr<ZrSurveyDataset> ZrSurveyRecording::ReadRecords(ZrDatasetReader& reader) const
+{
+    auto dataset = m_isOfFixes
+        ? std::make_unique<ZrSurveyDataset>(zr::rec_type(krtFix), ZrSurveyDataset::DefaultCrdTypes())
+        : std::make_unique<ZrSurveyDataset>();
+    const ZrDatasetReader::eResult result = reader.Read(m_path, *dataset);
+    if (result == ZrDatasetReader::Unreadable || result == ZrDatasetReader::Cancelled)
+        return nullptr;
+    return dataset;
 }
 
 bool ZrSurveyRecording::LoadSonar()
@@ -298,13 +302,6 @@ std::vector<ZrSonarTarget> ZrSurveyRecording::Targets() const
             targets.push_back(target);
     }
     return targets;
-}
-
-void ZrSurveyRecording::UpdateDatasetEvents()
-{
-    ZrEventFile file;
-    file.Read(m_path);
-    file.Fill(*m_dataset);
 }
 
 double ZrSurveyRecording::TimeOf(const ZrLogEvt& evt) const

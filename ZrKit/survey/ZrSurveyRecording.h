@@ -23,6 +23,7 @@
 #include <vector>
 
 class IZrProgress;
+class ZrDatasetReader;
 
 /// All that the review of a recording works on: its records, curves, side-scan lines, events and plan.
 ///
@@ -32,7 +33,7 @@ class IZrProgress;
 ///     [=] { recording->cancel = true; });
 /// \endcode
 ///
-/// Loading makes tables of the log, at most some 400 bytes for a record; samples of the sonar stay in the
+/// Loading makes tables of the log, at most some 300 bytes for a record; samples of the sonar stay in the
 /// file but for a few hundred pings that gain and contrast are learnt from. The bottom line is the one kept
 /// beside the log; else it is tracked, in logs of up to `MostTracked` bytes; else it is the altitude that was
 /// recorded.
@@ -70,16 +71,14 @@ public:
     /// The time axis: of the records or, without any, of the pings.
     const std::shared_ptr<const ZrSteadyTime>& Times() const { return m_times; }
 
-    const ZrSurveyDataset& Dataset() const { return *m_dataset; }
-
-    const ZrSteadyTime& RecordTimes() const { return m_recordTimes; } ///< of the dataset
+    /// The records with the events that were saved, for exports: read anew, since those of a long recording
+    /// take much memory. Null, with the reason in the `Error` of \p reader, when they cannot be read or its
+    /// `cancel` was set. Any thread, also while the recording is in use.
+    std::unique_ptr<ZrSurveyDataset> ReadRecords(ZrDatasetReader& reader) const;
 
     const ZrSurveySeries& Series() const { return m_series; }
 
     ZrEventList& Events() { return m_events; }
-
-    /// Brings the events that were saved into the dataset, for exports.
-    void UpdateDatasetEvents();
 
     const std::vector<ZrGeoPoint>& Plan() const { return m_plan; } ///< waypoints that the log held
 
@@ -130,8 +129,7 @@ private:
     QString m_error;
     QStringList m_remarks;
     bool m_isDamaged = false;
-    std::unique_ptr<ZrSurveyDataset> m_dataset;
-    ZrSteadyTime m_recordTimes;
+    bool m_isOfFixes = false; ///< without navigation records
     ZrSurveySeries m_series;
     std::shared_ptr<const ZrSteadyTime> m_times;
     ZrEventList m_events;

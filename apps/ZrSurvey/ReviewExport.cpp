@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/ReviewExport.h"
 
+#include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrMosaic.h"
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 namespace {
 
@@ -38,34 +40,32 @@ ZrMosaicSettings MosaicSettings(const QString& palette)
 /// An export under way: the worker's, but for `Stop`.
 struct ReviewExport::Job
 {
-    Job(const std::shared_ptr<ZrSurveyRecording>& from, std::size_t first, std::size_t end,
-        const QString& colours)
-        : recording(from)
-        , bottom(from->Bottom())
-        , part(from->Dataset(), first, end)
+    Job(const std::shared_ptr<ZrSurveyRecording>& of, const QString& colours)
+        : recording(of)
+        , bottom(of->Bottom())
         , waterfall(log)
         , mosaic(MosaicSettings(colours))
         , palette(colours)
     {
     }
 
-    void Stop() { cancel = part.cancel = log.cancel = waterfall.cancel = mosaic.cancel = file.cancel = true; }
+    void Stop()
+    {
+        cancel = reader.cancel = log.cancel = waterfall.cancel = mosaic.cancel = file.cancel = true;
+        const std::lock_guard lock(partGuard);
+        if (part)
+            part->cancel = true;
+    }
 
     void Run(IZrProgress& progress)
     {
-        part.progress = log.progress = waterfall.progress = mosaic.progress = &progress;
+        log.progress = waterfall.progress = mosaic.progress = &progress;
         switch (kind) {
         case segment:
-            Take(part.WriteLog(path));
-            break;
         case track:
-            Take(part.WriteTrack(path));
-            break;
         case records:
-            Take(part.WriteRecords(path));
-            break;
         case events:
-            Take(part.WriteEvents(path));
+            isDone = WritePart(progress);
             break;
         case targets:
             isDone = WriteTargets();
@@ -96,11 +96,33 @@ struct ReviewExport::Job
         return parts.isEmpty() ? QString() : QStringLiteral(", ") + parts.join(QStringLiteral(", "));
     }
 
-    void Take(ZrExportRange::eResult result)
+    bool WritePart(IZrProgress& progress)
     {
-        isDone = result == ZrExportRange::Done;
-        error = part.Error();
-        remark = part.Damage();
+        const std::unique_ptr<ZrSurveyDataset> dataset = recording->ReadRecords(reader);
+        if (!dataset) {
+            error = reader.Error();
+            return false;
+        }
+        ZrSteadyTime times;
+        times.Reserve(dataset->recs.size());
+        for (const ZrLogRec& rec : dataset->recs)
+            times.Append(rec.time);
+        {
+            const std::lock_guard lock(partGuard);
+            part = std::make_unique<ZrExportRange>(
+                *dataset, ZrExportRange::FirstFrom(times, from), ZrExportRange::EndAt(times, to));
+            part->progress = &progress;
+            part->cancel = cancel.load();
+        }
+        const ZrExportRange::eResult result = kind == segment ? part->WriteLog(path)
+            : kind == track                                   ? part->WriteTrack(path)
+            : kind == events                                  ? part->WriteEvents(path)
+                                                              : part->WriteRecords(path);
+        error = part->Error();
+        remark = part->Damage();
+        const std::lock_guard lock(partGuard);
+        part.reset();
+        return result == ZrExportRange::Done;
     }
 
     /// The samples are read from a log of its own: that of the screen is in use.
@@ -175,8 +197,12 @@ struct ReviewExport::Job
     std::size_t lastPing = 0;
     bool slant = false;
     int blanking = ZrSonarBlanking::none;
+    double from = 0.0; ///< steady times of the part
+    double to = 0.0;
     std::atomic<bool> cancel{false};
-    ZrExportRange part;
+    ZrDatasetReader reader;
+    std::mutex partGuard; ///< of the pointer
+    std::unique_ptr<ZrExportRange> part; ///< null unless one is written
     ZrSonarLog log;
     ZrWaterfall waterfall;
     ZrMosaic mosaic;
@@ -256,12 +282,13 @@ bool ReviewExport::Write(int kind, const QString& path)
 {
     if (m_worker.IsWorking() || !m_recording)
         return false;
-    m_recording->UpdateDatasetEvents();
     const SurveySettings& settings = m_view.Model().settings;
     const QStringList palettes = ZrSonarPalette::Names();
-    m_job = std::make_shared<Job>(m_recording, ZrExportRange::FirstFrom(m_recording->RecordTimes(), m_from),
-        ZrExportRange::EndAt(m_recording->RecordTimes(), m_to),
-        palettes[std::clamp(settings.palette, 0, static_cast<int>(palettes.size()) - 1)]);
+    m_job = std::make_shared<Job>(
+        m_recording, palettes[std::clamp(settings.palette, 0, static_cast<int>(palettes.size()) - 1)]);
+    m_job->reader.restorePlan = false; // it was when the recording was opened
+    m_job->from = m_from;
+    m_job->to = m_to;
     m_job->kind = kind;
     m_job->path = path;
     m_job->slant = settings.slant;
