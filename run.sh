@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The main job: builds ZrUtil and takes a real side-scan recording through it.
+# The main job: builds ZrUtil, takes a real side-scan recording through it, and starts the application ZrSurvey on it.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/common.sh"
 
@@ -7,8 +7,8 @@ usage() {
     cat <<'EOT'
 Usage: ./run.sh [--out DIR]
 
-Installs what is missing (Debian packages, as root or through sudo), builds the libraries and the zr tool, and runs the
-main job on the real side-scan line in data/sidescan-xtf:
+Installs what is missing (Debian packages, as root or through sudo), builds the libraries, the zr tool and ZrSurvey, and
+runs the main job on the real side-scan line in data/sidescan-xtf, first on the command line:
 
   1. imports it into a data log,
   2. prints what the log holds,
@@ -18,7 +18,11 @@ main job on the real side-scan line in data/sidescan-xtf:
   6. indexes it, marks an event, and writes its track as CSV, GPX and KML,
   7. makes one log of the glider mission in data/glider-nav (several files), indexes it and writes its track,
   8. plans a small survey over the area of the side-scan line, checks it, and writes it as GeoJSON and GPX,
-  9. draws the side-scan line as a waterfall and as a mosaic with a world file, and measures where the wreck's stem is.
+  9. draws the side-scan line as a waterfall and as a mosaic with a world file, and measures where the wreck's stem is,
+
+and then in the application: with a display it opens ZrSurvey on the side-scan line; without one ZrSurvey goes through
+the main job by itself on a virtual display (plans, records, reviews, measures, exports), looks after each station
+whether all is as it must be, and leaves a picture of each in DIR/tour.
 
 Options:
   --out DIR   where the results go (default: out/ beside this script)
@@ -45,7 +49,10 @@ while [ $# -gt 0 ]; do
     esac
 done
 
-zr_install "${zr_build_packages[@]}"
+has_display=${DISPLAY:-}
+packages=("${zr_build_packages[@]}" fonts-liberation)
+[ -n "$has_display" ] || packages+=(xvfb xauth libgl1-mesa-dri)
+zr_install "${packages[@]}"
 zr_build release
 
 bin=$zr_root/build/release/bin
@@ -95,5 +102,23 @@ zr_say; zr_say "== Waterfall, mosaic and a target of the side-scan line"
 
 zr_say; zr_say "Results in $out:"
 (cd "$out" && for f in *; do
-    printf '  %-30s %9d bytes\n' "$f" "$(stat -c %s "$f")"
+    [ ! -f "$f" ] || printf '  %-30s %9d bytes\n' "$f" "$(stat -c %s "$f")"
 done)
+
+if [ -n "$has_display" ]; then
+    zr_say; zr_say "== ZrSurvey on the side-scan line"
+    exec "$bin/ZrSurvey" "$log"
+fi
+zr_say; zr_say "== ZrSurvey goes through the main job (no display: on a virtual one)"
+status=0
+zr_without_display "$bin/ZrSurvey" --tour "$out/tour" 2>"$out/tour.err" || status=$?
+case $status in
+    0) ;;
+    130 | 143) exit "$status" ;;
+    *)
+        tail -n 20 "$out/tour.err" >&2
+        zr_fail "the tour was not as expected; its pictures are in $out/tour"
+        ;;
+esac
+zr_say; zr_say "Pictures of the stations: $out/tour"
+zr_say "Exports of the tour:      $out/tour/exports"

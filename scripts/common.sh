@@ -72,3 +72,44 @@ zr_build() {
     fi
     [ "$status" -eq 0 ] || zr_fail "building failed, see $log"
 }
+
+# zr_without_display COMMAND...: runs it on a virtual display, with OpenGL computed by the processor. Whatever ends this
+# script ends both.
+zr_without_display() {
+    local folder display status=0
+    folder=$(mktemp -d)
+    # The server tells the number it has taken.
+    Xvfb -displayfd 3 -screen 0 1920x1200x24 -nolisten tcp 3>"$folder/display" >"$folder/log" 2>&1 &
+    zr_server=$!
+    zr_command=
+    trap 'zr_end_display; trap - EXIT INT; kill -INT $$' INT
+    trap 'zr_end_display; trap - EXIT TERM; kill -TERM $$' TERM
+    trap zr_end_display EXIT
+    until [ -s "$folder/display" ]; do
+        if ! kill -0 "$zr_server" 2>/dev/null; then
+            cat "$folder/log" >&2
+            rm -rf "$folder"
+            zr_fail "the virtual display does not start"
+        fi
+        sleep 0.05
+    done
+    read -r display <"$folder/display"
+    rm -rf "$folder"
+    DISPLAY=:$display QT_QPA_PLATFORM=xcb LIBGL_ALWAYS_SOFTWARE=1 "$@" &
+    zr_command=$!
+    wait "$zr_command" || status=$?
+    zr_command=
+    zr_end_display
+    trap - EXIT INT TERM
+    return "$status"
+}
+
+zr_end_display() {
+    local process
+    for process in $zr_command $zr_server; do
+        kill "$process" 2>/dev/null || true
+        wait "$process" 2>/dev/null || true
+    done
+    zr_command=
+    zr_server=
+}

@@ -36,6 +36,8 @@ ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& title)
     m_name->caption = tr("File name");
     m_name->setAccessibleName(m_name->caption);
     m_up->img = Icon("up");
+    m_up->setObjectName(QStringLiteral("up"));
+    m_list->setObjectName(QStringLiteral("files"));
     m_up->setToolTip(tr("Folder above (Alt+Up)"));
     m_up->setAccessibleName(tr("Folder above"));
     m_list->m_empty = tr("Nothing here that could be opened");

@@ -53,6 +53,7 @@ void ZrToast::Start(eKind kind, const QString& text)
     raise();
     update();
     m_timer->start(kind == info ? Milliseconds : 2 * Milliseconds);
+    Q_EMIT Shown(kind, text);
 }
 
 void ZrToast::SetFree(int below, int right)

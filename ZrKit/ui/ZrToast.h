@@ -41,11 +41,16 @@ public:
 
     QString Text() const { return m_text; }
 
+    eKind Kind() const { return m_kind; } ///< of the message shown last
+
     /// Keeps so many pixels at the lower and at the right edge of the parent free, of controls that are in
     /// use while it is shown; none at first.
     void SetFree(int below, int right = 0);
 
     void Place(); ///< at the lower edge of the parent; after a change of its size or of the scale
+
+Q_SIGNALS:
+    void Shown(int kind, const QString& text); ///< an `eKind`
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -84,6 +84,7 @@ void HomePage::AddEntry(const QString& icon, const QString& title, const QString
     const std::function<void()>& open)
 {
     auto* entry = new ZrEntryBtn(this, title, hint);
+    entry->setObjectName(QStringLiteral("entry_") + icon);
     entry->icon = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
     entry->setToolTip(QStringLiteral("%1 (%2)").arg(title, key));
     connect(entry, &ZrBtn::Clicked, this, open);

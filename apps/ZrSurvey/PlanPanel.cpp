@@ -56,6 +56,7 @@ ZrBtn* PlanPanel::AddButton(
     const QString& icon, const QString& text, const QString& hint, const std::function<void()>& run)
 {
     auto* button = new ZrBtn(this, ZrBtn::typeStd);
+    button->setObjectName(icon);
     if (!icon.isEmpty())
         button->img = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
     button->text = text;

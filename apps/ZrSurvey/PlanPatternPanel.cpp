@@ -103,6 +103,7 @@ PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
         Later();
     });
     m_apply->text = tr("Apply");
+    m_apply->setObjectName(QStringLiteral("apply"));
     m_apply->img = QImage(QStringLiteral(":/icons/check.png"));
     m_apply->setToolTip(tr("Make the lines part of the plan (Return)"));
     connect(m_apply, &ZrBtn::Clicked, this, &PlanPatternPanel::ApplyWanted);

@@ -36,6 +36,7 @@ ZrValueTile* Tile(QWidget* parent, const QString& caption, QVector<ZrValueTile*>
 ZrBtn* Button(QWidget* parent, ZrBtn::eType type, const QString& icon, const QString& hint)
 {
     auto* button = new ZrBtn(parent, type);
+    button->setObjectName(icon);
     if (!icon.isEmpty())
         button->img = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
     button->setToolTip(hint);

@@ -22,6 +22,7 @@ constexpr int longestText = 200; ///< characters
 ZrBtn* Tool(QWidget* parent, const char* icon, const QString& hint)
 {
     auto* button = new ZrBtn(parent, ZrBtn::typeTool);
+    button->setObjectName(QString::fromLatin1(icon));
     button->img = QImage(QStringLiteral(":/icons/%1.png").arg(QLatin1String(icon)));
     button->setToolTip(hint);
     button->setAccessibleName(hint);

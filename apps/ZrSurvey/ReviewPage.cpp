@@ -19,6 +19,7 @@
 #include "apps/ZrSurvey/ReviewMap.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
+#include "apps/ZrSurvey/SurveyImport.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
@@ -70,7 +71,7 @@ ReviewPage::ReviewPage(SurveyView& view)
     m_plots->SetTimeLine(&m_bar->Line());
     m_events->hide();
     m_files->SetMode(ZrFilePanel::openFile);
-    m_files->SetSuffixes({QStringLiteral("log")});
+    m_files->SetSuffixes(QStringList{QStringLiteral("log")} + SurveyImport::Suffixes());
     Connect();
     Show(nullptr);
 }
@@ -88,6 +89,7 @@ ReviewPage::~ReviewPage()
 ZrBtn* ReviewPage::AddTool(const char* icon, const QString& text, const QString& hint)
 {
     auto* button = new ZrBtn(this, ZrBtn::typeTool);
+    button->setObjectName(QString::fromLatin1(icon));
     button->img = QImage(QStringLiteral(":/icons/%1.png").arg(QLatin1String(icon)));
     button->text = text;
     button->setToolTip(hint);
@@ -99,7 +101,7 @@ void ReviewPage::Connect()
 {
     connect(m_open, &ZrBtn::Clicked, this, &ReviewPage::AskFile);
     connect(m_firstOpen, &ZrBtn::Clicked, this, &ReviewPage::AskFile);
-    connect(m_files, &ZrFilePanel::FileChosen, this, &ReviewPage::OpenLog);
+    connect(m_files, &ZrFilePanel::FileChosen, &View(), &SurveyView::Open);
     connect(&m_worker, &ZrWorker::Finished, this, &ReviewPage::OnLoaded);
     connect(m_exportBtn, &ZrBtn::Clicked, this, &ReviewPage::ExportPart);
     connect(m_list, &ZrBtn::Clicked, this, [this] {

@@ -48,7 +48,7 @@ ReviewTransport::ReviewTransport(QWidget* parent)
     Add(loop, "loop", QString(), tr("Repeat the range from A to B (L)"));
     Add(addEvent, "event", tr("Event"), tr("Add an event here (E)"));
     Add(typeTime, "", QString(), tr("Go to a time (T)"));
-    for (const int act : {playBack, play, loop})
+    for (int act = 0; act < actCount; ++act)
         m_buttons[act]->setObjectName(QStringLiteral("act%1").arg(act));
 }
 

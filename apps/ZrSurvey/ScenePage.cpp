@@ -65,6 +65,7 @@ ScenePage::ScenePage(SurveyView& view)
 ZrBtn* ScenePage::AddButton(const QString& icon, const QString& hint, void (ScenePage::*action)())
 {
     auto* button = new ZrBtn(this, ZrBtn::typeStd);
+    button->setObjectName(icon);
     button->img = QImage(QStringLiteral(":/icons/%1.png").arg(icon));
     button->setToolTip(hint);
     button->setAccessibleName(hint);
@@ -95,6 +96,7 @@ void ScenePage::zr_paintGL()
 
 void ScenePage::OnPageOpen()
 {
+    // The page is not visible yet.
     ShowVehicle();
     UpdatePlan();
 }
@@ -225,6 +227,8 @@ void ScenePage::Exaggerate()
                                                            : 1.0F;
     m_exaggerate->on = m_scene.m_exaggeration > 1.0F;
     m_exaggerate->text = m_exaggerate->on ? QStringLiteral("× %1").arg(m_scene.m_exaggeration) : QString();
+    // A square has room for one of them.
+    m_exaggerate->img = m_exaggerate->on ? QImage() : QImage(QStringLiteral(":/icons/bottom.png"));
     m_exaggerate->Changed();
     if (m_follow->on)
         Follow();

@@ -5,6 +5,7 @@
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include <QFileInfo>
 #include <QPainter>
 #include <QTimer>
 
@@ -26,6 +27,7 @@ int ButtonSide()
 ZrBtn* Tool(QWidget* parent, const QString& icon, const QString& name)
 {
     auto* button = new ZrBtn(parent, ZrBtn::typeTool);
+    button->setObjectName(QStringLiteral("band_") + QFileInfo(icon).baseName());
     button->img = QImage(icon);
     button->setToolTip(name);
     button->setAccessibleName(name);

@@ -8,6 +8,7 @@
 #include "ZrUtil/ZrFmApp.h"
 #include "ZrUtil/ZrFmLogging.h"
 #include "ZrUtil/ZrFormMgr.h"
+#include "ZrUtil/ZrInputDlg.h"
 #include "ZrUtil/ZrSetModule.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/FormAbout.h"
@@ -20,6 +21,7 @@
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ScenePage.h"
+#include "apps/ZrSurvey/SurveyImport.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 
 #include <QApplication>
@@ -47,11 +49,13 @@ SurveyView::SurveyView(const QString& dataDir)
     : ZrAppView(nullptr, idle, updateTimer, idle)
     , m_model(std::make_unique<SurveyModel>(dataDir))
     , m_toast(new ZrToast(this))
+    , m_import(new SurveyImport(*this))
     , m_dataDir(dataDir)
     , m_save(new QTimer(this))
 {
     setWindowTitle(QStringLiteral("ZrSurvey"));
     new ZrInputColours(this);
+    ZrInputDlg::s_keepInside = true; // the window may be smaller than the screen
     m_save->setSingleShot(true);
     m_save->setInterval(saveDelay);
     connect(m_save, &QTimer::timeout, this, &SurveyView::SaveSettings);
@@ -133,7 +137,15 @@ bool SurveyView::Open(const QString& path)
         Warn(tr("%1 is no file").arg(path));
         return false;
     }
-    if (QFileInfo(path).suffix().toLower() != QLatin1String("log"))
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    static const QStringList plans{QStringLiteral("json"), QStringLiteral("gpx"), QStringLiteral("kml"),
+        QStringLiteral("geojson"), QStringLiteral("xml")};
+    if (!plans.contains(suffix) && SurveyImport::IsForeign(path)) {
+        Show(QStringLiteral("Review"));
+        m_import->Start(path);
+        return true;
+    }
+    if (suffix != QLatin1String("log"))
         return OpenPlan(path);
     OpenLog(path);
     return true;

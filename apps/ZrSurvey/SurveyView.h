@@ -6,6 +6,7 @@
 #include <memory>
 
 class QTimer;
+class SurveyImport;
 class SurveyPage;
 class ZrFmLogging;
 class ZrRowForm;
@@ -38,7 +39,8 @@ public:
 
     void Show(const QString& page); ///< by name: "Home", "Plan", "Record", "Review", "Scene"
 
-    /// Opens a log or a plan, by its content. False, after a message, when it is neither.
+    /// Opens a log, a recording in a foreign form, which is imported first, or a plan, by its content. False,
+    /// after a message, when it is none of them.
     bool Open(const QString& path);
 
     void OpenLog(const QString& path); ///< shows the page "Review" with it
@@ -89,6 +91,7 @@ private:
 
     std::unique_ptr<SurveyModel> m_model;
     ZrToast* m_toast;
+    SurveyImport* m_import;
     QString m_dataDir;
     QTimer* m_save;
     QVector<ZrRowForm*> m_rowForms;

@@ -3,11 +3,15 @@
 #include "ZrDebugLog/ZrDebugLog.h"
 #include "ZrKit/ui/ZrQtLog.h"
 #include "ZrKit/ui/ZrTranslation.h"
+#include "ZrUtil/ZrFmApp.h"
+#include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SurveyView.h"
+#include "apps/ZrSurvey/tour/Tour.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QSurfaceFormat>
 #include <QTimer>
@@ -27,6 +31,37 @@ void SetSurfaceFormat()
     format.setStencilBufferSize(8);
     format.setSwapInterval(1);
     QSurfaceFormat::setDefaultFormat(format);
+}
+
+/// Text and controls are larger than the library's default until the user says otherwise: boats move.
+void ChooseScale(SurveyView& view)
+{
+    if (QFileInfo::exists(view.DataDir() + QStringLiteral("/settings.json")))
+        return;
+    for (ZrForm* form : qAsConst(view.forms().m_forms)) {
+        if (auto* app = qobject_cast<ZrFmApp*>(form))
+            app->OnSmall();
+    }
+}
+
+/// 0 when all was as expected, 2 when not, 1 when it cannot begin.
+int RunTour(const QString& folder, const QString& line, const QSize& size)
+{
+    Tour tour(folder, line);
+    if (!tour.Prepare()) {
+        std::fprintf(stderr, "%s\n", qPrintable(tour.Error()));
+        return 1;
+    }
+    SurveyView view(tour.DataDir());
+    ChooseScale(view);
+    view.resize(size);
+    int result = 2;
+    QTimer::singleShot(0, &view, [&] {
+        result = tour.Run(view);
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return result;
 }
 
 } // namespace
@@ -66,9 +101,18 @@ int main(int argc, char** argv)
         QStringLiteral("WxH"), QStringLiteral("1280x800"));
     const QCommandLineOption timeStart(QStringLiteral("time-start"),
         QCoreApplication::translate("main", "Print a line at the first frame and end."));
-    parser.addOptions({help, data, screenshot, page, size, timeStart});
+    const QCommandLineOption tour(QStringLiteral("tour"),
+        QCoreApplication::translate("main",
+            "Go through the whole main job by itself, with a picture of each station and all exports in "
+            "DIR."),
+        QStringLiteral("DIR"));
+    const QCommandLineOption tourLine(QStringLiteral("tour-line"),
+        QCoreApplication::translate(
+            "main", "The side-scan line (XTF) of the tour, instead of the one that comes with the program."),
+        QStringLiteral("FILE"));
+    parser.addOptions({help, data, screenshot, page, size, timeStart, tour, tourLine});
     parser.addPositionalArgument(QStringLiteral("FILE"),
-        QCoreApplication::translate("main", "A log to review or a plan to work on."),
+        QCoreApplication::translate("main", "A log or a recording to review, or a plan to work on."),
         QStringLiteral("[FILE]"));
     const bool isUnderstood = parser.parse(QCoreApplication::arguments());
     if (isUnderstood && parser.isSet(help)) {
@@ -84,6 +128,17 @@ int main(int argc, char** argv)
         return 1;
     }
 
+    const QStringList sides = parser.value(size).split(QLatin1Char('x'));
+    const QSize windowSize(sides.value(0).toInt(), sides.value(1).toInt());
+    if (sides.size() != 2 || windowSize.width() < 320 || windowSize.height() < 240) {
+        std::fprintf(stderr, "%s\n",
+            qPrintable(QCoreApplication::translate("main", "%1 is no size of a window, such as 1280x800")
+                           .arg(parser.value(size))));
+        return 1;
+    }
+    if (parser.isSet(tour))
+        return RunTour(parser.value(tour), parser.value(tourLine), windowSize);
+
     // What the program says about its own work goes into the file that the settings show, unless they say
     // otherwise; a terminal stays quiet.
     zr_debug_log_write_switch(&zr_debug_log_to_file, 1);
@@ -91,8 +146,8 @@ int main(int argc, char** argv)
     const ZrQtLog qtLog;
     SurveyView view(parser.isSet(data) ? parser.value(data)
                                        : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    const QStringList sides = parser.value(size).split(QLatin1Char('x'));
-    view.resize(sides.value(0).toInt(), sides.value(1).toInt());
+    ChooseScale(view);
+    view.resize(windowSize);
     if (parser.isSet(timeStart)) {
         QObject::connect(&view, &QOpenGLWidget::frameSwapped, &view, [isTold = false]() mutable {
             if (std::exchange(isTold, true))

@@ -1,0 +1,330 @@
+// The tour of ZrSurvey, run as ./run.sh runs it: the whole main job by mouse, fingers and keys.
+//
+// Pictures that are the same every time are held against tests/data/tour/*.png, at half their size. After an
+// intended change of the look, with the fonts of fonts-liberation installed:
+//
+//     ZR_TOUR_UPDATE=1 xvfb-run -a -s "-screen 0 1920x1080x24" build/dev/bin/tst_SurveyTour
+//
+// and look at every one of them before it is committed.
+
+#include "GlTest.h"
+
+#include <QDir>
+#include <QImage>
+#include <QPainter>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+QString S(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+constexpr int tourMs = 280000;
+
+/// A picture and the parts of it that are not the same every time, pixels of the whole window.
+struct Golden
+{
+    const char* name;
+    QVector<QRect> changing;
+};
+
+const QVector<Golden>& goldens()
+{
+    static const QVector<Golden> all{
+        {"line", {}},
+        {"plan-pattern", {}},
+        {"plan-lines", {}},
+        {"plan-keyboard", {}},
+        {"sources", {}},
+        {"review-line", {}},
+        {"sonar-slant", {}},
+        {"sonar-measure", {}},
+        {"events", {}},
+        {"settings", {}},
+        {"imperial", {}},
+        {"scale", {}},
+        {"day", {}},
+        {"night", {}},
+    };
+    return all;
+}
+
+QImage Half(const QImage& image, const QVector<QRect>& changing)
+{
+    QImage picture = image.convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&picture);
+    for (const QRect& rect : changing)
+        painter.fillRect(rect, Qt::black);
+    painter.end();
+    return picture.scaled(picture.size() / 2, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+/// How far the pictures are from one another, 0 to 255: the worst of all squares of 16 pixels by the mean
+/// over each, which anything moved, missing or of another colour shows in, and the rounding of a sample does
+/// not.
+double WorstSquare(const QImage& a, const QImage& b, QPoint* where = nullptr)
+{
+    constexpr int side = 16;
+    double worst = 0.0;
+    for (int y = 0; y < a.height(); y += side) {
+        for (int x = 0; x < a.width(); x += side) {
+            const int right = std::min(x + side, a.width());
+            const int bottom = std::min(y + side, a.height());
+            double sum = 0.0;
+            for (int py = y; py < bottom; ++py) {
+                for (int px = x; px < right; ++px) {
+                    const QRgb one = a.pixel(px, py);
+                    const QRgb other = b.pixel(px, py);
+                    sum += std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
+                        std::abs(qBlue(one) - qBlue(other))});
+                }
+            }
+            const double mean = sum / ((right - x) * (bottom - y));
+            if (mean > worst && where)
+                *where = QPoint(x, y);
+            worst = std::max(worst, mean);
+        }
+    }
+    return worst;
+}
+
+constexpr double mostDifference = 6.0; ///< of 255, mean over a square
+
+QString Difference(const QImage& found, const QImage& golden)
+{
+    if (found.size() != golden.size())
+        return S("%1 x %2 pixels, not %3 x %4")
+            .arg(found.width())
+            .arg(found.height())
+            .arg(golden.width())
+            .arg(golden.height());
+    QPoint where;
+    const double worst = WorstSquare(found, golden, &where);
+    return worst <= mostDifference ? QString()
+                                   : S("%1 of 255 at %2, %3").arg(worst).arg(where.x()).arg(where.y());
+}
+
+} // namespace
+
+class tst_SurveyTour : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void comparison();
+    void goesThrough();
+    void pictures_data();
+    void pictures();
+    void exports();
+    void goesAgain();
+    void badFolder_data();
+    void badFolder();
+    void noLine();
+    void damagedLine();
+
+private:
+    int Start(const QStringList& arguments, int milliseconds = tourMs);
+    QString Picture(const QString& name) const;
+
+    QTemporaryDir m_folder;
+    QString m_tour;
+    QString m_out;
+    QString m_errors;
+};
+
+int tst_SurveyTour::Start(const QStringList& arguments, int milliseconds)
+{
+    QProcess process;
+    process.start(S(ZR_BIN_DIR "/ZrSurvey"), arguments);
+    const bool ok = process.waitForFinished(milliseconds) && process.exitStatus() == QProcess::NormalExit;
+    m_out = QString::fromUtf8(process.readAllStandardOutput());
+    m_errors = QString::fromUtf8(process.readAllStandardError());
+    return ok ? process.exitCode() : -1;
+}
+
+QString tst_SurveyTour::Picture(const QString& name) const
+{
+    const QDir dir(m_tour);
+    const QStringList found = dir.entryList({S("[0-9][0-9]-%1.png").arg(name)}, QDir::Files);
+    return found.size() == 1 ? dir.filePath(found.front()) : QString();
+}
+
+/// It tells a control that has moved by 8 pixels of the window, a text that is another one, and another
+/// colour scheme, and is not disturbed by a rounded sample.
+void tst_SurveyTour::comparison()
+{
+    const auto draw = [](int x, const QString& text, const QColor& back) {
+        QImage image(640, 400, QImage::Format_RGB32);
+        image.fill(back);
+        QPainter painter(&image);
+        painter.fillRect(x, 104, 144, 64, QColor(20, 75, 110));
+        painter.setPen(QColor(235, 240, 245));
+        QFont font(S("Liberation Sans"));
+        font.setPixelSize(20);
+        painter.setFont(font);
+        painter.drawText(QRect(x, 104, 144, 64), Qt::AlignCenter, text);
+        painter.end();
+        return Half(image, {});
+    };
+    const QColor dusk(14, 22, 32);
+    const QImage golden = draw(200, S("Apply"), dusk);
+    QVERIFY(Difference(golden, golden).isEmpty());
+    QImage rounded = golden;
+    for (int y = 0; y < rounded.height(); ++y) {
+        for (int x = 0; x < rounded.width(); ++x) {
+            const QRgb was = rounded.pixel(x, y);
+            if ((x + y) % 2 == 0)
+                rounded.setPixel(
+                    x, y, qRgb(std::min(qRed(was) + 4, 255), qGreen(was), std::max(qBlue(was) - 4, 0)));
+        }
+    }
+    QVERIFY(Difference(rounded, golden).isEmpty());
+    QVERIFY(!Difference(draw(208, S("Apply"), dusk), golden).isEmpty());
+    QVERIFY(!Difference(draw(200, S("Cancel"), dusk), golden).isEmpty());
+    QVERIFY(!Difference(draw(200, S("Apply"), QColor(30, 8, 8)), golden).isEmpty());
+    QVERIFY(!Difference(draw(200, S("Apply"), dusk).scaled(300, 200), golden).isEmpty());
+}
+
+void tst_SurveyTour::goesThrough()
+{
+    QVERIFY(m_folder.isValid());
+    m_tour = m_folder.filePath(S("tour äß"));
+    const int code = Start({S("--tour"), m_tour});
+    if (code != 0)
+        qWarning().noquote() << m_out << m_errors.right(4000);
+    QCOMPARE(code, 0);
+    const QStringList lines = m_out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QStringList taken = QDir(m_tour).entryList({S("*.png")}, QDir::Files, QDir::Name);
+    QCOMPARE(lines.size(), taken.size() + 1);
+    QVERIFY(taken.size() >= 30);
+    for (int i = 0; i < taken.size(); ++i) {
+        QVERIFY2(lines[i].startsWith(S("ok   %1").arg(taken[i].section(QLatin1Char('-'), 0, 0))),
+            qPrintable(lines[i]));
+        QCOMPARE(QImage(QDir(m_tour).filePath(taken[i])).size(), QSize(1280, 800));
+    }
+    QVERIFY(lines.last().startsWith(S("ok")));
+    QFile report(m_tour + S("/tour.txt"));
+    QVERIFY(report.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(report.readAll()), m_out);
+}
+
+void tst_SurveyTour::pictures_data()
+{
+    QTest::addColumn<int>("row");
+    for (int row = 0; row < goldens().size(); ++row)
+        QTest::newRow(goldens()[row].name) << row;
+}
+
+void tst_SurveyTour::pictures()
+{
+    QFETCH(int, row);
+    const Golden& golden = goldens()[row];
+    const QString name = S(golden.name);
+    const QString path = Picture(name);
+    QVERIFY2(!path.isEmpty(), golden.name);
+    const QImage found = Half(QImage(path), golden.changing);
+    const QString kept = S(ZR_SOURCE_DIR "/tests/data/tour/%1.png").arg(name);
+    if (qEnvironmentVariableIsSet("ZR_TOUR_UPDATE")) {
+        QVERIFY(found.save(kept));
+        QSKIP("written anew");
+    }
+    const QImage expected(kept);
+    QVERIFY2(!expected.isNull(), qPrintable(kept));
+    const QString difference = Difference(found, expected);
+    if (!difference.isEmpty()) {
+        const QDir folder(S(ZR_BIN_DIR "/golden"));
+        folder.mkpath(S("."));
+        found.save(folder.filePath(S("tour-%1.png").arg(name)));
+    }
+    QVERIFY2(difference.isEmpty(),
+        qPrintable(S("%1; see %2/golden/tour-%3.png").arg(difference, S(ZR_BIN_DIR), name)));
+}
+
+void tst_SurveyTour::exports()
+{
+    const QDir dir(m_tour + S("/exports"));
+    for (const char* name :
+        {"survey.json", "survey.gpx", "survey.kml", "survey.geojson", "survey.xml", "survey.txt",
+            "line-track.gpx", "line.kml", "line.geojson", "line.csv", "line-part.log", "line-records.csv",
+            "line-events.csv", "line-waterfall.png", "line-mosaic.png", "line-mosaic.pgw"})
+        QVERIFY2(QFileInfo(dir.filePath(S(name))).size() > 50, name);
+    // What was recorded lies with the tour, and nowhere else.
+    QVERIFY(QDir(m_tour + S("/data/recordings")).entryList({S("*.log")}, QDir::Files).size() == 2);
+    QVERIFY(QFile::exists(m_tour + S("/data/settings.json")));
+}
+
+/// The folder of an earlier tour is used again; what is not from a tour stays.
+void tst_SurveyTour::goesAgain()
+{
+    const QString line = m_folder.filePath(S("short.xtf"));
+    QFile file(line);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("no line at all");
+    file.close();
+    QVERIFY(QFile::exists(m_tour + S("/exports/survey.gpx")));
+    QVERIFY(Start({S("--tour"), m_tour, S("--tour-line"), line}, 120000) == 2);
+    QVERIFY(!QFile::exists(m_tour + S("/exports/survey.gpx")));
+}
+
+void tst_SurveyTour::badFolder_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("a file") << S("file") << S("is no folder");
+    QTest::newRow("below a file") << S("file/tour") << S("cannot be made");
+    QTest::newRow("not writable") << S("/proc/tour") << S("cannot be made");
+    QTest::newRow("of somebody else") << S("other") << S("not empty");
+}
+
+void tst_SurveyTour::badFolder()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, said);
+    QTemporaryDir dir;
+    QFile file(dir.filePath(S("file")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(QDir(dir.path()).mkpath(S("other/data/kept")));
+    const QString path = folder.startsWith(QLatin1Char('/')) ? folder : dir.filePath(folder);
+    QCOMPARE(Start({S("--tour"), path}, 60000), 1);
+    QVERIFY2(m_errors.contains(said), qPrintable(m_errors));
+    QVERIFY(QDir(dir.filePath(S("other/data/kept"))).exists());
+}
+
+void tst_SurveyTour::noLine()
+{
+    QTemporaryDir dir;
+    QCOMPARE(
+        Start({S("--tour"), dir.filePath(S("tour")), S("--tour-line"), dir.filePath(S("none.xtf"))}, 60000),
+        1);
+    QVERIFY2(m_errors.contains(S("none.xtf cannot be read")), qPrintable(m_errors));
+}
+
+/// A line that ends too early is told, with a picture of what there is.
+void tst_SurveyTour::damagedLine()
+{
+    QTemporaryDir dir;
+    const QString line = dir.filePath(S("damaged.xtf"));
+    QFile whole(S(ZR_SOURCE_DIR "/data/sidescan-xtf/iver2-scotsman-pings0-299.xtf"));
+    QVERIFY(whole.open(QIODevice::ReadOnly));
+    QFile damaged(line);
+    QVERIFY(damaged.open(QIODevice::WriteOnly));
+    damaged.write(whole.read(1024 + 4480 * 100 + 77));
+    damaged.close();
+    const QString tour = dir.filePath(S("tour"));
+    QCOMPARE(Start({S("--tour"), tour, S("--tour-line"), line}), 2);
+    QVERIFY2(m_out.contains(S("pings: 300; found: 100")), qPrintable(m_out));
+    QVERIFY2(m_out.contains(S("flaws of the file")), qPrintable(m_out));
+    QVERIFY(m_out.contains(S("NOT AS EXPECTED")));
+    QCOMPARE(QDir(tour).entryList({S("03-line-failed.png")}).size(), 1);
+}
+
+GL_TEST_MAIN(tst_SurveyTour)
+#include "tst_SurveyTour.moc"
