@@ -83,7 +83,7 @@ private:
     ZrSonarLog m_log;
     std::unique_ptr<ZrSonarTrack> m_track;
     std::unique_ptr<ZrBottomLine> m_bottom;
-    std::unique_ptr<ZrSonarGeo> m_geo;
+    std::shared_ptr<ZrSonarGeo> m_geo;
     std::unique_ptr<ZrThemeState> m_theme;
     std::unique_ptr<ZrWaterfallLoader> m_loader;
     std::unique_ptr<QWidget> m_page;
@@ -103,12 +103,12 @@ void tst_ZrWaterfallPanel::initTestCase()
     QCOMPARE(m_log.Pings().size(), std::size_t(pings));
     m_track = std::make_unique<ZrSonarTrack>(m_log.Pings(), ZrSonarTrackSettings());
     m_bottom = std::make_unique<ZrBottomLine>(pings);
-    m_geo = std::make_unique<ZrSonarGeo>(m_log.Pings(), *m_track, *m_bottom);
+    m_geo = std::make_shared<ZrSonarGeo>(m_log.Pings(), *m_track, *m_bottom);
 }
 
 std::unique_ptr<ZrWaterfallLoader> tst_ZrWaterfallPanel::Loader()
 {
-    return std::make_unique<ZrWaterfallLoader>(std::make_shared<ZrWaterfallPings>(m_log, *m_geo));
+    return std::make_unique<ZrWaterfallLoader>(std::make_shared<ZrWaterfallPings>(m_log, m_geo));
 }
 
 /// All lines of the log at once, 0.15 m apart.
@@ -175,7 +175,7 @@ void tst_ZrWaterfallPanel::emptyLog()
     ZrSonarLog log;
     const ZrSonarTrack track(log.Pings(), ZrSonarTrackSettings());
     const ZrBottomLine bottom;
-    const ZrSonarGeo geo(log.Pings(), track, bottom);
+    const auto geo = std::make_shared<const ZrSonarGeo>(log.Pings(), track, bottom);
     ZrWaterfallLoader loader(std::make_shared<ZrWaterfallPings>(log, geo));
     m_panel->SetLoader(&loader);
     m_panel->SetCursor(5.0);
