@@ -35,7 +35,10 @@ FormSources::FormSources(SurveyView& view)
         });
     ZrBtn* test = Button(tr("Test"), QStringLiteral("source"));
     test->setToolTip(tr("Opens the source and tells what it gives"));
-    connect(test, &ZrBtn::Clicked, this, [this] { View().Model().feed.Want(); });
+    connect(test, &ZrBtn::Clicked, this, [this] {
+        View().GetPage(QStringLiteral("Record")); // opens it, and may not have been needed yet
+        View().Model().feed.Want();
+    });
     m_stateRow = AddRow(tr("State"), QString(), {test}, beside);
 
     const auto notEmpty
