@@ -68,15 +68,15 @@ void tst_SurveyReview::opens()
 void tst_SurveyReview::oneCursor()
 {
     Open(m_log);
-    QSignalSpy moved(&m_view->Model().vehicle, &SurveyVehicle::Changed);
+    QSignalSpy moved(&m_view->Model().reviewed, &SurveyVehicle::Changed);
     const double at = Rec().TimeOfPing(150.0);
     Page().GoTo(at);
     QCOMPARE(moved.size(), 1);
     QCOMPARE(Page().Bar().Cursor(), at);
     QVERIFY(std::fabs(Page().Sonar().Panel().Cursor() - 150.0) < 1e-6);
-    const SurveyVehicle::Pose& pose = m_view->Model().vehicle.Current();
-    QVERIFY(!m_view->Model().vehicle.IsLive());
-    QCOMPARE(m_view->Model().vehicle.Source(), QStringLiteral("wreck ö.log"));
+    const SurveyVehicle::Pose& pose = m_view->Model().reviewed.Current();
+    QVERIFY(!m_view->Model().reviewed.IsLive());
+    QCOMPARE(m_view->Model().reviewed.Source(), QStringLiteral("wreck ö.log"));
     const ZrGeoPoint position = Rec().PositionAt(at);
     QCOMPARE(pose.lat, position.lat);
     QVERIFY(std::fabs(pose.lat - 48.445) < 0.01 && std::fabs(pose.lng + 68.828) < 0.01);
@@ -100,7 +100,7 @@ void tst_SurveyReview::everyPaneMovesTheOthers()
     ZrPlotPanel& plots = Page().Plots();
     ZrWaterfallPanel& waterfall = Page().Sonar().Panel();
     ZrMapPanel& map = Page().Map().Panel();
-    QSignalSpy vehicle(&m_view->Model().vehicle, &SurveyVehicle::Changed);
+    QSignalSpy vehicle(&m_view->Model().reviewed, &SurveyVehicle::Changed);
     double before = Page().Clock().Time();
     const auto moved = [&](const char* by) {
         const double now = Page().Clock().Time();
@@ -111,7 +111,7 @@ void tst_SurveyReview::everyPaneMovesTheOthers()
         const QString depth
             = QString::number(double(Rec().Series().depth.ValueAt(now)), 'f', 1) + QStringLiteral(" m");
         const bool isOne = bar.Cursor() == now && std::fabs(waterfall.Cursor() - Rec().PingAt(now)) < 1e-6
-            && plots.ValueText(0, 0) == depth && m_view->Model().vehicle.Current().lat == position.lat
+            && plots.ValueText(0, 0) == depth && m_view->Model().reviewed.Current().lat == position.lat
             && Page().Map().Vehicle() == Page().Map().WorldOf(position);
         if (!isMoved || !isOne)
             qWarning("%s: moved %d, one %d", by, int(isMoved), int(isOne));
@@ -141,7 +141,7 @@ void tst_SurveyReview::everyPaneMovesTheOthers()
     // The page 3D shows the vehicle where the cursor is.
     m_view->Show(QStringLiteral("Scene"));
     Settle();
-    QCOMPARE(m_view->Model().vehicle.Current().lat, Rec().PositionAt(before).lat);
+    QCOMPARE(m_view->Model().reviewed.Current().lat, Rec().PositionAt(before).lat);
 }
 
 /// The first record of the line holds zeros, as nothing was known yet: none of them is a value.
@@ -153,12 +153,12 @@ void tst_SurveyReview::beforeTheFirstValue()
         for (int curve = 0; curve < Page().Plots().Plots()[plot].curves.size(); ++curve)
             QCOMPARE(Page().Plots().ValueText(plot, curve), QStringLiteral("–"));
     }
-    QVERIFY(std::isnan(m_view->Model().vehicle.Current().depth));
-    QVERIFY(std::isnan(m_view->Model().vehicle.Current().heading));
+    QVERIFY(std::isnan(m_view->Model().reviewed.Current().depth));
+    QVERIFY(std::isnan(m_view->Model().reviewed.Current().heading));
     Page().Act(ReviewTransport::recordForward);
     QVERIFY2(Page().Plots().ValueText(0, 0).endsWith(QStringLiteral(" m")),
         qPrintable(Page().Plots().ValueText(0, 0)));
-    QVERIFY(m_view->Model().vehicle.Current().depth > 5.0);
+    QVERIFY(m_view->Model().reviewed.Current().depth > 5.0);
 }
 
 /// Two lines an hour apart: cut out, or as long as it was; kept in the settings.

@@ -121,7 +121,7 @@ void HomePage::OnVehicle()
     const SurveyVehicle& vehicle = View().Model().vehicle;
     if (vehicle.IsLive()) {
         m_dataClock.start();
-        if (std::isfinite(vehicle.Current().lat) && std::isfinite(vehicle.Current().lng))
+        if (vehicle.HasNewFix())
             m_fixClock.start();
     }
     // Often, and of no use below another page.

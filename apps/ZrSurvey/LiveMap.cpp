@@ -140,8 +140,7 @@ void LiveMap::SetVehicle(double lat, double lng, double heading, bool isFresh)
     // Without a heading it points nowhere.
     marker.image = std::isfinite(heading) ? arrowImage : waypointImage;
     const double convergence = ZrUnits::Convergence(ZrUnits::wgs84, m_projection->Projection(), lat, lng);
-    // The arrow of the image points to the right.
-    marker.angle = std::isfinite(heading) ? 90.0 + convergence - heading : 0.0;
+    marker.angle = std::isfinite(heading) ? convergence - heading : 0.0;
     marker.isTurning = true;
     marker.size = 18.0;
     marker.colour = isFresh ? ZrTheme::vehicle : ZrTheme::ctrlOutlineCol;

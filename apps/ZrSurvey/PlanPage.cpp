@@ -189,6 +189,9 @@ void PlanPage::Connect()
     connect(&m_review, &ZrPlanReview::Ready, this, &PlanPage::Later);
     connect(m_files, &PlanFiles::Opened, this, [this] {
         Select(-1);
+        // What was being drawn belonged to the plan before.
+        m_drawing.Clear();
+        m_editedArea = -1;
         SetMode(modeBrowse);
         m_isFitDue = true;
         m_isCameraDue = false;
@@ -294,6 +297,8 @@ void PlanPage::MatchOrigin()
         origin = {settings.planLat, settings.planLng};
     else if (!m_origin.IsValid())
         origin = {View().Model().vehicle.Current().lat, View().Model().vehicle.Current().lng};
+    if (!origin.IsValid() && !m_origin.IsValid())
+        origin = {View().Model().reviewed.Current().lat, View().Model().reviewed.Current().lng};
     if (!origin.IsValid() && !m_origin.IsValid()) {
         const QGeoCoordinate here = View().last_position().coordinate();
         origin = here.isValid() ? ZrGeoPoint{here.latitude(), here.longitude()} : ZrGeoPoint{0.0, 0.0};

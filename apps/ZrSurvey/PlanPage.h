@@ -60,6 +60,7 @@ public:
     void zr_paintGL() override;
     bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
     void OnColours() override;
+    int FreeBelow() const override;
 
 protected:
     void Place() override;
@@ -122,6 +123,7 @@ private:
     void Undo();
     void Redo();
     void FinishArea();
+    void RemoveLastCorner(); ///< of the area that is being drawn
     void EditArea();
     void DeleteArea();
     void StartPattern();

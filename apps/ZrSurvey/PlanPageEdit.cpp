@@ -54,6 +54,12 @@ bool PlanPage::OpenPlan(const QString& path)
     return m_files->Open(path);
 }
 
+void PlanPage::RemoveLastCorner()
+{
+    m_drawing.RemoveLast();
+    ShowState();
+}
+
 void PlanPage::SetMode(eMode mode)
 {
     if (m_mode == modeArea && mode != modeArea)

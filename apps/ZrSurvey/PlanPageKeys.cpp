@@ -9,7 +9,10 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     if (modifiers == Qt::ControlModifier) {
         switch (key) {
         case Qt::Key_Z:
-            Undo();
+            if (m_mode == modeArea && !m_drawing.Ring().empty())
+                RemoveLastCorner();
+            else
+                Undo();
             return true;
         case Qt::Key_Y:
             Redo();
@@ -62,8 +65,7 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     case Qt::Key_Backspace:
         if (m_mode != modeArea)
             return false;
-        m_drawing.RemoveLast();
-        ShowState();
+        RemoveLastCorner();
         return true;
     case Qt::Key_Delete:
         if (m_area >= 0)

@@ -223,3 +223,9 @@ void PlanPage::paintEvent(QPaintEvent* event)
         cross(ZrTheme::ctrlCol, static_cast<double>(ZrTheme::DpF(2.5F)));
     }
 }
+
+/// What the plan comes to.
+int PlanPage::FreeBelow() const
+{
+    return height() - m_length->y();
+}

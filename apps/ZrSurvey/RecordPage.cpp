@@ -165,6 +165,7 @@ void RecordPage::zr_paintGL()
 
 void RecordPage::OnPageOpen()
 {
+    View().Model().isReviewLast = false;
     MakeEventButtons();
     if (m_openKey != SourceMaker::Key(View().Model().settings))
         OpenSource();
@@ -486,4 +487,10 @@ void RecordPage::PaintSonar(QPainter& painter) const
     // The brightest thing on the screen would take the eyes their night sight.
     if (ZrColourScheme::Current() == ZrColourScheme::night)
         painter.fillRect(layout.View().rect, QColor(30, 0, 0, 150));
+}
+
+/// The event buttons and the note.
+int RecordPage::FreeBelow() const
+{
+    return height() - m_note->y();
 }

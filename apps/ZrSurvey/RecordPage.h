@@ -35,6 +35,7 @@ public:
     void zr_paintGL() override;
     bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
     void OnColours() override;
+    int FreeBelow() const override;
 
 protected:
     void Place() override;
@@ -124,6 +125,8 @@ private:
     QString m_trouble; ///< of the source, while it is tried again; else empty
     ZrArrivalRate m_arrivals;
     u64 m_sourceNumber = 0;
+    double m_toldData = 0.0; ///< when the data came that the others were told of, of the session's clock
+    double m_toldFix = 0.0; ///< likewise the position
     qint64 m_space = -1; ///< bytes free while nothing is recorded; -1 not known
     int m_ticks = 0;
 };

@@ -161,7 +161,8 @@ void RecordPage::OnNews(const ZrRecordingNews& news)
         m_waterfall.Add(live.ping, live.time, live.altitude);
     if (news.isRecording)
         View().Model().recording.Set(news.status);
-    if (news.state.latitude.IsKnown())
+    // News come while nothing does, too.
+    if (news.state.latitude.IsKnown() && news.state.lastData != m_toldData)
         TellModel();
     if (isVisible())
         ShowState();
@@ -180,7 +181,10 @@ void RecordPage::TellModel()
     pose.pitch = state.pitch.value;
     pose.roll = state.roll.value;
     pose.speed = state.speed.value;
-    View().Model().vehicle.Set(pose, SurveySource::Describe(View().Model().settings), true);
+    const bool hasNewFix = state.latitude.at != m_toldFix;
+    m_toldData = state.lastData;
+    m_toldFix = state.latitude.at;
+    View().Model().vehicle.Set(pose, SurveySource::Describe(View().Model().settings), true, hasNewFix);
 }
 
 void RecordPage::OnTick()

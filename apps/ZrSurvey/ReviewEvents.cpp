@@ -100,13 +100,26 @@ void ReviewEvents::Fill()
     m_remove->setEnabled(!items.isEmpty());
 }
 
-void ReviewEvents::Save()
+bool ReviewEvents::Save()
 {
     QString error;
-    if (!m_recording->Events().Save(&error))
+    const bool isSaved = m_recording->Events().Save(&error);
+    if (!isSaved)
         m_view.Warn(tr("The events are not saved. %1").arg(error));
     Fill();
     Q_EMIT Changed();
+    return isSaved;
+}
+
+/// Undo is for this change of this recording, not for whatever came last.
+void ReviewEvents::TellUndo(const QString& text)
+{
+    const QString path = m_recording->Path();
+    const QString step = m_recording->Events().UndoText();
+    m_view.Tell(text, tr("Undo"), [this, path, step] {
+        if (m_recording && m_recording->Path() == path && m_recording->Events().UndoText() == step)
+            Undo();
+    });
 }
 
 void ReviewEvents::Add(double steady, const QString& text, const QString& detail)
@@ -141,9 +154,10 @@ void ReviewEvents::Add(const ZrLogEvt& evt)
         return;
     ZrEventList& events = m_recording->Events();
     const u64 id = events.Add(evt);
-    Save();
+    const bool isSaved = Save();
     SetCurrent(static_cast<int>(events.IndexOf(id)));
-    m_view.Tell(tr("Event \"%1\" added").arg(evt.text.simplified()), tr("Undo"), [this] { Undo(); });
+    if (isSaved)
+        TellUndo(tr("Event \"%1\" added").arg(evt.text.simplified()));
 }
 
 void ReviewEvents::Edit(int row)
@@ -174,8 +188,8 @@ void ReviewEvents::Remove(int row)
     const QString text = m_recording->Events().At(at).text.simplified();
     if (!m_recording->Events().Remove(m_recording->Events().Id(at)))
         return;
-    Save();
-    m_view.Tell(tr("Event \"%1\" removed").arg(text), tr("Undo"), [this] { Undo(); });
+    if (Save())
+        TellUndo(tr("Event \"%1\" removed").arg(text));
 }
 
 void ReviewEvents::Undo()

@@ -47,7 +47,8 @@ protected:
 
 private:
     QString Subtitle(const ZrLogEvt& evt) const;
-    void Save();
+    bool Save(); ///< false, after a message, when they cannot be written
+    void TellUndo(const QString& text);
     void Fill();
     void Place();
 

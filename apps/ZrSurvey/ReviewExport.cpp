@@ -83,7 +83,8 @@ struct ReviewExport::Job
     QString Done() const
     {
         if (kind == targets)
-            return ReviewExport::tr(": %n target(s)", nullptr, static_cast<int>(targetsInPart.size()));
+            return targetsInPart.size() == 1 ? ReviewExport::tr(": one target")
+                                             : ReviewExport::tr(": %1 targets").arg(targetsInPart.size());
         if (kind != ReviewExport::waterfall)
             return {};
         QStringList parts;

@@ -14,6 +14,8 @@
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
 #include "apps/ZrSurvey/ReviewText.h"
+#include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
 
@@ -59,6 +61,7 @@ void ReviewPage::OnPageClose()
 void ReviewPage::showEvent(QShowEvent* event)
 {
     SurveyPage::showEvent(event);
+    View().Model().isReviewLast = true;
     m_sonar->ShowSettings();
     ShowState();
 }

@@ -292,7 +292,7 @@ void ReviewPage::TellWay()
     for (std::size_t i = 0; i < series.Count(); i += step)
         way.push_back({series.track[i].latitude, series.track[i].longitude,
             static_cast<double>(series.depth.Value(i)), static_cast<double>(series.altitude.Value(i))});
-    View().Model().vehicle.SetWay(std::move(way));
+    View().Model().reviewed.SetWay(std::move(way));
 }
 
 void ReviewPage::ShowPlots()
@@ -357,7 +357,7 @@ void ReviewPage::ShowCursor()
     pose.pitch = value(series.pitch);
     pose.roll = value(series.roll);
     pose.speed = value(series.speed);
-    View().Model().vehicle.Set(pose, QFileInfo(m_recording->Path()).fileName(), false);
+    View().Model().reviewed.Set(pose, QFileInfo(m_recording->Path()).fileName(), false);
     update(m_mapHeader);
     update(m_sonarHeader);
 }

@@ -57,7 +57,12 @@ ScenePage::ScenePage(SurveyView& view)
         m_follow->on = false;
         m_follow->update();
     });
-    connect(&view.Model().vehicle, &SurveyVehicle::Changed, this, &ScenePage::OnVehicle);
+    for (const SurveyVehicle* vehicle : {&view.Model().vehicle, &view.Model().reviewed}) {
+        connect(vehicle, &SurveyVehicle::Changed, this, [this, vehicle] {
+            if (vehicle == &Vehicle())
+                OnVehicle();
+        });
+    }
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, &ScenePage::UpdatePlan);
     m_scene.m_camera.SetDistance(25.0F);
 }
@@ -94,8 +99,18 @@ void ScenePage::zr_paintGL()
     m_scene.Render();
 }
 
+const SurveyVehicle& ScenePage::Vehicle() const
+{
+    const SurveyModel& model = View().Model();
+    return model.isReviewLast && !model.reviewed.Source().isEmpty() ? model.reviewed : model.vehicle;
+}
+
 void ScenePage::OnPageOpen()
 {
+    if (m_vehicle != &Vehicle()) {
+        m_vehicle = &Vehicle();
+        m_revision = -1;
+    }
     // The page is not visible yet.
     ShowVehicle();
     UpdatePlan();
@@ -120,7 +135,7 @@ void ScenePage::OnVehicle()
 void ScenePage::ShowVehicle()
 {
     UpdateWay();
-    const SurveyVehicle::Pose& pose = View().Model().vehicle.Current();
+    const SurveyVehicle::Pose& pose = Vehicle().Current();
     m_scene.m_hasVehicle = m_grid && std::isfinite(pose.lat) && std::isfinite(pose.lng);
     if (m_scene.m_hasVehicle) {
         m_scene.m_pose.position = ToScene(pose.lat, pose.lng, pose.depth);
@@ -136,7 +151,7 @@ void ScenePage::ShowVehicle()
 
 void ScenePage::UpdateWay()
 {
-    const SurveyVehicle& vehicle = View().Model().vehicle;
+    const SurveyVehicle& vehicle = Vehicle();
     const auto& way = vehicle.Way();
     if (vehicle.WayRevision() != m_revision || way.size() < m_wayCount) {
         m_revision = vehicle.WayRevision();
@@ -191,7 +206,7 @@ void ScenePage::UpdatePlan()
 
 void ScenePage::UpdateTiles()
 {
-    const SurveyVehicle::Pose& pose = View().Model().vehicle.Current();
+    const SurveyVehicle::Pose& pose = Vehicle().Current();
     const QString degree = QStringLiteral("°");
     m_heading->Set(Degrees(pose.heading), degree);
     m_pitch->Set(Degrees(pose.pitch), degree);
@@ -203,7 +218,7 @@ void ScenePage::UpdateTiles()
     };
     length(m_depth, pose.depth);
     length(m_altitude, pose.altitude);
-    SetSubtitle(View().Model().vehicle.Source());
+    SetSubtitle(Vehicle().Source());
 }
 
 void ScenePage::ToggleFollow()
@@ -307,4 +322,10 @@ void ScenePage::paintEvent(QPaintEvent* event)
     painter.setPen(ZrTheme::ctrlCol);
     painter.drawText(Content(), Qt::AlignCenter,
         tr("No vehicle yet. Start a source on the page Record, or open a recording."));
+}
+
+/// How the vehicle lies.
+int ScenePage::FreeBelow() const
+{
+    return height() - m_heading->y();
 }

@@ -9,6 +9,7 @@
 #include <memory>
 
 class ScenePanel;
+class SurveyVehicle;
 class ZrBtn;
 class ZrValueTile;
 
@@ -27,6 +28,7 @@ public:
     void zr_paintGL() override;
     bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
     void OnColours() override;
+    int FreeBelow() const override;
 
 protected:
     void Place() override;
@@ -34,6 +36,7 @@ protected:
 
 private:
     ZrBtn* AddButton(const QString& icon, const QString& hint, void (ScenePage::*action)());
+    const SurveyVehicle& Vehicle() const; ///< that of "Record" or "Review", whichever was looked at last
     void OnVehicle();
     void ShowVehicle();
     void ToggleFollow();
@@ -63,5 +66,6 @@ private:
     std::size_t m_wayCount = 0; ///< places that the scene has
     std::size_t m_floorCount = 0; ///< soundings that the floor was made of
     int m_revision = -1;
+    const SurveyVehicle* m_vehicle = nullptr; ///< that the way is of
     bool m_isMeshLoaded = false;
 };

@@ -17,7 +17,9 @@ struct SurveyModel
 
     SurveySettings settings;
     ZrPlanDocument plan;
-    SurveyVehicle vehicle;
+    SurveyVehicle vehicle; ///< live
+    SurveyVehicle reviewed; ///< at the cursor of the review
+    bool isReviewLast = false; ///< of "Record" and "Review" the latter was looked at last: 3D shows that
     SurveyRecording recording;
     SurveyFeed feed;
 };

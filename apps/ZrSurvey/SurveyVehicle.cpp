@@ -3,14 +3,15 @@
 #include <cmath>
 #include <utility>
 
-void SurveyVehicle::Set(const Pose& pose, const QString& source, bool isLive)
+void SurveyVehicle::Set(const Pose& pose, const QString& source, bool isLive, bool hasNewFix)
 {
     if (isLive && !m_isLive)
         SetWay({});
     m_pose = pose;
     m_source = source;
     m_isLive = isLive;
-    if (isLive && std::isfinite(pose.lat) && std::isfinite(pose.lng)) {
+    m_hasNewFix = hasNewFix && std::isfinite(pose.lat) && std::isfinite(pose.lng);
+    if (isLive && m_hasNewFix) {
         if (m_way.size() >= MostPlaces) {
             m_way.erase(m_way.begin(), m_way.begin() + MostPlaces / 10);
             ++m_revision;

@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-/// Where the vehicle is and how it lies, as the pages "Record" (live) and "Review" (at the cursor) tell it to
+/// Where a vehicle is and how it lies, as the page "Record" (live) or "Review" (at the cursor) tells it to
 /// the others.
 class SurveyVehicle : public QObject
 {
@@ -44,7 +44,8 @@ public:
     QString Source() const { return m_source; } ///< whose pose it is, for people; empty for none
 
     /// \param isLive of the vehicle itself; false of a recording
-    void Set(const Pose& pose, const QString& source, bool isLive);
+    /// \param hasNewFix the position has just come, and is another place of the way
+    void Set(const Pose& pose, const QString& source, bool isLive, bool hasNewFix = true);
     void Clear(); ///< the way as well
 
     const std::vector<Place>& Way() const { return m_way; } ///< of the vehicle up to now, or of the recording
@@ -59,6 +60,8 @@ public:
 
     bool IsLive() const { return m_isLive; }
 
+    bool HasNewFix() const { return m_hasNewFix; } ///< what was told last brought a position
+
 Q_SIGNALS:
     void Changed();
 
@@ -66,6 +69,7 @@ private:
     Pose m_pose;
     QString m_source;
     bool m_isLive = false;
+    bool m_hasNewFix = false;
     std::vector<Place> m_way;
     int m_revision = 0;
 };

@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include "ZrKit/review/ZrLogScan.h"
 #include "ZrKit/settings/ZrAppSettings.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrInputColours.h"
@@ -27,6 +28,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QTimer>
 
 #include <chrono>
@@ -59,6 +61,8 @@ SurveyView::SurveyView(const QString& dataDir)
     m_save->setSingleShot(true);
     m_save->setInterval(saveDelay);
     connect(m_save, &QTimer::timeout, this, &SurveyView::SaveSettings);
+    m_forms = &forms();
+    m_forms->installEventFilter(this);
     AddForms();
     AddPage(QStringLiteral("Home"), new HomePage(*this), true);
     AddLater<PlanPage>(QStringLiteral("Plan"));
@@ -145,7 +149,8 @@ bool SurveyView::Open(const QString& path)
         m_import->Start(path);
         return true;
     }
-    if (suffix != QLatin1String("log"))
+    ZrLogScan scan;
+    if (suffix != QLatin1String("log") && !scan.Open(path))
         return OpenPlan(path);
     OpenLog(path);
     return true;
@@ -296,10 +301,27 @@ void SurveyView::paintGL()
     Q_EMIT FramePainted();
 }
 
+/// Shortcuts of the page are not meant by who types, nor by who is at the settings in front of it.
+bool SurveyView::TakesShortcut(int key) const
+{
+    const QWidget* focus = QApplication::focusWidget();
+    if (qobject_cast<const QLineEdit*>(focus) && key != Qt::Key_Escape)
+        return false;
+    return !m_forms->isVisible() || !(m_forms == focus || m_forms->isAncestorOf(focus));
+}
+
+bool SurveyView::eventFilter(QObject* watched, QEvent* event)
+{
+    // The forms of the library do not tell of what they change.
+    if (watched == m_forms && event->type() == QEvent::Hide && m_isComplete)
+        SaveSoon();
+    return ZrAppView::eventFilter(watched, event);
+}
+
 void SurveyView::keyPressEvent(QKeyEvent* event)
 {
     const bool isAlt = event->modifiers() == Qt::AltModifier;
-    if (Page() && Page()->OnKey(event->key(), event->modifiers()))
+    if (Page() && TakesShortcut(event->key()) && Page()->OnKey(event->key(), event->modifiers()))
         return;
     switch (event->key()) {
     case Qt::Key_F1:

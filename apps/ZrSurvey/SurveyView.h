@@ -9,6 +9,7 @@ class QTimer;
 class SurveyImport;
 class SurveyPage;
 class ZrFmLogging;
+class ZrFormMgr;
 class ZrRowForm;
 class ZrToast;
 struct SurveyModel;
@@ -71,6 +72,7 @@ protected:
     void paintGL() override;
     void resizeGL(int w, int h) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     /// What is built when it is needed, or after the first frame.
@@ -82,6 +84,7 @@ private:
 
     template <class T> void AddLater(const QString& name);
     void AddForms();
+    bool TakesShortcut(int key) const;
     void AddRowForms();
     bool Need(const QString& part);
     void BuildNext();
@@ -94,6 +97,7 @@ private:
     SurveyImport* m_import;
     QString m_dataDir;
     QTimer* m_save;
+    ZrFormMgr* m_forms = nullptr; ///< the settings
     QVector<ZrRowForm*> m_rowForms;
     ZrFmLogging* m_logging = nullptr;
     QVector<Part> m_unbuilt;

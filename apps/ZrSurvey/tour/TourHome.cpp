@@ -70,8 +70,8 @@ void tour::line(Tour& tour)
         tour.Expect(static_cast<qint64>(recording.Pings().size()), linePings, QStringLiteral("pings"));
         tour.Expect(!recording.IsDamaged() && recording.Remarks().isEmpty(), QStringLiteral("a sound log"),
             recording.Remarks().join(QLatin1Char(' ')));
-        tour.Expect(tour.Model().vehicle.Way().size() > 250, QStringLiteral("the way of the vehicle"),
-            QString::number(tour.Model().vehicle.Way().size()));
+        tour.Expect(tour.Model().reviewed.Way().size() > 250, QStringLiteral("the way of the vehicle"),
+            QString::number(tour.Model().reviewed.Way().size()));
         hand.Await(QStringLiteral("the waterfall is shown"),
             [&page] { return page.Sonar().Loader() && !page.Sonar().Loader()->IsLoading(); });
     });
