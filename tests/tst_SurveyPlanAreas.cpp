@@ -1,6 +1,7 @@
 // Areas, patterns, files and checks on the page "Plan".
 
 #include "SurveyPlanWindow.h"
+#include "ZrUtil/ZrFormMgr.h"
 
 class tst_SurveyPlanAreas : public SurveyPlanWindow
 {
@@ -8,6 +9,9 @@ class tst_SurveyPlanAreas : public SurveyPlanWindow
 
 private Q_SLOTS:
     void areaByTaps();
+    void drawingIsNotForAnotherPlan();
+    void undoTakesTheLastCorner();
+    void keysAreNotForThePageBehindTheSettings();
     void cornerIsDragged();
     void twoCornersAreNoArea();
     void keepClearIsChecked();
@@ -42,6 +46,46 @@ void tst_SurveyPlanAreas::areaByTaps()
     const QPointF corner = m_page->Map().m_camera.ToPixel(m_page->Chart().ToWorld(Plan().Areas()[0].ring[3]));
     QVERIFY((corner - QPointF(250, 500)).manhattanLength() < 2.0);
     QCOMPARE(Plan().Route().GetCount(), 0);
+}
+
+void tst_SurveyPlanAreas::drawingIsNotForAnotherPlan()
+{
+    Click("tool_area");
+    for (const QPoint& at : {QPoint(250, 200), QPoint(650, 200), QPoint(650, 500)})
+        Tap(at);
+    QTest::keyClick(m_view.get(), Qt::Key_N, Qt::ControlModifier);
+    QCOMPARE(m_page->Mode(), PlanPage::modeBrowse);
+    QVERIFY(Plan().Areas().empty());
+    QVERIFY(Plan().NoGo().empty());
+}
+
+void tst_SurveyPlanAreas::undoTakesTheLastCorner()
+{
+    AddRoute();
+    const int count = Plan().Route().GetCount();
+    Click("tool_area");
+    for (const QPoint& at : {QPoint(250, 200), QPoint(650, 200), QPoint(650, 500), QPoint(300, 450)})
+        Tap(at);
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    Click("done");
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
+    QCOMPARE(Plan().Areas()[0].ring.size(), std::size_t(3));
+    QCOMPARE(Plan().Route().GetCount(), count);
+}
+
+void tst_SurveyPlanAreas::keysAreNotForThePageBehindTheSettings()
+{
+    QTRY_VERIFY(m_view->IsComplete());
+    QApplication::setActiveWindow(m_view.get());
+    m_view->ToggleSettings();
+    QVERIFY(m_view->forms().isVisible());
+    QTRY_VERIFY(m_view->forms().hasFocus());
+    QTest::keyClick(&m_view->forms(), Qt::Key_A);
+    QCOMPARE(m_page->Mode(), PlanPage::modeBrowse);
+    m_view->ToggleSettings();
+    QVERIFY(!m_view->forms().isVisible());
+    QTest::keyClick(m_view.get(), Qt::Key_A);
+    QCOMPARE(m_page->Mode(), PlanPage::modeAdd);
 }
 
 void tst_SurveyPlanAreas::cornerIsDragged()

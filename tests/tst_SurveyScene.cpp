@@ -45,6 +45,8 @@ private Q_SLOTS:
     void unknownValues();
     void poseReachesTheScene();
     void wayBecomesTrailAndFloor();
+    void liveAndReviewedApart();
+    void sameFixIsNoNewPlace();
     void orbitByDrag();
     void zoomByWheel();
     void panEndsFollowing();
@@ -182,6 +184,39 @@ void tst_SurveyScene::wayBecomesTrailAndFloor()
     Vehicle().Clear();
     QCOMPARE(Page().Scene().Trail().size(), std::size_t(0));
     QVERIFY(!Page().Scene().m_hasVehicle);
+}
+
+/// What a source tells meanwhile does not disturb the recording that is looked at.
+void tst_SurveyScene::liveAndReviewedApart()
+{
+    SurveyModel& model = m_view->Model();
+    Vehicle().Set(PoseAt(48.0, -68.0), S("Boat"), true);
+    SurveyVehicle::Pose reviewed = PoseAt(48.0, -68.0);
+    reviewed.heading = 10.0;
+    model.reviewed.Set(reviewed, S("a.log"), false);
+    QCOMPARE(Tile("Heading").Value(), S("123.4"));
+    model.isReviewLast = true;
+    m_view->Show(S("Home"));
+    m_view->Show(S("Scene"));
+    QCOMPARE(Tile("Heading").Value(), S("10.0"));
+    const std::size_t trail = Page().Scene().Trail().size();
+    Vehicle().Set(PoseAt(48.001, -68.0), S("Boat"), true);
+    QCOMPARE(Tile("Heading").Value(), S("10.0"));
+    QCOMPARE(Page().Scene().Trail().size(), trail);
+    model.isReviewLast = false;
+    m_view->Show(S("Home"));
+    m_view->Show(S("Scene"));
+    QCOMPARE(Tile("Heading").Value(), S("123.4"));
+    QCOMPARE(Page().Scene().Trail().size(), std::size_t(2));
+}
+
+void tst_SurveyScene::sameFixIsNoNewPlace()
+{
+    Vehicle().Set(PoseAt(48.0, -68.0), S("Boat"), true);
+    QVERIFY(Vehicle().HasNewFix());
+    Vehicle().Set(PoseAt(48.0, -68.0), S("Boat"), true, false);
+    QVERIFY(!Vehicle().HasNewFix());
+    QCOMPARE(Vehicle().Way().size(), std::size_t(1));
 }
 
 void tst_SurveyScene::orbitByDrag()
