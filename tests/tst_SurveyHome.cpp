@@ -237,7 +237,7 @@ void tst_SurveyHome::recordingTexts()
     log.start = survey::startTime;
     log.duration = 90.0;
     log.sonar = ZrRecentLog::sonarPresent;
-    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05  ·  1 min  ·  4.2 MB  ·  sonar"));
+    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05 UTC  ·  1 min  ·  4.2 MB  ·  sonar"));
     log.start = 1e300; // a damaged header may say anything
     QCOMPARE(HomeState::RecordingText(log), S("1 min  ·  4.2 MB  ·  sonar"));
 }

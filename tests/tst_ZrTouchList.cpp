@@ -44,6 +44,7 @@ private Q_SLOTS:
     void init();
     void tapChooses();
     void keysChoose();
+    void shortcutsPass();
     void setCurrentTellsNobody();
     void itemsKeepTheCurrentRow();
     void rowsAreTallEnough();
@@ -92,6 +93,37 @@ void tst_ZrTouchList::keysChoose()
     QTest::keyClick(&list, Qt::Key_Enter);
     QCOMPARE(chosen.count(), 2);
     QCOMPARE(chosen[1][0].toInt(), 2);
+}
+
+/// Those of the page around the list, also while it has the focus.
+void tst_ZrTouchList::shortcutsPass()
+{
+    class Page : public QWidget
+    {
+    public:
+        QVector<int> keys;
+
+    protected:
+        void keyPressEvent(QKeyEvent* event) override { keys.append(event->key()); }
+    };
+
+    Page page;
+    auto* list = new ZrTouchList(&page);
+    ZrListItem item;
+    for (const char* title : {"Alpha", "Pier", "Echo"}) {
+        item.title = QString::fromLatin1(title);
+        list->SetItems(list->Items() + QVector<ZrListItem>{item});
+    }
+    list->SetCurrent(0);
+    QTest::keyClick(list, Qt::Key_P);
+    QTest::keyClick(list, Qt::Key_Space);
+    QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);
+    QTest::keyClick(list, Qt::Key_Delete);
+    page.keys.removeAll(Qt::Key_Control); // pressed for the third
+    QCOMPARE(page.keys, (QVector<int>{Qt::Key_P, Qt::Key_Space, Qt::Key_Up, Qt::Key_Delete}));
+    QCOMPARE(list->Current(), 0);
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(list->Current(), 1);
 }
 
 void tst_ZrTouchList::setCurrentTellsNobody()

@@ -233,6 +233,14 @@ void ZrTouchList::keyPressEvent(QKeyEvent* event)
         Q_EMIT Chosen(Current());
         return;
     }
+    // All but the ways through the rows are shortcuts of the page; letters are no search.
+    const bool isWay = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down
+        || event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown || event->key() == Qt::Key_Home
+        || event->key() == Qt::Key_End;
+    if (!isWay || event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+        event->ignore();
+        return;
+    }
     QListView::keyPressEvent(event);
 }
 

@@ -146,8 +146,8 @@ QString HomeState::RecordingText(const ZrRecentLog& log)
 {
     QStringList parts;
     if (std::isfinite(log.start) && std::abs(log.start) < latestTime) {
-        const auto start = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(log.start * 1e3));
-        parts.append(start.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+        const auto start = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(log.start * 1e3), Qt::UTC);
+        parts.append(Tr("%1 UTC").arg(start.toString(QStringLiteral("yyyy-MM-dd HH:mm"))));
     }
     if (log.duration >= 0.0)
         parts.append(DurationText(log.duration));
