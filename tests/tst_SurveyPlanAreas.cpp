@@ -301,7 +301,7 @@ void tst_SurveyPlanAreas::planNotBegun()
     QVERIFY(!tiles[0]->Value().isEmpty());
     QVERIFY(!tiles[1]->Value().isEmpty());
     QTRY_VERIFY(!tiles[4]->Value().isEmpty());
-    QCOMPARE(checks->m_empty, QStringLiteral("Nothing to say"));
+    QCOMPARE(checks->m_empty, QStringLiteral("No findings"));
 }
 
 void tst_SurveyPlanAreas::marginOfNoGo()

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void simulatorIsLive();
+    void planThatChanges();
     void oneTouchRecords();
     void eventsEndInTheLog();
     void notesEndInTheLog();
@@ -163,6 +164,45 @@ void tst_SurveyRecord::simulatorIsLive()
     QVERIFY2(height > 400.0 && height < 1500.0, qPrintable(QString::number(height)));
     QVERIFY(Logs().isEmpty());
     QVERIFY(!m_view->Model().recording.IsOn());
+}
+
+/// The simulated vehicle runs the plan as it is, but for one that is being recorded.
+void tst_SurveyRecord::planThatChanges()
+{
+    const auto plan = [this](double lat) {
+        ZrPlanDocument& document = m_view->Model().plan;
+        document.New();
+        document.Route().linked = true;
+        for (const double lng : {-4.0, -3.998})
+            document.Route().Add(lat, lng, eZrWptBlue, ZrWpts::eAddTail);
+        document.Edited();
+    };
+    const auto isNear = [this](double lat) {
+        return HasPosition() && std::fabs(Page().Session().State().latitude.value - lat) < 0.01;
+    };
+    Open();
+    QTRY_VERIFY(isNear(50.332));
+    m_view->Show(QStringLiteral("Home"));
+    plan(48.5);
+    m_view->Show(QStringLiteral("Record"));
+    QTRY_VERIFY(isNear(48.5));
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    m_view->Show(QStringLiteral("Home"));
+    plan(47.5);
+    m_view->Show(QStringLiteral("Record"));
+    const auto items = Page().Session().Status().items;
+    QTRY_VERIFY(Page().Session().Status().items > items + 200);
+    QVERIFY(IsOn());
+    QVERIFY(isNear(48.5));
+    Touch(Button(QStringLiteral("Stop")));
+    QTRY_VERIFY(IsOff());
+    QTRY_VERIFY(isNear(47.5));
+    // The same plan is no reason to begin anew.
+    const i64 trail = Page().Map().TrailCount();
+    m_view->Show(QStringLiteral("Home"));
+    m_view->Show(QStringLiteral("Record"));
+    QVERIFY(Page().Map().TrailCount() >= trail);
 }
 
 void tst_SurveyRecord::oneTouchRecords()

@@ -46,6 +46,7 @@ const QVector<Golden>& goldens()
         {"sources", {}},
         {"review-line", {}},
         {"sonar-slant", {}},
+        {"sonar-bottom", {}},
         {"sonar-measure", {}},
         {"events", {}},
         {"settings", {}},
@@ -251,10 +252,10 @@ void tst_SurveyTour::pictures()
 void tst_SurveyTour::exports()
 {
     const QDir dir(m_tour + S("/exports"));
-    for (const char* name :
-        {"survey.json", "survey.gpx", "survey.kml", "survey.geojson", "survey.xml", "survey.txt",
-            "line-track.gpx", "line.kml", "line.geojson", "line.csv", "line-part.log", "line-records.csv",
-            "line-events.csv", "line-waterfall.png", "line-mosaic.png", "line-mosaic.pgw"})
+    for (const char* name : {"survey.json", "survey.gpx", "survey.kml", "survey.geojson", "survey.xml",
+             "survey.txt", "line-track.gpx", "line.kml", "line.geojson", "line.csv", "line-part.log",
+             "line-records.csv", "line-events.csv", "line-targets.geojson", "line-waterfall.png",
+             "line-mosaic.png", "line-mosaic.pgw"})
         QVERIFY2(QFileInfo(dir.filePath(S(name))).size() > 50, name);
     // What was recorded lies with the tour, and nowhere else.
     QVERIFY(QDir(m_tour + S("/data/recordings")).entryList({S("*.log")}, QDir::Files).size() == 2);

@@ -296,6 +296,13 @@ void tst_ZrOverlay::filesOfTheFolder()
     files.Open();
     auto* list = files.findChildren<ZrTouchList*>()[1];
     QCOMPARE(Titles(*list), QStringList({QStringLiteral("Ordner 港"), QStringLiteral("a.log")}));
+    // What it is for, and where one is.
+    const QString folder = QDir(m_dir->path()).dirName();
+    QCOMPARE(files.accessibleName(), QStringLiteral("Open – ") + folder);
+    files.SetPurpose(QStringLiteral("Import"));
+    QCOMPARE(files.accessibleName(), QStringLiteral("Import – ") + folder);
+    files.SetPurpose(QString());
+    QCOMPARE(files.accessibleName(), folder);
 }
 
 void tst_ZrOverlay::opensAFolder()

@@ -3,6 +3,7 @@
 #include "ZrKit/chart/ZrPlanChart.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrWpts.h"
 
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void legUnderTheFinger();
     void legFollowsTheArc();
     void areas();
+    void findingsShareAPin();
     void bounds();
     void invalidPositions();
 
@@ -34,6 +36,7 @@ private:
 void tst_ZrPlanChart::initTestCase()
 {
     ZrTheme::dp = 1.0F;
+    ZrColourScheme::Apply(ZrColourScheme::dusk);
 }
 
 /// A right angle of 100 m on each side: from the south up to the corner, then east.
@@ -145,6 +148,44 @@ void tst_ZrPlanChart::areas()
     QCOMPARE(chart.AreaAt(view.ToWorld({350, 350}), false), -1);
     QCOMPARE(chart.AreaAt(view.ToWorld({170, 170}), true), 0);
     QCOMPARE(chart.AreaAt(view.ToWorld({250, 250}), true), -1);
+}
+
+/// A track has a finding at every waypoint: pins do not cover one another, and an error is not hidden.
+void tst_ZrPlanChart::findingsShareAPin()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    const QPointF corner = chart.ToWorld({50.3, -4.1});
+    std::vector<ZrRouteFinding> findings;
+    for (int i = 0; i < 500; ++i) {
+        ZrRouteFinding finding;
+        finding.severity = i == 250 ? ZrRouteFinding::eError : ZrRouteFinding::eWarning;
+        finding.place = chart.ToGeo(corner + QPointF(0.4 * i, 0.0));
+        findings.push_back(finding);
+    }
+    const auto pins = [&chart](const QColor& colour) {
+        std::vector<QPointF> places;
+        for (ZrMapLayer* layer : chart.Layers()) {
+            const auto* marks = dynamic_cast<const ZrMarkerLayer*>(layer);
+            for (const ZrMapMarker& marker : marks ? marks->Markers() : std::vector<ZrMapMarker>()) {
+                if (marker.size == 18.0 && marker.colour == colour)
+                    places.push_back(marker.position);
+            }
+        }
+        return places;
+    };
+    chart.SetFindings(findings);
+    QCOMPARE(pins(ZrTheme::errorCol).size(), std::size_t(1));
+    view.SetScale(1.0);
+    chart.Match(view);
+    // 200 m, 32 m each, and one square cut at either end; that of the error has no other.
+    const auto shared = pins(ZrTheme::warnCol);
+    QVERIFY2(shared.size() >= 5 && shared.size() <= 7, qPrintable(QString::number(shared.size())));
+    QCOMPARE(pins(ZrTheme::errorCol).size(), std::size_t(1));
+    view.SetScale(0.01);
+    chart.Match(view);
+    QCOMPARE(pins(ZrTheme::warnCol).size(), std::size_t(499));
 }
 
 void tst_ZrPlanChart::bounds()

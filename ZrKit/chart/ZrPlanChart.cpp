@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 namespace {
 
@@ -265,7 +267,7 @@ void ZrPlanChart::BuildMarks()
         label.priority = isSelected ? ZrMapLabel::AlwaysShown : i == 0 || i + 1 == m_points.size() ? 2 : 1;
         labels.push_back(label);
     }
-    markers.insert(markers.end(), m_findings.begin(), m_findings.end());
+    AddFindings(markers);
     const auto name = [&labels](const auto& rings, const auto& names, const QColor& colour) {
         for (std::size_t i = 0; i < rings.size(); ++i) {
             ZrMapLabel label;
@@ -284,6 +286,23 @@ void ZrPlanChart::BuildMarks()
     m_markLayer.m_halo = ZrTheme::sea;
     m_markLayer.SetMarkers(std::move(markers));
     m_labelLayer.SetLabels(std::move(labels));
+}
+
+/// One pin where several would cover one another; an error before what it would hide.
+void ZrPlanChart::AddFindings(std::vector<ZrMapMarker>& markers) const
+{
+    const double cell = LeastPin * m_scale;
+    std::set<std::pair<double, double>> taken;
+    for (const bool isError : {true, false}) {
+        for (const ZrMapMarker& pin : m_findings) {
+            if ((pin.colour == ZrTheme::errorCol) != isError)
+                continue;
+            const QPointF at = pin.position / cell;
+            if (!(cell > 0.0) || !IsFinite(at)
+                || taken.insert({std::floor(at.x()), std::floor(at.y())}).second)
+                markers.push_back(pin);
+        }
+    }
 }
 
 QRectF ZrPlanChart::Bounds() const

@@ -34,6 +34,8 @@ class ZR_KIT_EXPORT ZrPlanChart
 public:
     /// Arrows and waypoints of turns are shown where legs are so many design pixels long.
     static constexpr double LeastLeg = 48.0;
+    /// Findings that lie within a square of so many pixels share a pin.
+    static constexpr double LeastPin = 32.0;
 
     ZrPlanChart();
 
@@ -79,6 +81,7 @@ private:
 
     void BuildLines();
     void BuildMarks();
+    void AddFindings(std::vector<ZrMapMarker>& markers) const;
     void BuildAreas();
     bool IsShown(std::size_t waypoint) const;
 

@@ -24,8 +24,9 @@ QImage Icon(const char* name)
 
 } // namespace
 
-ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& title)
-    : ZrOverlay(parent, title)
+ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& purpose)
+    : ZrOverlay(parent, purpose)
+    , m_purpose(purpose)
     , m_folder(QDir::home())
     , m_places(new ZrTouchList(this))
     , m_list(new ZrTouchList(this))
@@ -148,9 +149,21 @@ void ZrFilePanel::Fill()
     m_list->SetItems(items);
     m_list->SetCurrent(-1);
     m_list->scrollToTop();
-    SetTitle(m_folder.isRoot() ? m_folder.path() : m_folder.dirName());
+    ShowTitle();
     setToolTip(QString());
     ShowState();
+}
+
+void ZrFilePanel::SetPurpose(const QString& purpose)
+{
+    m_purpose = purpose;
+    ShowTitle();
+}
+
+void ZrFilePanel::ShowTitle()
+{
+    const QString folder = m_folder.isRoot() ? m_folder.path() : m_folder.dirName();
+    SetTitle(m_purpose.isEmpty() ? folder : tr("%1 – %2").arg(m_purpose, folder));
 }
 
 void ZrFilePanel::GoUp()
@@ -243,6 +256,7 @@ void ZrFilePanel::Place()
     const int side = std::max(ZrTheme::DpI(48), 44);
     m_up->setGeometry(body.right() - side, body.y() - side - gap / 2, side, side);
     m_up->Changed();
+    SetTitleRoom(side + gap);
     m_places->setGeometry(body.x(), body.y(), places, body.height() - name);
     m_list->setGeometry(body.x() + places + gap, body.y(), body.width() - places - gap, body.height() - name);
     m_name->setGeometry(body.x(), body.bottom() - name + gap, body.width(), std::max(name - gap, 0));

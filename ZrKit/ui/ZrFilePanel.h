@@ -37,8 +37,10 @@ public:
 
     static constexpr int MaxEntries = 2000; ///< of a folder; what is more is told, and not shown
 
-    ZrFilePanel(QWidget* parent, const QString& title);
+    /// \param purpose begins the title, the folder follows it: "Open a plan – surveys"; empty for that alone
+    ZrFilePanel(QWidget* parent, const QString& purpose);
 
+    void SetPurpose(const QString& purpose);
     void SetMode(eMode mode);
     void SetSuffixes(const QStringList& suffixes); ///< without the dot; empty for all files
     void SetFolder(const QString& folder); ///< the nearest one that there is, up from it
@@ -64,6 +66,7 @@ private:
     };
 
     void Fill();
+    void ShowTitle();
     void AddEntry(const QFileInfo& info);
     void ChooseRow(int row);
     void ShowState();
@@ -71,6 +74,7 @@ private:
     QString FileName() const;
     QString Chosen() const;
 
+    QString m_purpose;
     eMode m_mode = openFile;
     QDir m_folder;
     QStringList m_suffixes;

@@ -77,6 +77,11 @@ void ZrOverlay::SetProblem(const QString& text)
     update();
 }
 
+void ZrOverlay::SetTitleRoom(int pixels)
+{
+    m_titleRoom = pixels;
+}
+
 QSize ZrOverlay::Wanted() const
 {
     return {720, 560};
@@ -179,7 +184,8 @@ void ZrOverlay::paintEvent(QPaintEvent* /*event*/)
     font.setBold(true);
     painter.setFont(font);
     painter.setPen(ZrTheme::titleCol);
-    const QRect title(panel.x() + Margin(), panel.y(), panel.width() - 2 * Margin(), ZrTheme::DpI(64));
+    const QRect title(
+        panel.x() + Margin(), panel.y(), panel.width() - 2 * Margin() - m_titleRoom, ZrTheme::DpI(64));
     painter.drawText(title, Qt::AlignLeft | Qt::AlignVCenter,
         painter.fontMetrics().elidedText(m_title, Qt::ElideRight, title.width()));
     if (m_problem.isEmpty())

@@ -43,6 +43,8 @@ protected:
     QRect Panel() const; ///< of the parent
     QRect Body() const; ///< for the controls of a derived class
 
+    void SetTitleRoom(int pixels); ///< that a derived class needs for itself, at the right end of the title
+
     virtual QSize Wanted() const; ///< size of the panel, design pixels; as much as there is room for
     virtual void Place(); ///< puts the controls into `Body`
     virtual bool OnAccept(); ///< false keeps it open
@@ -63,6 +65,7 @@ private:
 
     QString m_title;
     QString m_problem;
+    int m_titleRoom = 0; ///< pixels
     QPointer<QWidget> m_focusBefore;
     bool m_isPressedBeside = false;
 };

@@ -10,6 +10,8 @@
 
 namespace {
 
+const QString dash = QStringLiteral("–"); ///< a value that is not known
+
 QColor ColourOf(ZrValueTile::eState state)
 {
     switch (state) {
@@ -80,7 +82,7 @@ bool ZrValueTile::IsAngle() const
 QString ZrValueTile::Number() const
 {
     if (m_value.isEmpty())
-        return QStringLiteral("–");
+        return dash;
     QString number = m_value;
     // A position or a name keeps its hyphens.
     if (number.size() > 1 && number[0] == QLatin1Char('-')
@@ -127,7 +129,8 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     if (valueWidth > room)
         large.setPixelSize(std::max(large.pixelSize() * room / valueWidth, 11));
     painter.setFont(large);
-    painter.setPen(colour);
+    // What is not known draws no eyes.
+    painter.setPen(value == dash && m_state == normal ? ZrTheme::bodyCol : colour);
     painter.drawText(middle, Qt::AlignLeft | Qt::AlignVCenter, value);
     const QFontMetrics largeSize = painter.fontMetrics();
     if (unit.isEmpty())

@@ -15,7 +15,7 @@ constexpr int arrowImage = 1; // of the surface's markers
 constexpr int waypointImage = 3;
 constexpr double firstScale = 0.5; // metres per pixel, while there is nothing but the vehicle
 
-constexpr double shortestStep = 10.0; // metres between samples of the plan's way
+constexpr double shortestStep = 1.0; // metres between samples of the plan's way, so that turns are round
 constexpr double mostSamples = 20000.0;
 
 constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();

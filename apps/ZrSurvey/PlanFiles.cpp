@@ -39,7 +39,7 @@ void PlanFiles::Restyle()
 void PlanFiles::Show(eTask task, const QString& title, bool isSaving, const QStringList& suffixes)
 {
     m_task = task;
-    m_panel->SetTitle(title);
+    m_panel->SetPurpose(title);
     m_panel->SetMode(isSaving ? ZrFilePanel::saveFile : ZrFilePanel::openFile);
     m_panel->SetSuffixes(suffixes);
     m_panel->SetFolder(m_view.last_path());
@@ -62,7 +62,7 @@ void PlanFiles::ShowExport()
 {
     QStringList forms = allForms;
     forms.move(0, forms.size() - 1);
-    Show(taskExport, tr("Export the route: gpx, kml, geojson, xml, txt or json by its suffix"), true, forms);
+    Show(taskExport, tr("Export the route"), true, forms);
 }
 
 void PlanFiles::ShowAreas()

@@ -418,7 +418,7 @@ void PlanPage::ShowTotals()
 void PlanPage::ShowChecks()
 {
     const bool isBegun = !Plan().Route().IsEmpty();
-    m_checks->m_empty = isBegun  ? tr("Nothing to say")
+    m_checks->m_empty = isBegun  ? tr("No findings")
         : Plan().Areas().empty() ? tr("Add a waypoint or draw an area")
                                  : tr("Add a waypoint, or survey lines over the area");
     m_checks->viewport()->update();

@@ -169,6 +169,7 @@ void RecordPage::OnPageOpen()
     MakeEventButtons();
     if (m_openKey != SourceMaker::Key(View().Model().settings))
         OpenSource();
+    UsePlan();
     ShowPlan();
     MeasureSpace();
     ShowState();
@@ -249,6 +250,7 @@ void RecordPage::ToggleRecording()
 void RecordPage::OnRecording()
 {
     if (m_session.Recording() == ZrRecordingSession::recordingOff) {
+        UsePlan();
         View().Model().recording.End();
         const QString file = m_session.Status().file;
         if (!file.isEmpty() && m_session.Status().seconds > 0.0)

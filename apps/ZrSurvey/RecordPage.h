@@ -69,6 +69,8 @@ private:
     void ChoosePort();
     void ChooseFile();
     void OpenSource();
+    bool IsPlanNew() const; ///< the simulated vehicle runs another one
+    void UsePlan();
     void ShowPlan();
     void MeasureSpace();
 
@@ -122,6 +124,7 @@ private:
     ZrFilePanel* m_files;
 
     QString m_openKey; ///< of the source that was opened
+    QByteArray m_openPlan; ///< that it runs
     QString m_trouble; ///< of the source, while it is tried again; else empty
     ZrArrivalRate m_arrivals;
     u64 m_sourceNumber = 0;

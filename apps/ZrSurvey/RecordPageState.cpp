@@ -2,6 +2,7 @@
 
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPalettes.h"
+#include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/recording/ZrSerialSource.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrByteText.h"
@@ -56,10 +57,29 @@ void RecordPage::OpenSource()
 {
     const SurveySettings& settings = View().Model().settings;
     m_openKey = SourceMaker::Key(settings);
+    m_openPlan = ZrPlanRecord::Encode(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
     m_trouble.clear();
     m_arrivals.Clear();
     m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
     ShowPlan();
+}
+
+bool RecordPage::IsPlanNew() const
+{
+    const SurveySettings& settings = View().Model().settings;
+    return settings.source == SurveySource::simulator && m_openKey == SourceMaker::Key(settings)
+        && m_openPlan != ZrPlanRecord::Encode(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
+}
+
+/// The simulated vehicle begins anew, unless its way is being recorded.
+void RecordPage::UsePlan()
+{
+    if (!IsPlanNew())
+        return;
+    if (m_session.Recording() == ZrRecordingSession::recordingOff)
+        OpenSource();
+    else
+        View().Tell(tr("The simulator runs the changed plan when the recording has ended"));
 }
 
 /// The vehicle's plan, or that which the simulated one runs.

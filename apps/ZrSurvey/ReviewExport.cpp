@@ -270,6 +270,7 @@ void ReviewExport::OnChosen(int kind)
     static const char* const names[kindCount]
         = {"part", "track", "records", "events", "targets", "waterfall", "mosaic"};
     m_kind = kind;
+    m_files->SetPurpose(tr("Export: %1").arg(m_choice->Items()[kind].title));
     m_files->SetMode(ZrFilePanel::saveFile);
     m_files->SetSuffixes(QString::fromLatin1(suffixes[kind]).split(QLatin1Char(' ')));
     const QFileInfo log(m_recording->Path());

@@ -77,7 +77,7 @@ void ReviewMeasure::Update()
     m_clear->setEnabled(m_target.has_value());
     m_shadowButton->Changed();
     m_panel.update();
-    Place(m_area);
+    Place(m_area, m_bottom);
     update();
 }
 
@@ -243,11 +243,12 @@ void ReviewMeasure::Restyle()
 {
     for (ZrBtn* button : {m_shadowButton, m_store, m_clear})
         button->Changed();
-    Place(m_area);
+    Place(m_area, m_bottom);
 }
 
-void ReviewMeasure::Place(const QRect& area)
+void ReviewMeasure::Place(const QRect& area, int bottom)
 {
+    m_bottom = bottom;
     m_area = area;
     const int margin = ZrTheme::DpI(12);
     const int row = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(2);
@@ -255,12 +256,19 @@ void ReviewMeasure::Place(const QRect& area)
     // Before anything is marked it is a hint that covers little.
     const int below = m_target ? side + margin : 0;
     const int rows = std::max(static_cast<int>(Lines().size()), m_target ? 2 : 1);
-    const QSize size = QSize(ZrTheme::DpI(m_target ? 380 : 440), rows * row + below + 2 * margin)
-                           .boundedTo(area.size() - QSize(2 * margin, 2 * margin));
-    // On the side where the target is not.
+    const QSize size
+        = QSize(ZrTheme::DpI(m_target ? 380 : 440), rows * row + below + 2 * margin)
+              .boundedTo(QSize(area.width(), m_bottom - area.y()) - QSize(2 * margin, 2 * margin));
+    // A hint is no obstacle, and what is beside the waterfall none for measuring: all of it can be tapped.
+    setAttribute(Qt::WA_TransparentForMouseEvents, !m_target);
+    const bool isBeside = m_target && area.x() > size.width() + 2 * margin;
+    // Otherwise on the side where the target is not.
     const bool isLeft = m_target && m_target->spot.side == sideStarboard;
-    setGeometry(isLeft ? area.x() + margin : area.right() - size.width() - margin,
-        area.bottom() - size.height() - margin, size.width(), size.height());
+    const int x0 = isBeside ? area.x() - size.width() - margin
+        : isLeft            ? area.x() + margin
+                            : area.right() - size.width() - margin;
+    const int y0 = std::max(area.bottom() - size.height() - margin, area.y() + margin);
+    setGeometry(x0, y0, size.width(), size.height());
     const int button = (size.width() - 4 * margin) / 3;
     int x = margin;
     for (ZrBtn* each : {m_shadowButton, m_clear, m_store}) {

@@ -36,7 +36,8 @@ public:
     const std::optional<ZrSonarMeasure::Shadow>& Shadow() const { return m_shadow; }
 
     void PaintMarks(QPainter& painter); ///< into the overlay of the panel
-    void Place(const QRect& area); ///< the part of the page that it may cover
+    /// \param area of the waterfall; \param bottom as far down as the panel may reach beside or over it
+    void Place(const QRect& area, int bottom);
     void Restyle();
 
     ZrBtn& ShadowButton() { return *m_shadowButton; }
@@ -72,6 +73,7 @@ private:
     ZrBtn* m_store;
     ZrBtn* m_clear;
     QRect m_area;
+    int m_bottom = 0;
     bool m_isOn = false;
     bool m_wantsShadow = false;
     std::optional<ZrSonarTarget> m_target;

@@ -26,6 +26,7 @@ namespace {
 const QColor cursorColour(255, 255, 255);
 const QColor eventColour(255, 190, 40);
 const QColor shade(0, 0, 0, 150);
+const QColor edge(0, 0, 0);
 
 QColor Ink(const QColor& colour)
 {
@@ -148,13 +149,14 @@ void ReviewSonar::Place(const QRect& area, bool isVisible)
 {
     m_panel->setVisible(isVisible);
     m_panel->setGeometry(area);
-    m_measure->Place(area);
+    const int bottom = m_page.height() - m_page.FreeBelow();
+    m_measure->Place(area, bottom);
     m_measure->setVisible(isVisible && m_measure->IsOn());
     m_measure->Restyle();
     m_bottom->Place(area);
     m_bottom->setVisible(isVisible && m_bottom->IsOn());
     // Over the plots as well: it goes with what is beside it.
-    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), m_page.height() - m_page.FreeBelow() - 1)));
+    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), bottom - 1)));
     if (!isVisible)
         m_look->hide();
     m_look->raise();
@@ -192,12 +194,15 @@ void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout
         const double y = m_panel->YOf(m_recording->PingAt(m_recording->TimeOf(events.At(i))));
         if (std::isnan(y))
             continue;
-        painter.setPen(QPen(Ink(eventColour), 2.0 * unit));
-        painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
-        painter.setBrush(Ink(eventColour));
         const QPointF flag[]
             = {{28.0 * unit, y - 6.0 * unit}, {38.0 * unit, y}, {28.0 * unit, y + 6.0 * unit}};
-        painter.drawPolygon(flag, 3);
+        // The dark edge is what shows on the bright end of a palette.
+        for (const QPen& pen : {QPen(edge, 6.0 * unit), QPen(Ink(eventColour), 2.0 * unit)}) {
+            painter.setPen(pen);
+            painter.setBrush(pen.color());
+            painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
+            painter.drawPolygon(flag, 3);
+        }
     }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
@@ -207,7 +212,7 @@ void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout
         if (std::isnan(at.x()))
             continue;
         const double radius = 9.0 * unit;
-        painter.setPen(QPen(shade, 4.0 * unit));
+        painter.setPen(QPen(edge, 6.0 * unit));
         painter.drawEllipse(at, radius, radius);
         painter.setPen(QPen(Ink(eventColour), 2.0 * unit));
         painter.drawEllipse(at, radius, radius);

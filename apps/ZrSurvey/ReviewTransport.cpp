@@ -12,6 +12,11 @@
 
 namespace {
 
+constexpr int narrowest = 44; ///< of a button, pixels
+constexpr float wanted = 60.0F; ///< likewise, design pixels, for its caption
+constexpr float around = 10.0F; ///< what a button keeps free on either side of it, design pixels
+constexpr int leastFont = 9; ///< pixels
+
 const QImage& Icon(const QString& name)
 {
     static QHash<QString, QImage> icons;
@@ -68,17 +73,6 @@ void ReviewTransport::Add(int act, const char* icon, const QString& text, const 
 
 void ReviewTransport::Restyle()
 {
-    QFont small = ZrTheme::font;
-    small.setPixelSize(std::max(ZrTheme::DpI(13), 10));
-    for (int act = 0; act < actCount; ++act) {
-        const bool isBare = act == setA || act == setB || act == typeTime;
-        m_buttons[act]->font = isBare ? ZrTheme::fontLarge : small;
-        m_buttons[act]->Changed();
-    }
-    QFont clock = ZrTheme::font;
-    clock.setPixelSize(std::max(ZrTheme::DpI(20), 13));
-    clock.setBold(true);
-    m_buttons[typeTime]->font = clock;
     Place();
     update();
 }
@@ -89,17 +83,24 @@ void ReviewTransport::resizeEvent(QResizeEvent* event)
     Place();
 }
 
-/// The clock at the left, playing in the middle, the range at the right.
+/// The clock at the left, playing in the middle, the range at the right. Where room is short the gaps go
+/// first, then the clock: a button stays as wide as a finger.
 void ReviewTransport::Place()
 {
-    const int gap = ZrTheme::DpI(8);
-    const int margin = ZrTheme::DpI(16);
-    const int clock = ZrTheme::DpI(176);
-    const int rate = ZrTheme::DpI(64);
-    const int narrowest = 44;
     const int count = actCount - 1;
-    const int room = width() - 2 * margin - clock - rate - gap * (count + 1) - 2 * gap;
-    const int side = std::clamp(room / count, narrowest, std::max(ZrTheme::DpI(80), narrowest));
+    int gap = ZrTheme::DpI(8);
+    int margin = ZrTheme::DpI(16);
+    int rate = ZrTheme::DpI(64);
+    int clock = ZrTheme::DpI(176);
+    const auto room = [&] { return (width() - 2 * margin - clock - rate - gap * (count + 3)) / count; };
+    if (room() < ZrTheme::DpI(wanted))
+        gap = 2;
+    if (room() < ZrTheme::DpI(wanted)) {
+        margin = 4;
+        rate = std::max(ZrTheme::DpI(48), narrowest);
+        clock = std::min(clock, std::max(ZrTheme::DpI(136), 132));
+    }
+    const int side = std::clamp(room(), narrowest, std::max(ZrTheme::DpI(80), narrowest));
     const int high = height();
     m_buttons[typeTime]->setGeometry(margin, 0, clock, high);
     const int range = 4 * (side + gap);
@@ -120,6 +121,34 @@ void ReviewTransport::Place()
     m_rateRect = QRect(x - gap, 0, rate + gap, high);
     x += rate;
     m_buttons[faster]->setGeometry(x, 0, side, high);
+    PlaceText(side, clock);
+}
+
+/// Text as large as there is room for.
+void ReviewTransport::PlaceText(int side, int clock)
+{
+    const auto fit = [](QFont font, const QString& text, int room) {
+        const int is = QFontMetrics(font).horizontalAdvance(text);
+        if (is > room)
+            font.setPixelSize(std::max(font.pixelSize() * room / is, leastFont));
+        return font;
+    };
+    QFont small = ZrTheme::font;
+    small.setPixelSize(std::max(ZrTheme::DpI(13), leastFont));
+    for (const int act :
+        {previousEvent, secondBack, recordBack, recordForward, secondForward, nextEvent, addEvent})
+        small = fit(small, m_buttons[act]->text, side - 2 * ZrTheme::DpI(around));
+    for (int act = 0; act < actCount; ++act) {
+        m_buttons[act]->font = act == setA || act == setB ? ZrTheme::fontLarge : small;
+        m_buttons[act]->Changed();
+    }
+    QFont large = ZrTheme::font;
+    large.setPixelSize(std::max(ZrTheme::DpI(20), 13));
+    large.setBold(true);
+    m_buttons[typeTime]->font = fit(large, QStringLiteral("00:00:00.000"), clock - 2 * ZrTheme::DpI(around));
+    m_rateFont = ZrTheme::font;
+    m_rateFont.setBold(true);
+    m_rateFont = fit(m_rateFont, QStringLiteral("−0.25×"), m_rateRect.width());
 }
 
 void ReviewTransport::SetTime(const QString& time, const QString& date)
@@ -160,9 +189,7 @@ void ReviewTransport::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.fillRect(rect(), ZrTheme::toolBack);
-    QFont font = ZrTheme::font;
-    font.setBold(true);
-    painter.setFont(font);
+    painter.setFont(m_rateFont);
     painter.setPen(ZrTheme::ctrlCol);
     painter.drawText(m_rateRect, Qt::AlignCenter, m_rate);
 }

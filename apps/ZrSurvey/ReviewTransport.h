@@ -52,8 +52,10 @@ protected:
 private:
     void Add(int act, const char* icon, const QString& text, const QString& hint);
     void Place();
+    void PlaceText(int side, int clock);
 
     QVector<ZrBtn*> m_buttons;
     QString m_rate;
+    QFont m_rateFont;
     QRect m_rateRect;
 };

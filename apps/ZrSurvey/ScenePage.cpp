@@ -23,11 +23,16 @@ static void InitSurveyResources()
 
 namespace {
 
+constexpr float nearDistance = 25.0F; ///< of the camera, metres
+
 /// Of the floor's grid at least, metres.
 constexpr float floorSpacing = 2.5F;
 
 /// The floor is made anew when so many soundings more have come, in parts of those that it has.
 constexpr double floorGrowth = 0.05;
+
+constexpr double shortestStep = 1.0; ///< metres between samples of the plan's way
+constexpr double mostSamples = 20000.0;
 
 QString Degrees(double value)
 {
@@ -64,7 +69,7 @@ ScenePage::ScenePage(SurveyView& view)
         });
     }
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, &ScenePage::UpdatePlan);
-    m_scene.m_camera.SetDistance(25.0F);
+    m_scene.m_camera.SetDistance(nearDistance);
 }
 
 ZrBtn* ScenePage::AddButton(const QString& icon, const QString& hint, void (ScenePage::*action)())
@@ -193,7 +198,9 @@ void ScenePage::UpdatePlan()
 {
     std::vector<QVector3D> line;
     if (m_grid) {
-        const auto samples = View().Model().plan.Path().Sample(5.0);
+        const ZrRoutePath& path = View().Model().plan.Path();
+        // Turns are round.
+        const auto samples = path.Sample(std::max(shortestStep, path.Length() / mostSamples));
         for (const ZrPathSample& sample : samples) {
             if (sample.position.IsValid())
                 line.push_back(ToScene(sample.position.lat, sample.position.lng, 0.0));
@@ -237,9 +244,10 @@ void ScenePage::Follow()
 
 void ScenePage::Exaggerate()
 {
-    m_scene.m_exaggeration = m_scene.m_exaggeration < 2.0F ? 3.0F
-        : m_scene.m_exaggeration < 5.0F                    ? 6.0F
-                                                           : 1.0F;
+    const float before = m_scene.m_exaggeration;
+    m_scene.m_exaggeration = before < 2.0F ? 3.0F : before < 5.0F ? 6.0F : 1.0F;
+    // As far away as what was in view has grown: the floor stays there.
+    m_scene.m_camera.SetDistance(m_scene.m_camera.Distance() * m_scene.m_exaggeration / before);
     m_exaggerate->on = m_scene.m_exaggeration > 1.0F;
     m_exaggerate->text = m_exaggerate->on ? QStringLiteral("× %1").arg(m_scene.m_exaggeration) : QString();
     // A square has room for one of them.
@@ -255,7 +263,7 @@ void ScenePage::ResetView()
     m_follow->on = true;
     m_follow->update();
     const float heading = std::isfinite(m_scene.m_pose.heading) ? m_scene.m_pose.heading : 0.0F;
-    m_scene.m_camera.SetDistance(25.0F);
+    m_scene.m_camera.SetDistance(nearDistance * m_scene.m_exaggeration);
     m_scene.m_camera.SetAngles(heading + 215.0F, 22.0F);
     Follow();
     Changed();

@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -64,24 +65,36 @@ int RunTour(const QString& folder, const QString& line, const QSize& size)
     return result;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+/// What the command line asks for.
+struct Options
 {
-    SetSurfaceFormat();
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication app(argc, argv);
+    QString data; ///< folder of the settings
+    QString screenshot; ///< file to write, empty for none
+    QString page; ///< to show first, empty for the one it begins with
+    QSize size;
+    QString tour; ///< folder, when `isTour`
+    QString tourLine;
+    QString file; ///< to open, empty for none
+    bool isTour = false;
+    bool isTimed = false; ///< tells of the first frame, and ends
+};
+
+void SetUp()
+{
     QApplication::setStyle(QStringLiteral("Fusion"));
     QCoreApplication::setApplicationName(QStringLiteral("ZrSurvey"));
     QCoreApplication::setOrganizationName(QStringLiteral("ZrSurvey"));
-
     const QString name = QCoreApplication::applicationName();
     ZrTranslation::Install(name, ZrTranslation::Folders(name));
-
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();
     // Lines for typing take their letters from here, all else from the theme.
     QApplication::setFont(QFont(ZrTheme::fontFamily));
+}
+
+/// \returns nothing when that was all, with the exit code in \p code
+std::optional<Options> ReadOptions(int& code)
+{
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QCoreApplication::translate("main", "Plans, records and reviews surveys of underwater vehicles."));
@@ -117,7 +130,8 @@ int main(int argc, char** argv)
     const bool isUnderstood = parser.parse(QCoreApplication::arguments());
     if (isUnderstood && parser.isSet(help)) {
         std::printf("%s", qPrintable(parser.helpText()));
-        return 0;
+        code = 0;
+        return {};
     }
     const QStringList files = parser.positionalArguments();
     if (!isUnderstood || files.size() > 1) {
@@ -125,7 +139,8 @@ int main(int argc, char** argv)
             ? QCoreApplication::translate("main", "Unexpected argument %1").arg(files[1])
             : parser.errorText();
         std::fprintf(stderr, "%s\n%s", qPrintable(what), qPrintable(parser.helpText()));
-        return 1;
+        code = 1;
+        return {};
     }
 
     const QStringList sides = parser.value(size).split(QLatin1Char('x'));
@@ -134,42 +149,76 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n",
             qPrintable(QCoreApplication::translate("main", "%1 is no size of a window, such as 1280x800")
                            .arg(parser.value(size))));
-        return 1;
+        code = 1;
+        return {};
     }
-    if (parser.isSet(tour))
-        return RunTour(parser.value(tour), parser.value(tourLine), windowSize);
+    Options options;
+    options.data = parser.isSet(data) ? parser.value(data)
+                                      : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    options.screenshot = parser.value(screenshot);
+    options.page = parser.value(page);
+    options.size = windowSize;
+    options.isTour = parser.isSet(tour);
+    options.tour = parser.value(tour);
+    options.tourLine = parser.value(tourLine);
+    options.file = files.value(0);
+    options.isTimed = parser.isSet(timeStart);
+    return options;
+}
 
+void TellFirstFrame(SurveyView& view)
+{
+    QObject::connect(&view, &QOpenGLWidget::frameSwapped, &view, [isTold = false]() mutable {
+        if (std::exchange(isTold, true))
+            return;
+        std::puts("first frame");
+        std::fflush(stdout);
+        QCoreApplication::quit();
+    });
+}
+
+int RunToPicture(SurveyView& view, const QString& path)
+{
+    bool isSaved = false;
+    QTimer::singleShot(4000, &view, [&] {
+        isSaved = view.grab().save(path);
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return isSaved ? 0 : 3;
+}
+
+int RunWindow(const Options& options)
+{
     // What the program says about its own work goes into the file that the settings show, unless they say
     // otherwise; a terminal stays quiet.
     zr_debug_log_write_switch(&zr_debug_log_to_file, 1);
     zr_debug_log_write_switch(&zr_debug_log_to_dbg, 0);
     const ZrQtLog qtLog;
-    SurveyView view(parser.isSet(data) ? parser.value(data)
-                                       : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    SurveyView view(options.data);
     ChooseScale(view);
-    view.resize(windowSize);
-    if (parser.isSet(timeStart)) {
-        QObject::connect(&view, &QOpenGLWidget::frameSwapped, &view, [isTold = false]() mutable {
-            if (std::exchange(isTold, true))
-                return;
-            std::puts("first frame");
-            std::fflush(stdout);
-            QCoreApplication::quit();
-        });
-    }
+    view.resize(options.size);
+    if (options.isTimed)
+        TellFirstFrame(view);
     view.show();
-    if (parser.isSet(page))
-        view.Show(parser.value(page));
-    if (!files.isEmpty())
-        view.Open(files[0]);
-    if (parser.isSet(screenshot)) {
-        bool isSaved = false;
-        QTimer::singleShot(4000, &view, [&] {
-            isSaved = view.grab().save(parser.value(screenshot));
-            QCoreApplication::quit();
-        });
-        QApplication::exec();
-        return isSaved ? 0 : 3;
-    }
-    return QApplication::exec();
+    if (!options.page.isEmpty())
+        view.Show(options.page);
+    if (!options.file.isEmpty())
+        view.Open(options.file);
+    return options.screenshot.isEmpty() ? QApplication::exec() : RunToPicture(view, options.screenshot);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    SetSurfaceFormat();
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication app(argc, argv);
+    SetUp();
+    int code = 0;
+    const std::optional<Options> options = ReadOptions(code);
+    if (!options)
+        return code;
+    return options->isTour ? RunTour(options->tour, options->tourLine, options->size) : RunWindow(*options);
 }

@@ -12,6 +12,7 @@
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrSlider.h"
 #include "apps/ZrSurvey/HomePage.h"
+#include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
 #include "apps/ZrSurvey/ReviewLook.h"
@@ -27,7 +28,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 
 #include <algorithm>
 #include <cmath>
@@ -42,6 +45,10 @@ constexpr double aftRange = 12.6;
 constexpr double stemPing = 184.0;
 constexpr double stemRange = 12.4;
 constexpr double shadowRange = 16.0;
+
+/// The stroke along the bottom line.
+constexpr std::size_t strokePing = 180;
+constexpr std::size_t strokeHalf = 15; ///< pings to either side
 
 struct SonarTour
 {
@@ -123,6 +130,68 @@ void check_picture(Tour& tour, const QString& name, int leastWidth)
     tour.ExpectWithin(most - least, 100, 255, QStringLiteral("contrast of %1").arg(name));
 }
 
+/// A stroke through the water, a metre nearer than the line that was found; taken back and done again.
+void correct_bottom(SonarTour& at)
+{
+    Tour& tour = at.tour;
+    TourHand& hand = at.hand;
+    ReviewBottom& bottom = at.page.Sonar().Bottom();
+    const ZrBottomLine& line = at.Recording().Bottom();
+    const double found = line.Altitude(strokePing);
+    tour.ExpectWithin(found, 5.0, 9.0, QStringLiteral("altitude that was found, metres"));
+    hand.Key(Qt::Key_K);
+    tour.Expect(bottom.IsOn(), QStringLiteral("the bottom line is corrected"), QStringLiteral("it is not"));
+    hand.HideToast();
+    const double drawn = found - 1.0;
+    hand.Drag(
+        at.Panel(), at.PixelOf(strokePing - strokeHalf, drawn), at.PixelOf(strokePing + strokeHalf, drawn));
+    const auto expectDrawn = [&](const QString& when) {
+        tour.ExpectWithin(line.Altitude(strokePing), drawn - 0.1, drawn + 0.1,
+            QStringLiteral("altitude %1, metres").arg(when));
+        tour.Expect(line.IsEdited(strokePing), QStringLiteral("the line is drawn by hand %1").arg(when),
+            QStringLiteral("it is not"));
+    };
+    expectDrawn(QStringLiteral("after the stroke"));
+    tour.Expect(static_cast<qint64>(bottom.Editor().EditedCount(0, strokePing - 2 * strokeHalf)), 0,
+        QStringLiteral("lines that were drawn elsewhere"));
+    hand.Tap(bottom.UndoButton());
+    tour.ExpectWithin(
+        line.Altitude(strokePing), found - 1e-9, found + 1e-9, QStringLiteral("altitude after undo, metres"));
+    hand.Key(Qt::Key_Y, Qt::ControlModifier);
+    expectDrawn(QStringLiteral("after redo"));
+    hand.Await(QStringLiteral("the line is saved"), [&bottom] { return bottom.Editor().IsSaved(); });
+    at.AwaitLines();
+}
+
+void leave_bottom(SonarTour& at)
+{
+    ReviewBottom& bottom = at.page.Sonar().Bottom();
+    at.hand.Key(Qt::Key_Z, Qt::ControlModifier);
+    at.tour.Expect(static_cast<qint64>(bottom.Editor().EditedCount(0, at.Recording().Pings().size() - 1)), 0,
+        QStringLiteral("lines that are drawn by hand after undo"));
+    at.hand.Tap(at.hand.Button(QStringLiteral("Done"), &bottom));
+    at.tour.Expect(
+        !bottom.IsOn(), QStringLiteral("the bottom line is no longer corrected"), QStringLiteral("it is"));
+}
+
+/// The one target, where the wreck is.
+void check_targets(Tour& tour, const QByteArray& json)
+{
+    const QJsonArray features
+        = QJsonDocument::fromJson(json).object().value(QLatin1String("features")).toArray();
+    tour.Expect(features.size(), 1, QStringLiteral("targets of line-targets.geojson"));
+    const QJsonObject target = features.first().toObject();
+    const QJsonArray place
+        = target.value(QLatin1String("geometry")).toObject().value(QLatin1String("coordinates")).toArray();
+    tour.ExpectWithin(place.at(0).toDouble(), -68.83, -68.82, QStringLiteral("its longitude"));
+    tour.ExpectWithin(place.at(1).toDouble(), 48.44, 48.45, QStringLiteral("its latitude"));
+    const QJsonObject told = target.value(QLatin1String("properties")).toObject();
+    tour.Expect(told.value(QLatin1String("name")).toString() == QLatin1String("Target 1"),
+        QStringLiteral("the name Target 1"), told.value(QLatin1String("name")).toString());
+    tour.ExpectWithin(
+        told.value(QLatin1String("height")).toDouble(), 0.5, 3.0, QStringLiteral("its height, metres"));
+}
+
 } // namespace
 
 void tour::sonar(Tour& tour)
@@ -180,8 +249,12 @@ void tour::sonar(Tour& tour)
             QStringLiteral("they are not"));
         at.AwaitLines();
     });
-    tour.Station(QStringLiteral("sonar-measure"), [&] {
+    tour.Station(QStringLiteral("sonar-bottom"), [&] {
         hand.Press(QStringLiteral("slant"));
+        correct_bottom(at);
+    });
+    tour.Station(QStringLiteral("sonar-measure"), [&] {
+        leave_bottom(at);
         hand.Press(QStringLiteral("bottom"));
         hand.Press(QStringLiteral("bottom"));
         tour.Expect(
@@ -236,8 +309,8 @@ void tour::sonar(Tour& tour)
         for (const ZrListItem& item : list.List().Items())
             told.append(item.title);
         tour.Expect(
-            told.contains(QStringLiteral("Target")) && told.contains(QStringLiteral("Wreck, amidships")),
-            QStringLiteral("Target and Wreck, amidships"), told.join(QStringLiteral(", ")));
+            told.contains(QStringLiteral("Target 1")) && told.contains(QStringLiteral("Wreck, amidships")),
+            QStringLiteral("Target 1 and Wreck, amidships"), told.join(QStringLiteral(", ")));
         hand.HideToast();
     });
 }
@@ -260,6 +333,7 @@ void tour::exports(Tour& tour)
             at.Export(QStringLiteral("Track"), QString::fromLatin1(name));
         at.Export(QStringLiteral("Records"), QStringLiteral("line-records.csv"));
         at.Export(QStringLiteral("Events"), QStringLiteral("line-events.csv"));
+        at.Export(QStringLiteral("Targets"), QStringLiteral("line-targets.geojson"));
         at.Export(QStringLiteral("Waterfall picture"), QStringLiteral("line-waterfall.png"));
         at.Export(QStringLiteral("Mosaic"), QStringLiteral("line-mosaic.png"));
         ZrLogScan scan;
@@ -286,6 +360,7 @@ void tour::exports(Tour& tour)
             QStringLiteral("lines of the table of events"));
         tour.Expect(QJsonDocument::fromJson(at.Read(QStringLiteral("line.geojson"))).isObject(),
             QStringLiteral("line.geojson is JSON"), QStringLiteral("it is not"));
+        check_targets(tour, at.Read(QStringLiteral("line-targets.geojson")));
         tour.Expect(at.Read(QStringLiteral("line.kml")).contains("</kml>"),
             QStringLiteral("line.kml is whole"), QStringLiteral("it is not"));
         check_picture(tour, QStringLiteral("line-waterfall.png"), 400);
