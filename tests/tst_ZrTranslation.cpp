@@ -53,7 +53,7 @@ void tst_ZrTranslation::init()
 
 void tst_ZrTranslation::cleanup()
 {
-    qDeleteAll(qApp->findChildren<QTranslator*>());
+    qDeleteAll(QCoreApplication::instance()->findChildren<QTranslator*>());
 }
 
 QString tst_ZrTranslation::Folder(const char* name, const char* file, const QByteArray& content)
@@ -111,7 +111,7 @@ void tst_ZrTranslation::none()
     const QString folder = Folder("folder", "App_de.qm", content);
     QVERIFY(!ZrTranslation::Install(name, {folder}, QLocale(language)));
     QCOMPARE(Text(), S("%1: the file is empty"));
-    QVERIFY(qApp->findChildren<QTranslator*>().isEmpty());
+    QVERIFY(QCoreApplication::instance()->findChildren<QTranslator*>().isEmpty());
 }
 
 void tst_ZrTranslation::folders()

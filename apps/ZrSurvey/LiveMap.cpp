@@ -41,12 +41,19 @@ void LiveMap::OnColours()
     ShowPlan();
 }
 
-/// Chooses the zone of the map by the first place there is.
+/// Chooses the zone of the map: that of the plan until the vehicle is in another one, and then that of where
+/// its trail begins.
 bool LiveMap::Locate(double lat, double lng)
 {
-    if (m_projection || !std::isfinite(lat) || !std::isfinite(lng))
+    if (!std::isfinite(lat) || !std::isfinite(lng) || (m_projection && m_trail.m_track.Count() > 0))
         return m_projection != nullptr;
-    m_projection = std::make_unique<ZrGridBatch>(ZrGridBatch::UtmAt(lat, lng));
+    const ZrGridBatch there = ZrGridBatch::UtmAt(lat, lng);
+    const auto isSame = [](const ZrProj& a, const ZrProj& b) {
+        return a.lngOrigin == b.lngOrigin && a.falseNorth == b.falseNorth;
+    };
+    if (m_projection && isSame(m_projection->Projection(), there.Projection()))
+        return true;
+    m_projection = std::make_unique<ZrGridBatch>(there);
     m_grid.SetProjection(ZrUnits::wgs84, m_projection->Projection());
     m_camera.SetCentre(ToWorld(lat, lng));
     m_camera.SetScale(firstScale);
