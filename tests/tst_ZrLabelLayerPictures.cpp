@@ -2,6 +2,7 @@
 
 #include "GlRecorder.h"
 #include "LabelLayerTest.h"
+#include "WithoutResource.h"
 
 #include <algorithm>
 
@@ -39,6 +40,13 @@ private:
     static inline SmallTextures* s_active = nullptr;
 };
 
+GLint CurrentProgram()
+{
+    GLint program = 0;
+    QOpenGLContext::currentContext()->functions()->glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    return program;
+}
+
 constexpr qint64 vertexBytes = sizeof(ZrMapBatch::Vertex);
 constexpr int quad = 6; ///< vertices
 
@@ -57,6 +65,9 @@ private Q_SLOTS:
     void cleanup() { End(); }
 
     void oneQuadForInkAndHalo();
+    void inkAlone_data();
+    void inkAlone();
+    void inkAloneDoesNotBuild();
     void sameTextsShareAPicture();
     void looksLikeDistances_data();
     void looksLikeDistances();
@@ -93,6 +104,63 @@ void tst_ZrLabelLayerPictures::oneQuadForInkAndHalo()
     Paint();
     QCOMPARE(recorder.uploadedBytes, qint64(0));
     QCOMPARE(s_lines, 0);
+}
+
+void tst_ZrLabelLayerPictures::inkAlone_data()
+{
+    QTest::addColumn<QColor>("colour");
+    QTest::addColumn<QColor>("behind");
+    QTest::newRow("white on black") << QColor(Qt::white) << QColor(Qt::black);
+    QTest::newRow("black on white") << QColor(Qt::black) << QColor(Qt::white);
+    QTest::newRow("faint") << QColor(255, 128, 0, 100) << QColor(0, 40, 200);
+}
+
+/// Texts without a halo have a shader of their own; with one label of another kind the layer takes the common
+/// one, and its pixels are the same.
+void tst_ZrLabelLayerPictures::inkAlone()
+{
+    QFETCH(QColor, colour);
+    QFETCH(QColor, behind);
+    ZrMapLabel label = LabelOf(QStringLiteral("Wreck 7"), {-80, 0});
+    label.colour = colour;
+    m_layer->SetLabels({label});
+    const QImage plain = Painted(behind);
+    QVERIFY(gl::CountNot(plain, behind) > 50);
+    const GLint alone = CurrentProgram();
+    ZrMapLabel beyond = LabelOf(QStringLiteral("far"), {1e6, 0});
+    beyond.halo = Qt::black;
+    m_layer->SetLabels({label, beyond});
+    const QString difference = gl::Difference(Painted(behind), plain, 1);
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    const GLint common = CurrentProgram();
+    QVERIFY(common != alone);
+    beyond.halo = Qt::transparent;
+    beyond.angle = 30.0;
+    m_layer->SetLabels({label, beyond});
+    Paint();
+    QCOMPARE(CurrentProgram(), common);
+    m_layer->SetLabels({label});
+    Paint();
+    QCOMPARE(CurrentProgram(), alone);
+    QCOMPARE(s_lines, 0);
+}
+
+/// Texts are drawn by the common shader then.
+void tst_ZrLabelLayerPictures::inkAloneDoesNotBuild()
+{
+    ZrMapLabel label = LabelOf(QStringLiteral("one"));
+    label.halo = Qt::black;
+    m_layer->SetLabels({label});
+    Paint();
+    const resource::Without without(QStringLiteral(":/map_label_ink.fsh"));
+    QVERIFY(without.IsDone());
+    m_layer->SetLabels({LabelOf(QStringLiteral("one"))});
+    QVERIFY(gl::CountNot(Painted(), Qt::black) > 0);
+    QVERIFY(gl::CountNot(Painted(), Qt::black) > 0);
+    QCOMPARE(s_messages,
+        QStringList({QStringLiteral("Cannot read shader :/map_label.vsh"),
+            QStringLiteral("Cannot read shader :/map_label_ink.fsh")}));
+    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 
 void tst_ZrLabelLayerPictures::sameTextsShareAPicture()

@@ -77,7 +77,7 @@ struct ZrLabelLayer::Frame
 };
 
 ZrLabelLayer::ZrLabelLayer()
-    : m_batch(QStringLiteral(":/map_label.fsh"))
+    : m_batch(QStringLiteral(":/map_label.fsh"), QStringLiteral(":/map_label_ink.fsh"))
 {
 }
 
@@ -255,11 +255,13 @@ ZrMapBatch::Vertices ZrLabelLayer::Build()
 {
     ZrMapBatch::Vertices vertices;
     m_hasDistances = false;
+    m_hasHalos = false;
     for (std::size_t i = 0; i < m_labels.size(); ++i) {
         if (!m_isShown[i])
             continue;
         if (m_texts[i].picture >= 0) {
             AddPicture(vertices, m_labels[i], m_texts[i]);
+            m_hasHalos = m_hasHalos || HaloWidth(m_labels[i]) > 0.0F;
         } else {
             AddGlyphs(vertices, m_labels[i], m_texts[i]);
             m_hasDistances = true;
@@ -345,8 +347,13 @@ void ZrLabelLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
         return;
     LimitAtlas(surface);
     const bool isChanged = Layout(LookOf(pixel));
-    if (Declutter(view) || isChanged || !m_batch.IsUploaded())
-        m_batch.Upload(surface, Build());
+    if (Declutter(view) || isChanged || !m_batch.IsUploaded()) {
+        const ZrMapBatch::Vertices vertices = Build();
+        m_batch.SetPlain(!m_hasDistances && !m_hasHalos);
+        if (!m_batch.Use(surface))
+            return;
+        m_batch.Upload(surface, vertices);
+    }
     if (std::find(m_isShown.begin(), m_isShown.end(), true) == m_isShown.end())
         return;
     surface.m_gl.glActiveTexture(GL_TEXTURE0);

@@ -129,6 +129,7 @@ private:
     QSize m_textureSize; ///< empty while there was no memory for it
     std::vector<unsigned char> m_rows; ///< of a cell on its way to the texture
     bool m_hasDistances = false; ///< among the vertices are those of glyphs
+    bool m_hasHalos = false; ///< of pictures
     bool m_isSmooth = false; ///< texels of the texture are mixed
     bool m_isFailureLogged = false;
 };

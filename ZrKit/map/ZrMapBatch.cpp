@@ -69,14 +69,17 @@ void ZrMapBatch::Vertex::SetHalo(const QColor& value)
     Write(value, halo);
 }
 
-ZrMapBatch::ZrMapBatch(const QString& fragment)
+ZrMapBatch::ZrMapBatch(const QString& fragment, const QString& plain)
     : m_program(QStringLiteral(":/map_label.vsh"), fragment)
+    , m_plain(QStringLiteral(":/map_label.vsh"), plain)
+    , m_hasPlain(!plain.isEmpty())
 {
 }
 
 bool ZrMapBatch::Use(ZrGlSurface& surface)
 {
-    return m_program.Use(surface);
+    m_usesPlain = m_isPlain && m_hasPlain && m_plain.Use(surface);
+    return m_usesPlain || m_program.Use(surface);
 }
 
 void ZrMapBatch::Upload(ZrGlSurface& surface, const Vertices& vertices)
@@ -109,15 +112,16 @@ void ZrMapBatch::Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& 
     if (m_count == 0 || m_buffer == 0 || view.IsEmpty() || texture.isEmpty())
         return;
     auto& gl = surface.m_gl;
-    m_program.SetSplit(surface, ZrMapSplit(view));
-    gl.glUniform1i(m_program.Uniform(surface, "uTexUnit"), 0);
-    gl.glUniform2f(m_program.Uniform(surface, "uHalf"), static_cast<float>(view.Width()) / 2.0F,
+    ZrMapProgram& program = m_usesPlain ? m_plain : m_program;
+    program.SetSplit(surface, ZrMapSplit(view));
+    gl.glUniform1i(program.Uniform(surface, "uTexUnit"), 0);
+    gl.glUniform2f(program.Uniform(surface, "uHalf"), static_cast<float>(view.Width()) / 2.0F,
         static_cast<float>(view.Height()) / 2.0F);
-    gl.glUniform2f(m_program.Uniform(surface, "uTexel"), 1.0F / static_cast<float>(texture.width()),
+    gl.glUniform2f(program.Uniform(surface, "uTexel"), 1.0F / static_cast<float>(texture.width()),
         1.0F / static_cast<float>(texture.height()));
     gl.glBindBuffer(GL_ARRAY_BUFFER, m_buffer);
     for (const Field& field : fields) {
-        const int at = m_program.Attribute(surface, field.name);
+        const int at = program.Attribute(surface, field.name);
         if (at < 0)
             continue;
         gl.glEnableVertexAttribArray(static_cast<GLuint>(at));
@@ -130,7 +134,7 @@ void ZrMapBatch::Draw(ZrGlSurface& surface, const ZrMapView& view, const QSize& 
     gl.glDrawArrays(GL_TRIANGLES, 0, m_count);
     gl.glDisable(GL_BLEND);
     for (const Field& field : fields) {
-        const int at = m_program.Attribute(surface, field.name);
+        const int at = program.Attribute(surface, field.name);
         if (at >= 0)
             gl.glDisableVertexAttribArray(static_cast<GLuint>(at));
     }
@@ -142,12 +146,14 @@ void ZrMapBatch::Release(ZrGlSurface& surface)
     if (m_buffer != 0)
         surface.m_gl.glDeleteBuffers(1, &m_buffer);
     m_program.Release(surface);
+    m_plain.Release(surface);
     Forget();
 }
 
 void ZrMapBatch::Forget()
 {
     m_program.Forget();
+    m_plain.Forget();
     m_buffer = 0;
     m_count = 0;
     m_isUploaded = false;

@@ -41,7 +41,12 @@ public:
 
     using Vertices = std::vector<Vertex>;
 
-    explicit ZrMapBatch(const QString& fragment); ///< resource of the fragment shader
+    /// \p fragment is the resource of the fragment shader, \p plain that of a cheaper one for triangles whose
+    /// halo, edge and sharpness are of no account.
+    explicit ZrMapBatch(const QString& fragment, const QString& plain = QString());
+
+    /// Whether the next `Use` takes the plain shader, where there is one and it builds.
+    void SetPlain(bool isPlain) { m_isPlain = isPlain; }
 
     /// Makes the program current; false when it did not build.
     bool Use(ZrGlSurface& surface);
@@ -61,6 +66,10 @@ public:
 
 private:
     ZrMapProgram m_program;
+    ZrMapProgram m_plain;
+    bool m_hasPlain;
+    bool m_isPlain = false;
+    bool m_usesPlain = false; ///< it is the current one
     unsigned m_buffer = 0;
     int m_count = 0;
     bool m_isUploaded = false;
