@@ -12,6 +12,7 @@ namespace {
 
 constexpr float iconSide = 36.0F; ///< design pixels
 constexpr float margin = 10.0F; ///< around the content, design pixels
+constexpr float beside = 4.0F; ///< left free beside the text of a tool, design pixels
 constexpr float between = 10.0F; ///< icon and text, design pixels
 constexpr float above = 4.0F; ///< how far a tool's content stands above the middle, design pixels
 constexpr int leastBadgeText = 11; ///< pixels: what can be read
@@ -77,7 +78,8 @@ void ZrBtn::PlaceContent()
         const double high = std::max(0.0, std::min(side, inside.height() - textHeight));
         const double top = std::max(0.0, inside.center().y() - up - (high + textHeight) / 2);
         imgRect = QRectF(inside.center().x() - high / 2, top, high, high);
-        textRect = QRectF(inside.left(), imgRect.bottom(), inside.width(), textHeight);
+        const double free = ZrCtrlLook::Dp(beside);
+        textRect = QRectF(free, imgRect.bottom(), width() - 2 * free, textHeight);
         return;
     }
     const double room = inside.width() - side - gap;

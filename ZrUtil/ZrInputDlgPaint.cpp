@@ -11,6 +11,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -45,6 +46,28 @@ QColor AlarmCol()
 QColor AlarmTextCol()
 {
     return ZrCtrlLook::Mixed(ZrTheme::errorCol, ZrTheme::ctrlCol, 0.45);
+}
+
+/// Relative luminance (WCAG 2.1): 0 for black, 1 for white.
+double Luminance(const QColor& colour)
+{
+    const auto linear
+        = [](double part) { return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF())
+        + 0.0722 * linear(colour.blueF());
+}
+
+/// Of the letters of controls and the ground of forms the one that is easier to read on \p fill: a theme may
+/// have a highlight as bright as its letters.
+QColor LettersOn(const QColor& fill)
+{
+    const double at = Luminance(fill) + 0.05;
+    const auto contrast = [at](const QColor& letters) {
+        const double other = Luminance(letters) + 0.05;
+        return std::max(at, other) / std::min(at, other);
+    };
+    const QColor ground = Opaque(ZrTheme::formBack);
+    return contrast(ZrTheme::ctrlCol) >= contrast(ground) ? ZrTheme::ctrlCol : ground;
 }
 
 /// Signs that are lost on a key at the size of letters.
@@ -204,13 +227,14 @@ void ZrInputDlg::PaintHead(QPainter& painter, const QRect& rect)
         painter.setPen(Qt::NoPen);
         painter.setBrush(AlarmCol());
         painter.drawRoundedRect(badge, badge.height() / 2, badge.height() / 2);
-        painter.setPen(ZrTheme::ctrlCol);
+        const QColor letters = LettersOn(AlarmCol());
+        painter.setPen(letters);
         painter.setFont(bold);
         painter.drawText(badge.adjusted(inset + mark, 0, -inset / 2, 0), word, ZrTheme::left);
         // A ring with an exclamation mark says it to who does not see red.
         const double ring = mark * 0.8;
         QRectF circle(badge.left() + inset * 0.7, badge.center().y() - ring / 2, ring, ring);
-        painter.setBrush(ZrTheme::ctrlCol);
+        painter.setBrush(letters);
         painter.setPen(Qt::NoPen);
         painter.drawEllipse(circle);
         bold.setPixelSize(std::max(1, qRound(ring * 0.85)));
@@ -312,9 +336,10 @@ void ZrInputDlg::PaintItem(QPainter& painter, int i)
     // Thinner than those of buttons, since there are many; each state has its own at every scale.
     look.outlineWidth = Px(1.0F) * (key.enabled && key.pressed ? 3 : key.enabled && key.hovered ? 2 : 1);
     if (key.enabled && !key.pressed && !key.on) {
-        if (item.action == zriOk)
+        if (item.action == zriOk) {
             look.fill = Opaque(ZrTheme::ctrlHighlightCol);
-        else if (item.action == zriKey)
+            look.text = LettersOn(look.fill);
+        } else if (item.action == zriKey)
             look.fill = ZrCtrlLook::Mixed(ZrTheme::toolBack, ZrTheme::ctrlCol, 0.07);
     }
     look.PaintFrame(painter, item.rect, Px(8.0F));

@@ -130,7 +130,9 @@ double ZrSlider::ValueAt(double x) const
 QString ZrSlider::ValueText() const
 {
     const QString number = QString::number(m_value, 'f', places);
-    return unit.isEmpty() ? number : number + QLatin1Char(' ') + unit;
+    // As everywhere else the degree sign of an angle stands close to its number.
+    const bool isClose = unit.isEmpty() || unit == QChar(0x00B0);
+    return isClose ? number + unit : number + QLatin1Char(' ') + unit;
 }
 
 void ZrSlider::SetHover(u32 state)

@@ -1,6 +1,7 @@
 // The home page: what its tiles say, where its entries lead, and that it stands still while nothing happens.
 
 #include "SurveyWindow.h"
+#include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrKit/ui/ZrEntryBtn.h"
@@ -108,7 +109,7 @@ void tst_SurveyHome::positionTile()
     QCOMPARE(HomeState::Position(pose, true, 0.0).value, QString()); // half of it is none
     pose.lng = -1.25;
     const HomeState::Tile now = HomeState::Position(pose, true, 0.4);
-    QCOMPARE(now.value, ZrUnits::GetLatString(51.5) + S("  ") + ZrUnits::GetLngString(-1.25));
+    QCOMPARE(now.value, ZrPositionShown::Text(51.5, -1.25));
     QCOMPARE(now.note, S("Fix now"));
     QCOMPARE(now.state, ZrValueTile::normal);
     QCOMPARE(HomeState::Position(pose, true, 4.9).note, S("Fix 4 s ago"));
@@ -163,9 +164,9 @@ void tst_SurveyHome::spaceTile_data()
     QTest::addColumn<int>("state");
     QTest::newRow("not known") << qint64(-1) << -1.0 << ""
                                << "Not known" << int(ZrValueTile::normal);
-    QTest::newRow("enough") << qint64(1000000000) << -1.0 << "1.0"
+    QTest::newRow("enough") << qint64(1000000000) << -1.0 << "1.00"
                             << "Stops at 500 MB" << int(ZrValueTile::normal);
-    QTest::newRow("little") << qint64(999999999) << -1.0 << "1.0"
+    QTest::newRow("little") << qint64(999999999) << -1.0 << "1.00"
                             << "Stops at 500 MB" << int(ZrValueTile::warning);
     QTest::newRow("too little") << qint64(499999999) << -1.0 << "500"
                                 << "Stops at 500 MB" << int(ZrValueTile::error);
@@ -191,14 +192,14 @@ void tst_SurveyHome::sizes_data()
 {
     QTest::addColumn<double>("bytes");
     QTest::addColumn<QString>("text");
-    QTest::newRow("none") << 0.0 << "0 kB";
-    QTest::newRow("less than none") << -5.0 << "0 kB";
+    QTest::newRow("none") << 0.0 << "0 B";
+    QTest::newRow("less than none") << -5.0 << "0 B";
     QTest::newRow("kilo") << 999499.0 << "999 kB";
-    QTest::newRow("rounded up") << 999500.0 << "1.0 MB";
+    QTest::newRow("rounded up") << 999500.0 << "1.00 MB";
     QTest::newRow("mega") << 12345678.0 << "12.3 MB";
     QTest::newRow("hundreds") << 123456789.0 << "123 MB";
-    QTest::newRow("giga") << 1e9 << "1.0 GB";
-    QTest::newRow("tera") << 2.5e12 << "2.5 TB";
+    QTest::newRow("giga") << 1e9 << "1.00 GB";
+    QTest::newRow("tera") << 2.5e12 << "2.50 TB";
     QTest::newRow("beyond") << 1e18 << "1000000 TB";
 }
 
@@ -233,13 +234,13 @@ void tst_SurveyHome::recordingTexts()
 {
     ZrRecentLog log;
     log.size = 4200000;
-    QCOMPARE(HomeState::RecordingText(log), S("4.2 MB"));
+    QCOMPARE(HomeState::RecordingText(log), S("4.20 MB"));
     log.start = survey::startTime;
     log.duration = 90.0;
     log.sonar = ZrRecentLog::sonarPresent;
-    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05 UTC  ·  1 min  ·  4.2 MB  ·  sonar"));
+    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05 UTC  ·  1 min  ·  4.20 MB  ·  sonar"));
     log.start = 1e300; // a damaged header may say anything
-    QCOMPARE(HomeState::RecordingText(log), S("1 min  ·  4.2 MB  ·  sonar"));
+    QCOMPARE(HomeState::RecordingText(log), S("1 min  ·  4.20 MB  ·  sonar"));
 }
 
 void tst_SurveyHome::entries_data()
@@ -299,7 +300,7 @@ void tst_SurveyHome::tilesFollow()
     status.secondsLeft = 7200.0;
     m_view->Model().recording.Set(status);
     QCOMPARE(Tile(2)->Value(), S("1:02:05"));
-    QCOMPARE(Tile(3)->Value(), S("7.0"));
+    QCOMPARE(Tile(3)->Value(), S("7.00"));
     QCOMPARE(Tile(3)->Unit(), S("GB"));
     QCOMPARE(Tile(3)->Note(), S("For 2 h 0 min"));
     m_view->Model().recording.End();

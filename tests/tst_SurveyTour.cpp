@@ -27,7 +27,7 @@ QString S(const char* text)
     return QString::fromUtf8(text);
 }
 
-constexpr int tourMs = 280000;
+constexpr int tourMs = 500000;
 
 /// A picture and the parts of it that are not the same every time, pixels of the whole window.
 struct Golden
@@ -252,10 +252,13 @@ void tst_SurveyTour::pictures()
 void tst_SurveyTour::exports()
 {
     const QDir dir(m_tour + S("/exports"));
-    for (const char* name : {"survey.json", "survey.gpx", "survey.kml", "survey.geojson", "survey.xml",
-             "survey.txt", "line-track.gpx", "line.kml", "line.geojson", "line.csv", "line-part.log",
-             "line-records.csv", "line-events.csv", "line-targets.geojson", "line-waterfall.png",
-             "line-mosaic.png", "line-mosaic.pgw"})
+    for (const char* name :
+        {"survey.json", "survey.gpx", "survey.kml", "survey.geojson", "survey.xml", "survey.txt",
+            "line-track.gpx", "line.kml", "line.geojson", "line.csv", "line-part.log", "line-records.csv",
+            "line-events.csv", "line-targets.geojson", "line-waterfall.png", "line-mosaic.png",
+            "line-mosaic.pgw", "recording-part.log", "recording.gpx", "recording.kml", "recording.geojson",
+            "recording.csv", "recording-records.csv", "recording-events.csv", "recording-waterfall.png",
+            "recording-mosaic.png", "recording-mosaic.pgw", "recording-mosaic.prj"})
         QVERIFY2(QFileInfo(dir.filePath(S(name))).size() > 50, name);
     // What was recorded lies with the tour, and nowhere else.
     QVERIFY(QDir(m_tour + S("/data/recordings")).entryList({S("*.log")}, QDir::Files).size() == 2);

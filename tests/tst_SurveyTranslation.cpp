@@ -1,86 +1,15 @@
 // Every text on every page goes through the translators: with one that writes Greek letters for Latin ones
 // nothing else that can be read is left on the screen but data, units and names.
 
+#include "DrawnText.h"
 #include "SurveyWindow.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrRowForm.h"
 #include "ZrUtil/ZrBtn.h"
 
-#include <QPaintDevice>
-#include <QPaintEngine>
 #include <QTranslator>
 
 namespace {
-
-/// Keeps the texts that are drawn.
-class TextEngine : public QPaintEngine
-{
-public:
-    TextEngine()
-        : QPaintEngine(QPaintEngine::AllFeatures)
-    {
-    }
-
-    bool begin(QPaintDevice* /*device*/) override { return true; }
-
-    bool end() override { return true; }
-
-    void updateState(const QPaintEngineState& /*state*/) override { }
-
-    void drawPixmap(const QRectF& /*r*/, const QPixmap& /*pixmap*/, const QRectF& /*part*/) override { }
-
-    void drawPath(const QPainterPath& /*path*/) override { }
-
-    void drawPolygon(const QPointF* /*points*/, int /*count*/, PolygonDrawMode /*mode*/) override { }
-
-    void drawTextItem(const QPointF& /*at*/, const QTextItem& item) override { texts.insert(item.text()); }
-
-    Type type() const override { return QPaintEngine::User; }
-
-    QSet<QString> texts;
-};
-
-class TextDevice : public QPaintDevice
-{
-public:
-    explicit TextDevice(QSize size)
-        : m_size(size)
-    {
-    }
-
-    QPaintEngine* paintEngine() const override { return &m_engine; }
-
-    const QSet<QString>& Texts() const { return m_engine.texts; }
-
-protected:
-    int metric(PaintDeviceMetric metric) const override
-    {
-        switch (metric) {
-        case PdmWidth:
-            return m_size.width();
-        case PdmHeight:
-            return m_size.height();
-        case PdmWidthMM:
-            return m_size.width() / 4;
-        case PdmHeightMM:
-            return m_size.height() / 4;
-        case PdmNumColors:
-            return INT_MAX;
-        case PdmDepth:
-            return 32;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return static_cast<int>(devicePixelRatioFScale());
-        default:
-            return 96;
-        }
-    }
-
-private:
-    QSize m_size;
-    mutable TextEngine m_engine;
-};
 
 /// Writes all letters of translated texts in Greek, placeholders stay.
 class GreekTranslator : public QTranslator
@@ -144,14 +73,12 @@ void tst_SurveyTranslation::cleanup()
     Close();
 }
 
-/// Texts with a Latin word that is neither a unit, nor the name of a product, a palette or a folder.
+/// Texts with a Latin word that is neither a unit of the library, nor the name of a product, a palette or a
+/// folder.
 QStringList tst_SurveyTranslation::Latin(const QSet<QString>& texts)
 {
-    static const QSet<QString> data = {QStringLiteral("ZrSurvey"), QStringLiteral("km"), QStringLiteral("dB"),
-        QStringLiteral("GB"), QStringLiteral("MB"), QStringLiteral("kB"), QStringLiteral("Hz"),
-        QStringLiteral("kHz"), QStringLiteral("UTC"), QStringLiteral("OpenGL"), QStringLiteral("Qt"),
-        QStringLiteral("NMEA"), QStringLiteral("UDP"), QStringLiteral("TCP"), QStringLiteral("ms"),
-        QStringLiteral("kn"), QStringLiteral("ft"), QStringLiteral("nm")};
+    static const QSet<QString> data = {QStringLiteral("ZrSurvey"), ZrUnits::GetLongLengthUnits(),
+        ZrUnits::GetSpeedUnits(), QStringLiteral("OpenGL"), QStringLiteral("Qt")};
     static const QStringList palettes = ZrSonarPalette::Names();
     QStringList latin;
     for (const QString& text : texts) {
@@ -174,9 +101,10 @@ QStringList tst_SurveyTranslation::Latin(const QSet<QString>& texts)
 
 QSet<QString> tst_SurveyTranslation::Drawn(QWidget& widget)
 {
-    TextDevice device(widget.size());
-    widget.render(&device, QPoint(), QRegion(), QWidget::DrawChildren);
-    return device.Texts();
+    QSet<QString> texts;
+    for (const DrawnText& drawn : TextDevice::Of(widget, QWidget::DrawChildren))
+        texts.insert(drawn.text);
+    return texts;
 }
 
 void tst_SurveyTranslation::pages_data()

@@ -1,6 +1,7 @@
 // A button that shows a palette above its name.
 
 #include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrPaletteBtn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrCtrlLook.h"
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void showsThePalette();
     void palettesDiffer();
     void unknownIsGrey();
+    void darkAtNight();
     void hasAnEnd();
     void nameIsBelow();
     void isNoToggle();
@@ -116,6 +118,27 @@ void tst_ZrPaletteBtn::palettesDiffer()
         seen.append(swatch);
     }
     QVERIFY(seen.size() > 2);
+}
+
+/// Nothing on it is as bright as by day.
+void tst_ZrPaletteBtn::darkAtNight()
+{
+    const auto brightest = [] {
+        ZrPaletteBtn button(nullptr, QStringLiteral("gray"));
+        button.resize(96, 72);
+        const QImage image = button.grab().toImage();
+        int most = 0;
+        for (int x = 0; x < image.width(); ++x)
+            most = std::max(most, qGray(image.pixel(x, 20)));
+        return most;
+    };
+    const int before = ZrColourScheme::Current();
+    ZrColourScheme::Apply(ZrColourScheme::dusk);
+    const int dusk = brightest();
+    ZrColourScheme::Apply(ZrColourScheme::night);
+    const int night = brightest();
+    ZrColourScheme::Apply(before);
+    QVERIFY2(dusk > 240 && night < 130, qPrintable(QStringLiteral("%1 %2").arg(dusk).arg(night)));
 }
 
 void tst_ZrPaletteBtn::unknownIsGrey()

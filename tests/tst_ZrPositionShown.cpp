@@ -13,6 +13,8 @@ class tst_ZrPositionShown : public QObject
 
 private Q_SLOTS:
     void styles();
+    void degrees_data();
+    void degrees();
     void grid_data();
     void grid();
     void notFinite();
@@ -21,12 +23,41 @@ private Q_SLOTS:
 void tst_ZrPositionShown::styles()
 {
     const ZrUnitsState state;
-    for (const int style : {0, 1, 2, 3, 4, 5, 6, 7}) {
+    for (const int style : {1, 2, 3, 5, 6, 7}) {
         ZrUnits::SetGeoStyle(eGeoStyle(style));
         const QStringList expected({ZrUnits::GetLatString(51.5), ZrUnits::GetLngString(-1.25)});
         QCOMPARE(ZrPositionShown::Parts(51.5, -1.25), expected);
         QCOMPARE(ZrPositionShown::Text(51.5, -1.25), expected.join(QStringLiteral("  ")));
     }
+}
+
+void tst_ZrPositionShown::degrees_data()
+{
+    QTest::addColumn<int>("style");
+    QTest::addColumn<double>("lat");
+    QTest::addColumn<double>("lng");
+    QTest::addColumn<QStringList>("parts");
+    const auto row
+        = [](const char* name, int style, double lat, double lng, const char* north, const char* east) {
+              QTest::newRow(name) << style << lat << lng
+                                  << QStringList({QString::fromUtf8(north), QString::fromUtf8(east)});
+          };
+    row("signed", eGeoSignedDeg, 51.5, -1.25, "+51.5000000°", "-1.2500000°");
+    row("letters", eGeoDeg, 51.5, -1.25, "51.5000000° N", "1.2500000° W");
+    row("rounded", eGeoDeg, 48.443128674, -68.8, "48.4431287° N", "68.8000000° W");
+    row("rounded up to a whole", eGeoSignedDeg, -0.99999999, 179.99999999, "-1.0000000°", "+180.0000000°");
+    row("nothing", eGeoDeg, 0.0, -0.0, "0.0000000° N", "0.0000000° E");
+    row("ends", eGeoSignedDeg, -90.0, 180.0, "-90.0000000°", "+180.0000000°");
+}
+
+void tst_ZrPositionShown::degrees()
+{
+    const ZrUnitsState state;
+    QFETCH(int, style);
+    QFETCH(double, lat);
+    QFETCH(double, lng);
+    ZrUnits::SetGeoStyle(eGeoStyle(style));
+    QTEST(ZrPositionShown::Parts(lat, lng), "parts");
 }
 
 void tst_ZrPositionShown::grid_data()

@@ -2,6 +2,7 @@
 
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrWpts.h"
 
@@ -263,7 +264,7 @@ void ZrPlanChart::BuildMarks()
         label.position = m_points[i];
         label.offset = {isSelected ? 18.0 : 11.0, -3.0};
         label.alignY = ZrMapLabel::alignMiddle;
-        label.size = isSelected ? 18.0F : 15.0F;
+        label.size = ZrLegible::Design(isSelected ? 18.0F : 15.0F);
         label.priority = isSelected ? ZrMapLabel::AlwaysShown : i == 0 || i + 1 == m_points.size() ? 2 : 1;
         labels.push_back(label);
     }
@@ -276,7 +277,7 @@ void ZrPlanChart::BuildMarks()
             label.alignX = ZrMapLabel::alignCentre;
             label.alignY = ZrMapLabel::alignMiddle;
             label.colour = colour;
-            label.size = 15.0F;
+            label.size = ZrLegible::Design(15.0F);
             if (!label.text.isEmpty())
                 labels.push_back(label);
         }

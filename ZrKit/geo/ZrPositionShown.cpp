@@ -4,12 +4,28 @@
 
 #include <cmath>
 
+namespace {
+
+/// The library writes decimal degrees with eight places, to a millimetre; the last is left out.
+QString ToCentimetres(const QString& text, double degrees)
+{
+    const eGeoStyle style = ZrUnits::GetGeoStyle();
+    if (style != eGeoSignedDeg && style != eGeoDeg)
+        return text;
+    const double size = std::fabs(degrees);
+    QString shown = text;
+    return shown.replace(QString::number(size, 'f', 8), QString::number(size, 'f', ZrPositionShown::Places));
+}
+
+} // namespace
+
 QStringList ZrPositionShown::Parts(double lat, double lng)
 {
     if (!std::isfinite(lat) || !std::isfinite(lng))
         return {};
     if (ZrUnits::GetGeoStyle() != eGeoUTM)
-        return {ZrUnits::GetLatString(lat), ZrUnits::GetLngString(lng)};
+        return {
+            ToCentimetres(ZrUnits::GetLatString(lat), lat), ToCentimetres(ZrUnits::GetLngString(lng), lng)};
     // From -180 on and below 180: the zones begin anew there.
     const double turned = std::remainder(lng, 360.0);
     const double near = turned == 180.0 ? -180.0 : turned;

@@ -12,6 +12,8 @@
 class ZR_KIT_EXPORT ZrPositionShown
 {
 public:
+    static constexpr int Places = 7; ///< of decimal degrees, a centimetre on the ground
+
     /// Latitude and longitude, or easting and northing with the zone in front ("31 N", "651409.90 mE",
     /// "5663203.61 mN"), degrees. Empty unless both are finite.
     static QStringList Parts(double lat, double lng);

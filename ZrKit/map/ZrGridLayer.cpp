@@ -3,10 +3,12 @@
 #include "ZrKit/map/ZrGridLines.h"
 #include "ZrKit/map/ZrMapShapes.h"
 #include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
+#include <QCoreApplication>
 #include <QDataStream>
 #include <QtMath>
 
@@ -21,9 +23,9 @@ constexpr double lineWidth = 1.2;
 constexpr double lineCasing = 2.6; ///< for the lines to be seen on light ground
 constexpr double edge = 12.0; ///< of the area, beside bar and arrow
 constexpr double inset = 5.0; ///< of the texts of the grid
-constexpr double gridText = 16.0;
+constexpr float gridText = 16.0F;
 constexpr double northText = 14.0;
-constexpr double barText = 18.0;
+constexpr float barText = 18.0F;
 constexpr double barTextHeight = 24.0;
 constexpr double barWidth = 220.0; ///< at most
 constexpr double barHeight = 9.0;
@@ -209,9 +211,9 @@ void ZrGridLayer::AddGrid(
         return;
     std::vector<QSizeF> sizes;
     for (const ZrGridLines::Line& line : lines)
-        sizes.push_back(m_labels.TextSize(line.text, static_cast<float>(gridText)) * pixel);
+        sizes.push_back(m_labels.TextSize(line.text, ZrLegible::Design(gridText)) * pixel);
     for (ZrMapLabel& label : ZrGridLines::Labels(lines, view, Area(view), inset * pixel, sizes)) {
-        label.size = static_cast<float>(gridText);
+        label.size = ZrLegible::Design(gridText);
         labels.push_back(label);
     }
 }
@@ -241,7 +243,7 @@ void ZrGridLayer::AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labe
     label.text = bar.text;
     label.isOnScreen = true;
     label.position = {box.left(), box.top()};
-    label.size = static_cast<float>(barText);
+    label.size = ZrLegible::Design(barText);
     label.priority = ZrMapLabel::AlwaysShown;
     labels.push_back(label);
 }
@@ -267,7 +269,9 @@ void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& la
     shapes.AddPolygon(centre, {turned(-0.28, -0.20), turned(0.0, -0.86), turned(0.28, -0.20)}, light);
 
     ZrMapLabel label;
-    label.text = m_north == northTrue && m_hasProjection ? QStringLiteral("N") : QStringLiteral("GN");
+    label.text = m_north == northTrue && m_hasProjection
+        ? QCoreApplication::translate("ZrGridLayer", "N", "true north")
+        : QCoreApplication::translate("ZrGridLayer", "GN", "grid north");
     label.isOnScreen = true;
     const QPointF letter = turned(0.0, 0.69);
     label.position = centre + QPointF(letter.x(), -letter.y());

@@ -1,11 +1,15 @@
 #include "ZrKit/ui/ZrByteText.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 #include <iterator>
 
 ZrByteText ZrByteText::Of(double bytes)
 {
-    static constexpr const char* units[] = {"B", "kB", "MB", "GB", "TB"};
+    static constexpr const char* units[] = {QT_TRANSLATE_NOOP("ZrByteText", "B"),
+        QT_TRANSLATE_NOOP("ZrByteText", "kB"), QT_TRANSLATE_NOOP("ZrByteText", "MB"),
+        QT_TRANSLATE_NOOP("ZrByteText", "GB"), QT_TRANSLATE_NOOP("ZrByteText", "TB")};
     if (!std::isfinite(bytes) || bytes < 0.0)
         return {};
     std::size_t unit = 0;
@@ -15,5 +19,5 @@ ZrByteText ZrByteText::Of(double bytes)
         ++unit;
     }
     const int decimals = unit == 0 || bytes >= 99.95 ? 0 : bytes >= 9.995 ? 1 : 2;
-    return {QString::number(bytes, 'f', decimals), QString::fromLatin1(units[unit])};
+    return {QString::number(bytes, 'f', decimals), QCoreApplication::translate("ZrByteText", units[unit])};
 }

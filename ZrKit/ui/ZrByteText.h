@@ -8,7 +8,7 @@
 struct ZR_KIT_EXPORT ZrByteText
 {
     QString value; ///< empty for a number that is not known: below 0 or not finite
-    QString unit; ///< "B", "kB", "MB", "GB", "TB"
+    QString unit; ///< "B", "kB", "MB", "GB", "TB", translated
 
     static ZrByteText Of(double bytes);
 

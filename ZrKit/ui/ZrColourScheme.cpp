@@ -19,7 +19,7 @@ struct Colour
 const Colour colours[] = {
     {&ZrTheme::ctrlOutlineCol, {0xff5a6b78, 0xff6f8799, 0xff7c3a30}},
     {&ZrTheme::ctrlActiveCol, {0xffa9d6ee, 0xff0b4a73, 0xff3a0e0b}},
-    {&ZrTheme::ctrlHighlightCol, {0xff00658a, 0xff2fa6c4, 0xffb0503c}},
+    {&ZrTheme::ctrlHighlightCol, {0xff00658a, 0xff2fa6c4, 0xffc05a44}},
     {&ZrTheme::ctrlCheckCol, {0xff0079a8, 0xff46b4d4, 0xffb8543f}},
     {&ZrTheme::ctrlHintCol, {0x2000803c, 0x2046d48c, 0x20c8503c}},
     {&ZrTheme::ctrlCol, {0xff0b1720, 0xfff2f6f9, 0xffd8664e}},

@@ -1,6 +1,7 @@
 #include "ZrKit/ui/ZrPaletteBtn.h"
 
 #include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrCtrlLook.h"
 #include "ZrUtil/ZrTheme.h"
 
@@ -56,6 +57,9 @@ void ZrPaletteBtn::paintEvent(QPaintEvent* event)
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QRectF swatch = ZrCtrlLook::Snapped(painter, Swatch());
     painter.drawImage(swatch, m_colours);
+    // The brightest thing on the screen would take the eyes their night sight.
+    if (ZrColourScheme::Current() == ZrColourScheme::night)
+        painter.fillRect(swatch, QColor(30, 0, 0, 150));
     // A palette that ends in the colour of the button would have no end.
     painter.setPen(ZrTheme::ctrlOutlineCol);
     painter.setBrush(Qt::NoBrush);

@@ -1,6 +1,7 @@
 #include "ZrKit/ui/ZrPlotPanel.h"
 
 #include "ZrKit/review/ZrAxisTicks.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
@@ -86,9 +87,7 @@ void ZrPlotPanel::SetCursor(double steady)
 
 QFont ZrPlotPanel::SmallFont() const
 {
-    QFont font = ZrTheme::font;
-    font.setPixelSize(std::max(ZrTheme::DpI(15), 11));
-    return font;
+    return ZrLegible::Font(15);
 }
 
 int ZrPlotPanel::Columns() const

@@ -1,5 +1,6 @@
 #include "ZrKit/ui/ZrTimeBar.h"
 
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QMouseEvent>
@@ -155,9 +156,7 @@ int ZrTimeBar::Margin() const
 
 QFont ZrTimeBar::SmallFont() const
 {
-    QFont font = ZrTheme::font;
-    font.setPixelSize(std::max(ZrTheme::DpI(15), 11));
-    return font;
+    return ZrLegible::Font(15);
 }
 
 QRect ZrTimeBar::Axis() const

@@ -151,7 +151,7 @@ void ZrTimeBar::PaintRange(QPainter& painter, const QRect& axis)
         painter.setBrush(ZrTheme::goodCol);
         painter.drawRect(box);
         painter.setPen(ZrTheme::goodCol.lightness() > 127 ? Qt::black : Qt::white);
-        painter.drawText(box, Qt::AlignCenter, end == 0 ? QStringLiteral("A") : QStringLiteral("B"));
+        painter.drawText(box, Qt::AlignCenter, end == 0 ? tr("A") : tr("B"));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ZrKit/ui/ZrTouchList.h"
 
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QAbstractListModel>
@@ -115,21 +116,17 @@ private:
     static void PaintText(QPainter& painter, const ZrListItem& item, const QRect& area)
     {
         // Never smaller than the line below it.
-        QFont large = ZrTheme::font;
-        large.setPixelSize(std::max(large.pixelSize(), 12));
-        painter.setFont(large);
+        painter.setFont(ZrLegible::Font(18));
         painter.setPen(ZrTheme::ctrlCol);
         const QString title = painter.fontMetrics().elidedText(item.title, Qt::ElideRight, area.width());
         if (item.subtitle.isEmpty()) {
             painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, title);
             return;
         }
-        QFont small = ZrTheme::font;
-        small.setPixelSize(std::max(ZrTheme::DpI(15), 11));
         const int between = area.y() + area.height() * 9 / 16;
         painter.drawText(QRect(QPoint(area.x(), area.y()), QPoint(area.right(), between)),
             Qt::AlignLeft | Qt::AlignBottom, title);
-        painter.setFont(small);
+        painter.setFont(ZrLegible::Font(15));
         painter.setPen(ZrTheme::bodyCol);
         painter.drawText(QRect(QPoint(area.x(), between), area.bottomRight()), Qt::AlignLeft | Qt::AlignTop,
             painter.fontMetrics().elidedText(item.subtitle, Qt::ElideRight, area.width()));

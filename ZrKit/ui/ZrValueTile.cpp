@@ -1,5 +1,6 @@
 #include "ZrKit/ui/ZrValueTile.h"
 
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
@@ -103,8 +104,7 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
         painter.fillRect(QRect(0, ZrTheme::rxy, ZrTheme::DpI(4), height() - 2 * ZrTheme::rxy), colour);
     const int margin = ZrTheme::DpI(12);
     const QRect area = rect().adjusted(margin, ZrTheme::DpI(6), -margin, -ZrTheme::DpI(6));
-    QFont small = ZrTheme::font;
-    small.setPixelSize(std::max(ZrTheme::DpI(15), 11));
+    const QFont small = ZrLegible::Font(15);
     painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
     const QFontMetrics smallSize = painter.fontMetrics();
@@ -121,13 +121,13 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     const QString value = Number();
     const QString unit = m_value.isEmpty() || IsAngle() ? QString() : m_unit;
     QFont large = ZrTheme::fontHuge;
-    large.setPixelSize(std::clamp(middle.height() * 9 / 10, 12, std::max(ZrTheme::DpI(36), 12)));
+    large.setPixelSize(std::clamp(middle.height() * 9 / 10, ZrLegible::LeastText, ZrLegible::Px(36)));
     const int unitWidth = unit.isEmpty() ? 0 : smallSize.horizontalAdvance(unit) + ZrTheme::DpI(6);
     // A long value, for instance a position, is made to fit rather than cut.
     const int valueWidth = QFontMetrics(large).horizontalAdvance(value);
     const int room = std::max(middle.width() - unitWidth, 1);
     if (valueWidth > room)
-        large.setPixelSize(std::max(large.pixelSize() * room / valueWidth, 11));
+        large.setPixelSize(std::max(large.pixelSize() * room / valueWidth, ZrLegible::LeastText));
     painter.setFont(large);
     // What is not known draws no eyes.
     painter.setPen(value == dash && m_state == normal ? ZrTheme::bodyCol : colour);

@@ -21,7 +21,7 @@ FormSonar::FormSonar(SurveyView& view)
             Edited();
         });
     AddSlider(tr("Gain"), QString(), &SurveySettings::gain, -SurveySettings::MostGain,
-        SurveySettings::MostGain, 0.5, 1, QStringLiteral("dB"));
+        SurveySettings::MostGain, 0.5, 1, tr("dB"));
     AddSlider(tr("Contrast"), QString(), &SurveySettings::contrast, SurveySettings::LeastContrast,
         SurveySettings::MostContrast, 0.05, 2, QString());
     AddChoice(

@@ -1,6 +1,7 @@
 #include "apps/ZrSurvey/HomeState.h"
 
 #include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/ui/ZrByteText.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -23,26 +24,16 @@ QString Tr(const char* text)
 /// Number and unit apart.
 void SetSize(HomeState::Tile& tile, double bytes)
 {
-    const QStringList parts = HomeState::SizeText(bytes).split(QLatin1Char(' '));
-    tile.value = parts.value(0);
-    tile.unit = parts.value(1);
+    const ZrByteText text = ZrByteText::Of(bytes);
+    tile.value = text.value;
+    tile.unit = text.unit;
 }
 
 } // namespace
 
 QString HomeState::SizeText(double bytes)
 {
-    static const char* const units[] = {"kB", "MB", "GB", "TB"};
-    double size = std::max(bytes, 0.0) / 1000.0;
-    std::size_t unit = 0;
-    // What would be rounded to 1000 is 1 of the next.
-    while (size >= 999.5 && unit + 1 < std::size(units)) {
-        size /= 1000.0;
-        ++unit;
-    }
-    return QStringLiteral("%1 %2")
-        .arg(size, 0, 'f', unit == 0 || size >= 99.95 ? 0 : 1)
-        .arg(QLatin1String(units[unit]));
+    return ZrByteText::Of(std::max(bytes, 0.0)).Text();
 }
 
 QString HomeState::DurationText(double seconds)

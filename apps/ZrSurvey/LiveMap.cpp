@@ -1,6 +1,7 @@
 #include "apps/ZrSurvey/LiveMap.h"
 
 #include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "ZrUtil/ZrWpts.h"
@@ -114,7 +115,7 @@ void LiveMap::ShowPlan()
             label.position = marker.position;
             label.offset = {10.0, 0.0};
             label.alignY = ZrMapLabel::alignMiddle;
-            label.size = 14.0F;
+            label.size = ZrLegible::Design(14.0F);
             labels.push_back(label);
         }
     }

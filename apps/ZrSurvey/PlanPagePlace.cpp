@@ -26,6 +26,8 @@ constexpr float toolSide = 72.0F;
 constexpr float tabHeight = 72.0F;
 constexpr float barHeight = 64.0F;
 constexpr float tileHeight = 88.0F;
+constexpr float textButton = 128.0F; ///< with an icon and a short text
+constexpr float hintWidth = 168.0F;
 constexpr float crossSize = 26.0F;
 
 int Side(float design)
@@ -85,11 +87,14 @@ void PlanPage::PlaceBand()
 void PlanPage::PlaceTiles(const QRect& map)
 {
     const QVector<QWidget*> tiles{m_length, m_duration, m_lines, m_count, m_check};
-    const int left = 2 * Gap();
-    const int count = tiles.size();
-    const int room = map.width() - 2 * left - (count - 1) * Gap();
-    const int width = std::min(ZrTheme::DpI(168), room / count);
     const int height = ZrTheme::DpI(tileHeight);
+    const QRect tools = m_tools.back()->geometry();
+    // Where the tools reach down to them they stand beside the tools.
+    const bool isBeside = tools.bottom() + Gap() > map.bottom() - height - 2 * Gap();
+    const int left = (isBeside ? tools.right() + 1 - map.x() : Gap()) + Gap();
+    const int count = tiles.size();
+    const int room = map.width() - left - 2 * Gap() - (count - 1) * Gap();
+    const int width = std::min(ZrTheme::DpI(168), room / count);
     int x = map.x() + left;
     for (QWidget* tile : tiles) {
         tile->setGeometry(x, map.bottom() - height - 2 * Gap(), width, height);
@@ -130,12 +135,20 @@ void PlanPage::PlaceBar(const QRect& map)
     if (shown.isEmpty())
         return;
     const int count = shown.size();
-    const int hint = m_hint.isEmpty() ? 0 : ZrTheme::DpI(168);
+    // What the buttons need comes first: the hint goes below them where it has no room beside them.
+    const int rest = right - left - count * (ZrTheme::DpI(textButton) + Gap()) - 2 * Gap();
+    const bool isBelow = !m_hint.isEmpty() && rest < ZrTheme::DpI(hintWidth);
+    const int hint = m_hint.isEmpty() || isBelow ? 0 : ZrTheme::DpI(hintWidth);
     const int wide = std::min(ZrTheme::DpI(164), (right - left - hint - (count + 2) * Gap()) / count);
     const int width = hint + count * (wide + Gap()) + 2 * Gap();
     const int y = map.y() + 2 * Gap();
     m_barRect = QRect(left, y - Gap() / 2, width, tall + Gap());
     m_hintRect = QRect(left + 2 * Gap(), y, hint, tall);
+    if (isBelow) {
+        const int line = QFontMetrics(ZrTheme::font).height() + Gap();
+        m_barRect.setHeight(tall + Gap() + line);
+        m_hintRect = QRect(left + 2 * Gap(), y + tall, width - 4 * Gap(), line);
+    }
     int x = left + Gap() + hint + (hint > 0 ? Gap() : 0);
     for (ZrBtn* button : qAsConst(shown)) {
         button->setGeometry(x, y, wide, tall);

@@ -93,7 +93,7 @@ PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
     m_along->checkable = true;
     m_along->on = true;
     m_heading->text = tr("Heading");
-    m_heading->unit = QStringLiteral("°");
+    m_heading->unit = ZrUnits::degrees;
     m_heading->SetRange(0.0, 359.0);
     m_heading->SetStep(1.0);
     connect(m_heading, &ZrSlider::ValueChanged, this, [this](double value) {

@@ -5,6 +5,7 @@
 #include "ZrKit/map/ZrWaterfallPalettes.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
@@ -484,7 +485,7 @@ void RecordPage::PaintSonar(QPainter& painter) const
     if (View().Model().settings.bottom)
         ZrWaterfallOverlay::PaintBottom(painter, layout, 1.2 * ratio);
     QFont font = ZrTheme::font;
-    font.setPixelSize(qRound(std::max(ZrTheme::DpI(14), 11) * ratio));
+    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
     ZrWaterfallOverlay::PaintScale(painter, layout, font);
     // The brightest thing on the screen would take the eyes their night sight.
     if (ZrColourScheme::Current() == ZrColourScheme::night)

@@ -3,6 +3,7 @@
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrPlotPanel.h"
 #include "ZrKit/ui/ZrTimeBar.h"
 #include "ZrUtil/ZrBtn.h"
@@ -27,7 +28,6 @@ namespace {
 /// Shares of the page's height and width.
 constexpr double plotsShare = 0.38;
 constexpr double mapShare = 0.46;
-constexpr int leastHeaderFont = 11; ///< pixels
 
 int HeaderHeight()
 {
@@ -73,8 +73,7 @@ void ReviewPage::OnColours()
     m_events->Restyle();
     m_export->Restyle();
     m_sonar->Measure().Restyle();
-    QFont small = ZrTheme::font;
-    small.setPixelSize(std::max(ZrTheme::DpI(13), 10));
+    const QFont small = ZrLegible::Font(13);
     for (ZrBtn* button : {m_open, m_list, m_exportBtn}) {
         button->font = small;
         button->Changed();
@@ -185,13 +184,14 @@ void ReviewPage::PaintHeader(QPainter& painter, const QRect& header, const QStri
     painter.setFont(ZrTheme::font);
     painter.setPen(ZrTheme::ctrlCol);
     const QRect room(header.x() + 2 * Gap(), header.y(), right - header.x() - 3 * Gap(), header.height());
-    QFont font = painter.font();
-    const int wide = painter.fontMetrics().horizontalAdvance(text);
-    if (wide > room.width())
-        font.setPixelSize(std::max(font.pixelSize() * std::max(room.width(), 1) / wide, leastHeaderFont));
-    painter.setFont(font);
-    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
-        painter.fontMetrics().elidedText(text, Qt::ElideRight, room.width()));
+    painter.setFont(ZrLegible::Fitting(painter.font(), text, room.width()));
+    const QFontMetrics metrics = painter.fontMetrics();
+    // A position that is too long for one line stands in two; what does not fit even so is in the plots.
+    QString lines = text;
+    if (metrics.horizontalAdvance(text) > room.width())
+        lines.replace(QLatin1String("  "), QLatin1String("\n"));
+    if (room.contains(metrics.boundingRect(room, Qt::AlignLeft | Qt::AlignVCenter, lines)))
+        painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, lines);
 }
 
 void ReviewPage::paintEvent(QPaintEvent* event)
@@ -230,7 +230,7 @@ void ReviewPage::paintEvent(QPaintEvent* event)
     const QString all
         = tr("Line %1 of %2, altitude %3").arg(line + 1).arg(m_recording->Pings().size()).arg(altitude);
     QFont smallest = ZrTheme::font;
-    smallest.setPixelSize(leastHeaderFont);
+    smallest.setPixelSize(ZrLegible::LeastText);
     const bool isRoom = QFontMetrics(smallest).horizontalAdvance(all) <= room;
     PaintHeader(painter, m_sonarHeader, isRoom ? all : altitude, m_look->x());
 }

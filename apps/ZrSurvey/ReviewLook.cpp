@@ -31,7 +31,7 @@ ReviewLook::ReviewLook(QWidget* parent, SurveySettings& settings)
 {
     hide();
     m_gain->text = tr("Gain");
-    m_gain->unit = QStringLiteral("dB");
+    m_gain->unit = tr("dB");
     m_gain->places = 1;
     m_gain->SetRange(-20.0, 20.0);
     m_gain->SetStep(0.5);

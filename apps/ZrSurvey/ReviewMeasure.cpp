@@ -3,6 +3,7 @@
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
@@ -308,11 +309,7 @@ void ReviewMeasure::paintEvent(QPaintEvent* /*event*/)
         painter.setPen(ZrTheme::bodyCol);
         painter.drawText(at, Qt::AlignLeft | Qt::AlignVCenter, line.caption);
         const int room = at.width() - metrics.horizontalAdvance(line.caption) - ZrTheme::DpI(12);
-        QFont font = painter.font();
-        const int wide = metrics.horizontalAdvance(line.value);
-        if (wide > room)
-            font.setPixelSize(std::max(font.pixelSize() * room / wide, 9));
-        painter.setFont(font);
+        painter.setFont(ZrLegible::Fitting(painter.font(), line.value, room));
         painter.setPen(ZrTheme::ctrlCol);
         painter.drawText(at, Qt::AlignRight | Qt::AlignVCenter, line.value);
         painter.setFont(ZrTheme::font);

@@ -5,6 +5,7 @@
 #include "ZrKit/review/ZrAxisTicks.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
@@ -227,7 +228,7 @@ void ReviewSonar::PaintScale(QPainter& painter, const ZrWaterfallLayout& layout)
         return;
     const double ratio = m_panel->devicePixelRatioF();
     QFont font = ZrTheme::font;
-    font.setPixelSize(qRound(std::max(ZrTheme::DpI(14), 11) * ratio));
+    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
     painter.setFont(font);
     const QFontMetrics metrics = painter.fontMetrics();
     const int width = qRound(m_panel->width() * ratio);

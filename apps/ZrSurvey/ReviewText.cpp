@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/ReviewText.h"
 
+#include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrUtil/ZrUnits.h"
 
 #include <cmath>
@@ -32,12 +33,6 @@ QString review::angle_text(double degrees)
 
 QString review::position_text(double latitude, double longitude)
 {
-    if (!std::isfinite(latitude) || !std::isfinite(longitude))
-        return dash;
-    if (ZrUnits::GetGeoStyle() != eGeoUTM)
-        return ZrUnits::GetLatString(latitude) + QStringLiteral("  ") + ZrUnits::GetLngString(longitude);
-    QString east;
-    QString north;
-    ZrUnits::GetENStrings(latitude, longitude, east, north);
-    return east + QStringLiteral("  ") + north;
+    const QString text = ZrPositionShown::Text(latitude, longitude);
+    return text.isEmpty() ? dash : text;
 }

@@ -1,6 +1,7 @@
 #include "apps/ZrSurvey/ReviewTransport.h"
 
 #include "ZrKit/review/ZrPlayClock.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 
@@ -15,7 +16,7 @@ namespace {
 constexpr int narrowest = 44; ///< of a button, pixels
 constexpr float wanted = 60.0F; ///< likewise, design pixels, for its caption
 constexpr float around = 10.0F; ///< what a button keeps free on either side of it, design pixels
-constexpr int leastFont = 9; ///< pixels
+constexpr float beside = 4.0F; ///< likewise, of a text below an icon
 
 const QImage& Icon(const QString& name)
 {
@@ -130,20 +131,18 @@ void ReviewTransport::PlaceText(int side, int clock)
     const auto fit = [](QFont font, const QString& text, int room) {
         const int is = QFontMetrics(font).horizontalAdvance(text);
         if (is > room)
-            font.setPixelSize(std::max(font.pixelSize() * room / is, leastFont));
+            font.setPixelSize(std::max(font.pixelSize() * room / is, ZrLegible::LeastText));
         return font;
     };
-    QFont small = ZrTheme::font;
-    small.setPixelSize(std::max(ZrTheme::DpI(13), leastFont));
+    QFont small = ZrLegible::Font(13);
     for (const int act :
         {previousEvent, secondBack, recordBack, recordForward, secondForward, nextEvent, addEvent})
-        small = fit(small, m_buttons[act]->text, side - 2 * ZrTheme::DpI(around));
+        small = fit(small, m_buttons[act]->text, side - 2 * ZrTheme::DpI(beside));
     for (int act = 0; act < actCount; ++act) {
         m_buttons[act]->font = act == setA || act == setB ? ZrTheme::fontLarge : small;
         m_buttons[act]->Changed();
     }
-    QFont large = ZrTheme::font;
-    large.setPixelSize(std::max(ZrTheme::DpI(20), 13));
+    QFont large = ZrLegible::Font(20);
     large.setBold(true);
     m_buttons[typeTime]->font = fit(large, QStringLiteral("00:00:00.000"), clock - 2 * ZrTheme::DpI(around));
     m_rateFont = ZrTheme::font;

@@ -4,6 +4,7 @@
 #include "ZrKit/settings/ZrAppSettings.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrInputColours.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrNotice.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrFmApp.h"
@@ -290,7 +291,10 @@ void SurveyView::ApplyColours()
 
 void SurveyView::resizeGL(int w, int h)
 {
-    ZrAppView::resizeGL(w, h);
+    {
+        const ZrLegible::Scale scale(w, h);
+        ZrAppView::resizeGL(w, h);
+    }
     // The library has set its standard style anew.
     ApplyColours();
 }

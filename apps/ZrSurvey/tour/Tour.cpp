@@ -111,9 +111,9 @@ int Tour::Run(SurveyView& view)
     Watch();
     view.show();
     using Part = void (*)(Tour&);
-    for (const Part part :
-        {&tour::home, &tour::line, &tour::plan_area, &tour::plan_edit, &tour::plan_files, &tour::record,
-            &tour::review, &tour::sonar, &tour::exports, &tour::scene, &tour::settings, &tour::home_again})
+    for (const Part part : {&tour::home, &tour::line, &tour::plan_area, &tour::plan_edit, &tour::plan_files,
+             &tour::record, &tour::review, &tour::recording_exports, &tour::sonar, &tour::exports,
+             &tour::scene, &tour::settings, &tour::home_again})
         part(*this);
     Say(QStringLiteral("%1  %2 stations  %3 s")
             .arg(m_isGood ? QStringLiteral("ok") : QStringLiteral("NOT AS EXPECTED"))

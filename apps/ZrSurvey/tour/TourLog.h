@@ -14,6 +14,10 @@ public:
     TourLog(const TourLog&) = delete;
     TourLog& operator=(const TourLog&) = delete;
 
+    /// Whether a message, from its first to its last letter, is one of the machine and not of the program: no
+    /// folder for the session, no window manager, no bus, no room for watches.
+    static bool IsOfTheMachine(const QString& text);
+
     void Start(const QString& folder); ///< where the debug log goes
     QStringList Take(); ///< what has come since the last call, but for what every display says
 

@@ -31,7 +31,7 @@
 namespace {
 
 constexpr double speedOfTime = 20.0;
-constexpr int surveyMs = 120000; ///< that the survey takes at most
+constexpr int surveyMs = 240000; ///< that the survey takes at most
 const char note[] = "Rope on the bottom";
 
 /// Plays the log to its end, as a program that reads it does.

@@ -22,12 +22,10 @@
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
+#include "apps/ZrSurvey/tour/TourExport.h"
 #include "apps/ZrSurvey/tour/TourStations.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -57,6 +55,7 @@ struct SonarTour
         , page(of.Page<ReviewPage>("Review"))
         , hand(of.Hand())
         , settings(of.Model().settings)
+        , files(of)
     {
     }
 
@@ -87,48 +86,12 @@ struct SonarTour
         hand.Await(QStringLiteral("\"%1\" is taken").arg(text), [&panel] { return !panel.isVisible(); });
     }
 
-    void Export(const QString& kind, const QString& name) const
-    {
-        hand.Press(QStringLiteral("export"));
-        auto& choice = hand.FindAny<ZrChoicePanel>();
-        hand.ChooseRow(hand.FindAny<ZrTouchList>(&choice), kind);
-        hand.SaveAs(tour.Exports(), name);
-        hand.Await(
-            QStringLiteral("%1 is written").arg(name), [this] { return !page.Export().IsWorking(); }, 60000);
-        tour.ExpectToast(name + QStringLiteral(" was written"));
-        tour.ExpectFile(tour.Exports() + QLatin1Char('/') + name, 100);
-    }
-
-    QByteArray Read(const QString& name) const
-    {
-        QFile file(tour.Exports() + QLatin1Char('/') + name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
     Tour& tour;
     ReviewPage& page;
     TourHand& hand;
     SurveySettings& settings;
+    TourExport files;
 };
-
-void check_picture(Tour& tour, const QString& name, int leastWidth)
-{
-    QImageReader reader(tour.Exports() + QLatin1Char('/') + name);
-    const QImage image = reader.read();
-    tour.Expect(image.width() >= leastWidth && image.height() >= 50,
-        QStringLiteral("%1 is a picture").arg(name),
-        image.isNull() ? reader.errorString()
-                       : QStringLiteral("%1 x %2").arg(image.width()).arg(image.height()));
-    int least = 255;
-    int most = 0;
-    for (int y = 0; y < image.height(); y += 7) {
-        for (int x = 0; x < image.width(); x += 7) {
-            least = std::min(least, qGray(image.pixel(x, y)));
-            most = std::max(most, qGray(image.pixel(x, y)));
-        }
-    }
-    tour.ExpectWithin(most - least, 100, 255, QStringLiteral("contrast of %1").arg(name));
-}
 
 /// A stroke through the water, a metre nearer than the line that was found; taken back and done again.
 void correct_bottom(SonarTour& at)
@@ -328,14 +291,14 @@ void tour::exports(Tour& tour)
     });
     tour.Station(QStringLiteral("exports"), [&] {
         hand.Key(Qt::Key_Escape);
-        at.Export(QStringLiteral("Part of the log"), QStringLiteral("line-part.log"));
+        at.files.Write(QStringLiteral("Part of the log"), QStringLiteral("line-part.log"));
         for (const char* name : {"line.kml", "line.geojson", "line.csv"})
-            at.Export(QStringLiteral("Track"), QString::fromLatin1(name));
-        at.Export(QStringLiteral("Records"), QStringLiteral("line-records.csv"));
-        at.Export(QStringLiteral("Events"), QStringLiteral("line-events.csv"));
-        at.Export(QStringLiteral("Targets"), QStringLiteral("line-targets.geojson"));
-        at.Export(QStringLiteral("Waterfall picture"), QStringLiteral("line-waterfall.png"));
-        at.Export(QStringLiteral("Mosaic"), QStringLiteral("line-mosaic.png"));
+            at.files.Write(QStringLiteral("Track"), QString::fromLatin1(name));
+        at.files.Write(QStringLiteral("Records"), QStringLiteral("line-records.csv"));
+        at.files.Write(QStringLiteral("Events"), QStringLiteral("line-events.csv"));
+        at.files.Write(QStringLiteral("Targets"), QStringLiteral("line-targets.geojson"));
+        at.files.Write(QStringLiteral("Waterfall picture"), QStringLiteral("line-waterfall.png"));
+        at.files.Write(QStringLiteral("Mosaic"), QStringLiteral("line-mosaic.png"));
         ZrLogScan scan;
         ZrLogItem item;
         u64 pos = 0;
@@ -354,17 +317,17 @@ void tour::exports(Tour& tour)
         tour.ExpectWithin(static_cast<double>(items), static_cast<double>(all),
             static_cast<double>(all + events), QStringLiteral("items of the part"));
         const auto records = static_cast<qint64>(at.Recording().Series().Count());
-        tour.Expect(at.Read(QStringLiteral("line-records.csv")).count('\n'), records + 1,
+        tour.Expect(at.files.Read(QStringLiteral("line-records.csv")).count('\n'), records + 1,
             QStringLiteral("lines of the table of records"));
-        tour.Expect(at.Read(QStringLiteral("line-events.csv")).count('\n'), events + 1,
+        tour.Expect(at.files.Read(QStringLiteral("line-events.csv")).count('\n'), events + 1,
             QStringLiteral("lines of the table of events"));
-        tour.Expect(QJsonDocument::fromJson(at.Read(QStringLiteral("line.geojson"))).isObject(),
+        tour.Expect(QJsonDocument::fromJson(at.files.Read(QStringLiteral("line.geojson"))).isObject(),
             QStringLiteral("line.geojson is JSON"), QStringLiteral("it is not"));
-        check_targets(tour, at.Read(QStringLiteral("line-targets.geojson")));
-        tour.Expect(at.Read(QStringLiteral("line.kml")).contains("</kml>"),
+        check_targets(tour, at.files.Read(QStringLiteral("line-targets.geojson")));
+        tour.Expect(at.files.Read(QStringLiteral("line.kml")).contains("</kml>"),
             QStringLiteral("line.kml is whole"), QStringLiteral("it is not"));
-        check_picture(tour, QStringLiteral("line-waterfall.png"), 400);
-        check_picture(tour, QStringLiteral("line-mosaic.png"), 50);
+        at.files.ExpectPicture(QStringLiteral("line-waterfall.png"), 400);
+        at.files.ExpectPicture(QStringLiteral("line-mosaic.png"), 50);
         tour.ExpectFile(tour.Exports() + QStringLiteral("/line-mosaic.pgw"));
         hand.HideToast();
     });

@@ -12,6 +12,7 @@ void plan_edit(Tour& tour); ///< waypoints are moved, inserted, given properties
 void plan_files(Tour& tour); ///< saved, and exported in every form
 void record(Tour& tour); ///< the plan is run by the simulator and recorded
 void review(Tour& tour); ///< that recording is gone through
+void recording_exports(Tour& tour); ///< a part of that recording and all of it, read back
 void sonar(Tour& tour); ///< the look of the side-scan line, its events, a target that is measured
 void exports(Tour& tour); ///< everything that the review offers
 void scene(Tour& tour); ///< the vehicle in 3D
