@@ -2,6 +2,7 @@
 
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrLogEmit.h"
+#include "ZrUtil/ZrMarkerImages.h"
 
 #include <QDebug>
 #include <QImage>
@@ -12,24 +13,7 @@ namespace {
 
 constexpr int rowsOfPalette = 10;
 
-/// The order is the index by which callers name a marker.
-constexpr const char* markerImages[ZrGlSurface::MarkerCount] = {
-    ":/marker_alpha.png",
-    ":/marker_arrow.png",
-    ":/marker_square.png",
-    ":/marker_circle.png",
-    ":/marker_crosshair.png",
-    ":/marker_waypoint.png",
-    ":/marker_vector.png",
-    ":/marker_pin.png",
-    ":/handle_rotate.png",
-    ":/handle_stretch.png",
-    ":/handle_tick.png",
-    ":/handle_trash.png",
-    ":/handle_pan.png",
-    ":/handle_a.png",
-    ":/handle_b.png",
-};
+static_assert(ZrMarkerImages::Paths.size() == ZrGlSurface::MarkerCount, "each marker has an image");
 
 /// 256 × 256 pixels for want of palettes: in each row, 256 bytes from the one before, the ramp advances by
 /// one byte, not by one pixel.
@@ -116,8 +100,8 @@ void ZrGlSurface::ZrglInitMarkers()
         return;
     for (std::size_t i = 0; i < m_markers.size(); ++i) {
         m_markers[i] = 0;
-        if (!ZrglLoadImageToTexture(QString::fromLatin1(markerImages[i]), m_markers[i])) {
-            LogFailure("Marker image load failed: ", markerImages[i]);
+        if (!ZrglLoadImageToTexture(QString::fromLatin1(ZrMarkerImages::Paths[i]), m_markers[i])) {
+            LogFailure("Marker image load failed: ", ZrMarkerImages::Paths[i]);
             continue;
         }
         m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);

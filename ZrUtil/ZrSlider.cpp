@@ -130,8 +130,9 @@ double ZrSlider::ValueAt(double x) const
 QString ZrSlider::ValueText() const
 {
     const QString number = QString::number(m_value, 'f', places);
-    // As everywhere else the degree sign of an angle stands close to its number.
-    const bool isClose = unit.isEmpty() || unit == QChar(0x00B0);
+    // Signs of angles stand at the number, units behind a space.
+    static const QString signs = QStringLiteral("°′″'\"");
+    const bool isClose = unit.isEmpty() || signs.contains(unit);
     return isClose ? number + unit : number + QLatin1Char(' ') + unit;
 }
 

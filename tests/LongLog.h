@@ -102,14 +102,19 @@ public:
         m_timer.setTimerType(Qt::PreciseTimer);
         connect(&m_timer, &QTimer::timeout, this, [this] {
             ++m_count;
-            m_longest = std::max(m_longest, m_clock.restart());
+            const qint64 now = m_clock.elapsed();
+            if (now - m_last > m_longest) {
+                m_longest = now - m_last;
+                m_longestEnd = now;
+            }
+            m_last = now;
         });
     }
 
     void Begin()
     {
         m_count = 0;
-        m_longest = 0;
+        m_longest = m_longestEnd = m_last = 0;
         m_clock.start();
         m_timer.start(5);
     }
@@ -120,11 +125,15 @@ public:
 
     qint64 Longest() const { return m_longest; } ///< milliseconds
 
+    qint64 LongestEnd() const { return m_longestEnd; } ///< when that was over, milliseconds from `Begin`
+
 private:
     QTimer m_timer;
     QElapsedTimer m_clock;
     int m_count = 0;
     qint64 m_longest = 0;
+    qint64 m_longestEnd = 0;
+    qint64 m_last = 0;
 };
 
 } // namespace long_log

@@ -32,8 +32,6 @@ private Q_SLOTS:
     void recordingTile();
     void spaceTile_data();
     void spaceTile();
-    void sizes_data();
-    void sizes();
     void durations_data();
     void durations();
     void recordingTexts();
@@ -186,27 +184,6 @@ void tst_SurveyHome::spaceTile()
     QTEST(tile.value, "value");
     QTEST(tile.note, "note");
     QTEST(int(tile.state), "state");
-}
-
-void tst_SurveyHome::sizes_data()
-{
-    QTest::addColumn<double>("bytes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("none") << 0.0 << "0 B";
-    QTest::newRow("less than none") << -5.0 << "0 B";
-    QTest::newRow("kilo") << 999499.0 << "999 kB";
-    QTest::newRow("rounded up") << 999500.0 << "1.00 MB";
-    QTest::newRow("mega") << 12345678.0 << "12.3 MB";
-    QTest::newRow("hundreds") << 123456789.0 << "123 MB";
-    QTest::newRow("giga") << 1e9 << "1.00 GB";
-    QTest::newRow("tera") << 2.5e12 << "2.50 TB";
-    QTest::newRow("beyond") << 1e18 << "1000000 TB";
-}
-
-void tst_SurveyHome::sizes()
-{
-    QFETCH(double, bytes);
-    QTEST(HomeState::SizeText(bytes), "text");
 }
 
 void tst_SurveyHome::durations_data()

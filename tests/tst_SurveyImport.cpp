@@ -38,8 +38,6 @@ private Q_SLOTS:
 
     void cleanup() { Close(); }
 
-    void byContent_data();
-    void byContent();
     void opens();
     void againAtOnce();
     void newerFile();
@@ -78,26 +76,6 @@ private:
     }
 };
 
-void tst_SurveyImport::byContent_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("isForeign");
-    QTest::newRow("side-scan line") << Line() << true;
-    QTest::newRow("glider") << Source("glider-nav/sea035.12.gli.sub.36.csv") << true;
-    QTest::newRow("receiver") << Source("gnss-echosounder/2022.05.30_201358_gnss.txt") << true;
-    QTest::newRow("sentences with the suffix of logs") << Source("nmea-boat/plaka.log") << true;
-    QTest::newRow("plain text") << Source("sidescan-xtf/SOURCE.txt") << false;
-    QTest::newRow("nothing there") << Source("nothing.xtf") << false;
-    QTest::newRow("a folder") << Source("sidescan-xtf") << false;
-}
-
-void tst_SurveyImport::byContent()
-{
-    QFETCH(QString, path);
-    QFETCH(bool, isForeign);
-    QCOMPARE(SurveyImport::IsForeign(path), isForeign);
-}
-
 void tst_SurveyImport::opens()
 {
     QVERIFY(m_view->Open(Line()));
@@ -108,7 +86,7 @@ void tst_SurveyImport::opens()
     QCOMPARE(m_view->Page(), static_cast<SurveyPage*>(&Page()));
     // A log is no foreign form, and opened as it is.
     const QString log = QDir(Recordings()).filePath(Logs().front());
-    QVERIFY(!SurveyImport::IsForeign(log));
+    QVERIFY(!ZrImportTask::IsForeign(log));
     QVERIFY(m_view->Open(log));
     Finish();
     QCOMPARE(Logs().size(), 1);

@@ -1,5 +1,6 @@
 // The review of a log of more than 2 GiB, in a process of its own: how much memory it takes, and whether the
-// screen goes on meanwhile.
+// screen goes on meanwhile. By hand it takes other sizes: ZR_LONG_LOG_GIB of the log, ZR_LONG_LOG_SAMPLES of
+// a side, ZR_LONG_LOG_DIR where it is written.
 
 #include "GlTest.h"
 #include "LongLog.h"
@@ -20,13 +21,23 @@
 
 namespace {
 
-constexpr int patience = 200000; ///< milliseconds
-constexpr qint64 logBytes = qint64(2) << 30;
-constexpr qint64 neededBytes = 2500000000;
-constexpr qint64 mostMegabytes = 400;
+constexpr int patiencePerGib = 100000; ///< milliseconds
+constexpr int defaultGib = 2;
+constexpr int defaultSamples = 1000; ///< 4 kB for a line, as those of small vehicles
+constexpr qint64 mostMegabytes = 400; ///< of the default
 constexpr qint64 mostInExport = 600; ///< that reads the records of the whole log, 168 bytes each
+constexpr qint64 mostOfProgram = 200; ///< MB, of logs of other sizes
+constexpr qint64 mostOfLine = 400; ///< bytes
+constexpr qint64 mostOfRecord = 320; ///< in an export
 constexpr int places = 50;
 constexpr int leastTurns = 10; ///< of the event loop; work in its thread would leave none
+
+int Setting(const char* name, int usual)
+{
+    bool isSet = false;
+    const int value = qEnvironmentVariableIntValue(name, &isSet);
+    return isSet && value > 0 ? value : usual;
+}
 
 } // namespace
 
@@ -46,9 +57,26 @@ private Q_SLOTS:
 private:
     ReviewPage& Page() const { return *static_cast<ReviewPage*>(m_view->GetPage(QStringLiteral("Review"))); }
 
-    static void CheckMemory(const char* when, qint64 most = mostMegabytes);
+    static void CheckMemory(const char* when, qint64 most);
 
-    QTemporaryDir m_folder;
+    bool IsDefault() const { return m_gib == defaultGib && m_shape.samples == defaultSamples; }
+
+    /// Megabytes that the tables of the log may take.
+    qint64 Most() const
+    {
+        return IsDefault() ? mostMegabytes : mostOfProgram + m_shape.lines * mostOfLine / 1000000;
+    }
+
+    qint64 MostInExport() const
+    {
+        return IsDefault() ? mostInExport : Most() + m_shape.lines * mostOfRecord / 1000000;
+    }
+
+    int Patience() const { return m_gib * patiencePerGib; }
+
+    int m_gib = Setting("ZR_LONG_LOG_GIB", defaultGib);
+    QTemporaryDir m_folder{
+        qEnvironmentVariable("ZR_LONG_LOG_DIR", QDir::tempPath()) + QStringLiteral("/long-XXXXXX")};
     QString m_log;
     long_log::Shape m_shape;
     std::unique_ptr<SurveyView> m_view;
@@ -68,6 +96,8 @@ void tst_SurveyLongLog::CheckMemory(const char* when, qint64 most)
 void tst_SurveyLongLog::initTestCase()
 {
     QVERIFY(m_folder.isValid());
+    const qint64 logBytes = qint64(m_gib) << 30;
+    const qint64 neededBytes = logBytes / 100 * 117;
     const QStorageInfo disk(m_folder.path());
     QVERIFY2(disk.bytesAvailable() >= neededBytes,
         qPrintable(QStringLiteral("%1 has %2 MB free; the log needs %3 MB")
@@ -75,10 +105,13 @@ void tst_SurveyLongLog::initTestCase()
                        .arg(disk.bytesAvailable() / 1000000)
                        .arg(neededBytes / 1000000)));
     m_log = m_folder.filePath(QStringLiteral("long.log"));
-    m_shape.samples = 1000; // 4 kB for a line, as those of small vehicles
+    m_shape.samples = Setting("ZR_LONG_LOG_SAMPLES", defaultSamples);
     m_shape.width = 2;
     m_shape.lines = logBytes / m_shape.LineBytes() + 1;
+    QElapsedTimer clock;
+    clock.start();
     QVERIFY(long_log::Write(m_log, m_shape));
+    qInfo("writing: %lld lines, %.1f s", m_shape.lines, static_cast<double>(clock.elapsed()) / 1000.0);
     QVERIFY(QFileInfo(m_log).size() >= logBytes);
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();
@@ -87,27 +120,30 @@ void tst_SurveyLongLog::initTestCase()
     m_view->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
     QTRY_VERIFY(m_view->IsComplete());
-    CheckMemory("started");
+    CheckMemory("started", Most());
 }
 
 void tst_SurveyLongLog::opens()
 {
     QSignalSpy frames(m_view.get(), &SurveyView::FramePainted);
     long_log::Turns turns;
+    QElapsedTimer clock;
+    clock.start();
     turns.Begin();
     m_view->OpenLog(m_log);
     QVERIFY(Page().IsLoading());
-    QTRY_VERIFY_WITH_TIMEOUT(!Page().IsLoading(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!Page().IsLoading(), Patience());
     turns.End();
-    qInfo("opening: %d turns of the event loop, %d frames, at most %lld ms without a turn", turns.Count(),
-        frames.size(), turns.Longest());
+    qInfo("opening: %.1f s, %d turns of the event loop, %d frames, at most %lld ms without a turn, at %.1f s",
+        static_cast<double>(clock.elapsed()) / 1000.0, turns.Count(), frames.size(), turns.Longest(),
+        static_cast<double>(turns.LongestEnd()) / 1000.0);
     QVERIFY2(turns.Count() >= leastTurns, qPrintable(QString::number(turns.Count())));
     QVERIFY(frames.size() > 0);
     QVERIFY(Page().Recording());
     QCOMPARE(Page().Recording()->Pings().size(), static_cast<std::size_t>(m_shape.lines));
     QCOMPARE(Page().Recording()->Series().Count(), static_cast<std::size_t>(m_shape.lines));
     QVERIFY(!Page().Recording()->IsDamaged());
-    CheckMemory("opened");
+    CheckMemory("opened", Most());
 }
 
 void tst_SurveyLongLog::scrubs()
@@ -118,12 +154,12 @@ void tst_SurveyLongLog::scrubs()
     for (int i = 0; i < places; ++i) {
         const auto ping = static_cast<double>(random() % static_cast<unsigned>(m_shape.lines));
         Page().GoTo(Page().Recording()->TimeOfPing(ping));
-        QTRY_VERIFY_WITH_TIMEOUT(!loader.IsLoading(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(!loader.IsLoading(), Patience());
         QVERIFY(std::fabs(Page().Recording()->PingAt(Page().Clock().Time()) - ping) < 1e-3);
     }
     // Somewhere else each time, so that lines had to come.
     QVERIFY(loader.LinesRead() - before > places * 100);
-    CheckMemory("scrubbed");
+    CheckMemory("scrubbed", Most());
 }
 
 void tst_SurveyLongLog::exports()
@@ -135,13 +171,13 @@ void tst_SurveyLongLog::exports()
     Page().Export().SetPart(Page().Recording(), times.Begin(), times.End());
     const QString track = m_folder.filePath(QStringLiteral("long.gpx"));
     QVERIFY(Page().Export().Write(ReviewExport::track, track));
-    QVERIFY(!done.isEmpty() || done.wait(patience));
+    QVERIFY(!done.isEmpty() || done.wait(Patience()));
     turns.End();
     qInfo(
         "exporting: %d turns of the event loop, at most %lld ms without one", turns.Count(), turns.Longest());
     QVERIFY(done.last()[0].toBool());
     QVERIFY(QFileInfo(track).size() > 100000);
-    CheckMemory("exported", mostInExport);
+    CheckMemory("exported", MostInExport());
 }
 
 GL_TEST_MAIN(tst_SurveyLongLog)

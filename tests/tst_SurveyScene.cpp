@@ -1,10 +1,10 @@
 // The page "3D": the vehicle as the others tell of it, and the fingers that turn the camera.
 
 #include "SurveyWindow.h"
+#include "ZrKit/scene/ZrScenePanel.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "apps/ZrSurvey/ScenePage.h"
-#include "apps/ZrSurvey/ScenePanel.h"
 
 #include <QSignalSpy>
 #include <QWheelEvent>
@@ -62,7 +62,7 @@ private:
 
     static QString S(const char* text) { return QString::fromUtf8(text); }
 
-    ScenePanel& Panel() { return *Page().findChild<ScenePanel*>(); }
+    ZrScenePanel& Panel() { return *Page().findChild<ZrScenePanel*>(); }
 
     SurveyVehicle& Vehicle() { return m_view->Model().vehicle; }
 
@@ -167,13 +167,19 @@ void tst_SurveyScene::poseReachesTheScene()
 
 void tst_SurveyScene::wayBecomesTrailAndFloor()
 {
-    std::vector<SurveyVehicle::Place> way;
+    std::vector<ZrScenePlace> way;
     for (int i = 0; i < 200; ++i)
         way.push_back({48.0 + i * 1e-5, -68.0 + (i % 10) * 1e-5, 5.0, 10.0});
     way.push_back({unknown, unknown, 5.0, 10.0});
     Vehicle().SetWay(way);
     Vehicle().Set(PoseAt(48.001, -68.0), S("line.log"), false);
+    // Of a long way a worker makes it.
+    QVERIFY(Page().Way().IsBuilding());
+    QVERIFY(Page().Scene().Trail().empty());
+    QTRY_VERIFY(!Page().Way().IsWorking());
+    QVERIFY(!Page().Way().IsBuilding());
     QCOMPARE(Page().Scene().Trail().size(), std::size_t(200));
+    QVERIFY(Page().Scene().m_hasVehicle);
     QVERIFY(!Page().Scene().Floor().IsEmpty());
     QVERIFY(std::fabs(Page().Scene().Floor().Lowest() + 15.0F) < 0.01F);
     // Of another recording: nothing of the first is left.
@@ -207,7 +213,7 @@ void tst_SurveyScene::liveAndReviewedApart()
     m_view->Show(S("Home"));
     m_view->Show(S("Scene"));
     QCOMPARE(Tile("Heading").Value(), S("123.4"));
-    QCOMPARE(Page().Scene().Trail().size(), std::size_t(2));
+    QTRY_COMPARE(Page().Scene().Trail().size(), std::size_t(2));
 }
 
 void tst_SurveyScene::sameFixIsNoNewPlace()
@@ -295,6 +301,20 @@ void tst_SurveyScene::keys()
     QVERIFY(scene.m_camera.Distance() < distance);
     QTest::keyClick(m_view.get(), Qt::Key_Minus);
     QVERIFY(std::fabs(scene.m_camera.Distance() - distance) < 0.01F);
+    // As keyboards with + above =, and those with a block of numbers, send them.
+    for (const auto& plus : {std::make_pair(Qt::Key_Plus, Qt::KeyboardModifiers(Qt::ShiftModifier)),
+             std::make_pair(Qt::Key_Equal, Qt::KeyboardModifiers()),
+             std::make_pair(Qt::Key_Plus, Qt::KeyboardModifiers(Qt::KeypadModifier))}) {
+        QTest::keyClick(m_view.get(), plus.first, plus.second);
+        QVERIFY(scene.m_camera.Distance() < 0.9F * distance);
+        QTest::keyClick(m_view.get(), Qt::Key_Minus, plus.second & Qt::KeypadModifier);
+        QVERIFY(std::fabs(scene.m_camera.Distance() - distance) < 0.01F);
+    }
+    QTest::keyClick(m_view.get(), Qt::Key_Plus, Qt::ControlModifier);
+    QVERIFY(std::fabs(scene.m_camera.Distance() - distance) < 0.01F);
+    const float azimuth = scene.m_camera.Azimuth();
+    QTest::keyClick(m_view.get(), Qt::Key_Right);
+    QVERIFY(scene.m_camera.Azimuth() != azimuth);
     QTest::keyClick(m_view.get(), Qt::Key_F);
     QVERIFY(!Button("Follow").on);
     for (const float wanted : {3.0F, 6.0F, 1.0F}) {

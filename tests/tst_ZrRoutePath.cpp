@@ -50,6 +50,7 @@ private Q_SLOTS:
     void propertiesOfAnyPath();
     void reversedPath();
     void largeRoute();
+    void legLines();
 };
 
 void tst_ZrRoutePath::straightOnTheEllipsoid_data()
@@ -530,6 +531,50 @@ void tst_ZrRoutePath::largeRoute()
     QVERIFY2(Near(path.Length(), expected, 1e-4 * expected),
         qPrintable(QString::number(path.Length() - expected)));
     qInfo("%lld ms", elapsed);
+}
+
+/// Along the arc of a right angle, no step of it larger than asked for.
+void tst_ZrRoutePath::legLines()
+{
+    const ZrLocalFrame frame({44.0, -63.0});
+    ZrWpts route;
+    for (const ZrLocalPoint at : {ZrLocalPoint{0, 0}, ZrLocalPoint{0, 200}, ZrLocalPoint{200, 200}}) {
+        const ZrGeoPoint place = frame.ToGeo(at);
+        route.Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    }
+    const auto corners = ZrRoutePath(route).LegLines();
+    QCOMPARE(corners.size(), std::size_t(2));
+    QCOMPARE(corners[0].size(), std::size_t(2));
+    route.GetAt(route.FindIndex(1))->r = 50.0;
+    const ZrRoutePath path(route);
+    const auto length = [&frame](const std::vector<std::vector<ZrGeoPoint>>& lines) {
+        double sum = 0.0;
+        ZrLocalPoint before = frame.ToLocal(lines[0][0]);
+        for (const auto& line : lines) {
+            for (const ZrGeoPoint& place : line) {
+                const ZrLocalPoint at = frame.ToLocal(place);
+                sum += std::hypot(at.x - before.x, at.y - before.y);
+                before = at;
+            }
+        }
+        return sum;
+    };
+    const double arc = 50.0 * pi / 2.0;
+    for (const double step : {0.0, 0.5, 0.01, NaN, -1.0}) {
+        const auto lines = path.LegLines(step);
+        const double used = step > 0.0 ? step : pi / 36.0;
+        // The right angle of the ellipsoid is none of the plane to the last digit.
+        const double steps = pi / 2.0 / used;
+        const auto count = static_cast<double>(lines[0].size());
+        QVERIFY2(count > steps + 1.9 && count < steps + 3.1, qPrintable(QString::number(count)));
+        QCOMPARE(lines[1].size(), std::size_t(2));
+        // Chords are shorter than their arcs by a share of step² / 24.
+        const double off = 300.0 + arc - length(lines);
+        QVERIFY2(off >= -0.01 && off < arc * used * used / 24.0 + 0.01, qPrintable(QString::number(off)));
+    }
+    // A step that would make millions of them is enlarged.
+    QVERIFY(path.LegLines(1e-12)[0].size() < 20000);
+    QVERIFY(ZrRoutePath(ZrWpts()).LegLines().empty());
 }
 
 QTEST_GUILESS_MAIN(tst_ZrRoutePath)

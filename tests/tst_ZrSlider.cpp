@@ -243,8 +243,8 @@ void tst_ZrSlider::valueText()
     QCOMPARE(m_slider->ValueText(), QStringLiteral("12.35"));
     m_slider->unit = QStringLiteral("dB");
     QCOMPARE(m_slider->ValueText(), QStringLiteral("12.35 dB"));
-    m_slider->unit = QString::fromUtf8("°");
-    QCOMPARE(m_slider->ValueText(), QString::fromUtf8("12.35°"));
+    m_slider->unit = QStringLiteral("°");
+    QCOMPARE(m_slider->ValueText(), QStringLiteral("12.35°"));
 }
 
 void tst_ZrSlider::tapping()

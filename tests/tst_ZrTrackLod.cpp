@@ -61,6 +61,8 @@ private Q_SLOTS:
     void selectsWhatIsInView();
     void endCutsTheLine();
     void cleared();
+    void replaced();
+    void nearest();
 };
 
 void tst_ZrTrackLod::tolerances()
@@ -217,6 +219,41 @@ void tst_ZrTrackLod::cleared()
     QCOMPARE(Text(Collected(track, 0)), QStringLiteral("0-0"));
     track.Clear();
     QCOMPARE(track.ClearCount(), 2);
+}
+
+/// A picture made of the one before is seen to be old by the count alone.
+void tst_ZrTrackLod::replaced()
+{
+    ZrTrackLod track = TrackOf({{0, 0}, {10, 0}});
+    track.Clear();
+    const int count = track.ClearCount();
+    track.Replace(TrackOf({{5, 5}, {6, 6}, {7, 7}}));
+    QCOMPARE(track.Count(), i64(3));
+    QVERIFY(track.ClearCount() > count);
+    track.Append(8, 8);
+    QCOMPARE(track.Count(), i64(4));
+    QCOMPARE(track.Bounds(), QRectF(5, 5, 3, 3));
+}
+
+void tst_ZrTrackLod::nearest()
+{
+    QCOMPARE(ZrTrackLod().Nearest({0, 0}, 1e9), i64(-1));
+    std::vector<QPointF> points;
+    for (int i = 0; i < 5000; ++i)
+        points.push_back({i * 2.0, 100.0 * std::sin(i * 0.01)});
+    points[700] = {std::nan(""), 0.0};
+    const ZrTrackLod track = TrackOf(points);
+    for (int i = 0; i < 5000; i += 61) {
+        const QPointF at = points[static_cast<std::size_t>(i)] + QPointF(0.3, -0.4);
+        QCOMPARE(track.Nearest(at, 1.0), i64(i));
+        QCOMPARE(track.Nearest(at, 0.49), i64(-1));
+    }
+    QCOMPARE(track.Nearest({-50.0, 0.0}, 60.0), i64(0));
+    QCOMPARE(track.Nearest({std::nan(""), 0.0}, 60.0), i64(-1));
+    QCOMPARE(track.Nearest({0.0, 0.0}, std::nan("")), i64(-1));
+    QCOMPARE(track.Nearest({0.0, 0.0}, -1.0), i64(-1));
+    QCOMPARE(track.Nearest({0.0, 0.0}, std::numeric_limits<double>::infinity()), i64(0));
+    QVERIFY(track.Nearest(points[699] + QPointF(1.9, 0.0), 50.0) != 700);
 }
 
 QTEST_APPLESS_MAIN(tst_ZrTrackLod)

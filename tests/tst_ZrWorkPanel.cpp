@@ -65,7 +65,13 @@ private:
         QTRY_VERIFY_WITH_TIMEOUT(!m_worker->IsWorking(), patience);
     }
 
-    ZrBtn& Cancel() const { return *m_panel->findChild<ZrBtn*>(); }
+    /// The button with a text: there is nothing to accept.
+    ZrBtn& Cancel() const
+    {
+        const auto buttons = m_panel->findChildren<ZrBtn*>();
+        return **std::find_if(
+            buttons.begin(), buttons.end(), [](const ZrBtn* button) { return !button->text.isEmpty(); });
+    }
 
     std::unique_ptr<Window> m_window;
     std::unique_ptr<ZrWorker> m_worker;

@@ -24,9 +24,6 @@ enum eImage : int
     imagePin = 7
 };
 
-/// Of an arc from vertex to vertex.
-constexpr double arcStep = M_PI / 36.0;
-
 bool IsFinite(const QPointF& p)
 {
     return std::isfinite(p.x()) && std::isfinite(p.y());
@@ -105,11 +102,10 @@ void ZrPlanChart::SetRoute(const ZrWpts& route, const ZrRoutePath& path)
     }
     m_legs.assign(path.Legs().size(), {});
     m_isLine.assign(path.Legs().size(), false);
-    for (const ZrPathPiece& piece : path.Pieces()) {
-        auto& line = m_legs[static_cast<std::size_t>(piece.leg)];
-        const int steps = piece.isArc ? std::max(1, qCeil(std::fabs(piece.sweep) / arcStep)) : 1;
-        for (int i = line.empty() ? 0 : 1; i <= steps; ++i)
-            line.push_back(ToWorld(path.Frame().ToGeo(piece.At(static_cast<double>(i) / steps))));
+    const auto lines = path.LegLines();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        for (const ZrGeoPoint& place : lines[i])
+            m_legs[i].push_back(ToWorld(place));
     }
     for (std::size_t i = 0; i < m_legs.size(); ++i) {
         const auto from = static_cast<std::size_t>(path.Legs()[i].from);

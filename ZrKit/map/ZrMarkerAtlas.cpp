@@ -2,28 +2,11 @@
 
 #include "ZrUtil/ZrGlSurface.h"
 #include "ZrUtil/ZrLogEmit.h"
+#include "ZrUtil/ZrMarkerImages.h"
 
 #include <algorithm>
 
 namespace {
-
-constexpr const char* markerImages[ZrGlSurface::MarkerCount] = {
-    ":/marker_alpha.png",
-    ":/marker_arrow.png",
-    ":/marker_square.png",
-    ":/marker_circle.png",
-    ":/marker_crosshair.png",
-    ":/marker_waypoint.png",
-    ":/marker_vector.png",
-    ":/marker_pin.png",
-    ":/handle_rotate.png",
-    ":/handle_stretch.png",
-    ":/handle_tick.png",
-    ":/handle_trash.png",
-    ":/handle_pan.png",
-    ":/handle_a.png",
-    ":/handle_b.png",
-};
 
 static_assert(ZrGlSurface::MarkerCount <= ZrMarkerAtlas::CellCount, "each image has a cell");
 
@@ -51,10 +34,10 @@ ZrMarkerAtlas::ZrMarkerAtlas()
     QImage all(Side, Side, QImage::Format_Alpha8);
     all.fill(0);
     for (int i = 0; i < ZrGlSurface::MarkerCount; ++i) {
-        QImage image(QString::fromLatin1(markerImages[i]));
+        const char* const path = ZrMarkerImages::Paths[static_cast<std::size_t>(i)];
+        QImage image(QString::fromLatin1(path));
         if (image.isNull()) {
-            ZR_LOG(
-                ZR_DEBUG_LOG_WARNING, "ZrKit-ZrMarkerAtlas", "Marker image load failed: {}", markerImages[i]);
+            ZR_LOG(ZR_DEBUG_LOG_WARNING, "ZrKit-ZrMarkerAtlas", "Marker image load failed: {}", path);
             continue;
         }
         if (image.size() != QSize(ImageSide, ImageSide))

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -73,6 +74,13 @@ void ZrTrackLod::Clear()
 {
     const int count = m_clearCount + 1;
     *this = ZrTrackLod();
+    m_clearCount = count;
+}
+
+void ZrTrackLod::Replace(ZrTrackLod track)
+{
+    const int count = m_clearCount + 1;
+    *this = std::move(track);
     m_clearCount = count;
 }
 
@@ -184,4 +192,25 @@ std::vector<ZrTrackLod::Range> ZrTrackLod::Select(const QRectF& box) const
             ranges.push_back({part.first, part.last});
     }
     return ranges;
+}
+
+i64 ZrTrackLod::Nearest(const QPointF& world, double within) const
+{
+    i64 nearest = -1;
+    double best = within;
+    for (const Part& part : m_parts) {
+        const double dx = std::max({part.box.left - world.x(), world.x() - part.box.right, 0.0});
+        const double dy = std::max({part.box.bottom - world.y(), world.y() - part.box.top, 0.0});
+        if (!(std::hypot(dx, dy) < best))
+            continue;
+        for (i64 i = part.first; i <= part.last; ++i) {
+            const QPointF d = (*this)[i] - world;
+            const double away = std::hypot(d.x(), d.y());
+            if (away < best) {
+                best = away;
+                nearest = i;
+            }
+        }
+    }
+    return nearest;
 }

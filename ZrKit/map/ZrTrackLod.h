@@ -62,6 +62,7 @@ public:
     void Append(double x, double y);
     void Append(zr::span<const QPointF> positions);
     void Clear();
+    void Replace(ZrTrackLod track); ///< by another one, as if it had been cleared and appended
 
     i64 Count() const { return static_cast<i64>(m_points.size()); } ///< with the breaks
 
@@ -76,6 +77,10 @@ public:
 
     /// The sub-tracks whose box touches \p box, those that follow each other as one.
     std::vector<Range> Select(const QRectF& box) const;
+
+    /// The position nearest to \p world that is closer than \p within metres; -1 for none. Only sub-tracks
+    /// whose box is that near are looked through.
+    i64 Nearest(const QPointF& world, double within) const;
 
     /// Calls \p use with each segment, in order, of the line up to position \p end, without it, that touches
     /// \p box, as \p level needs it. False when \p use returned false, and there it ends.

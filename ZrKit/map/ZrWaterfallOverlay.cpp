@@ -13,7 +13,6 @@
 namespace {
 
 const QColor bottomColour(64, 224, 255);
-const QColor textColour(235, 240, 245);
 const QColor shade(0, 0, 0, 150);
 
 double MiddleOf(const ZrWaterfallLayout& layout)
@@ -70,7 +69,8 @@ int ZrWaterfallOverlay::ScaleHeight(const QFont& font)
     return QFontMetrics(font).height() + 4;
 }
 
-void ZrWaterfallOverlay::PaintScale(QPainter& painter, const ZrWaterfallLayout& layout, const QFont& font)
+void ZrWaterfallOverlay::PaintScale(
+    QPainter& painter, const ZrWaterfallLayout& layout, const QFont& font, const QColor& colour)
 {
     if (!(layout.MetresPerPixel() > 0.0))
         return;
@@ -85,7 +85,7 @@ void ZrWaterfallOverlay::PaintScale(QPainter& painter, const ZrWaterfallLayout& 
     const double most = std::max(layout.Range(sidePort), layout.Range(sideStarboard)) * scale;
     const double room = 5.0 * metrics.averageCharWidth() + high;
     const ZrAxisTicks ticks(0.0, most, std::max(static_cast<int>(layout.WiderColumns() / room) + 1, 3));
-    painter.setPen(textColour);
+    painter.setPen(colour);
     for (const double value : ticks.Values()) {
         for (const int sign : {-1, 1}) {
             const double x = MiddleOf(layout) + sign * value / scale / layout.MetresPerPixel();

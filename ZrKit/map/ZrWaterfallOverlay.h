@@ -2,6 +2,7 @@
 
 #include "ZrKit/ZrKitExport.h"
 
+#include <QColor>
 #include <QFont>
 #include <QPolygonF>
 
@@ -31,7 +32,8 @@ struct ZR_KIT_EXPORT ZrWaterfallOverlay
     /// Ranges to both sides along the lower edge, in the short length unit of `ZrUnits`, on a band of
     /// `ScaleHeight`. Nothing while there is no line.
     /// \param font of the numbers, its size in pixels of the layout
-    static void PaintScale(QPainter& painter, const ZrWaterfallLayout& layout, const QFont& font);
+    static void PaintScale(QPainter& painter, const ZrWaterfallLayout& layout, const QFont& font,
+        const QColor& colour = QColor(235, 240, 245));
 
     static int ScaleHeight(const QFont& font);
 };

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double usualArcStep = ZrUtil::pi / 36.0; // radians
+constexpr double leastArcStep = 1e-4;
 constexpr double doublingBack = 179.9 / 180.0 * ZrUtil::pi; // change of direction, radians
 
 double PlaneDistance(ZrLocalPoint a, ZrLocalPoint b)
@@ -289,4 +291,18 @@ std::vector<ZrPathSample> ZrRoutePath::Sample(double step) const
             add(piece, static_cast<double>(part) / parts);
     }
     return samples;
+}
+
+std::vector<std::vector<ZrGeoPoint>> ZrRoutePath::LegLines(double arcStep) const
+{
+    const double step = arcStep > 0.0 ? std::max(arcStep, leastArcStep) : usualArcStep;
+    std::vector<std::vector<ZrGeoPoint>> lines(m_legs.size());
+    for (const ZrPathPiece& piece : m_pieces) {
+        auto& line = lines[static_cast<std::size_t>(piece.leg)];
+        const int steps
+            = piece.isArc ? std::max(1, static_cast<int>(std::ceil(std::fabs(piece.sweep) / step))) : 1;
+        for (int i = line.empty() ? 0 : 1; i <= steps; ++i)
+            line.push_back(m_frame.ToGeo(piece.At(static_cast<double>(i) / steps)));
+    }
+    return lines;
 }

@@ -98,6 +98,11 @@ public:
     /// `MaxSamples` is enlarged. A sample that is not valid stands for legs that are not known.
     std::vector<ZrPathSample> Sample(double step) const;
 
+    /// The path of each leg as a line to be drawn: from the end of one turn to that of the next, with a place
+    /// every \p arcStep radians of an arc at most. Empty for a leg without length; 5 degrees for a step that
+    /// is not above 0.
+    std::vector<std::vector<ZrGeoPoint>> LegLines(double arcStep = 0.0) const;
+
 private:
     void Project(const std::vector<ZrGeoPoint>& positions);
     void CalcTurns(const std::vector<double>& radii);

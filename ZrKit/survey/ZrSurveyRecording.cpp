@@ -1,7 +1,9 @@
 #include "ZrKit/survey/ZrSurveyRecording.h"
 
 #include "ZrKit/planning/ZrGeoShapes.h"
+#include "ZrKit/planning/ZrRouteFields.h"
 #include "ZrKit/planning/ZrRouteFile.h"
+#include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrSurveySeriesReader.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
@@ -9,6 +11,8 @@
 #include "ZrKit/sonar/ZrSonarTrackSettings.h"
 #include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrUtil/IZrProgress.h"
+#include "ZrUtil/ZrWpt.h"
+#include "ZrUtil/ZrWpts.h"
 
 #include <QFileInfo>
 
@@ -243,8 +247,17 @@ void ZrSurveyRecording::LoadPlan()
         m_remarks << file.Error();
         return;
     }
-    for (const ZrShapePoint& point : shapes.points)
+    ZrWpts route;
+    for (const ZrShapePoint& point : shapes.points) {
         m_plan.push_back(point.position);
+        auto wpt = std::make_unique<ZrWpt>();
+        ZrRouteFields::Apply(point.fields, *wpt);
+        wpt->lat = point.position.lat;
+        wpt->lng = point.position.lng;
+        route.AddTail(wpt.get());
+        wpt.release();
+    }
+    m_planWay = ZrRoutePath(route).LegLines();
 }
 
 double ZrSurveyRecording::PingAt(double steady) const

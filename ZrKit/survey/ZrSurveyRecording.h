@@ -80,7 +80,12 @@ public:
 
     ZrEventList& Events() { return m_events; }
 
+    const ZrEventList& Events() const { return m_events; }
+
     const std::vector<ZrGeoPoint>& Plan() const { return m_plan; } ///< waypoints that the log held
+
+    /// The way that the plan makes, turns as arcs: see `ZrRoutePath::LegLines`.
+    const std::vector<std::vector<ZrGeoPoint>>& PlanWay() const { return m_planWay; }
 
     /// \name Side-scan sonar
     /// @{
@@ -134,6 +139,7 @@ private:
     std::shared_ptr<const ZrSteadyTime> m_times;
     ZrEventList m_events;
     std::vector<ZrGeoPoint> m_plan;
+    std::vector<std::vector<ZrGeoPoint>> m_planWay;
     ZrSonarLog m_log;
     ZrBottomLine m_bottom;
     ZrBottomHistory m_bottomHistory{m_bottom};

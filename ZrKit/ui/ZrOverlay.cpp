@@ -124,6 +124,11 @@ bool ZrOverlay::OnAccept()
     return true;
 }
 
+bool ZrOverlay::OnCancel()
+{
+    return true;
+}
+
 void ZrOverlay::Accept()
 {
     if (!isVisible() || !m_accept->isEnabled() || !OnAccept())
@@ -134,7 +139,7 @@ void ZrOverlay::Accept()
 
 void ZrOverlay::Cancel()
 {
-    if (!isVisible())
+    if (!isVisible() || !OnCancel())
         return;
     Close();
     Q_EMIT Cancelled();

@@ -48,6 +48,8 @@ protected:
     virtual QSize Wanted() const; ///< size of the panel, design pixels; as much as there is room for
     virtual void Place(); ///< puts the controls into `Body`
     virtual bool OnAccept(); ///< false keeps it open
+    virtual bool OnCancel(); ///< likewise
+    void Close(); ///< without an answer
 
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -61,8 +63,6 @@ protected:
     ZrBtn* m_cancel;
 
 private:
-    void Close();
-
     QString m_title;
     QString m_problem;
     int m_titleRoom = 0; ///< pixels

@@ -4,30 +4,24 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
-#include <QWheelEvent>
 
 #include <algorithm>
 
 ZrWorkPanel::ZrWorkPanel(QWidget* parent)
-    : QWidget(parent)
-    , m_cancel(new ZrBtn(this, ZrBtn::typeStd))
+    : ZrOverlay(parent, QString())
     , m_delay(new QTimer(this))
 {
-    hide();
-    setFocusPolicy(Qt::StrongFocus);
+    SetAcceptText(QString());
+    SetAcceptEnabled(false);
     m_delay->setSingleShot(true);
     connect(m_delay, &QTimer::timeout, this, [this] {
         m_isShown = true;
         m_cancel->show();
         update();
     });
-    connect(m_cancel, &ZrBtn::Clicked, this, &ZrWorkPanel::Cancel);
-    if (parent)
-        parent->installEventFilter(this);
 }
 
 void ZrWorkPanel::Begin(ZrWorker& worker, const QString& text)
@@ -35,24 +29,18 @@ void ZrWorkPanel::Begin(ZrWorker& worker, const QString& text)
     if (m_worker)
         disconnect(m_worker, nullptr, this, nullptr);
     m_worker = &worker;
-    m_text = text;
     m_percent = 0;
     m_isShown = m_isCancelled = false;
-    m_cancel->text = tr("Cancel");
+    SetTitle(text);
+    SetCancelText(tr("Cancel"));
     m_cancel->setEnabled(true);
     m_cancel->hide();
-    setAccessibleName(text);
     connect(m_worker, &ZrWorker::Progress, this, [this](int percent) {
         m_percent = percent;
         update();
     });
     connect(m_worker, &ZrWorker::Finished, this, &ZrWorkPanel::End);
-    if (parentWidget())
-        setGeometry(parentWidget()->rect());
-    Place();
-    show();
-    raise();
-    setFocus();
+    Open();
     m_delay->start(DelayMilliseconds);
 }
 
@@ -62,59 +50,28 @@ void ZrWorkPanel::End()
     if (m_worker)
         disconnect(m_worker, nullptr, this, nullptr);
     m_worker = nullptr;
-    hide();
+    Close();
+    // Not to what was touched before: the work has shown something else.
     if (parentWidget())
         parentWidget()->setFocus();
 }
 
-void ZrWorkPanel::Cancel()
+/// The worker's end closes it.
+bool ZrWorkPanel::OnCancel()
 {
     if (!m_worker || m_isCancelled)
-        return;
+        return false;
     m_isCancelled = true;
-    m_cancel->text = tr("Cancelling …");
+    SetCancelText(tr("Cancelling …"));
     m_cancel->setEnabled(false);
-    m_cancel->Changed();
     update();
     m_worker->Cancel();
+    return false;
 }
 
-QRect ZrWorkPanel::Panel() const
+QSize ZrWorkPanel::Wanted() const
 {
-    const QSize wanted(ZrTheme::DpI(560), ZrTheme::DpI(236));
-    const QSize size = wanted.boundedTo(this->size());
-    return {QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size};
-}
-
-void ZrWorkPanel::Place()
-{
-    const QRect panel = Panel();
-    const int margin = ZrTheme::DpI(24);
-    const int buttonHeight = std::max(ZrTheme::DpI(64), 48);
-    const int buttonWidth = std::min(ZrTheme::DpI(200), panel.width() - 2 * margin);
-    m_cancel->setGeometry(panel.right() - margin - buttonWidth, panel.bottom() - margin - buttonHeight,
-        buttonWidth, buttonHeight);
-    m_cancel->Changed();
-}
-
-void ZrWorkPanel::resizeEvent(QResizeEvent* event)
-{
-    QWidget::resizeEvent(event);
-    Place();
-}
-
-bool ZrWorkPanel::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == parentWidget() && event->type() == QEvent::Resize && isVisible())
-        setGeometry(parentWidget()->rect());
-    return QWidget::eventFilter(watched, event);
-}
-
-void ZrWorkPanel::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Escape)
-        Cancel();
-    event->accept();
+    return {560, 244};
 }
 
 void ZrWorkPanel::mousePressEvent(QMouseEvent* event)
@@ -122,41 +79,31 @@ void ZrWorkPanel::mousePressEvent(QMouseEvent* event)
     event->accept();
 }
 
-void ZrWorkPanel::wheelEvent(QWheelEvent* event)
+void ZrWorkPanel::mouseReleaseEvent(QMouseEvent* event)
 {
     event->accept();
 }
 
-void ZrWorkPanel::paintEvent(QPaintEvent* /*event*/)
+void ZrWorkPanel::paintEvent(QPaintEvent* event)
 {
     if (!m_isShown)
         return;
+    ZrOverlay::paintEvent(event);
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(0, 0, 0, 140));
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor back = ZrTheme::formBack;
-    back.setAlpha(255);
-    painter.setPen(QPen(ZrTheme::formBdr, ZrTheme::DpI(1)));
-    painter.setBrush(back);
-    const QRect panel = Panel();
-    painter.drawRoundedRect(panel, ZrTheme::rxy, ZrTheme::rxy);
-    const int margin = ZrTheme::DpI(24);
-    const QRect text(
-        panel.x() + margin, panel.y() + ZrTheme::DpI(12), panel.width() - 2 * margin, ZrTheme::DpI(48));
-    painter.setFont(ZrTheme::fontLarge);
-    painter.setPen(ZrTheme::titleCol);
-    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
-        painter.fontMetrics().elidedText(m_text, Qt::ElideMiddle, text.width()));
-    const QRect groove(text.x(), text.bottom() + ZrTheme::DpI(12), text.width(), ZrTheme::DpI(12));
+    const int percent = std::clamp(m_percent, 0, 100);
+    const QRect body = Body();
+    const int high = ZrTheme::DpI(12);
+    const QRect groove(body.x(), body.y() + ZrTheme::DpI(4), body.width(), high);
     painter.setPen(Qt::NoPen);
     painter.setBrush(ZrTheme::gridCol);
-    painter.drawRoundedRect(groove, groove.height() / 2.0, groove.height() / 2.0);
+    painter.drawRoundedRect(groove, high / 2.0, high / 2.0);
     QRect done = groove;
-    done.setWidth(groove.width() * std::clamp(m_percent, 0, 100) / 100);
+    done.setWidth(groove.width() * percent / 100);
     painter.setBrush(m_isCancelled ? ZrTheme::ctrlOutlineCol : ZrTheme::ctrlHighlightCol);
-    painter.drawRoundedRect(done, groove.height() / 2.0, groove.height() / 2.0);
+    painter.drawRoundedRect(done, high / 2.0, high / 2.0);
     painter.setFont(ZrTheme::font);
     painter.setPen(ZrTheme::bodyCol);
-    painter.drawText(QRect(text.x(), m_cancel->y(), m_cancel->x() - text.x(), m_cancel->height()),
-        Qt::AlignLeft | Qt::AlignVCenter, tr("%1 %").arg(std::clamp(m_percent, 0, 100)));
+    painter.drawText(QRect(body.x(), m_cancel->y(), m_cancel->x() - body.x(), m_cancel->height()),
+        Qt::AlignLeft | Qt::AlignVCenter, tr("%1 %").arg(percent));
 }

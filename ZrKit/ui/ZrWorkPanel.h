@@ -1,12 +1,8 @@
 #pragma once
 
-#include "ZrKit/ZrKitExport.h"
-
-#include <QString>
-#include <QWidget>
+#include "ZrKit/ui/ZrOverlay.h"
 
 class QTimer;
-class ZrBtn;
 class ZrWorker;
 
 /// Shows over a window how far the work of a `ZrWorker` is, with a button that ends it.
@@ -18,8 +14,8 @@ class ZrWorker;
 ///
 /// It covers its parent from `Begin` on and takes its input; the panel itself comes up when the work takes
 /// longer than `DelayMilliseconds`. It goes when the worker tells `Finished`. After the button was pressed it
-/// says so until then. GUI thread only.
-class ZR_KIT_EXPORT ZrWorkPanel : public QWidget
+/// says so until then. A tap beside it does nothing. GUI thread only.
+class ZR_KIT_EXPORT ZrWorkPanel : public ZrOverlay
 {
     Q_OBJECT
 
@@ -30,27 +26,20 @@ public:
 
     void Begin(ZrWorker& worker, const QString& text); ///< what is done, for people
 
+    void End(); ///< as the worker's end does; for work that could not be started
+
     int Percent() const { return m_percent; }
 
-    void Cancel(); ///< as the button
-
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    QSize Wanted() const override;
+    bool OnCancel() override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void End();
-    QRect Panel() const;
-    void Place();
-
     ZrWorker* m_worker = nullptr;
-    ZrBtn* m_cancel;
     QTimer* m_delay;
-    QString m_text;
     int m_percent = 0;
     bool m_isShown = false; ///< the panel, not only its cover
     bool m_isCancelled = false;

@@ -21,20 +21,12 @@ QString Tr(const char* text)
     return QCoreApplication::translate("HomeState", text);
 }
 
-/// Number and unit apart.
-void SetSize(HomeState::Tile& tile, double bytes)
+QString SizeText(double bytes)
 {
-    const ZrByteText text = ZrByteText::Of(bytes);
-    tile.value = text.value;
-    tile.unit = text.unit;
+    return ZrByteText::Of(bytes).Text();
 }
 
 } // namespace
-
-QString HomeState::SizeText(double bytes)
-{
-    return ZrByteText::Of(std::max(bytes, 0.0)).Text();
-}
 
 QString HomeState::DurationText(double seconds)
 {
@@ -122,7 +114,9 @@ HomeState::Tile HomeState::Space(qint64 freeBytes, int stopBelowMegabytes, doubl
         tile.note = Tr("Not known");
         return tile;
     }
-    SetSize(tile, static_cast<double>(freeBytes));
+    const ZrByteText size = ZrByteText::Of(static_cast<double>(freeBytes));
+    tile.value = size.value;
+    tile.unit = size.unit;
     const double least = stopBelowMegabytes * megabyte;
     tile.note = secondsLeft >= 0.0 ? Tr("For %1").arg(DurationText(secondsLeft))
                                    : Tr("Stops at %1").arg(SizeText(least));

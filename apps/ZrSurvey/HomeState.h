@@ -37,6 +37,5 @@ struct HomeState
     /// When it was made, how long it is and how large, and whether there is sonar in it.
     static QString RecordingText(const ZrRecentLog& log);
 
-    static QString SizeText(double bytes); ///< "12.3 GB"
     static QString DurationText(double seconds); ///< "3 h 20 min", "12 min", "40 s"
 };

@@ -181,7 +181,7 @@ void ReviewPage::PaintHeader(QPainter& painter, const QRect& header, const QStri
     if (header.isEmpty())
         return;
     painter.fillRect(header, ZrTheme::toolBack);
-    painter.setFont(ZrTheme::font);
+    painter.setFont(review::body_font());
     painter.setPen(ZrTheme::ctrlCol);
     const QRect room(header.x() + 2 * Gap(), header.y(), right - header.x() - 3 * Gap(), header.height());
     painter.setFont(ZrLegible::Fitting(painter.font(), text, room.width()));
@@ -217,6 +217,12 @@ void ReviewPage::paintEvent(QPaintEvent* event)
         const QRect above(0, m_firstOpen->y() - ZrTheme::DpI(64), width(), ZrTheme::DpI(48));
         painter.drawText(above, Qt::AlignCenter, tr("No recording is open"));
         return;
+    }
+    if (m_map->Chart().IsBuilding()) {
+        painter.setFont(review::body_font());
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(
+            m_map->Panel().geometry(), Qt::AlignCenter | Qt::TextWordWrap, tr("The map is being made …"));
     }
     const ZrGeoPoint at = m_recording->PositionAt(m_clock.Time());
     PaintHeader(painter, m_mapHeader, review::position_text(at.lat, at.lng), m_fit->x());

@@ -1,20 +1,15 @@
 #pragma once
 
+#include "ZrKit/chart/ZrRecordingChart.h"
 #include "ZrKit/map/ZrGridLayer.h"
 #include "ZrKit/map/ZrMapSurface.h"
-#include "ZrKit/map/ZrMarkerLayer.h"
-#include "ZrKit/map/ZrTrackLayer.h"
-#include "ZrKit/planning/ZrGeoPoint.h"
-#include "ZrUtil/ZrProj.h"
 
 #include <QObject>
 
 class SurveyPage;
 class ZrMapPanel;
-class ZrSurveyRecording;
 
-/// The map of the page "Review": the whole way of the vehicle, what lies behind the cursor set off from what
-/// is to come, the plan, the events, and the vehicle.
+/// The map of the page "Review".
 class ReviewMap : public QObject
 {
     Q_OBJECT
@@ -25,20 +20,24 @@ public:
 
     ZrMapPanel& Panel() { return *m_panel; }
 
+    const ZrRecordingChart& Chart() const { return m_chart; }
+
     void Create(); ///< context current
     void Render(); ///< likewise
 
-    void Show(ZrSurveyRecording* recording); ///< null for nothing
-    void ShowEvents();
+    void Show(const std::shared_ptr<ZrSurveyRecording>& recording); ///< null for nothing
+
+    void ShowEvents() { m_chart.ShowEvents(); }
+
     void SetCursor(double steady);
     void FitAll();
     void SetFollows(bool follows); ///< the vehicle stays in view
 
     bool Follows() const { return m_follows; }
 
-    QPointF Vehicle() const; ///< where it is drawn, metres of the grid
+    QPointF Vehicle() const { return m_chart.Vehicle(); } ///< where it is drawn, metres of the grid
 
-    QPointF WorldOf(const ZrGeoPoint& at) const { return ToWorld(at.lat, at.lng); }
+    QPointF WorldOf(const ZrGeoPoint& at) const { return m_chart.ToWorld(at); }
 
     QPointF PixelOf(const ZrGeoPoint& at) const; ///< of the panel
 
@@ -47,25 +46,18 @@ public:
 Q_SIGNALS:
     void Scrubbed(double steady); ///< a place of the track was tapped
     void FollowsChanged();
+    void Built(); ///< the way is there
 
 private:
-    QPointF ToWorld(double lat, double lng) const;
-    void ShowVehicle();
+    void OnBuilt();
+    void Follow();
     void OnTapped(const QPointF& world, const QPointF& pixel);
 
     SurveyPage& m_page;
-    ZrSurveyRecording* m_recording = nullptr;
     ZrMapSurface m_map;
     ZrMapPanel* m_panel;
     ZrGridLayer m_grid;
-    ZrTrackLayer m_plan;
-    ZrTrackLayer m_track;
-    ZrMarkerLayer m_waypoints;
-    ZrMarkerLayer m_events;
-    ZrMarkerLayer m_vehicle;
-    ZrProj m_projection;
-    bool m_hasPlace = false;
+    ZrRecordingChart m_chart;
     bool m_isFitted = false;
     bool m_follows = false;
-    double m_cursor = 0.0;
 };

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "ZrKit/sonar/ZrSonarMeasure.h"
-#include "ZrKit/sonar/ZrWaterfallPoint.h"
+#include "ZrKit/survey/ZrTargetMarker.h"
 
 #include <QWidget>
-
-#include <optional>
 
 class QPainter;
 class ZrBtn;
@@ -29,11 +26,11 @@ public:
     void Clear();
     void Store(); ///< what was marked last, if anything
 
-    const std::optional<ZrSonarTarget>& Target() const { return m_target; } ///< marked last
+    const std::optional<ZrSonarTarget>& Target() const { return m_marker.Target(); } ///< marked last
 
-    const std::optional<ZrSonarMeasure::Extent>& Extent() const { return m_extent; }
+    const std::optional<ZrSonarMeasure::Extent>& Extent() const { return m_marker.Extent(); }
 
-    const std::optional<ZrSonarMeasure::Shadow>& Shadow() const { return m_shadow; }
+    const std::optional<ZrSonarMeasure::Shadow>& Shadow() const { return m_marker.Shadow(); }
 
     void PaintMarks(QPainter& painter); ///< into the overlay of the panel
     /// \param area of the waterfall; \param bottom as far down as the panel may reach beside or over it
@@ -59,26 +56,17 @@ private:
         QString value;
     };
 
-    std::optional<ZrSonarSpot> SpotAt(const ZrWaterfallPoint& point) const;
     void OnTapped(const ZrWaterfallPoint& point);
     void OnDrawn(const QPointF& from, const QPointF& to, bool isDone);
-    void Mark(const ZrSonarSpot& spot);
     void Update();
     QVector<Line> Lines() const;
-    QPointF PixelOf(const ZrSonarSpot& spot) const;
 
     ZrWaterfallPanel& m_panel;
-    ZrSurveyRecording* m_recording = nullptr;
+    ZrTargetMarker m_marker;
     ZrBtn* m_shadowButton;
     ZrBtn* m_store;
     ZrBtn* m_clear;
     QRect m_area;
     int m_bottom = 0;
     bool m_isOn = false;
-    bool m_wantsShadow = false;
-    std::optional<ZrSonarTarget> m_target;
-    std::optional<ZrSonarSpot> m_end;
-    std::optional<ZrSonarMeasure::Extent> m_extent;
-    std::optional<ZrSonarMeasure::Shadow> m_shadow;
-    ZrSonarSpot m_shadowEnd;
 };

@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/ReviewPage.h"
 
+#include "ZrKit/import/ZrImportTask.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/review/ZrTimeText.h"
@@ -19,7 +20,6 @@
 #include "apps/ZrSurvey/ReviewMap.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
-#include "apps/ZrSurvey/SurveyImport.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
@@ -71,7 +71,7 @@ ReviewPage::ReviewPage(SurveyView& view)
     m_plots->SetTimeLine(&m_bar->Line());
     m_events->hide();
     m_files->SetMode(ZrFilePanel::openFile);
-    m_files->SetSuffixes(QStringList{QStringLiteral("log")} + SurveyImport::Suffixes());
+    m_files->SetSuffixes(QStringList{QStringLiteral("log")} + ZrImportTask::Suffixes());
     Connect();
     Show(nullptr);
 }
@@ -112,6 +112,7 @@ void ReviewPage::Connect()
     connect(m_fit, &ZrBtn::Clicked, m_map, &ReviewMap::FitAll);
     connect(m_follow, &ZrBtn::Clicked, this, [this] { m_map->SetFollows(!m_map->Follows()); });
     connect(m_map, &ReviewMap::FollowsChanged, this, &ReviewPage::ShowState);
+    connect(m_map, &ReviewMap::Built, this, &SurveyPage::Changed);
     connect(m_mapLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneMap); });
     connect(&View(), &SurveyView::SettingsChanged, this, [this] {
         m_sonar->ShowSettings();
@@ -196,6 +197,11 @@ void ReviewPage::AskFile()
     m_files->Open();
 }
 
+bool ReviewPage::IsLoading() const
+{
+    return m_worker.IsWorking() || m_map->Chart().IsBuilding();
+}
+
 void ReviewPage::OpenLog(const QString& path)
 {
     if (m_worker.IsWorking()) {
@@ -246,7 +252,7 @@ void ReviewPage::OnLoaded()
 void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
 {
     ZrSurveyRecording* now = recording.get();
-    m_map->Show(now);
+    m_map->Show(recording);
     m_sonar->Show(recording);
     m_events->Show(now);
     const std::shared_ptr<ZrSurveyRecording> before = std::exchange(m_recording, recording);
@@ -285,7 +291,7 @@ void ReviewPage::ShowGaps()
 /// Gives the 3D page the whole way, of very long recordings every so many places.
 void ReviewPage::TellWay()
 {
-    std::vector<SurveyVehicle::Place> way;
+    std::vector<ZrScenePlace> way;
     const ZrSurveySeries& series = m_recording->Series();
     const std::size_t step = series.Count() / mostPlaces + 1;
     way.reserve(series.Count() / step + 1);

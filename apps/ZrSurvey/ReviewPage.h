@@ -32,7 +32,7 @@ public:
 
     void OpenLog(const QString& path);
 
-    bool IsLoading() const { return m_worker.IsWorking(); }
+    bool IsLoading() const; ///< also while the map is still being made
 
     const std::shared_ptr<ZrSurveyRecording>& Recording() const { return m_recording; } ///< null for none
 

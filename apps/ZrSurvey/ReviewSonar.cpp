@@ -1,13 +1,12 @@
 #include "apps/ZrSurvey/ReviewSonar.h"
 
+#include "ZrKit/map/ZrWaterfallOverlay.h"
 #include "ZrKit/map/ZrWaterfallPalettes.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
-#include "ZrKit/review/ZrAxisTicks.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrTheme.h"
-#include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
@@ -173,7 +172,9 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
         painter.fillRect(QRect(QPoint(), layout.View().rect.size()), QColor(30, 0, 0, 150));
     if (m_page.View().Model().settings.bottom || m_bottom->IsOn())
         m_bottom->Paint(painter, layout);
-    PaintScale(painter, layout);
+    QFont font = ZrTheme::font;
+    font.setPixelSize(qRound(ZrLegible::Px(14) * m_panel->devicePixelRatioF()));
+    ZrWaterfallOverlay::PaintScale(painter, layout, font, Ink(QColor(235, 240, 245)));
     const double width = m_panel->width() * m_panel->devicePixelRatioF();
     PaintEvents(painter, layout);
     const double y = m_panel->YOf(m_panel->Cursor());
@@ -219,39 +220,4 @@ void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout
         painter.drawEllipse(at, radius, radius);
     }
     painter.setRenderHint(QPainter::Antialiasing, false);
-}
-
-/// Ranges along the lower edge.
-void ReviewSonar::PaintScale(QPainter& painter, const ZrWaterfallLayout& layout)
-{
-    if (!(layout.MetresPerPixel() > 0.0))
-        return;
-    const double ratio = m_panel->devicePixelRatioF();
-    QFont font = ZrTheme::font;
-    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
-    painter.setFont(font);
-    const QFontMetrics metrics = painter.fontMetrics();
-    const int width = qRound(m_panel->width() * ratio);
-    const int bottom = qRound(m_panel->height() * ratio);
-    const int high = metrics.height() + 4;
-    painter.fillRect(0, bottom - high, width, high, shade);
-    const double scale = ZrUnits::shortLengthScale;
-    const double middle = layout.View().rect.x() + layout.Columns(sidePort);
-    const double most = std::max(layout.Range(sidePort), layout.Range(sideStarboard)) * scale;
-    const double pixels = std::max(layout.Columns(sidePort), layout.Columns(sideStarboard));
-    const ZrAxisTicks ticks(0.0, most, std::max(static_cast<int>(pixels / (70.0 * ratio)), 2));
-    painter.setPen(Ink(QColor(235, 240, 245)));
-    for (const double value : ticks.Values()) {
-        for (const int sign : {-1, 1}) {
-            const double x = middle + sign * value / scale / layout.MetresPerPixel();
-            if ((value == 0.0 && sign < 0) || x < 0.0 || x > width)
-                continue;
-            painter.drawLine(QPointF(x, bottom - high - 4 * ratio), QPointF(x, bottom - high));
-            const QString text = value == 0.0 ? ZrUnits::GetShortLengthUnits() : ticks.Label(value);
-            const int half = metrics.horizontalAdvance(text) / 2 + 2;
-            if (x < half || x + half > width)
-                continue;
-            painter.drawText(QRectF(x - half, bottom - high, 2.0 * half, high), Qt::AlignCenter, text);
-        }
-    }
 }

@@ -55,7 +55,6 @@ Q_SIGNALS:
 private:
     void PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layout);
     void PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout);
-    void PaintScale(QPainter& painter, const ZrWaterfallLayout& layout);
 
     SurveyPage& m_page;
     ZrSurveyRecording* m_recording = nullptr;

@@ -1,8 +1,11 @@
 #include "apps/ZrSurvey/ReviewText.h"
 
 #include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/ui/ZrLegible.h"
+#include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -35,4 +38,11 @@ QString review::position_text(double latitude, double longitude)
 {
     const QString text = ZrPositionShown::Text(latitude, longitude);
     return text.isEmpty() ? dash : text;
+}
+
+QFont review::body_font()
+{
+    QFont font = ZrTheme::font;
+    font.setPixelSize(std::max(font.pixelSize(), ZrLegible::LeastText));
+    return font;
 }

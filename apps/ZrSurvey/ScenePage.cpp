@@ -1,11 +1,12 @@
 #include "apps/ZrSurvey/ScenePage.h"
 
+#include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/scene/ZrScenePanel.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 #include "ZrUtil/ZrWpt.h"
-#include "apps/ZrSurvey/ScenePanel.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
@@ -25,15 +26,6 @@ namespace {
 
 constexpr float nearDistance = 25.0F; ///< of the camera, metres
 
-/// Of the floor's grid at least, metres.
-constexpr float floorSpacing = 2.5F;
-
-/// The floor is made anew when so many soundings more have come, in parts of those that it has.
-constexpr double floorGrowth = 0.05;
-
-constexpr double shortestStep = 1.0; ///< metres between samples of the plan's way
-constexpr double mostSamples = 20000.0;
-
 QString Degrees(double value)
 {
     return std::isfinite(value) ? QString::number(value, 'f', 1) : QString();
@@ -43,7 +35,7 @@ QString Degrees(double value)
 
 ScenePage::ScenePage(SurveyView& view)
     : SurveyPage(view, tr("3D"))
-    , m_panel(new ScenePanel(this, m_scene))
+    , m_panel(new ZrScenePanel(this, m_scene))
     , m_follow(AddButton(QStringLiteral("follow"), tr("Follow the vehicle (F)"), &ScenePage::ToggleFollow))
     , m_exaggerate(AddButton(QStringLiteral("bottom"), tr("Exaggerate heights (X)"), &ScenePage::Exaggerate))
     , m_heading(new ZrValueTile(this, tr("Heading")))
@@ -57,10 +49,21 @@ ScenePage::ScenePage(SurveyView& view)
     AddButton(QStringLiteral("orbit"), tr("Look from behind (Home)"), &ScenePage::ResetView);
     m_follow->checkable = true;
     m_follow->on = true;
-    connect(m_panel, &ScenePanel::Changed, this, &SurveyPage::Changed);
-    connect(m_panel, &ScenePanel::Panned, this, [this] {
-        m_follow->on = false;
+    connect(m_panel, &ZrScenePanel::Changed, this, &SurveyPage::Changed);
+    connect(m_panel, &ZrScenePanel::FollowsChanged, this, [this] {
+        m_follow->on = m_panel->Follows();
         m_follow->update();
+    });
+    connect(&m_way, &ZrSceneWay::Changed, this, [this] {
+        // Until there is a vehicle to be followed.
+        if (m_panel->Follows() && !m_scene.m_hasVehicle)
+            m_panel->ShowAll();
+        if (isVisible())
+            Changed();
+    });
+    connect(&m_way, &ZrSceneWay::OriginChanged, this, [this] {
+        UpdatePlan();
+        OnVehicle();
     });
     for (const SurveyVehicle* vehicle : {&view.Model().vehicle, &view.Model().reviewed}) {
         connect(vehicle, &SurveyVehicle::Changed, this, [this, vehicle] {
@@ -121,15 +124,6 @@ void ScenePage::OnPageOpen()
     UpdatePlan();
 }
 
-QVector3D ScenePage::ToScene(double lat, double lng, double depth) const
-{
-    double east = 0.0;
-    double north = 0.0;
-    m_grid->ToGrid({&lat, 1}, {&lng, 1}, {&east, 1}, {&north, 1});
-    return {static_cast<float>(east - m_origin.x()), static_cast<float>(north - m_origin.y()),
-        static_cast<float>(std::isfinite(depth) ? -depth : 0.0)};
-}
-
 void ScenePage::OnVehicle()
 {
     // A recording has a long way, of which a sea floor is made: not for a page that nobody sees.
@@ -141,14 +135,13 @@ void ScenePage::ShowVehicle()
 {
     UpdateWay();
     const SurveyVehicle::Pose& pose = Vehicle().Current();
-    m_scene.m_hasVehicle = m_grid && std::isfinite(pose.lat) && std::isfinite(pose.lng);
+    m_scene.m_hasVehicle = m_way.HasOrigin() && std::isfinite(pose.lat) && std::isfinite(pose.lng);
     if (m_scene.m_hasVehicle) {
-        m_scene.m_pose.position = ToScene(pose.lat, pose.lng, pose.depth);
+        m_scene.m_pose.position = m_way.ToScene(pose.lat, pose.lng, pose.depth);
         m_scene.m_pose.heading = static_cast<float>(pose.heading);
         m_scene.m_pose.pitch = static_cast<float>(pose.pitch);
         m_scene.m_pose.roll = static_cast<float>(pose.roll);
-        if (m_follow->on)
-            Follow();
+        m_panel->PoseChanged();
     }
     UpdateTiles();
     Changed();
@@ -157,53 +150,23 @@ void ScenePage::ShowVehicle()
 void ScenePage::UpdateWay()
 {
     const SurveyVehicle& vehicle = Vehicle();
-    const auto& way = vehicle.Way();
-    if (vehicle.WayRevision() != m_revision || way.size() < m_wayCount) {
+    const std::vector<ZrScenePlace>& way = vehicle.Way();
+    if (vehicle.WayRevision() != m_revision || way.size() < m_way.Count()) {
         m_revision = vehicle.WayRevision();
-        m_wayCount = 0;
-        m_floorCount = 0;
-        m_soundings.clear();
-        m_scene.SetTrail({});
-        m_scene.SetFloor({});
-        m_grid.reset();
+        m_way.Clear();
     }
-    for (; m_wayCount < way.size(); ++m_wayCount) {
-        const SurveyVehicle::Place& place = way[m_wayCount];
-        if (!std::isfinite(place.lat) || !std::isfinite(place.lng))
-            continue;
-        if (!m_grid) {
-            m_grid = std::make_unique<ZrGridBatch>(ZrGridBatch::UtmAt(place.lat, place.lng));
-            m_origin = QPointF();
-            double east = 0.0;
-            double north = 0.0;
-            m_grid->ToGrid({&place.lat, 1}, {&place.lng, 1}, {&east, 1}, {&north, 1});
-            m_origin = {east, north};
-            UpdatePlan();
-        }
-        const QVector3D at = ToScene(place.lat, place.lng, place.depth);
-        m_scene.AddToTrail(at);
-        if (std::isfinite(place.altitude))
-            m_soundings.emplace_back(at.x(), at.y(), at.z() - static_cast<float>(place.altitude));
-    }
-    const auto wanted = static_cast<double>(m_floorCount) * (1.0 + floorGrowth) + 1.0;
-    if (static_cast<double>(m_soundings.size()) < wanted)
-        return;
-    m_floorCount = m_soundings.size();
-    ZrSceneFloor floor;
-    floor.Build(m_soundings, floorSpacing);
-    m_scene.SetFloor(std::move(floor));
+    const std::size_t known = m_way.Count();
+    if (way.size() > known)
+        m_way.Append({way.data() + known, way.size() - known});
 }
 
 void ScenePage::UpdatePlan()
 {
     std::vector<QVector3D> line;
-    if (m_grid) {
-        const ZrRoutePath& path = View().Model().plan.Path();
-        // Turns are round.
-        const auto samples = path.Sample(std::max(shortestStep, path.Length() / mostSamples));
-        for (const ZrPathSample& sample : samples) {
-            if (sample.position.IsValid())
-                line.push_back(ToScene(sample.position.lat, sample.position.lng, 0.0));
+    if (m_way.HasOrigin()) {
+        for (const auto& leg : View().Model().plan.Path().LegLines()) {
+            for (const ZrGeoPoint& place : leg)
+                line.push_back(m_way.ToScene(place.lat, place.lng, 0.0));
         }
     }
     m_scene.SetPlan(std::move(line));
@@ -230,64 +193,40 @@ void ScenePage::UpdateTiles()
 
 void ScenePage::ToggleFollow()
 {
-    if (m_follow->on)
-        Follow();
-    Changed();
-}
-
-void ScenePage::Follow()
-{
-    QVector3D target = m_scene.m_pose.position;
-    target.setZ(target.z() * m_scene.m_exaggeration);
-    m_scene.m_camera.SetTarget(target);
+    m_panel->SetFollows(m_follow->on);
 }
 
 void ScenePage::Exaggerate()
 {
     const float before = m_scene.m_exaggeration;
-    m_scene.m_exaggeration = before < 2.0F ? 3.0F : before < 5.0F ? 6.0F : 1.0F;
-    // As far away as what was in view has grown: the floor stays there.
-    m_scene.m_camera.SetDistance(m_scene.m_camera.Distance() * m_scene.m_exaggeration / before);
+    m_panel->SetExaggeration(before < 2.0F ? 3.0F : before < 5.0F ? 6.0F : 1.0F);
     m_exaggerate->on = m_scene.m_exaggeration > 1.0F;
     m_exaggerate->text = m_exaggerate->on ? QStringLiteral("× %1").arg(m_scene.m_exaggeration) : QString();
     // A square has room for one of them.
     m_exaggerate->img = m_exaggerate->on ? QImage() : QImage(QStringLiteral(":/icons/bottom.png"));
     m_exaggerate->Changed();
-    if (m_follow->on)
-        Follow();
-    Changed();
 }
 
 void ScenePage::ResetView()
 {
-    m_follow->on = true;
-    m_follow->update();
-    const float heading = std::isfinite(m_scene.m_pose.heading) ? m_scene.m_pose.heading : 0.0F;
-    m_scene.m_camera.SetDistance(nearDistance * m_scene.m_exaggeration);
-    m_scene.m_camera.SetAngles(heading + 215.0F, 22.0F);
-    Follow();
-    Changed();
+    m_panel->LookFromBehind(nearDistance);
 }
 
 bool ScenePage::OnKey(int key, Qt::KeyboardModifiers modifiers)
 {
+    if (m_panel->OnKey(key, modifiers))
+        return true;
     if (modifiers != Qt::NoModifier)
         return false;
     switch (key) {
     case Qt::Key_F:
-        m_follow->on = !m_follow->on;
-        ToggleFollow();
+        m_panel->SetFollows(!m_panel->Follows());
         return true;
     case Qt::Key_X:
         Exaggerate();
         return true;
     case Qt::Key_Home:
         ResetView();
-        return true;
-    case Qt::Key_Plus:
-    case Qt::Key_Minus:
-        m_scene.m_camera.Zoom(key == Qt::Key_Plus ? 1.2F : 1.0F / 1.2F);
-        Changed();
         return true;
     default:
         return false;
@@ -323,13 +262,27 @@ void ScenePage::Place()
 void ScenePage::paintEvent(QPaintEvent* event)
 {
     SurveyPage::paintEvent(event);
-    if (m_scene.m_hasVehicle)
+    const QString hint = Hint();
+    if (hint.isEmpty())
         return;
     QPainter painter(this);
     painter.setFont(ZrTheme::fontLarge);
     painter.setPen(ZrTheme::ctrlCol);
-    painter.drawText(Content(), Qt::AlignCenter,
-        tr("No vehicle yet. Start a source on the page Record, or open a recording."));
+    // Above what there is to be seen.
+    const QRect room = Content().adjusted(2 * Gap(), 3 * Gap(), -m_follow->width() - 4 * Gap(), 0);
+    painter.drawText(m_scene.Trail().empty() ? Content() : room,
+        Qt::AlignHCenter | (m_scene.Trail().empty() ? Qt::AlignVCenter : Qt::AlignTop) | Qt::TextWordWrap,
+        hint);
+}
+
+QString ScenePage::Hint() const
+{
+    if (m_way.IsBuilding())
+        return tr("The way and the sea floor are being made …");
+    if (m_scene.m_hasVehicle)
+        return {};
+    return m_way.HasOrigin() ? tr("The position of the vehicle is not known at the cursor.")
+                             : tr("No vehicle yet. Start a source on the page Record, or open a recording.");
 }
 
 /// How the vehicle lies.

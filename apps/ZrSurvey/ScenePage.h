@@ -1,16 +1,14 @@
 #pragma once
 
-#include "ZrKit/geo/ZrGridBatch.h"
 #include "ZrKit/scene/ZrSceneSurface.h"
+#include "ZrKit/scene/ZrSceneWay.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
 #include <QVector>
 
-#include <memory>
-
-class ScenePanel;
 class SurveyVehicle;
 class ZrBtn;
+class ZrScenePanel;
 class ZrValueTile;
 
 /// The vehicle in 3D: as it lies, over its trail and the sea floor that it has measured.
@@ -22,6 +20,8 @@ public:
     explicit ScenePage(SurveyView& view);
 
     ZrSceneSurface& Scene() { return m_scene; }
+
+    const ZrSceneWay& Way() const { return m_way; }
 
     void OnPageOpen() override;
     void zr_initializeGL() override;
@@ -42,15 +42,15 @@ private:
     void ToggleFollow();
     void Exaggerate();
     void ResetView();
-    void Follow();
     void LoadMesh();
     void UpdateWay();
     void UpdatePlan();
     void UpdateTiles();
-    QVector3D ToScene(double lat, double lng, double depth) const;
+    QString Hint() const; ///< over the scene while there is nothing to be seen; else empty
 
     ZrSceneSurface m_scene;
-    ScenePanel* m_panel;
+    ZrSceneWay m_way{m_scene};
+    ZrScenePanel* m_panel;
     QVector<ZrBtn*> m_buttons; ///< before those that are among them
     ZrBtn* m_follow;
     ZrBtn* m_exaggerate;
@@ -60,11 +60,6 @@ private:
     ZrValueTile* m_depth;
     ZrValueTile* m_altitude;
     QVector<ZrValueTile*> m_tiles;
-    std::unique_ptr<ZrGridBatch> m_grid; ///< null until there was a position
-    QPointF m_origin; ///< of the scene on the grid
-    std::vector<QVector3D> m_soundings;
-    std::size_t m_wayCount = 0; ///< places that the scene has
-    std::size_t m_floorCount = 0; ///< soundings that the floor was made of
     int m_revision = -1;
     const SurveyVehicle* m_vehicle = nullptr; ///< that the way is of
     bool m_isMeshLoaded = false;

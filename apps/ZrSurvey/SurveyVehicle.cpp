@@ -21,7 +21,7 @@ void SurveyVehicle::Set(const Pose& pose, const QString& source, bool isLive, bo
     Q_EMIT Changed();
 }
 
-void SurveyVehicle::SetWay(std::vector<Place> way)
+void SurveyVehicle::SetWay(std::vector<ZrScenePlace> way)
 {
     m_way = std::move(way);
     ++m_revision;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZrKit/scene/ZrScenePlace.h"
+
 #include <QObject>
 #include <QString>
 
@@ -26,15 +28,6 @@ public:
         double speed = std::numeric_limits<double>::quiet_NaN(); ///< m/s over ground
     };
 
-    /// A place on the vehicle's way; what is not known is NaN.
-    struct Place
-    {
-        double lat; ///< degrees
-        double lng;
-        double depth; ///< metres
-        double altitude; ///< metres
-    };
-
     static constexpr std::size_t MostPlaces = 200000; ///< of more the oldest go
 
     using QObject::QObject;
@@ -48,7 +41,10 @@ public:
     void Set(const Pose& pose, const QString& source, bool isLive, bool hasNewFix = true);
     void Clear(); ///< the way as well
 
-    const std::vector<Place>& Way() const { return m_way; } ///< of the vehicle up to now, or of the recording
+    const std::vector<ZrScenePlace>& Way() const
+    {
+        return m_way;
+    } ///< of the vehicle up to now, or of the recording
 
     int WayRevision() const
     {
@@ -56,7 +52,7 @@ public:
     } ///< counted up when the way is another one, not when it grows
 
     /// The way of a recording; of the vehicle itself `Set` adds each place to it.
-    void SetWay(std::vector<Place> way);
+    void SetWay(std::vector<ZrScenePlace> way);
 
     bool IsLive() const { return m_isLive; }
 
@@ -70,6 +66,6 @@ private:
     QString m_source;
     bool m_isLive = false;
     bool m_hasNewFix = false;
-    std::vector<Place> m_way;
+    std::vector<ZrScenePlace> m_way;
     int m_revision = 0;
 };

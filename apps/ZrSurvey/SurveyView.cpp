@@ -145,7 +145,7 @@ bool SurveyView::Open(const QString& path)
     const QString suffix = QFileInfo(path).suffix().toLower();
     static const QStringList plans{QStringLiteral("json"), QStringLiteral("gpx"), QStringLiteral("kml"),
         QStringLiteral("geojson"), QStringLiteral("xml")};
-    if (!plans.contains(suffix) && SurveyImport::IsForeign(path)) {
+    if (!plans.contains(suffix) && ZrImportTask::IsForeign(path)) {
         Show(QStringLiteral("Review"));
         m_import->Start(path);
         return true;

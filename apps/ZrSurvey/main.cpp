@@ -201,10 +201,11 @@ int RunWindow(const Options& options)
     if (options.isTimed)
         TellFirstFrame(view);
     view.show();
-    if (!options.page.isEmpty())
-        view.Show(options.page);
     if (!options.file.isEmpty())
         view.Open(options.file);
+    // Also after what shows the page of the file.
+    if (!options.page.isEmpty())
+        view.Show(options.page);
     return options.screenshot.isEmpty() ? QApplication::exec() : RunToPicture(view, options.screenshot);
 }
 

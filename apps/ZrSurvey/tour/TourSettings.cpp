@@ -1,5 +1,6 @@
 // Stations of the page "3D" and of the settings.
 
+#include "ZrKit/scene/ZrScenePanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrValueTile.h"
@@ -12,7 +13,6 @@
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
 #include "apps/ZrSurvey/ScenePage.h"
-#include "apps/ZrSurvey/ScenePanel.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
@@ -54,8 +54,9 @@ void tour::scene(Tour& tour)
     tour.Station(QStringLiteral("scene-orbit"), [&] {
         hand.Key(Qt::Key_F5);
         tour.ExpectPage("Scene");
+        hand.Await(QStringLiteral("the sea floor is made"), [&page] { return !page.Way().IsWorking(); });
         tour.Expect(page.Scene().m_hasVehicle, QStringLiteral("a vehicle"), QStringLiteral("none"));
-        auto& panel = hand.FindAny<ScenePanel>(&page);
+        auto& panel = hand.FindAny<ZrScenePanel>(&page);
         const float before = camera.Azimuth();
         const QPoint middle = panel.rect().center();
         hand.TouchDrag(panel, middle, middle + QPoint(panel.width() / 8, 20));
@@ -69,7 +70,7 @@ void tour::scene(Tour& tour)
         hand.Press(QStringLiteral("follow"));
         hand.Press(QStringLiteral("follow"));
         hand.Press(QStringLiteral("orbit"));
-        hand.Wheel(hand.FindAny<ScenePanel>(&page), -2);
+        hand.Wheel(hand.FindAny<ZrScenePanel>(&page), -2);
         const QVector3D target = camera.Target();
         const QVector3D place = page.Scene().m_pose.position;
         tour.ExpectWithin(static_cast<double>(std::hypot(target.x() - place.x(), target.y() - place.y())),
