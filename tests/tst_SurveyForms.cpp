@@ -1,119 +1,41 @@
 // The forms of the application: what is given by hand reaches the settings, and stays after a restart.
 
-#include "SurveyWindow.h"
+#include "SurveyFormsWindow.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrNotice.h"
 #include "ZrKit/ui/ZrPaletteBtn.h"
-#include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrCheck.h"
-#include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrSlider.h"
 #include "apps/ZrSurvey/FormAbout.h"
 #include "apps/ZrSurvey/FormDisplay.h"
 #include "apps/ZrSurvey/FormRecording.h"
 #include "apps/ZrSurvey/FormSonar.h"
-#include "apps/ZrSurvey/FormSources.h"
-#include "apps/ZrSurvey/SurveySource.h"
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QTcpServer>
-#include <QUdpSocket>
 
-class tst_SurveyForms : public SurveyWindow
+class tst_SurveyForms : public SurveyFormsWindow
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+
+    void init() { Open(); }
+
+    void cleanup() { Close(); }
+
     void colours();
     void recording();
     void outOfRange();
     void badPrefix();
     void events();
-    void sources();
-    void stateOfTheSource();
-    void wordsOfTheState_data();
-    void wordsOfTheState();
-    void unitOfTheCurrent();
     void sonar();
     void about();
     void folder();
     void savedAtOnce();
     void damagedSettings();
-    void layout_data();
-    void layout();
-    void inputsAreReadable_data();
-    void inputsAreReadable();
-    void scrolls();
-
-private:
-    ZrBtn* Button(QWidget& form, const QString& text);
-    ZrInput* Input(QWidget& form, const QString& caption);
-    static void Type(ZrInput* input, const QString& text);
-    template <class T> T* Shown();
-    QString RowWithProblem(const ZrRowForm& form);
 };
-
-void tst_SurveyForms::init()
-{
-    Open();
-}
-
-void tst_SurveyForms::cleanup()
-{
-    Close();
-}
-
-template <class T> T* tst_SurveyForms::Shown()
-{
-    T* form = Form<T>();
-    m_view->ShowSettings(form->m_name);
-    Settle();
-    return form;
-}
-
-ZrBtn* tst_SurveyForms::Button(QWidget& form, const QString& text)
-{
-    for (ZrBtn* button : form.findChildren<ZrBtn*>()) {
-        if (button->text == text && button->isVisible())
-            return button;
-    }
-    qFatal("no such button: %s", qPrintable(text));
-}
-
-ZrInput* tst_SurveyForms::Input(QWidget& form, const QString& caption)
-{
-    for (ZrInput* input : form.findChildren<ZrInput*>()) {
-        if (input->caption == caption && input->isVisible())
-            return input;
-    }
-    qFatal("no such input: %s", qPrintable(caption));
-}
-
-/// As a person does at a keyboard.
-void tst_SurveyForms::Type(ZrInput* input, const QString& text)
-{
-    input->setFocus();
-    QTest::keyClick(input, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(input, Qt::Key_Delete);
-    for (const QChar c : text)
-        QTest::sendKeyEvent(QTest::Click, input, Qt::Key_unknown, QString(c), Qt::NoModifier);
-    Settle();
-}
-
-QString tst_SurveyForms::RowWithProblem(const ZrRowForm& form)
-{
-    for (int row = 0; row < form.RowCount(); ++row) {
-        if (!form.Problem(row).isEmpty())
-            return form.Problem(row);
-    }
-    return QString();
-}
 
 void tst_SurveyForms::colours()
 {
@@ -204,165 +126,6 @@ void tst_SurveyForms::events()
     QCOMPARE(Settings().eventLabels, expected);
     Restart();
     QCOMPARE(Settings().eventLabels, expected);
-}
-
-void tst_SurveyForms::sources()
-{
-    auto* form = Shown<FormSources>();
-    const auto inputs = [form] {
-        QStringList captions;
-        for (const ZrInput* input : form->findChildren<ZrInput*>()) {
-            if (input->isVisible())
-                captions.append(input->caption);
-        }
-        return captions.join(QLatin1Char(','));
-    };
-    QCOMPARE(inputs(), QStringLiteral("Speed of time,Current,Set"));
-    Type(Input(*form, QStringLiteral("Set")), QStringLiteral("275"));
-    Click(Button(*form, SurveySource::Name(SurveySource::udp)));
-    QCOMPARE(Settings().source, int(SurveySource::udp));
-    QCOMPARE(inputs(), QStringLiteral("Port"));
-    Type(Input(*form, QStringLiteral("Port")), QStringLiteral("5000"));
-    Click(Button(*form, SurveySource::Name(SurveySource::serial)));
-    QCOMPARE(inputs(), QStringLiteral("Port"));
-    Type(Input(*form, QStringLiteral("Port")), QStringLiteral("/dev/ttyS0"));
-    Click(Button(*form, QStringLiteral("38400")));
-    QVERIFY(Button(*form, QStringLiteral("38400"))->on);
-    QVERIFY(!Button(*form, QStringLiteral("4800"))->on);
-    Click(Button(*form, SurveySource::Name(SurveySource::replay)));
-    QCOMPARE(inputs(), QString());
-    QVERIFY(Button(*form, QStringLiteral("Choose the file"))->isVisible());
-    Click(Button(*form, SurveySource::Name(SurveySource::tcp)));
-    QCOMPARE(inputs(), QStringLiteral("Host,Port"));
-    Type(Input(*form, QStringLiteral("Host")), QStringLiteral("boat"));
-    Type(Input(*form, QStringLiteral("Port")), QStringLiteral("70000"));
-    QVERIFY(!RowWithProblem(*form).isEmpty());
-    Restart();
-    QCOMPARE(Settings().source, int(SurveySource::tcp));
-    QCOMPARE(Settings().simSet, 275.0);
-    QCOMPARE(Settings().udpPort, 5000);
-    QCOMPARE(Settings().serialPort, QStringLiteral("/dev/ttyS0"));
-    QCOMPARE(Settings().serialBaud, 38400);
-    QCOMPARE(Settings().tcpHost, QStringLiteral("boat"));
-    QCOMPARE(Settings().tcpPort, 7000); // the last one on the way that was a port
-}
-
-/// What is sent arrives, and what cannot be had is told in words.
-void tst_SurveyForms::stateOfTheSource()
-{
-    auto* form = Shown<FormSources>();
-    const auto said = [form] {
-        QStringList all;
-        for (int row = 0; row < form->RowCount(); ++row) {
-            if (form->IsRowShown(row))
-                all.append(form->Problem(row).isEmpty() ? form->Help(row) : form->Problem(row));
-        }
-        return all.join(QLatin1Char('|'));
-    };
-    // A port that is free, and then is not.
-    QUdpSocket taken;
-    QVERIFY(taken.bind(QHostAddress(QHostAddress::Any), quint16(0)));
-    const quint16 port = taken.localPort();
-    Click(Button(*form, SurveySource::Name(SurveySource::udp)));
-    Type(Input(*form, QStringLiteral("Port")), QString::number(port));
-    QVERIFY(said().contains(QStringLiteral("Not opened yet.")));
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(
-        said().contains(QStringLiteral("Cannot listen on UDP port %1").arg(port)), qPrintable(said()));
-    QVERIFY(!RowWithProblem(*form).isEmpty());
-    taken.close();
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(said().contains(QStringLiteral("Waiting for data")), qPrintable(said()));
-    QCOMPARE(RowWithProblem(*form), QString());
-    QUdpSocket sender;
-    const auto send = [&](const QByteArray& line) {
-        sender.writeDatagram(line, QHostAddress::LocalHost, port);
-        return said();
-    };
-    QTRY_VERIFY2(send("rubbish\r\n").contains(QStringLiteral("Unreadable")), qPrintable(said()));
-    Click(Button(*form, SurveySource::Name(SurveySource::simulator)));
-    QVERIFY(said().contains(QStringLiteral("Not opened yet.")));
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(said().contains(QRegularExpression(QStringLiteral("Receiving [0-9.]+ records/s"))),
-        qPrintable(said()));
-    Click(Button(*form, SurveySource::Name(SurveySource::udp)));
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(send("$GPGGA,120000.00,5020.000,N,00408.000,W,1,08,1.0,0.0,M,0.0,M,,*4F\r\n")
-                     .contains(QRegularExpression(QStringLiteral("Receiving [0-9.]+ sentences/s"))),
-        qPrintable(said()));
-    // Nobody listens there.
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    const quint16 closed = server.serverPort();
-    server.close();
-    Click(Button(*form, SurveySource::Name(SurveySource::tcp)));
-    Type(Input(*form, QStringLiteral("Host")), QStringLiteral("127.0.0.1"));
-    Type(Input(*form, QStringLiteral("Port")), QString::number(closed));
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(RowWithProblem(*form).contains(QStringLiteral("refused")), qPrintable(said()));
-    Click(Button(*form, SurveySource::Name(SurveySource::serial)));
-    Type(Input(*form, QStringLiteral("Port")), QStringLiteral("/dev/no such port"));
-    Click(Button(*form, QStringLiteral("Test")));
-    QTRY_VERIFY2(RowWithProblem(*form).contains(QStringLiteral("No such file")), qPrintable(said()));
-    QVERIFY(said().contains(QStringLiteral("found.")) || said().contains(QStringLiteral("None found.")));
-}
-
-void tst_SurveyForms::wordsOfTheState_data()
-{
-    QTest::addColumn<int>("state");
-    QTest::addColumn<double>("rate");
-    QTest::addColumn<bool>("isText");
-    QTest::addColumn<int>("bad");
-    QTest::addColumn<QString>("text");
-    const double unknown = std::nan("");
-    QTest::newRow("just begun") << int(SurveyFeed::receiving) << unknown << true << 0 << "receiving";
-    QTest::newRow("few") << int(SurveyFeed::receiving) << 0.96 << true << 0 << "receiving 1.0 sentences/s";
-    QTest::newRow("some") << int(SurveyFeed::receiving) << 9.96 << true << 0 << "receiving 10 sentences/s";
-    QTest::newRow("many") << int(SurveyFeed::receiving) << 1234.4 << false << 0 << "receiving 1234 records/s";
-    QTest::newRow("damaged") << int(SurveyFeed::receiving) << 5.0 << true << 7
-                             << "receiving 5.0 sentences/s, 7 bad lines";
-    QTest::newRow("silent") << int(SurveyFeed::silent) << 5.0 << true << 0 << "silent for 12 s";
-    QTest::newRow("unreadable") << int(SurveyFeed::unreadable) << 0.0 << true << 9
-                                << "unreadable: no NMEA sentence in 9 lines";
-    QTest::newRow("waiting") << int(SurveyFeed::waiting) << unknown << false << 0 << "waiting for data";
-    QTest::newRow("failed") << int(SurveyFeed::failed) << unknown << false << 0 << "Broken";
-    QTest::newRow("troubled") << int(SurveyFeed::troubled) << unknown << false << 3 << "Broken";
-    QTest::newRow("finished") << int(SurveyFeed::finished) << unknown << false << 0 << "at its end";
-    QTest::newRow("none") << int(SurveyFeed::none) << unknown << false << 0 << "no source";
-}
-
-void tst_SurveyForms::wordsOfTheState()
-{
-    QFETCH(int, state);
-    QFETCH(double, rate);
-    QFETCH(bool, isText);
-    QFETCH(int, bad);
-    SurveyFeed::Facts facts;
-    facts.state = static_cast<SurveyFeed::eState>(state);
-    facts.perSecond = rate;
-    facts.isText = isText;
-    facts.badLines = static_cast<quint64>(bad);
-    facts.age = 12.0;
-    facts.reason = QStringLiteral("Broken");
-    QTEST(SurveyFeed::TextOf(facts), "text");
-}
-
-void tst_SurveyForms::unitOfTheCurrent()
-{
-    Settings().simCurrent = 1.0;
-    auto* form = Shown<FormSources>();
-    QCOMPARE(Input(*form, QStringLiteral("Current"))->QLineEdit::text(), QStringLiteral("1.00"));
-    Form<ZrFmApp>()->OnUom(1);
-    QCOMPARE(Input(*form, QStringLiteral("Current"))->QLineEdit::text(), QStringLiteral("1.94"));
-    QCOMPARE(Settings().simCurrent, 1.0);
-    Type(Input(*form, QStringLiteral("Current")), QStringLiteral("3.88"));
-    QVERIFY(std::abs(Settings().simCurrent - 2.0) < 0.01);
-    Shown<FormDisplay>();
-    Shown<FormSources>();
-    QStringList helps;
-    for (int row = 0; row < form->RowCount(); ++row)
-        helps.append(form->Help(row));
-    QVERIFY(helps.join(QLatin1Char('|')).contains(ZrUnits::GetSpeedUnits()));
 }
 
 void tst_SurveyForms::sonar()
@@ -456,122 +219,6 @@ void tst_SurveyForms::damagedSettings()
     QCOMPARE(notices.size(), 1);
     QVERIFY(notices[0]->Text().contains(QStringLiteral("settings.json")));
     QCOMPARE(Settings().stopBelowMegabytes, 500);
-}
-
-void tst_SurveyForms::layout_data()
-{
-    QTest::addColumn<int>("scale");
-    QTest::addColumn<QSize>("size");
-    for (const int scale : {2, 0, -2}) {
-        for (const QSize& size : {QSize(900, 600), QSize(1280, 800), QSize(1920, 1080), QSize(2560, 1440)})
-            QTest::addRow("%+d %dx%d", scale, size.width(), size.height()) << scale << size;
-    }
-}
-
-void tst_SurveyForms::layout()
-{
-    QFETCH(int, scale);
-    QFETCH(QSize, size);
-    SetScale(scale);
-    m_view->resize(size);
-    Settle();
-    QCOMPARE(m_view->size(), size);
-    for (ZrForm* form : qAsConst(m_view->forms().m_forms)) {
-        const QByteArray name = form->m_name.toUtf8();
-        m_view->ShowSettings(form->m_name);
-        Settle();
-        if (!form->m_isTiered)
-            QVERIFY2(
-                !form->m_tab.isEmpty() && m_view->forms().rect().contains(form->m_tab), name.constData());
-        auto* rows = qobject_cast<ZrRowForm*>(form);
-        if (!rows)
-            continue;
-        const int last = qobject_cast<FormSources*>(form) ? SurveySettings::LastSource : 0;
-        for (int source = 0; source <= last; ++source) {
-            if (last > 0)
-                Click(Button(*form, SurveySource::Name(source)));
-            QVERIFY2(Misplaced(*rows->Body()).isEmpty(), qPrintable(Misplaced(*rows->Body())));
-            QVERIFY2(rows->Body()->width() <= form->width(), name.constData());
-            for (int row = 0; row < rows->RowCount(); ++row) {
-                const QRect text = rows->TextRect(row);
-                if (text.isEmpty())
-                    continue;
-                QVERIFY2(rows->Body()->rect().contains(text), name.constData());
-                for (const QWidget* child :
-                    rows->Body()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-                    if (child->isVisible())
-                        QVERIFY2(!child->geometry().intersects(text), name.constData());
-                }
-            }
-            for (const ZrBtn* button : rows->Body()->findChildren<ZrBtn*>()) {
-                if (!button->isVisible())
-                    continue;
-                QVERIFY2(button->height() >= 44 && button->width() >= 44, qPrintable(button->text));
-                const double wide = QFontMetricsF(button->font).horizontalAdvance(button->text);
-                QVERIFY2(wide <= button->textRect.width() + 0.5, qPrintable(button->text));
-            }
-        }
-    }
-}
-
-void tst_SurveyForms::inputsAreReadable_data()
-{
-    QTest::addColumn<int>("scheme");
-    QTest::newRow("day") << int(ZrColourScheme::day);
-    QTest::newRow("dusk") << int(ZrColourScheme::dusk);
-    QTest::newRow("night") << int(ZrColourScheme::night);
-}
-
-/// The letters against what is behind them, in the picture of the line.
-void tst_SurveyForms::inputsAreReadable()
-{
-    QFETCH(int, scheme);
-    m_view->SetColours(scheme);
-    auto* form = Shown<FormRecording>();
-    ZrInput* input = Input(*form, QStringLiteral("Stop below, MB"));
-    const auto contrast = [input] {
-        input->clearFocus();
-        Settle();
-        const QImage image = input->grab().toImage().convertToFormat(QImage::Format_RGB32);
-        const QColor behind = image.pixelColor(image.width() * 3 / 4, image.height() / 2);
-        double most = 1.0;
-        for (int y = image.height() / 4; y < image.height() * 3 / 4; ++y) {
-            for (int x = image.width() / 20; x < image.width() / 2; ++x)
-                most = std::max(most, Contrast(image.pixelColor(x, y), behind));
-        }
-        return most;
-    };
-    const double before = contrast();
-    QVERIFY2(before >= 4.5, qPrintable(QString::number(before)));
-    Type(input, QStringLiteral("8888"));
-    const double valid = contrast();
-    QVERIFY2(valid >= 4.5, qPrintable(QString::number(valid)));
-    Type(input, QStringLiteral("8888x"));
-    const double wrong = contrast();
-    QVERIFY2(wrong >= 4.5, qPrintable(QString::number(wrong)));
-}
-
-void tst_SurveyForms::scrolls()
-{
-    SetScale(2);
-    m_view->resize(900, 600);
-    Settle();
-    auto* form = Shown<FormRecording>();
-    auto* area = form->findChild<QScrollArea*>();
-    QVERIFY(form->Body()->height() > area->viewport()->height());
-    const QPoint from(4, area->viewport()->height() - 4);
-    const QPoint at = form->Body()->mapFrom(area->viewport(), from);
-    QTest::mousePress(form->Body(), Qt::LeftButton, Qt::NoModifier, at);
-    SendMove(*form->Body(), at - QPoint(0, 100));
-    QCOMPARE(area->verticalScrollBar()->value(), 100);
-    QTest::mouseRelease(form->Body(), Qt::LeftButton, Qt::NoModifier, at - QPoint(0, 100));
-    // The Tab key brings what has the focus into view.
-    ZrInput* last = form->findChildren<ZrInput*>().last();
-    Input(*form, QStringLiteral("Name"))->setFocus();
-    for (int i = 0; i < 20 && !last->hasFocus(); ++i)
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    QVERIFY(last->hasFocus());
-    QVERIFY(area->viewport()->rect().contains(QRect(last->mapTo(area->viewport(), QPoint()), last->size())));
 }
 
 GL_TEST_MAIN(tst_SurveyForms)

@@ -151,39 +151,59 @@ void tst_SurveyHome::recordingTile()
     QCOMPARE(on.value, S("0:00:12"));
     QCOMPARE(on.note, S("12.3 MB, dive ä.log"));
     QCOMPARE(on.state, ZrValueTile::good);
+    const HomeState::Tile stopped = HomeState::Recording(QString(), status, S("Into logs"), true);
+    QCOMPARE(stopped.value, S("Stopped"));
+    QCOMPARE(stopped.state, ZrValueTile::error);
+    QCOMPARE(HomeState::Recording(S("0:00:12"), status, S("Into logs"), true).value, S("0:00:12"));
 }
 
 void tst_SurveyHome::spaceTile_data()
 {
     QTest::addColumn<qint64>("bytes");
     QTest::addColumn<double>("left");
+    QTest::addColumn<int>("by");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("note");
     QTest::addColumn<int>("state");
-    QTest::newRow("not known") << qint64(-1) << -1.0 << ""
-                               << "Not known" << int(ZrValueTile::normal);
-    QTest::newRow("enough") << qint64(1000000000) << -1.0 << "1.00"
-                            << "Stops at 500 MB" << int(ZrValueTile::normal);
-    QTest::newRow("little") << qint64(999999999) << -1.0 << "1.00"
-                            << "Stops at 500 MB" << int(ZrValueTile::warning);
-    QTest::newRow("too little") << qint64(499999999) << -1.0 << "500"
-                                << "Stops at 500 MB" << int(ZrValueTile::error);
-    QTest::newRow("full") << qint64(0) << 0.0 << "0"
+    const int none = ZrSpaceLeft::byNothing;
+    const int now = ZrSpaceLeft::byRecording;
+    const int source = ZrSpaceLeft::bySource;
+    const int last = ZrSpaceLeft::byLast;
+    QTest::newRow("not known") << qint64(-1) << -1.0 << none << ""
+                               << "The disk does not tell" << int(ZrValueTile::normal);
+    QTest::newRow("enough") << qint64(1000000000) << -1.0 << none << "1.00"
+                            << "– left: no data yet" << int(ZrValueTile::normal);
+    QTest::newRow("little") << qint64(999999999) << -1.0 << none << "1.00"
+                            << "– left: no data yet" << int(ZrValueTile::warning);
+    QTest::newRow("too little") << qint64(499999999) << -1.0 << none << "500"
+                                << "– left: no data yet" << int(ZrValueTile::error);
+    QTest::newRow("full") << qint64(0) << 0.0 << now << "0"
                           << "For 0 s" << int(ZrValueTile::error);
-    QTest::newRow("for long") << qint64(45000000000) << 900.0 << "45.0"
+    QTest::newRow("for long") << qint64(45000000000) << 900.0 << now << "45.0"
                               << "For 15 min" << int(ZrValueTile::normal);
-    QTest::newRow("soon full") << qint64(45000000000) << 899.0 << "45.0"
+    QTest::newRow("soon full") << qint64(45000000000) << 899.0 << now << "45.0"
                                << "For 14 min" << int(ZrValueTile::warning);
+    QTest::newRow("before") << qint64(45000000000) << 9000.0 << source << "45.0"
+                            << "About 2 h 30 min" << int(ZrValueTile::normal);
+    QTest::newRow("as last") << qint64(45000000000) << 899.0 << last << "45.0"
+                             << "About 14 min" << int(ZrValueTile::warning);
 }
 
 void tst_SurveyHome::spaceTile()
 {
     QFETCH(qint64, bytes);
     QFETCH(double, left);
-    const HomeState::Tile tile = HomeState::Space(bytes, 500, left);
+    QFETCH(int, by);
+    ZrSpaceLeft space;
+    space.seconds = left;
+    space.by = static_cast<ZrSpaceLeft::eBy>(by);
+    const HomeState::Tile tile = HomeState::Space(bytes, 500, space);
     QTEST(tile.value, "value");
     QTEST(tile.note, "note");
     QTEST(int(tile.state), "state");
+    QVERIFY2(
+        tile.hint.endsWith(S("A recording stops when less than 500 MB is free.")), qPrintable(tile.hint));
+    QVERIFY(bytes < 0 || tile.hint.startsWith(HomeState::SpaceHint(space)));
 }
 
 void tst_SurveyHome::durations_data()
@@ -274,7 +294,7 @@ void tst_SurveyHome::tilesFollow()
     ZrRecorder::Status status;
     status.seconds = 3725.9;
     status.freeBytes = 7000000000;
-    status.secondsLeft = 7200.0;
+    status.bytesPerSecond = 6500000000.0 / 7210.0; // down to what stays free
     m_view->Model().recording.Set(status);
     QCOMPARE(Tile(2)->Value(), S("1:02:05"));
     QCOMPARE(Tile(3)->Value(), S("7.00"));
@@ -282,7 +302,7 @@ void tst_SurveyHome::tilesFollow()
     QCOMPARE(Tile(3)->Note(), S("For 2 h 0 min"));
     m_view->Model().recording.End();
     QCOMPARE(Tile(2)->Value(), S("Off"));
-    QVERIFY(Tile(3)->Note().startsWith(S("Stops at")));
+    QVERIFY(Tile(3)->Note().startsWith(S("About ")));
 
     SurveyFeed::Facts facts;
     facts.state = SurveyFeed::troubled;
@@ -336,6 +356,10 @@ void tst_SurveyHome::recordings()
         QCOMPARE(item.detail, isBroken ? S("Damaged") : QString());
         QCOMPARE(item.edge.isValid(), isBroken);
     }
+    // The rate of what was recorded tells for how long there is room.
+    const SurveyRecording& recording = m_view->Model().recording;
+    QCOMPARE(recording.Left(1000000000, 0).by, ZrSpaceLeft::byLast);
+    QVERIFY2(Tile(3)->Note().startsWith(S("About ")), qPrintable(Tile(3)->Note()));
     // With an index the picture is another one.
     ZrSurveyDataset dataset;
     ZrDatasetReader reader;
@@ -348,6 +372,8 @@ void tst_SurveyHome::recordings()
     Settings().recordDir = m_folder->path();
     m_view->SettingsEdited();
     QTRY_COMPARE(List()->Items().size(), 0);
+    QCOMPARE(recording.Left(1000000000, 0).by, ZrSpaceLeft::byNothing);
+    QVERIFY2(Tile(3)->Note().startsWith(QString::fromUtf8("– left")), qPrintable(Tile(3)->Note()));
 }
 
 void tst_SurveyHome::tapOpensReview()

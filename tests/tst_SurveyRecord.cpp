@@ -1,151 +1,37 @@
-// The page "Record" of the application as a person uses it: a real window, touches, and the logs on disk.
+// The page "Record" of the application as a person sees it: sources, map, waterfall and instruments.
 
+#include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrKit/records/ZrNavRecord.h"
-#include "ZrKit/review/ZrLogCheck.h"
-#include "ZrKit/review/ZrSurveyDataset.h"
-#include "ZrKit/ui/ZrColourScheme.h"
-#include "ZrKit/ui/ZrToast.h"
-#include "ZrKit/ui/ZrValueTile.h"
-#include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
-#include "ZrUtil/ZrPlayer.h"
-#include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
-#include "apps/ZrSurvey/RecordPage.h"
-#include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveySource.h"
-#include "apps/ZrSurvey/SurveyView.h"
 
 #include <QSignalSpy>
-#include <QStorageInfo>
-#include <QSurfaceFormat>
-#include <QTemporaryDir>
-#include <QtTest>
 
-#include <cstdio>
-
-class tst_SurveyRecord : public QObject
+class tst_SurveyRecord : public SurveyRecordWindow
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
     void simulatorIsLive();
     void planThatChanges();
-    void oneTouchRecords();
-    void eventsEndInTheLog();
-    void notesEndInTheLog();
-    void keysDoTheSame();
-    void recordingGoesOnBehindOtherPages();
     void waterfallRuns();
     void bottomLineCanBeSwitchedOff();
-    void stopsBeforeTheDiskIsFull();
-    void splitsWithHead();
+    void anglesHaveTheirSign_data();
     void anglesHaveTheirSign();
     void followEndsByHand();
     void otherUnitsAtOnce();
     void replayIsASource();
     void sourceThatCannotBeHad();
-    void folderThatCannotBeMade();
     void staleValuesAreMarked();
     void idleWithoutData();
+    void nothingIsShownOfNowhere();
     void nothingOverlaps_data();
     void nothingOverlaps();
-
-private:
-    void Open(const QSize& size = QSize(1280, 800));
-
-    RecordPage& Page() { return *static_cast<RecordPage*>(m_view->GetPage(QStringLiteral("Record"))); }
-
-    ZrBtn* Button(const QString& text)
-    {
-        for (ZrBtn* button : Page().findChildren<ZrBtn*>()) {
-            if (button->text == text && button->isVisible())
-                return button;
-        }
-        return nullptr;
-    }
-
-    ZrValueTile* Tile(const QString& caption)
-    {
-        for (ZrValueTile* tile : Page().findChildren<ZrValueTile*>()) {
-            if (tile->accessibleName().startsWith(caption))
-                return tile;
-        }
-        return nullptr;
-    }
-
-    void Touch(QWidget* widget)
-    {
-        QVERIFY(widget);
-        const QPoint middle = widget->rect().center();
-        QTest::touchEvent(widget, m_screen).press(0, middle, widget);
-        QTest::touchEvent(widget, m_screen).release(0, middle, widget);
-    }
-
-    QStringList Logs() const
-    {
-        QStringList paths;
-        const QDir dir(m_dir->filePath(QStringLiteral("logs")));
-        for (const QString& name : dir.entryList({QStringLiteral("*.log")}, QDir::Files, QDir::Name))
-            paths += dir.filePath(name);
-        return paths;
-    }
-
-    QStringList EventsOf(const QString& log)
-    {
-        ZrSurveyDataset dataset;
-        dataset.ReadFile(log);
-        QStringList texts;
-        for (ZrListPos* pos = dataset.events.GetHeadPos(); pos;)
-            texts += dataset.events.GetNext(pos)->text;
-        texts.sort(); // those of one moment are in any order
-        return texts;
-    }
-
-    bool IsOn() { return Page().Session().Recording() == ZrRecordingSession::recordingOn; }
-
-    bool IsOff() { return Page().Session().Recording() == ZrRecordingSession::recordingOff; }
-
-    bool HasPosition() { return Page().Session().State().latitude.IsKnown(); }
-
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<SurveyView> m_view;
-    QTouchDevice* m_screen = QTest::createTouchDevice();
 };
-
-void tst_SurveyRecord::init()
-{
-    m_dir = std::make_unique<QTemporaryDir>();
-    ZrUnits::SetToMetric();
-    ZrTheme::SetDesignScale(1280, 800);
-    ZrTheme::SetStdStyle();
-    m_view = std::make_unique<SurveyView>(QString());
-    SurveySettings& settings = m_view->Model().settings;
-    settings.recordDir = m_dir->filePath(QStringLiteral("logs"));
-    settings.simSpeed = 20.0;
-    settings.stopBelowMegabytes = 1;
-}
-
-void tst_SurveyRecord::cleanup()
-{
-    m_view.reset();
-    ZrUnits::SetToMetric();
-}
-
-void tst_SurveyRecord::Open(const QSize& size)
-{
-    m_view->resize(size);
-    m_view->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
-    QApplication::setActiveWindow(m_view.get());
-    m_view->Show(QStringLiteral("Record"));
-    QTRY_VERIFY(Page().isVisible());
-}
 
 void tst_SurveyRecord::simulatorIsLive()
 {
@@ -205,108 +91,6 @@ void tst_SurveyRecord::planThatChanges()
     QVERIFY(Page().Map().TrailCount() >= trail);
 }
 
-void tst_SurveyRecord::oneTouchRecords()
-{
-    Open();
-    QTRY_VERIFY(HasPosition());
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_VERIFY(IsOn());
-    QTRY_VERIFY(m_view->Model().recording.IsOn());
-    QTRY_VERIFY(Button(QStringLiteral("Stop")));
-    QTRY_VERIFY(Page().Session().Status().items > 100);
-    QTRY_VERIFY(!Tile(QStringLiteral("Size"))->Value().isEmpty());
-    QTRY_VERIFY(!Tile(QStringLiteral("Free space"))->Value().isEmpty());
-    Touch(Button(QStringLiteral("Stop")));
-    QTRY_VERIFY(IsOff());
-    QVERIFY(!m_view->Model().recording.IsOn());
-    QCOMPARE(Logs().size(), 1);
-    ZrSurveyDataset dataset;
-    dataset.ReadFile(Logs().first());
-    QVERIFY(dataset.recs.size() > 20);
-    // The plan is that of the simulated vehicle.
-    QVERIFY(QFileInfo(Logs().first() + QStringLiteral(".xml")).size() > 100);
-}
-
-void tst_SurveyRecord::eventsEndInTheLog()
-{
-    Open();
-    QTRY_VERIFY(HasPosition());
-    QVERIFY(!Button(QStringLiteral("Target"))->isEnabled());
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_VERIFY(IsOn());
-    Touch(Button(QStringLiteral("Target")));
-    Touch(Button(QStringLiteral("Line end")));
-    QCOMPARE(Button(QStringLiteral("Target"))->badge, 1);
-    Touch(Button(QStringLiteral("Stop")));
-    QTRY_VERIFY(IsOff());
-    QCOMPARE(EventsOf(Logs().first()), QStringList({QStringLiteral("Line end"), QStringLiteral("Target")}));
-}
-
-void tst_SurveyRecord::notesEndInTheLog()
-{
-    Open();
-    QTRY_VERIFY(HasPosition());
-    QTest::keyClick(m_view.get(), Qt::Key_R);
-    QTRY_VERIFY(IsOn());
-    QTest::keyClick(m_view.get(), Qt::Key_E);
-    auto* note = Page().findChild<ZrInput*>();
-    QTRY_VERIFY(note->hasFocus());
-    QTest::keyClicks(note, QStringLiteral("rope on the bottom"));
-    QTest::keyClick(note, Qt::Key_Return);
-    QTRY_COMPARE(note->QLineEdit::text(), QString());
-    note->SetText(QStringLiteral("second"));
-    Touch(Button(QStringLiteral("Add note")));
-    Touch(Button(QStringLiteral("Stop")));
-    QTRY_VERIFY(IsOff());
-    QCOMPARE(EventsOf(Logs().first()),
-        QStringList({QStringLiteral("rope on the bottom"), QStringLiteral("second")}));
-}
-
-void tst_SurveyRecord::keysDoTheSame()
-{
-    Open();
-    QTRY_VERIFY(HasPosition());
-    QTest::keyClick(m_view.get(), Qt::Key_R);
-    QTRY_VERIFY(IsOn());
-    QTest::keyClick(m_view.get(), Qt::Key_Space);
-    QTest::keyClick(m_view.get(), Qt::Key_2);
-    QTest::keyClick(m_view.get(), Qt::Key_9); // there is no such button
-    const double gain = m_view->Model().settings.gain;
-    const int palette = m_view->Model().settings.palette;
-    QTest::keyClick(m_view.get(), Qt::Key_BracketRight);
-    QTest::keyClick(m_view.get(), Qt::Key_P);
-    QCOMPARE(m_view->Model().settings.gain, gain + 2.0);
-    QVERIFY(m_view->Model().settings.palette != palette);
-    for (int i = 0; i < 30; ++i)
-        QTest::keyClick(m_view.get(), Qt::Key_BracketLeft);
-    QCOMPARE(m_view->Model().settings.gain, -20.0);
-    QTest::keyClick(m_view.get(), Qt::Key_R);
-    QTRY_VERIFY(IsOff());
-    QCOMPARE(EventsOf(Logs().first()), QStringList({QStringLiteral("Line start"), QStringLiteral("Target")}));
-}
-
-void tst_SurveyRecord::recordingGoesOnBehindOtherPages()
-{
-    Open();
-    QTRY_VERIFY(HasPosition());
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_VERIFY(IsOn());
-    m_view->Show(QStringLiteral("Home"));
-    const u64 items = Page().Session().Status().items;
-    const i64 trail = Page().Map().TrailCount();
-    QTRY_VERIFY(Page().Session().Status().items > items + 50);
-    QTRY_VERIFY(Page().Map().TrailCount() > trail);
-    QVERIFY(m_view->Model().recording.IsOn());
-    m_view->Show(QStringLiteral("Record"));
-    QTRY_VERIFY(Button(QStringLiteral("Stop")));
-    // The window is closed while it records.
-    const QString log = Logs().first();
-    m_view.reset();
-    ZrSurveyDataset dataset;
-    dataset.ReadFile(log);
-    QVERIFY(dataset.recs.size() > 5);
-}
-
 void tst_SurveyRecord::waterfallRuns()
 {
     Open();
@@ -360,96 +144,63 @@ void tst_SurveyRecord::bottomLineCanBeSwitchedOff()
     QTRY_VERIFY(drawn() > 50);
 }
 
-/// The disk is filled by another program while it records.
-void tst_SurveyRecord::stopsBeforeTheDiskIsFull()
+void tst_SurveyRecord::anglesHaveTheirSign_data()
 {
-    constexpr qint64 megabyte = 1000000;
-    constexpr qint64 room = 60 * megabyte;
-    // Where others hardly write.
-    const bool hasMemory = QFileInfo(QStringLiteral("/dev/shm")).isWritable()
-        && QStorageInfo(QStringLiteral("/dev/shm")).bytesAvailable() > 3 * room;
-    const QTemporaryDir disk(hasMemory ? QStringLiteral("/dev/shm/zr-full") : QString());
-    QVERIFY(disk.isValid());
-    SurveySettings& settings = m_view->Model().settings;
-    settings.recordDir = disk.path();
-    settings.stopBelowMegabytes
-        = static_cast<int>((QStorageInfo(disk.path()).bytesAvailable() - room) / megabyte);
-    Open();
-    QTRY_VERIFY(HasPosition());
-    QSignalSpy failed(&Page().Session(), &ZrRecordingSession::Failed);
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_VERIFY(IsOn());
-    QTRY_VERIFY(Page().Session().Status().items > 50);
-    QFile filler(disk.filePath(QStringLiteral("filler")));
-    QVERIFY(filler.open(QIODevice::WriteOnly));
-    QCOMPARE(filler.write(QByteArray(static_cast<int>(2 * room), 'x')), 2 * room);
-    filler.close();
-    QTRY_VERIFY_WITH_TIMEOUT(IsOff(), 30000);
-    QCOMPARE(failed.size(), 1);
-    QVERIFY(!m_view->Model().recording.IsOn());
-    // Told on the screen, with the reason and the limit; the log says it as well, and is sound.
-    const QString told = m_view->findChild<ZrToast*>()->Text();
-    QVERIFY2(told.contains(QStringLiteral("free")), qPrintable(told));
-    QTRY_VERIFY(Button(QStringLiteral("Record")));
-    const QString log
-        = disk.filePath(QDir(disk.path()).entryList({QStringLiteral("*.log")}, QDir::Files).first());
-    QVERIFY(EventsOf(log).join(QLatin1Char(' ')).contains(QStringLiteral("free")));
-    ZrLogCheck check;
-    QVERIFY(check.Run(log));
-    QCOMPARE(check.ProblemCount(), u64(0));
-    // And it does not begin again on a disk that is full.
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_COMPARE(failed.size(), 2);
-    QVERIFY(IsOff());
+    QTest::addColumn<float>("heading");
+    QTest::addColumn<float>("pitch");
+    QTest::addColumn<float>("roll");
+    QTest::addColumn<QString>("headingText");
+    QTest::addColumn<QString>("pitchText");
+    QTest::addColumn<QString>("rollText");
+    QTest::newRow("bow up, starboard down") << 40.04F << 3.2F << 4.5F << "40.0°"
+                                            << "3.2°"
+                                            << "4.5°";
+    QTest::newRow("bow down, port down") << 359.9F << -3.2F << -14.5F << "359.9°"
+                                         << "−3.2°"
+                                         << "−14.5°";
+    QTest::newRow("one of each") << 359.97F << -3.2F << 4.5F << "0.0°"
+                                 << "−3.2°"
+                                 << "4.5°";
 }
 
-/// Each part can be understood without the others.
-void tst_SurveyRecord::splitsWithHead()
-{
-    m_view->Model().settings.splitMegabytes = 1;
-    Open();
-    QTRY_VERIFY(HasPosition());
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_VERIFY_WITH_TIMEOUT(Page().Session().Status().part >= 3, 120000);
-    Touch(Button(QStringLiteral("Stop")));
-    QTRY_VERIFY(IsOff());
-    const QStringList logs = Logs();
-    QVERIFY(logs.size() >= 3);
-    for (const QString& log : logs) {
-        QVERIFY2(QFileInfo(log).size() <= 1000000, qPrintable(log));
-        ZrPlayer player;
-        QVector<u32> types;
-        connect(&player, &ZrPlayer::NewPayload, this,
-            [&types](const ZrLogItemInf& inf, zr::span<u8>) { types.append(inf.type); });
-        QVERIFY(player.OpenFile(log));
-        while (types.size() < 8 && player.ReadNextItem(true)) { }
-        QVERIFY2(types.first() == u32(rtMissionPlan), qPrintable(log));
-        QVERIFY2(types.contains(u32(krtNavigation)) || types.contains(u32(krtFix)), qPrintable(log));
-    }
-}
-
+/// Pitch and roll with the sign minus, as wide as a digit, and the degrees; a full turn is none.
 void tst_SurveyRecord::anglesHaveTheirSign()
 {
+    QFETCH(float, heading);
+    QFETCH(float, pitch);
+    QFETCH(float, roll);
+    const QString path = m_dir->filePath(QStringLiteral("angles.log"));
+    ZrLogWriter log;
+    QVERIFY(log.Open(path, 100.0));
+    ZrNavRecord nav;
+    nav.latitude = 48.0;
+    nav.longitude = -68.0;
+    nav.heading = heading;
+    nav.pitch = pitch;
+    nav.roll = roll;
+    QVERIFY(log.Write(
+        zr::rec_type(krtNavigation), 1, ZrNavRecord::Format, 100.0, false, zr::bytes_of(nav.Encode())));
+    QVERIFY(log.Commit());
+    m_view->Model().settings.source = SurveySource::replay;
+    m_view->Model().settings.sourceFile = path;
     Open();
-    for (const char* caption : {"Heading", "Pitch", "Roll"}) {
-        ZrValueTile* tile = Tile(QString::fromLatin1(caption));
-        QTRY_VERIFY(!tile->Value().isEmpty());
-        QTRY_VERIFY2(tile->Number().endsWith(ZrUnits::degrees), qPrintable(tile->Number()));
-        QVERIFY(!tile->Number().contains(QLatin1Char('-')));
-    }
+    QTRY_VERIFY(!Tile(QStringLiteral("Heading"))->Value().isEmpty());
+    QTEST(Tile(QStringLiteral("Heading"))->Number(), "headingText");
+    QTEST(Tile(QStringLiteral("Pitch"))->Number(), "pitchText");
+    QTEST(Tile(QStringLiteral("Roll"))->Number(), "rollText");
 }
 
 void tst_SurveyRecord::followEndsByHand()
 {
     Open();
     QTRY_VERIFY(HasPosition());
-    QVERIFY(Page().Map().m_isFollowing);
+    QVERIFY(Page().Map().m_way.m_isFollowing);
     QTest::keyClick(m_view.get(), Qt::Key_F);
-    QVERIFY(!Page().Map().m_isFollowing);
+    QVERIFY(!Page().Map().m_way.m_isFollowing);
     QTest::keyClick(m_view.get(), Qt::Key_F);
-    QVERIFY(Page().Map().m_isFollowing);
+    QVERIFY(Page().Map().m_way.m_isFollowing);
     QTest::keyClick(m_view.get(), Qt::Key_Home);
-    QVERIFY(!Page().Map().m_isFollowing);
+    QVERIFY(!Page().Map().m_way.m_isFollowing);
     const QPointF centre = Page().Map().m_camera.Centre();
     const i64 trail = Page().Map().TrailCount();
     QTRY_VERIFY(Page().Map().TrailCount() > trail + 3);
@@ -505,17 +256,6 @@ void tst_SurveyRecord::sourceThatCannotBeHad()
     QTRY_VERIFY(isTold());
 }
 
-void tst_SurveyRecord::folderThatCannotBeMade()
-{
-    m_view->Model().settings.recordDir = QStringLiteral("/proc/none");
-    Open();
-    QSignalSpy failed(&Page().Session(), &ZrRecordingSession::Failed);
-    Touch(Button(QStringLiteral("Record")));
-    QTRY_COMPARE(failed.size(), 1);
-    QTRY_VERIFY(Button(QStringLiteral("Record")));
-    QVERIFY(!m_view->Model().recording.IsOn());
-}
-
 void tst_SurveyRecord::staleValuesAreMarked()
 {
     const QString path = m_dir->filePath(QStringLiteral("old.log"));
@@ -550,6 +290,23 @@ void tst_SurveyRecord::idleWithoutData()
     QCOMPARE(frames.size(), 0);
 }
 
+/// A grid and a scale of no place say nothing; they come with the first position.
+void tst_SurveyRecord::nothingIsShownOfNowhere()
+{
+    m_view->Model().settings.source = SurveySource::udp;
+    m_view->Model().settings.udpPort = 0; // any free one
+    Open();
+    const LiveMap& map = Page().Map();
+    QTRY_COMPARE(Page().Session().Source(), ZrRecordingSession::sourceOpen);
+    QVERIFY(!map.m_way.Grid());
+    QVERIFY(map.m_grid.NorthArrowRect(map.m_camera, map.m_pixelFactor).isEmpty());
+    QVERIFY(map.m_grid.ScaleBarRect(map.m_camera, map.m_pixelFactor).isEmpty());
+    m_view->Model().settings.source = SurveySource::simulator;
+    QTRY_VERIFY(map.m_way.Grid());
+    QTRY_VERIFY(!map.m_grid.NorthArrowRect(map.m_camera, map.m_pixelFactor).isEmpty());
+    QVERIFY(!map.m_grid.ScaleBarRect(map.m_camera, map.m_pixelFactor).isEmpty());
+}
+
 void tst_SurveyRecord::nothingOverlaps_data()
 {
     QTest::addColumn<QSize>("size");
@@ -567,6 +324,18 @@ void tst_SurveyRecord::nothingOverlaps()
         settings.eventLabels += QStringLiteral("Something longer %1").arg(settings.eventLabels.size());
     Open(size);
     QTRY_COMPARE(Page().size(), m_view->size());
+    // Words of a fair size, and those about the source in full.
+    auto* source = Page().findChild<ZrBtn*>(QStringLiteral("source"));
+    QTRY_VERIFY(source->text.contains(QStringLiteral("receiving")));
+    source->text = QStringLiteral("UDP port 10110\u2028receiving 8888 records/s");
+    source->Changed();
+    for (const QString& line : source->text.split(QChar(QChar::LineSeparator)))
+        QVERIFY2(QFontMetricsF(source->font).horizontalAdvance(line) <= source->textRect.width() + 0.5,
+            qPrintable(line));
+    for (const ZrBtn* button : Page().findChildren<ZrBtn*>()) {
+        if (button->isVisible() && !button->text.isEmpty())
+            QVERIFY2(button->font.pixelSize() >= 14, qPrintable(button->text));
+    }
     QVector<QWidget*> controls;
     for (ZrBtn* button : Page().findChildren<ZrBtn*>())
         controls += button;
@@ -589,22 +358,5 @@ void tst_SurveyRecord::nothingOverlaps()
     }
 }
 
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-        std::puts("SKIP: no display");
-        return 77;
-    }
-    QSurfaceFormat format;
-    format.setDepthBufferSize(24);
-    format.setStencilBufferSize(8);
-    format.setSwapInterval(0);
-    QSurfaceFormat::setDefaultFormat(format);
-    QStandardPaths::setTestModeEnabled(true);
-    QApplication app(argc, argv);
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    tst_SurveyRecord test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+GL_TEST_MAIN(tst_SurveyRecord)
 #include "tst_SurveyRecord.moc"

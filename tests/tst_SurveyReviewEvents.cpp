@@ -2,11 +2,15 @@
 
 #include "SurveyReviewWindow.h"
 #include "ZrKit/review/ZrEventFile.h"
+#include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrMosaicFile.h"
 #include "ZrKit/sonar/ZrSonarLog.h"
+#include "ZrKit/survey/ZrTargetEvent.h"
+#include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/StateBanner.h"
 
 class tst_SurveyReviewEvents : public SurveyReviewWindow
 {
@@ -15,7 +19,22 @@ class tst_SurveyReviewEvents : public SurveyReviewWindow
 private Q_SLOTS:
     void events();
     void eventsOutlive();
+    void timeOfAnEvent_data();
+    void timeOfAnEvent();
+    void timeOfAnEventIsChecked();
+    void timeOfATargetStays();
+    void eventsThatCannotBeSaved();
     void exports();
+
+private:
+    ZrTextPanel* Panel() const
+    {
+        for (ZrTextPanel* panel : m_view->findChildren<ZrTextPanel*>()) {
+            if (panel->isVisible())
+                return panel;
+        }
+        return nullptr;
+    }
 };
 
 void tst_SurveyReviewEvents::events()
@@ -78,6 +97,140 @@ void tst_SurveyReviewEvents::eventsOutlive()
     QCOMPARE(file.events.size(), std::size_t(1));
     QCOMPARE(file.events[0].detail, QStringLiteral("long"));
     QCOMPARE(file.events[0].src, esUser);
+}
+
+void tst_SurveyReviewEvents::timeOfAnEvent_data()
+{
+    QTest::addColumn<QString>("typed"); // %1 is date and time
+    QTest::addColumn<double>("seconds"); // that it is moved by
+    QTest::newRow("later") << "+20" << 20.0;
+    QTest::newRow("earlier") << "-2.5" << -2.5;
+    QTest::newRow("as it was") << "" << 0.0;
+    QTest::newRow("date and time") << "%1" << 20.0;
+}
+
+/// Typed in the list's editor; undo and redo take it back and forth, and it is saved.
+void tst_SurveyReviewEvents::timeOfAnEvent()
+{
+    QFETCH(QString, typed);
+    QFETCH(double, seconds);
+    Open(m_log);
+    ZrEventList& events = Rec().Events();
+    Page().Events().Add(Rec().TimeOfPing(100.0), QStringLiteral("Wreck"));
+    Page().Events().Add(Rec().TimeOfPing(110.0), QStringLiteral("Rope"));
+    const double before = events.At(0).time;
+    const double second = events.At(1).time;
+    QVERIFY(second - before > 0.0 && second - before < 20.0);
+    Page().Events().Edit(0);
+    ZrTextPanel* panel = Panel();
+    QVERIFY(panel);
+    ZrInput& time = panel->MoreInput();
+    QCOMPARE(static_cast<QLineEdit&>(time).text(), ZrTimeText::DateClock(before, 3));
+    if (!typed.isEmpty())
+        time.SetText(
+            QString(typed).replace(QStringLiteral("%1"), ZrTimeText::DateClock(before + seconds, 3)));
+    TypeText(QStringLiteral("Wreck, bow"));
+    const auto at = [&events](const QString& text) {
+        for (std::size_t i = 0; i < events.Count(); ++i) {
+            if (events.At(i).text == text)
+                return events.At(i).time;
+        }
+        return std::nan("");
+    };
+    const double now = at(QStringLiteral("Wreck, bow"));
+    QVERIFY2(std::fabs(now - before - seconds) < 0.001, qPrintable(QString::number(now - before)));
+    if (seconds == 0.0)
+        QCOMPARE(now, before); // to the last bit, though less is shown
+    // In order, and the list stays with it.
+    QCOMPARE(events.At(seconds > 10.0 ? 1 : 0).text, QStringLiteral("Wreck, bow"));
+    QCOMPARE(Page().Events().Current(), seconds > 10.0 ? 1 : 0);
+    QVERIFY2(Toast().contains(QStringLiteral("changed")), qPrintable(Toast()));
+    ZrEventFile file;
+    QCOMPARE(file.Read(m_log), ZrEventFile::Whole);
+    QCOMPARE(file.events[seconds > 10.0 ? 1 : 0].time, now);
+    Page().Events().Undo();
+    QCOMPARE(at(QStringLiteral("Wreck")), before);
+    Page().Events().Redo();
+    QCOMPARE(at(QStringLiteral("Wreck, bow")), now);
+}
+
+void tst_SurveyReviewEvents::timeOfAnEventIsChecked()
+{
+    Open(m_log);
+    Page().Events().Add(Rec().TimeOfPing(100.0), QStringLiteral("Wreck"));
+    const double before = Rec().Events().At(0).time;
+    for (const char* typed : {"noon", "1999-01-01 12:00", "+1000000", ""}) {
+        Page().Events().Edit(0);
+        ZrTextPanel* panel = Panel();
+        QVERIFY(panel);
+        panel->MoreInput().SetText(QString::fromLatin1(typed));
+        panel->Accept();
+        QVERIFY2(panel->isVisible() && !panel->Problem().isEmpty(), typed);
+        panel->Cancel();
+    }
+    QCOMPARE(Rec().Events().At(0).time, before);
+    QCOMPARE(Rec().Events().UndoText(), QStringLiteral("Add event \"Wreck\""));
+}
+
+void tst_SurveyReviewEvents::timeOfATargetStays()
+{
+    Open(m_log);
+    ZrSonarTarget target;
+    target.time = Rec().Times()->LogTime(Rec().TimeOfPing(100.0));
+    Page().Events().Add(ZrTargetEvent::ToEvent(target, QStringLiteral("Target 1")));
+    Page().Events().Edit(0);
+    ZrTextPanel* panel = Panel();
+    QVERIFY(panel);
+    QVERIFY(!panel->MoreInput().isVisible());
+    TypeText(QStringLiteral("Boiler"));
+    QCOMPARE(Rec().Events().At(0).text, QStringLiteral("Boiler"));
+}
+
+/// Said until it is seen, beside the list, with the way out; what is exported is what is in memory.
+void tst_SurveyReviewEvents::eventsThatCannotBeSaved()
+{
+    // A folder in place of the file: that cannot be written by anybody.
+    QVERIFY(QDir().mkpath(m_log + QStringLiteral(".evt/in the way")));
+    Open(m_log);
+    QVERIFY(!Page().Events().isVisible());
+    Page().Events().Add(Rec().TimeOfPing(100.0), QStringLiteral("Wreck"));
+    QVERIFY(Page().Events().isVisible());
+    auto* banner = Page().Events().findChild<StateBanner*>();
+    QVERIFY(banner && banner->isVisible());
+    QVERIFY2(banner->Text().contains(QStringLiteral("1 event of wreck ö.log is in memory only: ")),
+        qPrintable(banner->Text()));
+    QVERIFY2(banner->Advice().contains(QStringLiteral("Export them")), qPrintable(banner->Advice()));
+    QVERIFY(!banner->geometry().intersects(Page().Events().List().geometry()));
+    Page().Events().Add(Rec().TimeOfPing(200.0), QStringLiteral("Rope"));
+    QVERIFY(banner->Text().startsWith(QStringLiteral("2 events of ")));
+    // Still told when another recording is looked at, and on the first page.
+    Open(m_source);
+    QVERIFY(banner->Text().startsWith(QStringLiteral("2 events of ")));
+    auto* home = m_view->GetPage(QStringLiteral("Home"))->findChild<StateBanner*>();
+    QCOMPARE(home->Text(), banner->Text());
+    // Given up by mistake.
+    Q_EMIT banner->findChild<ZrBtn*>(QStringLiteral("dismiss"))->Clicked();
+    QVERIFY(m_view->Model().unsaved.IsEmpty());
+    QVERIFY(home->IsEmpty());
+    auto* toast = m_view->findChild<ZrToast*>();
+    QTest::mouseClick(toast->findChild<ZrBtn*>(), Qt::LeftButton);
+    QCOMPARE(m_view->Model().unsaved.Count(), std::size_t(2));
+    // The way out.
+    const QString path = m_folder.filePath(QStringLiteral("kept.csv"));
+    QTest::mouseClick(banner->Buttons().first(), Qt::LeftButton);
+    auto* files = m_view->findChild<ZrFilePanel*>(QStringLiteral("export unsaved events"));
+    QVERIFY(files && files->isVisible());
+    files->Cancel();
+    Q_EMIT files->FileChosen(m_folder.filePath(QStringLiteral("no folder/kept.csv")));
+    QVERIFY2(Toast().contains(QStringLiteral("Cannot write")), qPrintable(Toast()));
+    QVERIFY(!banner->IsEmpty());
+    Q_EMIT files->FileChosen(path);
+    QVERIFY(banner->IsEmpty() && !banner->isVisible());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray table = file.readAll();
+    QVERIFY(table.contains("Wreck") && table.contains("Rope"));
+    QVERIFY(QDir(m_log + QStringLiteral(".evt")).removeRecursively());
 }
 
 void tst_SurveyReviewEvents::exports()

@@ -1,6 +1,8 @@
 #include "RecordedLog.h"
+#include "SmallFiles.h"
 #include "ZrKit/recording/ZrRecorder.h"
 #include "ZrKit/records/ZrFixRecord.h"
+#include "ZrUtil/ZrLogEvt.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -37,6 +39,8 @@ private Q_SLOTS:
     void prefixNamesTheLog();
     void recordsKeepTheirTime();
     void recordsCountForTheDisk();
+    void whyItEnded();
+    void diskThatTakesNoMore();
 };
 
 void tst_ZrRecorder::logsTextAndDecodedPosition()
@@ -301,6 +305,64 @@ void tst_ZrRecorder::recordsCountForTheDisk()
     QCOMPARE(failed.size(), 1);
     QVERIFY(!recorder.IsRecording());
     QCOMPARE(ReadLog(recorder.CurrentStatus().file).size(), std::size_t(1));
+}
+
+void tst_ZrRecorder::whyItEnded()
+{
+    const QTemporaryDir dir;
+    qint64 freeBytes = 10000;
+    ZrRecorder::Options options = In(dir);
+    options.stopBelow = 5000;
+    options.freeSpace = [&freeBytes] { return freeBytes; };
+    ZrRecorder recorder(options, nullptr);
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureNone);
+    QVERIFY(!recorder.AddEvent(ZrLogEvt(1.0, esUser, QStringLiteral("before"))));
+    QString error;
+    QVERIFY(recorder.Start(&error));
+    QVERIFY(recorder.AddEvent(ZrLogEvt(2.0, esUser, QStringLiteral("there"))));
+    // Of the last one is written, whatever is asked for then.
+    freeBytes = 4999;
+    QTRY_VERIFY(!recorder.IsRecording());
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureSpace);
+    QVERIFY(!recorder.AddEvent(ZrLogEvt(3.0, esUser, QStringLiteral("after"))));
+    QCOMPARE(ReadLog(recorder.CurrentStatus().file).size(), std::size_t(1));
+    QVERIFY(!recorder.Start(&error));
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureSpace);
+    freeBytes = 10000;
+    QVERIFY(recorder.Start(&error));
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureNone);
+    recorder.Stop();
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureNone);
+
+    options.dir = QStringLiteral("/proc/none");
+    ZrRecorder nowhere(options, nullptr);
+    QVERIFY(!nowhere.Start(&error));
+    QCOMPARE(nowhere.Failure(), ZrRecorder::failureCreate);
+}
+
+/// As a disk that fails: no file of this process may become larger.
+void tst_ZrRecorder::diskThatTakesNoMore()
+{
+    const QTemporaryDir dir;
+    ZrRecorder::Options options = In(dir);
+    options.logsReason = true;
+    ZrRecorder recorder(options, nullptr);
+    QSignalSpy failed(&recorder, &ZrRecorder::Failed);
+    QString error;
+    QVERIFY(recorder.Start(&error));
+    QVERIFY(recorder.AddEvent(ZrLogEvt(1.0, esUser, QStringLiteral("there"))));
+    const QString file = recorder.CurrentStatus().file;
+    bool isTaken = true;
+    {
+        const SmallFiles limit(QFileInfo(file).size() + 20); // within the next item
+        isTaken = recorder.AddEvent(ZrLogEvt(2.0, esUser, QStringLiteral("lost")));
+    }
+    QVERIFY(!isTaken);
+    QVERIFY(!recorder.IsRecording());
+    QCOMPARE(recorder.Failure(), ZrRecorder::failureWrite);
+    QCOMPARE(failed.size(), 1);
+    QVERIFY(failed[0][0].toString().contains(file));
+    QCOMPARE(ReadLog(file).size(), std::size_t(1));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrRecorder)

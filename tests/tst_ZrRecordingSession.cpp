@@ -1,4 +1,5 @@
 #include "RecordedLog.h"
+#include "SmallFiles.h"
 #include "ZrKit/geo/ZrPositionText.h"
 #include "ZrKit/recording/ZrFileSource.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
@@ -82,6 +83,8 @@ private Q_SLOTS:
     void cannotStart();
     void startsOnce();
     void stopsBeforeTheDiskIsFull();
+    void eventsThatNoLogTakes();
+    void bytesOfTheSource();
     void splits();
     void measuresSpace();
     void sourceCannotBeHad();
@@ -307,10 +310,12 @@ void tst_ZrRecordingSession::cannotStart()
     QTRY_COMPARE(failed.size(), 1);
     QVERIFY(failed[0][0].toString().contains(QStringLiteral("/proc/none")));
     QVERIFY(!m_session->IsRecording());
+    QCOMPARE(m_session->Failure(), ZrRecorder::failureCreate);
     m_free = 999;
     m_session->Start(Options());
     QTRY_COMPARE(failed.size(), 2);
     QVERIFY(failed[1][0].toString().startsWith(QStringLiteral("Only ")));
+    QCOMPARE(m_session->Failure(), ZrRecorder::failureSpace);
     QVERIFY(LogsIn(m_dir->path()).isEmpty());
 }
 
@@ -350,6 +355,60 @@ void tst_ZrRecordingSession::stopsBeforeTheDiskIsFull()
     m_now = 2000.0;
     GiveLine(fixLine);
     QTRY_COMPARE(m_session->State().fix.at, 2000.0);
+}
+
+/// The disk fails: events that were accepted meanwhile are handed back.
+void tst_ZrRecordingSession::eventsThatNoLogTakes()
+{
+    Open();
+    QSignalSpy failed(m_session.get(), &ZrRecordingSession::Failed);
+    std::vector<ZrLogEvt> lost;
+    connect(
+        m_session.get(), &ZrRecordingSession::EventsLost, this, [&lost](const std::vector<ZrLogEvt>& events) {
+            lost.insert(lost.end(), events.begin(), events.end());
+        });
+    const QString file = Record();
+    QVERIFY(m_session->AddEvent(QStringLiteral("there")));
+    GiveLine("before");
+    std::vector<Item> items = ReadLog(file);
+    QCOMPARE(items.size(), std::size_t(2));
+    {
+        const SmallFiles limit(QFileInfo(file).size() + 20);
+        QVERIFY(m_session->AddEvent(QStringLiteral("first")));
+        QVERIFY(m_session->AddEvent(QStringLiteral("second")));
+        QTRY_COMPARE(failed.size(), 1);
+        QTRY_COMPARE(lost.size(), std::size_t(2));
+    }
+    QCOMPARE(m_session->Failure(), ZrRecorder::failureWrite);
+    QCOMPARE(lost[0].text, QStringLiteral("first"));
+    QCOMPARE(lost[1].text, QStringLiteral("second"));
+    QVERIFY(lost[0].time > 1.7e9 && !lost[0].uid.isNull());
+    QVERIFY(m_session->News().lostEvents.empty()); // told once
+    QCOMPARE(ReadLog(file).size(), std::size_t(2));
+    // The next one begins without a failure.
+    QVERIFY(!Record().isEmpty());
+    QCOMPARE(m_session->Failure(), ZrRecorder::failureNone);
+    QVERIFY(m_session->AddEvent(QStringLiteral("third")));
+    Stop();
+    QCOMPARE(lost.size(), std::size_t(2));
+}
+
+/// What a recording would take is known without one: exactly what it takes then.
+void tst_ZrRecordingSession::bytesOfTheSource()
+{
+    Open();
+    GiveLine("no sentence");
+    QTRY_VERIFY(m_session->News().byteCount > 0);
+    const u64 before = m_session->News().byteCount;
+    const QString file = Record();
+    const qint64 head = QFileInfo(file).size();
+    GiveLine(fixLine);
+    Give(zr::rec_type(krtFix), 5.0, QByteArray(100, 'x'));
+    GiveLine("no sentence");
+    QTRY_COMPARE(m_session->News().byteCount - before, u64(QFileInfo(file).size() - head));
+    Stop();
+    m_session->Close();
+    QTRY_COMPARE(m_session->News().byteCount, u64(0));
 }
 
 void tst_ZrRecordingSession::splits()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void asksAgain();
     void withoutTaker();
     void everySize();
+    void secondLine();
 
 private:
     std::unique_ptr<QWidget> m_window;
@@ -165,6 +166,39 @@ void tst_ZrTextPanel::everySize()
             QVERIFY(button->height() >= 44 && button->width() >= 44);
         }
     }
+}
+
+/// Both lines are checked together; the next question has one again.
+void tst_ZrTextPanel::secondLine()
+{
+    const QString wrong = QStringLiteral("wrong");
+    m_panel->Ask(QStringLiteral("Event"), QStringLiteral("hint"), QStringLiteral("wreck"),
+        [this, wrong](const QString& text) {
+            if (m_panel->More() == wrong)
+                return wrong;
+            m_taken << text << m_panel->More();
+            return QString();
+        });
+    QVERIFY(!m_panel->MoreInput().isVisible());
+    m_panel->AskMore(QStringLiteral("Time"), wrong);
+    ZrInput& more = m_panel->MoreInput();
+    QVERIFY(more.isVisible());
+    QCOMPARE(more.accessibleName(), QStringLiteral("Time"));
+    QVERIFY(!more.geometry().intersects(m_panel->Input().geometry()));
+    QVERIFY(more.height() >= 44 && m_panel->rect().contains(more.geometry()));
+    QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(&m_panel->Input()));
+    QTest::keyClick(&more, Qt::Key_Return);
+    QCOMPARE(m_panel->Problem(), wrong);
+    QVERIFY(m_panel->isVisible());
+    more.setFocus();
+    more.selectAll();
+    QTest::keyClicks(&more, QStringLiteral("12:34"));
+    QCOMPARE(m_panel->Problem(), QString()); // it is being mended
+    QTest::keyClick(&more, Qt::Key_Return);
+    QVERIFY(!m_panel->isVisible());
+    QCOMPARE(m_taken, QStringList({QStringLiteral("wreck"), QStringLiteral("12:34")}));
+    m_panel->Ask(QStringLiteral("Name"), QString(), QString(), {});
+    QVERIFY(!more.isVisible());
 }
 
 QTEST_MAIN(tst_ZrTextPanel)

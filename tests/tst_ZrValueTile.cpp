@@ -237,6 +237,11 @@ void tst_ZrValueTile::noteMakesRoom()
     const QRect above = InkBox(Painted(tile));
     QVERIFY(above.bottom() < alone.bottom());
     QVERIFY(above.height() < alone.height());
+    // Room that is kept is that of a note.
+    tile.SetNote(QString());
+    QCOMPARE(InkBox(Painted(tile)), alone);
+    tile.SetNoteRoom(true);
+    QCOMPARE(InkBox(Painted(tile)), above);
 }
 
 void tst_ZrValueTile::repaintsOnlyForChanges()

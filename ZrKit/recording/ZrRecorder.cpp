@@ -61,7 +61,9 @@ bool ZrRecorder::Start(QString* error)
     m_logger.SetLogDirectory(m_options.dir);
     m_logger.Decorate(m_options.prefix, QStringLiteral(".log"));
     const qint64 freeBytes = m_options.freeSpace();
+    m_failure = failureNone;
     if (freeBytes >= 0 && freeBytes < m_options.stopBelow) {
+        m_failure = failureSpace;
         *error = QCoreApplication::translate("ZrRecorder", "Only %1 free in %2; recording needs at least %3")
                      .arg(ZrLogger::SpaceStr(static_cast<u64>(freeBytes)), m_options.dir,
                          ZrLogger::SpaceStr(static_cast<u64>(m_options.stopBelow)));
@@ -75,6 +77,7 @@ bool ZrRecorder::Start(QString* error)
     m_doneItems = m_doneBytes = 0;
     m_started = m_options.clock();
     if (!OpenPart()) {
+        m_failure = failureCreate;
         *error = QCoreApplication::translate("ZrRecorder", "Cannot create a log: %1").arg(m_logger.CurFile());
         return false;
     }
@@ -124,6 +127,7 @@ bool ZrRecorder::MakeRoom(u64 bytes)
     if (OpenPart())
         return true;
     --m_status.part;
+    m_failure = failureCreate;
     m_tick->stop();
     m_status.items = Items();
     m_status.bytes = Bytes();
@@ -216,11 +220,14 @@ void ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteAr
     CheckAfterWriting();
 }
 
-void ZrRecorder::AddEvent(ZrLogEvt event)
+bool ZrRecorder::AddEvent(ZrLogEvt event)
 {
     QByteArray bytes;
     event.Save(bytes);
+    const u64 before = Items();
     AddRecord(CRecType(rtEvent), 0, event.time, bytes);
+    // Each item is looked at when it was written: an error before this one has ended the recording.
+    return Items() > before && m_failure != failureWrite;
 }
 
 void ZrRecorder::Remember(CRecType type, u16 format, double time, const QByteArray& payload)
@@ -283,9 +290,10 @@ void ZrRecorder::CheckDisk()
 {
     m_bytesAtCheck = Bytes();
     if (m_logger.WriteErrors() > 0) {
-        Fail(QCoreApplication::translate(
-            "ZrRecorder", "Recording stopped: the disk does not take any more data (%1)")
-                 .arg(m_status.file));
+        Fail(failureWrite,
+            QCoreApplication::translate(
+                "ZrRecorder", "Recording stopped: the disk does not take any more data (%1)")
+                .arg(m_status.file));
         return;
     }
     m_status.freeBytes = m_options.freeSpace();
@@ -293,9 +301,10 @@ void ZrRecorder::CheckDisk()
         return;
     const QString freeText = ZrLogger::SpaceStr(static_cast<u64>(m_status.freeBytes));
     if (m_status.freeBytes < m_options.stopBelow) {
-        Fail(QCoreApplication::translate(
-            "ZrRecorder", "Recording stopped before the disk is full: %1 free in %2")
-                 .arg(freeText, m_options.dir));
+        Fail(failureSpace,
+            QCoreApplication::translate(
+                "ZrRecorder", "Recording stopped before the disk is full: %1 free in %2")
+                .arg(freeText, m_options.dir));
     } else if (m_status.freeBytes < m_options.warnBelow && !m_warned) {
         m_warned = true;
         Q_EMIT Warning(QCoreApplication::translate("ZrRecorder", "The disk is getting full: %1 free in %2")
@@ -303,8 +312,9 @@ void ZrRecorder::CheckDisk()
     }
 }
 
-void ZrRecorder::Fail(const QString& message)
+void ZrRecorder::Fail(eFailure failure, const QString& message)
 {
+    m_failure = failure;
     if (m_options.logsReason && m_logger.WriteErrors() == 0) {
         ZrLogEvt event(SecondsNow(), esSystem, message);
         event.uid = QUuid::createUuid();

@@ -41,6 +41,15 @@ class ZR_KIT_EXPORT ZrRecorder : public QObject
     Q_OBJECT
 
 public:
+    /// Why a recording could not begin, or had to end.
+    enum eFailure : int
+    {
+        failureNone = 0, ///< it goes on, or was ended by `Stop`
+        failureSpace = 1, ///< less than `Options::stopBelow` is free
+        failureWrite = 2, ///< the disk takes no more data: of the last item nothing or a part is in the log
+        failureCreate = 3 ///< the log, or its next part, cannot be created
+    };
+
     struct Options
     {
         QString dir; ///< where the log is created; made when missing
@@ -84,6 +93,9 @@ public:
     void Stop();
 
     bool IsRecording() const;
+
+    eFailure Failure() const { return m_failure; } ///< of the recording, or of the last one
+
     /// Counts and rates at this moment.
     Status CurrentStatus() const;
 
@@ -94,8 +106,8 @@ public:
     /// for sources that tell their own time, such as simulations. Ignored when \p payload has 1 GiB or more.
     void AddRecord(CRecType type, u16 format, double time, const QByteArray& payload);
 
-    /// Logs an event.
-    void AddEvent(ZrLogEvt event);
+    /// Logs an event. False when it is not in the log: nothing is recorded, or the disk does not take it.
+    bool AddEvent(ZrLogEvt event);
 
     /// Remembers a record that came before the recording, for the head of its log.
     void Remember(CRecType type, u16 format, double time, const QByteArray& payload);
@@ -120,7 +132,7 @@ private:
     void OnTick();
     void CheckAfterWriting();
     void CheckDisk();
-    void Fail(const QString& message);
+    void Fail(eFailure failure, const QString& message);
 
     Options m_options;
     ZrLogger m_logger;
@@ -135,6 +147,7 @@ private:
     u64 m_partHead = 0; ///< items of the head of the part
     u64 m_doneItems = 0; ///< of earlier parts
     u64 m_doneBytes = 0;
+    eFailure m_failure = failureNone;
     double m_lastTick = 0.0;
     u64 m_lastBytes = 0;
     u64 m_lastItems = 0;

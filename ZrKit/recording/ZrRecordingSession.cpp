@@ -61,16 +61,20 @@ void ZrRecordingSession::Connect()
         if (m_recording == recordingStarting)
             SetRecording(recordingOn);
     });
-    connect(m_worker, &ZrRecordingWorker::StartFailed, this, [this](const QString& error) {
-        SetRecording(recordingOff);
-        Q_EMIT Failed(error);
-    });
-    connect(m_worker, &ZrRecordingWorker::Stopped, this, [this](const QString& reason) {
+    connect(m_worker, &ZrRecordingWorker::StartFailed, this, &ZrRecordingSession::Fail);
+    connect(m_worker, &ZrRecordingWorker::Stopped, this, [this](const QString& reason, int failure) {
         TakeNews();
-        SetRecording(recordingOff);
-        if (!reason.isEmpty())
-            Q_EMIT Failed(reason);
+        Fail(reason, failure);
     });
+}
+
+/// The recording has ended; \p message is empty when that was asked for.
+void ZrRecordingSession::Fail(const QString& message, int failure)
+{
+    m_failure = static_cast<ZrRecorder::eFailure>(failure);
+    SetRecording(recordingOff);
+    if (!message.isEmpty())
+        Q_EMIT Failed(message);
 }
 
 /// Has the worker do \p what, on its thread, when it comes to it.
@@ -112,6 +116,7 @@ void ZrRecordingSession::Start(const ZrRecorder::Options& options)
 {
     if (m_recording != recordingOff)
         return;
+    m_failure = ZrRecorder::failureNone;
     SetRecording(recordingStarting);
     ZrRecorder::Options complete = options;
     complete.writesHead = true;
@@ -160,5 +165,8 @@ void ZrRecordingSession::TakeNews()
     m_news = news;
     m_news.trail.clear();
     m_news.pings.clear();
+    m_news.lostEvents.clear();
     Q_EMIT Updated(news);
+    if (!news.lostEvents.empty())
+        Q_EMIT EventsLost(news.lostEvents);
 }

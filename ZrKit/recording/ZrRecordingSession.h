@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <functional>
+#include <vector>
 
 class ZrLineSource;
 class ZrRecordingWorker;
@@ -76,7 +77,10 @@ public:
 
     double Now() const { return m_clock(); } ///< for ages of the values of `State`
 
-    const ZrRecordingNews& News() const { return m_news; } ///< told last, without trail and pings
+    const ZrRecordingNews& News() const
+    {
+        return m_news;
+    } ///< told last, without what is told once: trail, pings and lost events
 
     /// @}
 
@@ -93,12 +97,16 @@ public:
 
     const ZrRecorder::Status& Status() const { return m_news.status; } ///< of the last one, when it has ended
 
+    /// Why the last one could not begin, or ended by itself; set when `Failed` is told.
+    ZrRecorder::eFailure Failure() const { return m_failure; }
+
     /// Asks for the free bytes of the volume that a recording in \p dir would be written to; the answer is
     /// `SpaceMeasured`. Disks may sleep: it is the thread that waits.
     void MeasureSpace(const QString& dir);
 
     /// Adds an event of the user, of this moment, and with the position in its detail where one is known and
-    /// fresh: degrees, "50.1234567, -4.1234567". False when nothing is recorded or \p label is empty.
+    /// fresh: degrees, "50.1234567, -4.1234567". False when nothing is recorded or \p label is empty. One
+    /// that the log could not take after all is told by `EventsLost`.
     bool AddEvent(const QString& label);
     /// @}
 
@@ -108,6 +116,7 @@ Q_SIGNALS:
     void RecordingChanged(); ///< `Recording`
     void SpaceMeasured(qint64 bytes); ///< -1 when it is not known
     void Failed(const QString& message); ///< a recording could not begin, or had to end
+    void EventsLost(const std::vector<ZrLogEvt>& events); ///< they are in no log, and nowhere else
     void Trouble(const QString& message); ///< something a person should know; all goes on
 
 private:
@@ -115,6 +124,7 @@ private:
     void Do(std::function<void(ZrRecordingWorker&)> what);
     void SetSource(eSource source, const QString& text);
     void SetRecording(eRecording recording);
+    void Fail(const QString& message, int failure);
     void TakeNews();
     QString PositionText() const;
 
@@ -126,5 +136,6 @@ private:
     QString m_sourceText;
     int m_opening = 0; ///< calls of `Open` and `Close` that the worker has not answered
     eRecording m_recording = recordingOff;
+    ZrRecorder::eFailure m_failure = ZrRecorder::failureNone;
     ZrRecordingNews m_news;
 };

@@ -2,6 +2,7 @@
 
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrUtil/ZrLogEvt.h"
+#include "ZrUtil/ZrLogItem.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -84,7 +85,7 @@ void ZrRecordingWorker::Close()
     m_decoder = ZrNmeaDecoder(QDate());
     m_tap = ZrLiveTap();
     m_lines.clear();
-    m_lineCount = m_recordCount = m_damagedLines = m_unseenPings = 0;
+    m_lineCount = m_recordCount = m_byteCount = m_damagedLines = m_unseenPings = 0;
     m_tellsTime = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -100,7 +101,8 @@ void ZrRecordingWorker::Close()
 void ZrRecordingWorker::Start(const ZrRecorder::Options& options)
 {
     if (m_recorder && m_recorder->IsRecording()) {
-        Q_EMIT StartFailed(QCoreApplication::translate("ZrRecordingWorker", "A recording is going on"));
+        Q_EMIT StartFailed(QCoreApplication::translate("ZrRecordingWorker", "A recording is going on"),
+            ZrRecorder::failureNone);
         return;
     }
     m_recorder = std::make_unique<ZrRecorder>(options, nullptr);
@@ -111,8 +113,9 @@ void ZrRecordingWorker::Start(const ZrRecorder::Options& options)
     });
     QString error;
     if (!m_recorder->Start(&error)) {
+        const ZrRecorder::eFailure failure = m_recorder->Failure();
         m_recorder.reset();
-        Q_EMIT StartFailed(error);
+        Q_EMIT StartFailed(error, failure);
         return;
     }
     m_tick->start();
@@ -131,15 +134,19 @@ void ZrRecordingWorker::Stop()
 void ZrRecordingWorker::End(const QString& reason)
 {
     Tell();
-    Q_EMIT Stopped(reason);
+    Q_EMIT Stopped(reason, m_recorder->Failure());
 }
 
 void ZrRecordingWorker::AddEvent(ZrLogEvt event, double now)
 {
-    if (!m_recorder)
-        return;
     event.time = m_tellsTime ? m_tap.State().dataTime : now;
-    m_recorder->AddEvent(event);
+    if (m_recorder && m_recorder->AddEvent(event))
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_news.lostEvents.push_back(std::move(event));
+    }
+    Tell();
 }
 
 void ZrRecordingWorker::MeasureSpace(const QString& dir)
@@ -154,6 +161,7 @@ void ZrRecordingWorker::MeasureSpace(const QString& dir)
 void ZrRecordingWorker::OnLine(const QByteArray& line)
 {
     ++m_lineCount;
+    m_byteCount += ZrLogItem::Size + static_cast<u64>(line.size()) + 1;
     m_lines.append(line);
     if (m_lines.size() > ZrRecordingNews::MostLines)
         m_lines.removeFirst();
@@ -170,6 +178,7 @@ void ZrRecordingWorker::OnLine(const QByteArray& line)
     }
     for (const ZrDecodedRecord& record : m_decoder.Decode(sentence)) {
         ++m_recordCount;
+        m_byteCount += ZrLogItem::Size + static_cast<u64>(record.payload.size());
         m_tap.Take(record.type, record.format, time, zr::bytes_of(record.payload), now);
         m_head.Keep(record.type, record.format, time, record.payload);
     }
@@ -178,6 +187,7 @@ void ZrRecordingWorker::OnLine(const QByteArray& line)
 void ZrRecordingWorker::OnRecord(CRecType type, u16 format, double time, const QByteArray& payload)
 {
     ++m_recordCount;
+    m_byteCount += ZrLogItem::Size + static_cast<u64>(payload.size());
     m_tellsTime = true;
     m_tap.Take(type, format, time, zr::bytes_of(payload), m_clock());
     if (m_recorder)
@@ -210,6 +220,7 @@ void ZrRecordingWorker::Tell()
         m_news.lines = m_lines;
         m_news.lineCount = m_lineCount;
         m_news.recordCount = m_recordCount;
+        m_news.byteCount = m_byteCount;
         m_news.damagedLines = m_damagedLines;
         m_news.droppedLines = m_source ? m_source->Dropped() : 0;
         m_news.isRecording = m_recorder && m_recorder->IsRecording();
@@ -227,10 +238,13 @@ ZrRecordingNews ZrRecordingWorker::TakeNews()
     m_isTold = false;
     std::vector<QPointF> trail;
     std::vector<ZrLivePing> pings;
+    std::vector<ZrLogEvt> lostEvents;
     trail.swap(m_news.trail);
     pings.swap(m_news.pings);
+    lostEvents.swap(m_news.lostEvents);
     ZrRecordingNews taken = m_news;
     taken.trail = std::move(trail);
     taken.pings = std::move(pings);
+    taken.lostEvents = std::move(lostEvents);
     return taken;
 }

@@ -46,8 +46,8 @@ Q_SIGNALS:
     void Trouble(const QString& message);
     void SpaceMeasured(qint64 bytes);
     void Started(const QString& file);
-    void StartFailed(const QString& error);
-    void Stopped(const QString& reason); ///< empty when it was asked for
+    void StartFailed(const QString& error, int failure); ///< a `ZrRecorder::eFailure`
+    void Stopped(const QString& reason, int failure); ///< empty when it was asked for
 
 private:
     void OnLine(const QByteArray& line);
@@ -66,6 +66,7 @@ private:
     QByteArrayList m_lines;
     u64 m_lineCount = 0;
     u64 m_recordCount = 0;
+    u64 m_byteCount = 0;
     u64 m_damagedLines = 0;
     bool m_tellsTime = false; ///< the source
     u64 m_unseenPings = 0; ///< that were not taken from the news in time

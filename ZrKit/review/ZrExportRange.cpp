@@ -3,6 +3,7 @@
 #include "ZrKit/export/ZrTrackExport.h"
 #include "ZrKit/export/ZrTrackText.h"
 #include "ZrKit/review/ZrDatasetTrack.h"
+#include "ZrKit/review/ZrEventTable.h"
 #include "ZrKit/review/ZrSteadyTime.h"
 #include "ZrUtil/IZrProgress.h"
 #include "ZrUtil/ZrDataset.h"
@@ -48,17 +49,6 @@ private:
     i64 m_written = 0;
     bool m_failed = false;
 };
-
-/// \p text as one field of a table.
-QString Field(const QString& text)
-{
-    QString field = ZrTrackText::Clean(text);
-    if (!field.contains(QLatin1Char(',')) && !field.contains(QLatin1Char('"'))
-        && !field.contains(QLatin1Char('\n')) && !field.contains(QLatin1Char('\r')))
-        return field;
-    field.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + field + QLatin1Char('"');
-}
 
 QByteArray RecordLine(const ZrTrackPoint& point, ZrTrackText& text)
 {
@@ -207,16 +197,9 @@ ZrExportRange::eResult ZrExportRange::WriteEvents(const QString& out)
     constexpr double bytesPerLine = 100.0;
     m_items = events.size();
     return WriteFile(out, bytesPerLine * static_cast<double>(m_items + 1), [&events](QIODevice& device) {
-        ZrTrackText text;
-        QByteArray lines = "time,source,code,uid,text,detail\r\n";
-        for (const ZrDatasetTrack::PlacedEvent& placed : events) {
-            const ZrLogEvt& evt = *placed.event;
-            const QStringList fields{text.Time(evt.time), QString::number(static_cast<int>(evt.src)),
-                QString::number(evt.code),
-                evt.uid.isNull() ? QString() : evt.uid.toString(QUuid::WithoutBraces), Field(evt.text),
-                Field(evt.detail)};
-            lines += fields.join(QLatin1Char(',')).toUtf8() + "\r\n";
-        }
+        QByteArray lines = ZrEventTable::Heading();
+        for (const ZrDatasetTrack::PlacedEvent& placed : events)
+            lines += ZrEventTable::Line(*placed.event);
         return device.write(lines) == lines.size();
     });
 }

@@ -73,7 +73,7 @@ public:
     /// not known is empty.
     eResult WriteRecords(const QString& out);
 
-    /// A table of the events: `time,source,code,uid,text,detail`.
+    /// A table of the events, see `ZrEventTable`.
     eResult WriteEvents(const QString& out);
 
     QString Error() const { return m_error; } ///< why the last call failed, a sentence; else empty

@@ -30,7 +30,14 @@ public:
     /// \param hint below the line: what may be typed
     void Ask(const QString& title, const QString& hint, const QString& text, const Take& take);
 
+    /// After `Ask`: another line with \p caption before it, which is checked together with the first.
+    void AskMore(const QString& caption, const QString& text);
+
     ZrInput& Input() { return *m_input; }
+
+    ZrInput& MoreInput() { return *m_more; } ///< hidden unless it was asked for
+
+    QString More() const; ///< what stands in it
 
 protected:
     QSize Wanted() const override;
@@ -39,7 +46,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QRect MoreRow() const;
+
     ZrInput* m_input;
+    ZrInput* m_more;
+    QString m_moreCaption; ///< empty while there is but one line
     QString m_hint;
     Take m_take;
 };

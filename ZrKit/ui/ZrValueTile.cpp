@@ -62,6 +62,14 @@ void ZrValueTile::SetNote(const QString& note)
     update();
 }
 
+void ZrValueTile::SetNoteRoom(bool hasRoom)
+{
+    if (hasRoom == m_hasNoteRoom)
+        return;
+    m_hasNoteRoom = hasRoom;
+    update();
+}
+
 void ZrValueTile::SetState(eState state)
 {
     if (state == m_state)
@@ -114,8 +122,9 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     if (!m_note.isEmpty()) {
         painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
             smallSize.elidedText(m_note, Qt::ElideRight, area.width()));
-        bottom -= smallSize.height();
     }
+    if (!m_note.isEmpty() || m_hasNoteRoom)
+        bottom -= smallSize.height();
     const QRect middle(area.x(), area.y() + smallSize.height(), area.width(),
         std::max(bottom - area.y() - smallSize.height(), 1));
     const QString value = Number();

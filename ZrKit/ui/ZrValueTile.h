@@ -35,6 +35,7 @@ public:
 
     void Set(const QString& value, const QString& unit); ///< an empty value is shown as a dash
     void SetNote(const QString& note); ///< small, below the value; may be empty
+    void SetNoteRoom(bool hasRoom); ///< also without one: of tiles in a row the values stand in line
     void SetState(eState state);
 
     QString Value() const { return m_value; }
@@ -65,5 +66,6 @@ private:
     QString m_value;
     QString m_unit;
     QString m_note;
+    bool m_hasNoteRoom = false;
     eState m_state = normal;
 };

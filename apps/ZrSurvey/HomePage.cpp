@@ -4,6 +4,7 @@
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrCtrlLook.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/StateBanner.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
@@ -22,12 +23,15 @@ namespace {
 constexpr int mostRecordings = 50;
 constexpr int tickMs = 1000;
 constexpr int ticksPerListing = 10;
+constexpr qint64 megabyte = 1000000;
+constexpr double shortest = 5.0; ///< seconds of a recording that its rate is told from
 
 void Show(ZrValueTile& tile, const HomeState::Tile& state)
 {
     tile.Set(state.value, state.unit);
     tile.SetNote(state.note);
     tile.SetState(state.state);
+    tile.setToolTip(state.hint);
 }
 
 double Age(const QElapsedTimer& clock)
@@ -44,6 +48,7 @@ HomePage::HomePage(SurveyView& view)
     , m_data(new ZrValueTile(this, tr("Vehicle data")))
     , m_recording(new ZrValueTile(this, tr("Recording")))
     , m_space(new ZrValueTile(this, tr("Free space")))
+    , m_banner(new StateBanner(this, view))
     , m_list(new ZrTouchList(this))
     , m_recordings(new ZrRecordingList(this))
     , m_tick(new QTimer(this))
@@ -78,6 +83,10 @@ HomePage::HomePage(SurveyView& view)
     connect(m_data, &ZrValueTile::Clicked, this,
         settings(QCoreApplication::translate("FormSources", "Source of data")));
     connect(m_tick, &QTimer::timeout, this, &HomePage::OnTick);
+    connect(m_banner, &ZrBanner::Changed, this, [this] {
+        Place();
+        update();
+    });
 }
 
 void HomePage::AddEntry(const QString& icon, const QString& title, const QString& hint, const QString& key,
@@ -150,14 +159,28 @@ void HomePage::ShowState()
     m_data->setToolTip(problem);
     ::Show(*m_recording,
         HomeState::Recording(isOn ? recording.ElapsedText() : QString(), status,
-            tr("Into %1").arg(QFileInfo(model.settings.recordDir).fileName())));
-    ::Show(*m_space,
-        HomeState::Space(isOn && status.freeBytes >= 0 ? status.freeBytes : m_recordings->FreeBytes(),
-            model.settings.stopBelowMegabytes, isOn ? status.secondsLeft : -1.0));
+            tr("Into %1").arg(QFileInfo(model.settings.recordDir).fileName()), recording.Told().isOver));
+    const qint64 room = isOn && status.freeBytes >= 0 ? status.freeBytes : m_recordings->FreeBytes();
+    const int least = model.settings.stopBelowMegabytes;
+    ::Show(*m_space, HomeState::Space(room, least, recording.Left(room, least * megabyte)));
+}
+
+/// Of the latest one that tells how long it is.
+void HomePage::TellRate()
+{
+    double rate = 0.0;
+    for (const ZrRecording& recording : m_recordings->Recordings()) {
+        if (!(recording.log.duration >= shortest))
+            continue;
+        rate = static_cast<double>(recording.log.size) / recording.log.duration;
+        break;
+    }
+    View().Model().recording.SetEarlierRate(rate);
 }
 
 void HomePage::ShowRecordings()
 {
+    TellRate();
     ShowState();
     const QString error = m_recordings->Error();
     const QString empty = error.isEmpty()
@@ -224,6 +247,7 @@ QImage HomePage::Preview(const ZrRecording& recording) const
 
 void HomePage::OnColours()
 {
+    m_banner->Restyle();
     m_list->Restyle();
     // The pictures have the colours of before.
     m_list->SetItems({});
@@ -244,8 +268,11 @@ void HomePage::Place()
         tile->setGeometry(edge(share), area.y(), edge(next) - edge(share) - margin, tileHeight);
         share = next;
     }
+    int top = area.y() + tileHeight + margin;
+    const int told = m_banner->HeightFor(area.width());
+    m_banner->setGeometry(area.x(), top, area.width(), told);
+    top += told > 0 ? told + margin : 0;
     // Entries and list side by side; the entries end where the position does.
-    const int top = area.y() + tileHeight + margin;
     const int high = area.bottom() + 1 - top;
     const int count = m_entries.size();
     const auto rowOf = [&](int i) { return top + i * (high + Gap()) / count; };

@@ -7,6 +7,7 @@
 #include <functional>
 
 class QTimer;
+class StateBanner;
 class ZrEntryBtn;
 class ZrTouchList;
 
@@ -36,6 +37,7 @@ private:
     void ListRecordings();
     void ShowRecordings();
     void ShowState();
+    void TellRate();
     void OnVehicle();
     void OnTick();
     QImage Preview(const ZrRecording& recording) const;
@@ -46,6 +48,7 @@ private:
     ZrValueTile* m_data;
     ZrValueTile* m_recording;
     ZrValueTile* m_space;
+    StateBanner* m_banner;
     ZrTouchList* m_list;
     ZrRecordingList* m_recordings;
     QVector<ZrRecording> m_shown;

@@ -92,12 +92,13 @@ HomeState::Tile HomeState::Data(const QString& source, bool isLive, double age, 
 }
 
 HomeState::Tile HomeState::Recording(
-    const QString& elapsed, const ZrRecorder::Status& status, const QString& folder)
+    const QString& elapsed, const ZrRecorder::Status& status, const QString& folder, bool isStopped)
 {
     Tile tile;
     if (elapsed.isEmpty()) {
-        tile.value = Tr("Off");
+        tile.value = isStopped ? Tr("Stopped") : Tr("Off");
         tile.note = folder;
+        tile.state = isStopped ? ZrValueTile::error : ZrValueTile::normal;
         return tile;
     }
     tile.value = elapsed;
@@ -107,22 +108,42 @@ HomeState::Tile HomeState::Recording(
     return tile;
 }
 
-HomeState::Tile HomeState::Space(qint64 freeBytes, int stopBelowMegabytes, double secondsLeft)
+QString HomeState::SpaceHint(const ZrSpaceLeft& left)
+{
+    switch (left.by) {
+    case ZrSpaceLeft::byRecording:
+        return Tr("At the rate of the recording.");
+    case ZrSpaceLeft::bySource:
+        return Tr("At the rate of what comes from the source.");
+    case ZrSpaceLeft::byLast:
+        return Tr("At the rate of the last recording.");
+    case ZrSpaceLeft::byNothing:
+        break;
+    }
+    return Tr(
+        "For how long that is cannot be told: nothing has come from the source, and there is no earlier "
+        "recording.");
+}
+
+HomeState::Tile HomeState::Space(qint64 freeBytes, int stopBelowMegabytes, const ZrSpaceLeft& left)
 {
     Tile tile;
+    const double least = stopBelowMegabytes * megabyte;
+    tile.hint = Tr("A recording stops when less than %1 is free.").arg(SizeText(least));
     if (freeBytes < 0) {
-        tile.note = Tr("Not known");
+        tile.note = Tr("The disk does not tell");
         return tile;
     }
     const ZrByteText size = ZrByteText::Of(static_cast<double>(freeBytes));
     tile.value = size.value;
     tile.unit = size.unit;
-    const double least = stopBelowMegabytes * megabyte;
-    tile.note = secondsLeft >= 0.0 ? Tr("For %1").arg(DurationText(secondsLeft))
-                                   : Tr("Stops at %1").arg(SizeText(least));
+    tile.note = !left.IsKnown()               ? Tr("– left: no data yet")
+        : left.by == ZrSpaceLeft::byRecording ? Tr("For %1").arg(DurationText(left.seconds))
+                                              : Tr("About %1").arg(DurationText(left.seconds));
+    tile.hint = SpaceHint(left) + QLatin1Char(' ') + tile.hint;
     if (static_cast<double>(freeBytes) < least)
         tile.state = ZrValueTile::error;
-    else if (static_cast<double>(freeBytes) < 2.0 * least || (secondsLeft >= 0.0 && secondsLeft < shortTime))
+    else if (static_cast<double>(freeBytes) < 2.0 * least || (left.IsKnown() && left.seconds < shortTime))
         tile.state = ZrValueTile::warning;
     return tile;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/recording/ZrRecorder.h"
+#include "ZrKit/recording/ZrSpaceLeft.h"
 #include "ZrKit/review/ZrRecentLog.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
@@ -16,6 +17,7 @@ struct HomeState
         QString unit;
         QString note;
         ZrValueTile::eState state = ZrValueTile::normal;
+        QString hint; ///< what the note has no room for; may be empty
     };
 
     static constexpr double Late = 5.0; ///< seconds without data after which they are missed
@@ -29,10 +31,15 @@ struct HomeState
     static Tile Data(const QString& source, bool isLive, double age, const QString& problem = QString());
 
     /// \param elapsed time of the recording that is going on, empty for none; \param folder of recordings
-    static Tile Recording(const QString& elapsed, const ZrRecorder::Status& status, const QString& folder);
+    /// \param isStopped the last one has ended by itself, and nobody has seen that
+    static Tile Recording(const QString& elapsed, const ZrRecorder::Status& status, const QString& folder,
+        bool isStopped = false);
 
-    /// \param freeBytes -1 when not known; \param secondsLeft at the rate of the moment, -1 when not known
-    static Tile Space(qint64 freeBytes, int stopBelowMegabytes, double secondsLeft);
+    /// \param freeBytes -1 when not known
+    static Tile Space(qint64 freeBytes, int stopBelowMegabytes, const ZrSpaceLeft& left);
+
+    /// By what rate that is told, or why it is not; a sentence.
+    static QString SpaceHint(const ZrSpaceLeft& left);
 
     /// When it was made, how long it is and how large, and whether there is sonar in it.
     static QString RecordingText(const ZrRecentLog& log);

@@ -1,24 +1,20 @@
 #include "apps/ZrSurvey/RecordPage.h"
 
 #include "ZrKit/map/ZrMapPanel.h"
-#include "ZrKit/map/ZrWaterfallOverlay.h"
 #include "ZrKit/map/ZrWaterfallPalettes.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
-#include "ZrKit/ui/ZrColourScheme.h"
-#include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SourceMaker.h"
+#include "apps/ZrSurvey/StateBanner.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
-#include <QPainter>
 #include <QTimer>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -69,19 +65,20 @@ RecordPage::RecordPage(SurveyView& view)
     , m_note(new ZrInput(this))
     , m_addNote(
           Button(this, ZrBtn::typeStd, QStringLiteral("event"), tr("Add the note as an event (Return)")))
+    , m_banner(new StateBanner(this, view))
     , m_sources(nullptr)
     , m_ports(nullptr)
     , m_files(nullptr)
 {
     m_hasBackground = false;
     m_sonar.m_layers = {&m_sonarLayer};
-    m_sonar.m_water = QColor(20, 26, 32);
     m_sonarLayer.SetRing(&m_waterfall.Ring());
     m_sonarLayer.m_isSmooth = true;
     m_sonarPanel->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_sonarPanel->setFocusPolicy(Qt::NoFocus);
 
-    m_follow = AddMapTool(QStringLiteral("follow"), tr("Follow the vehicle (F)"), &RecordPage::ToggleFollow);
+    m_follow = AddMapTool(
+        QStringLiteral("follow"), tr("Follow the vehicle (F); + and - zoom"), &RecordPage::ToggleFollow);
     m_follow->checkable = true;
     m_follow->on = true;
     AddMapTool(QStringLiteral("fit"), tr("Show plan and trail (Home)"), &RecordPage::FitMap);
@@ -106,17 +103,30 @@ RecordPage::RecordPage(SurveyView& view)
     connect(m_note, &QLineEdit::returnPressed, this, &RecordPage::AddNote);
     connect(m_mapPanel, &ZrMapPanel::Changed, this, &SurveyPage::Changed);
     connect(m_mapPanel, &ZrMapPanel::CameraMoved, this, [this] {
-        m_follow->on = m_map.m_isFollowing = false;
-        m_follow->update();
+        // Nearer or turned is not away.
+        if (!m_map.m_way.IsCentred())
+            SetFollowing(false);
+    });
+    connect(m_mapPanel, &ZrMapPanel::Tapped, this, [this](const QPointF& /*world*/, const QPointF& pixel) {
+        if (!m_map.m_grid.NorthArrowRect(m_map.m_camera, m_map.m_pixelFactor).contains(pixel))
+            return;
+        m_map.m_camera.SetRotation(0.0);
+        m_mapPanel->Moved();
     });
     connect(&m_session, &ZrRecordingSession::Updated, this, &RecordPage::OnNews);
-    connect(&m_session, &ZrRecordingSession::SourceChanged, this, &RecordPage::ShowSource);
+    connect(&m_session, &ZrRecordingSession::SourceChanged, this, &RecordPage::OnSource);
     connect(&m_session, &ZrRecordingSession::RecordingChanged, this, &RecordPage::OnRecording);
     connect(&m_session, &ZrRecordingSession::SpaceMeasured, this, [this](qint64 bytes) {
         m_space = bytes;
         ShowRecording();
     });
-    connect(&m_session, &ZrRecordingSession::Failed, &view, &SurveyView::Warn);
+    connect(&m_session, &ZrRecordingSession::Failed, this, &RecordPage::OnFailed);
+    connect(&m_session, &ZrRecordingSession::EventsLost, this, &RecordPage::OnEventsLost);
+    connect(m_banner, &ZrBanner::Changed, this, [this] {
+        Place();
+        if (isVisible())
+            Changed();
+    });
     connect(&m_session, &ZrRecordingSession::Trouble, this, &RecordPage::OnTrouble);
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, [this] {
         ShowPlan();
@@ -179,12 +189,15 @@ void RecordPage::OnPageOpen()
 void RecordPage::OnColours()
 {
     m_map.OnColours();
+    m_banner->Restyle();
     SurveyPage::OnColours();
     ShowState();
 }
 
 bool RecordPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
 {
+    if (ZoomBy(key, modifiers))
+        return true;
     if (modifiers != Qt::NoModifier)
         return false;
     if (key >= Qt::Key_1 && key < Qt::Key_1 + m_events.size()) {
@@ -206,9 +219,8 @@ bool RecordPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
             AddEvent(m_eventLabels.first());
         return true;
     case Qt::Key_F:
-        m_follow->on = !m_follow->on;
-        m_follow->update();
-        ToggleFollow();
+        SetFollowing(!m_follow->on);
+        ShowState();
         return true;
     case Qt::Key_Home:
         FitMap();
@@ -228,6 +240,21 @@ bool RecordPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     default:
         return false;
     }
+}
+
+/// The map, whatever has the focus; where the sign is typed with Shift or at the keypad too.
+bool RecordPage::ZoomBy(int key, Qt::KeyboardModifiers modifiers)
+{
+    if ((modifiers & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != Qt::NoModifier)
+        return false;
+    const bool isNearer = key == Qt::Key_Plus || key == Qt::Key_Equal;
+    if (!isNearer && key != Qt::Key_Minus && key != Qt::Key_Underscore)
+        return false;
+    ZrMapView& camera = m_map.m_camera;
+    camera.ZoomAbout({camera.Width() / 2.0, camera.Height() / 2.0},
+        isNearer ? ZrMapGesture::WheelFactor : 1.0 / ZrMapGesture::WheelFactor);
+    m_mapPanel->Moved();
+    return true;
 }
 
 void RecordPage::ToggleRecording()
@@ -253,12 +280,18 @@ void RecordPage::OnRecording()
     if (m_session.Recording() == ZrRecordingSession::recordingOff) {
         UsePlan();
         View().Model().recording.End();
+        if (!View().Model().recording.Told().isOver)
+            View().Model().recording.Dismiss();
         const QString file = m_session.Status().file;
-        if (!file.isEmpty() && m_session.Status().seconds > 0.0)
+        if (m_session.Failure() == ZrRecorder::failureNone && !file.isEmpty()
+            && m_session.Status().seconds > 0.0)
             View().Tell(
                 tr("Recording stopped: %1").arg(file), tr("Review"), [this, file] { View().OpenLog(file); });
     }
+    if (m_session.Recording() == ZrRecordingSession::recordingOn)
+        m_hasLog = true;
     if (m_session.Recording() == ZrRecordingSession::recordingStarting) {
+        m_hasLog = false;
         for (ZrBtn* button : qAsConst(m_events))
             button->badge = 0;
         m_addNote->badge = 0;
@@ -291,14 +324,19 @@ void RecordPage::OnTrouble(const QString& message)
 
 void RecordPage::ToggleFollow()
 {
-    m_map.m_isFollowing = m_follow->on;
+    m_map.m_way.m_isFollowing = m_follow->on;
     ShowState();
+}
+
+void RecordPage::SetFollowing(bool isFollowing)
+{
+    m_follow->on = m_map.m_way.m_isFollowing = isFollowing;
+    m_follow->update();
 }
 
 void RecordPage::FitMap()
 {
-    m_follow->on = m_map.m_isFollowing = false;
-    m_follow->update();
+    SetFollowing(false);
     m_map.FitAll();
     Changed();
 }
@@ -347,153 +385,4 @@ void RecordPage::MakeEventButtons()
         m_events.append(button);
     }
     Place();
-}
-
-void RecordPage::Place()
-{
-    const int gap = Gap();
-    QRect area = Content().adjusted(gap, gap, -gap, -gap);
-    const int bar = ZrTheme::DpI(88);
-    PlaceBar(QRect(area.x(), area.y(), area.width(), bar));
-    const int events = std::max(ZrTheme::DpI(72), 44);
-    PlaceEvents(QRect(area.x(), area.bottom() + 1 - events, area.width(), events));
-    area.adjust(0, bar + gap, 0, -events - gap);
-    const int column = ZrTheme::DpI(168);
-    PlaceInstruments(QRect(area.x(), area.y(), column, area.height()));
-    area.setLeft(area.left() + column + gap);
-    const int sonar = area.width() * 2 / 5;
-    m_map.m_pixelFactor = qRound(devicePixelRatioF());
-    m_mapPanel->setGeometry(area.adjusted(0, 0, -sonar - gap, 0));
-    PlaceSonar(QRect(area.right() + 1 - sonar, area.y(), sonar, area.height()));
-    const int side = std::max(ZrTheme::DpI(64), 44);
-    const QRect mapArea = m_mapPanel->geometry();
-    int y = mapArea.y() + gap;
-    for (ZrBtn* tool : qAsConst(m_mapTools)) {
-        tool->setGeometry(mapArea.right() + 1 - side - gap, y, side, side);
-        tool->Changed();
-        y += side + gap;
-    }
-}
-
-void RecordPage::PlaceSonar(const QRect& area)
-{
-    const int side = std::max(ZrTheme::DpI(64), 44);
-    m_sonarHead = QRect(area.x(), area.y(), area.width(), side);
-    m_sonarPanel->setGeometry(area.adjusted(0, side, 0, 0));
-    int x = area.right() + 1 - static_cast<int>(m_sonarTools.size()) * side;
-    for (ZrBtn* tool : qAsConst(m_sonarTools)) {
-        tool->setGeometry(x, area.y(), side, side);
-        tool->Changed();
-        x += side;
-    }
-}
-
-void RecordPage::PlaceBar(const QRect& area)
-{
-    const int gap = Gap();
-    const int record = ZrTheme::DpI(240);
-    const int source = ZrTheme::DpI(264);
-    m_record->setGeometry(area.x(), area.y(), record, area.height());
-    m_record->font = ZrTheme::fontLarge;
-    m_record->Changed();
-    m_source->setGeometry(area.right() + 1 - source, area.y(), source, area.height());
-    m_source->Changed();
-    const int count = m_figures.size();
-    const int room = area.width() - record - source - (count + 1) * gap;
-    int x = area.x() + record + gap;
-    for (int i = 0; i < count; ++i) {
-        const int width = room * (i + 1) / count - room * i / count;
-        m_figures[i]->setGeometry(x, area.y(), width, area.height());
-        x += width + gap;
-    }
-}
-
-void RecordPage::PlaceInstruments(const QRect& area)
-{
-    const int gap = Gap();
-    const int count = m_instruments.size();
-    const int room = area.height() - (count - 1) * gap;
-    int y = area.y();
-    for (int i = 0; i < count; ++i) {
-        const int height = room * (i + 1) / count - room * i / count;
-        m_instruments[i]->setGeometry(area.x(), y, area.width(), height);
-        y += height + gap;
-    }
-}
-
-void RecordPage::PlaceEvents(const QRect& area)
-{
-    const int gap = Gap();
-    const int add = ZrTheme::DpI(168);
-    const int note = area.width() / 5;
-    m_addNote->setGeometry(area.right() + 1 - add, area.y(), add, area.height());
-    m_addNote->Changed();
-    m_note->setGeometry(area.right() + 1 - add - gap - note, area.y(), note, area.height());
-    const int count = m_events.size();
-    const int room = area.width() - add - note - (count + 1) * gap;
-    int x = area.x();
-    for (int i = 0; i < count; ++i) {
-        const int width = room * (i + 1) / count - room * i / count;
-        m_events[i]->setGeometry(x, area.y(), width, area.height());
-        m_events[i]->lines = 2;
-        m_events[i]->Changed();
-        x += width + gap;
-    }
-}
-
-void RecordPage::paintEvent(QPaintEvent* event)
-{
-    QPainter painter(this);
-    // All but the map and the waterfall, which are drawn below.
-    const QRegion shown = QRegion(m_mapPanel->geometry()) + m_sonarPanel->geometry();
-    painter.setClipRegion(QRegion(rect()) - shown);
-    painter.fillRect(rect(), ZrTheme::formBack);
-    painter.end();
-    SurveyPage::paintEvent(event);
-    QPainter over(this);
-    PaintSonar(over);
-}
-
-void RecordPage::PaintSonar(QPainter& painter) const
-{
-    painter.setPen(Qt::NoPen);
-    painter.fillRect(m_sonarHead, ZrTheme::toolBack);
-    const int tools = m_sonarTools.isEmpty() ? m_sonarHead.right() : m_sonarTools.front()->x();
-    const QRect label = m_sonarHead.adjusted(Gap(), 0, tools - m_sonarHead.right() - Gap(), 0);
-    const QStringList look = SonarText();
-    const QRect upper(label.x(), label.y(), label.width(), label.height() / 2);
-    painter.setFont(ZrTheme::font);
-    const QFontMetrics metrics = painter.fontMetrics();
-    painter.setPen(ZrTheme::ctrlCol);
-    painter.drawText(upper, Qt::AlignLeft | Qt::AlignBottom,
-        metrics.elidedText(look.first(), Qt::ElideRight, label.width()));
-    painter.setPen(ZrTheme::bodyCol);
-    painter.drawText(
-        upper.translated(0, label.height() - upper.height()), Qt::AlignLeft | Qt::AlignTop, look.last());
-
-    const QRect sonar = m_sonarPanel->geometry();
-    painter.setClipRect(sonar);
-    if (m_waterfall.Ring().End() <= 0) {
-        painter.setPen(QColor(160, 170, 180));
-        painter.drawText(sonar, Qt::AlignCenter | Qt::TextWordWrap, tr("No sonar data"));
-        return;
-    }
-    const double ratio = devicePixelRatioF();
-    painter.translate(sonar.topLeft());
-    painter.scale(1.0 / ratio, 1.0 / ratio);
-    const ZrWaterfallLayout& layout = m_sonarLayer.Layout();
-    if (View().Model().settings.bottom)
-        ZrWaterfallOverlay::PaintBottom(painter, layout, 1.2 * ratio);
-    QFont font = ZrTheme::font;
-    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
-    ZrWaterfallOverlay::PaintScale(painter, layout, font);
-    // The brightest thing on the screen would take the eyes their night sight.
-    if (ZrColourScheme::Current() == ZrColourScheme::night)
-        painter.fillRect(layout.View().rect, QColor(30, 0, 0, 150));
-}
-
-/// The event buttons and the note.
-int RecordPage::FreeBelow() const
-{
-    return height() - m_note->y();
 }

@@ -10,6 +10,7 @@
 
 class QTimer;
 class ZrBtn;
+class StateBanner;
 class ZrChoicePanel;
 class ZrFilePanel;
 class ZrInput;
@@ -53,6 +54,8 @@ private:
 
     void ToggleRecording();
     void ToggleFollow();
+    void SetFollowing(bool isFollowing);
+    bool ZoomBy(int key, Qt::KeyboardModifiers modifiers);
     void FitMap();
     void NextPalette();
     void ToggleBottom();
@@ -78,10 +81,14 @@ private:
     void OnTick();
     void OnRecording();
     void OnTrouble(const QString& message);
+    void OnFailed(const QString& message);
+    void OnEventsLost(const std::vector<ZrLogEvt>& events);
+    void OnSource();
     void TellModel();
     void ShowState();
     void ShowInstruments();
     void ShowRecording();
+    void ShowSpaceLeft(qint64 freeBytes);
     void ShowSource();
     void TellFeed();
     void ShowSonar();
@@ -119,6 +126,7 @@ private:
     QStringList m_eventLabels; ///< that the buttons were made of
     ZrInput* m_note;
     ZrBtn* m_addNote;
+    StateBanner* m_banner;
     ZrChoicePanel* m_sources;
     ZrChoicePanel* m_ports;
     ZrFilePanel* m_files;
@@ -127,9 +135,11 @@ private:
     QByteArray m_openPlan; ///< that it runs
     QString m_trouble; ///< of the source, while it is tried again; else empty
     ZrArrivalRate m_arrivals;
+    ZrArrivalRate m_bytes; ///< that a recording would take
     u64 m_sourceNumber = 0;
     double m_toldData = 0.0; ///< when the data came that the others were told of, of the session's clock
     double m_toldFix = 0.0; ///< likewise the position
     qint64 m_space = -1; ///< bytes free while nothing is recorded; -1 not known
     int m_ticks = 0;
+    bool m_hasLog = false; ///< the recording asked for last has begun
 };

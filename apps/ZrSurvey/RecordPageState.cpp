@@ -4,6 +4,7 @@
 #include "ZrKit/map/ZrWaterfallPalettes.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/recording/ZrSerialSource.h"
+#include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrByteText.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
@@ -12,6 +13,7 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/SourceMaker.h"
 #include "apps/ZrSurvey/SurveyModel.h"
@@ -19,6 +21,7 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -29,6 +32,8 @@ namespace {
 
 constexpr double gainStep = 2.0; // dB
 constexpr int spaceTicks = 10; // free space is looked at so often
+constexpr qint64 megabyte = 1000000;
+constexpr double flowing = 1.0; // seconds without data, at most, while they flow
 constexpr double littleTime = 600.0; // seconds of recording left
 constexpr double lostAfter = 30.0; // seconds without a fix
 
@@ -41,6 +46,12 @@ QString FixName(double quality)
         QT_TRANSLATE_NOOP("RecordPage", "typed in"), QT_TRANSLATE_NOOP("RecordPage", "simulated")};
     const auto index = std::isfinite(quality) ? static_cast<std::size_t>(quality) : std::size(names);
     return index < std::size(names) ? QCoreApplication::translate("RecordPage", names[index]) : QString();
+}
+
+QString TimeNow()
+{
+    const double now = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) * 1e-3;
+    return QCoreApplication::translate("RecordPage", "%1 UTC").arg(ZrTimeText::Clock(now));
 }
 
 /// Shows \p text, dimmed when \p value is old.
@@ -172,11 +183,13 @@ void RecordPage::OnNews(const ZrRecordingNews& news)
 {
     if (news.source != m_sourceNumber) {
         m_sourceNumber = news.source;
-        m_map.ClearTrail();
+        m_bytes.Clear();
+        View().Model().recording.SetSourceRate(0.0);
+        m_map.m_way.Clear();
         m_waterfall.Clear();
         View().Model().vehicle.Clear();
     }
-    m_map.Append(news.trail);
+    m_map.m_way.Append(news.trail);
     for (const ZrLivePing& live : news.pings)
         m_waterfall.Add(live.ping, live.time, live.altitude);
     if (news.isRecording)
@@ -268,7 +281,7 @@ void RecordPage::ShowInstruments()
     if (state.satellites.IsFresh(now) && state.satellites.value > 0.0)
         note = tr("%1, %2 sat.").arg(note).arg(static_cast<int>(state.satellites.value));
     m_fix->setToolTip(note);
-    m_map.SetVehicle(
+    m_map.m_way.SetVehicle(
         state.latitude.value, state.longitude.value, state.heading.value, state.latitude.IsFresh(now));
 }
 
@@ -291,13 +304,27 @@ void RecordPage::ShowRecording()
     m_rate->Set(rate.value, rate.value.isEmpty() ? QString() : rate.unit + QStringLiteral("/s"));
     const ZrByteText room = ZrByteText::Of(static_cast<double>(isOn ? status.freeBytes : m_space));
     m_free->Set(room.value, room.unit);
-    const bool isKnown = isOn && status.secondsLeft >= 0.0;
-    const double minutes = status.secondsLeft / 60.0;
-    m_free->SetNote(!isKnown  ? QString()
-            : minutes < 120.0 ? tr("%1 min left").arg(static_cast<int>(minutes))
-                              : tr("%1 h left").arg(static_cast<int>(std::min(minutes / 60.0, 9999.0))));
-    m_free->SetState(isKnown && status.secondsLeft < littleTime ? ZrValueTile::warning : ZrValueTile::normal);
+    ShowSpaceLeft(isOn ? status.freeBytes : m_space);
     SetSubtitle(isOn ? QFileInfo(status.file).fileName() : QString());
+}
+
+void RecordPage::ShowSpaceLeft(qint64 freeBytes)
+{
+    const SurveyModel& model = View().Model();
+    const int least = model.settings.stopBelowMegabytes;
+    const ZrSpaceLeft left = model.recording.Left(freeBytes, least * megabyte);
+    m_free->setToolTip(HomeState::Space(freeBytes, least, left).hint);
+    if (!left.IsKnown()) {
+        m_free->SetNote(freeBytes < 0 ? tr("disk does not tell") : tr("– left: no data"));
+        m_free->SetState(ZrValueTile::normal);
+        return;
+    }
+    const double minutes = left.seconds / 60.0;
+    const QString text = minutes < 120.0
+        ? tr("%1 min left").arg(static_cast<int>(minutes))
+        : tr("%1 h left").arg(static_cast<int>(std::min(minutes / 60.0, 9999.0)));
+    m_free->SetNote(left.by == ZrSpaceLeft::byRecording ? text : QChar(0x2248) + QLatin1Char(' ') + text);
+    m_free->SetState(left.seconds < littleTime ? ZrValueTile::warning : ZrValueTile::normal);
 }
 
 void RecordPage::TellFeed()
@@ -311,6 +338,10 @@ void RecordPage::TellFeed()
     m_arrivals.Look(now, facts.isText ? news.lineCount - news.damagedLines : news.recordCount);
     facts.perSecond = m_arrivals.PerSecond(now);
     facts.age = age;
+    m_bytes.Look(now, news.byteCount);
+    const double rate = m_bytes.PerSecond(now);
+    if (age <= flowing && rate > 0.0) // what fades out is no rate
+        View().Model().recording.SetSourceRate(rate);
     if (age <= ZrLiveValue::StaleAfter)
         m_trouble.clear();
     switch (m_session.Source()) {
@@ -339,6 +370,57 @@ void RecordPage::TellFeed()
     View().Model().feed.Set(m_openKey, facts);
 }
 
+/// A recording goes on when its source has ended; that should be known.
+void RecordPage::OnSource()
+{
+    SurveyRecording& recording = View().Model().recording;
+    const bool isEnded = m_session.Source() == ZrRecordingSession::sourceFinished
+        || m_session.Source() == ZrRecordingSession::sourceFailed;
+    if (isEnded && m_session.IsRecording()) {
+        SurveyRecording::Notice notice;
+        notice.text = tr("%1: the source has ended. The recording goes on without data.").arg(TimeNow());
+        notice.advice = tr("Stop the recording, or choose another source.");
+        recording.Tell(notice);
+    } else if (m_session.Source() == ZrRecordingSession::sourceOpen && !recording.Told().isOver) {
+        recording.Dismiss();
+    }
+    ShowSource();
+}
+
+/// The recording could not begin, or has ended without being asked.
+void RecordPage::OnFailed(const QString& message)
+{
+    SurveyRecording::Notice notice;
+    notice.isOver = true;
+    notice.text = QStringLiteral("%1: %2").arg(TimeNow(), message);
+    notice.log = m_hasLog ? m_session.Status().file : QString();
+    const QString folder = tr("choose another folder in Settings, Recording");
+    switch (m_session.Failure()) {
+    case ZrRecorder::failureSpace:
+        notice.advice = tr("Free some space or %1, then start again.").arg(folder);
+        break;
+    case ZrRecorder::failureWrite:
+        notice.advice = tr("Check the disk and its cable or %1, then start again.").arg(folder);
+        break;
+    case ZrRecorder::failureCreate:
+        notice.advice = tr("The folder cannot be written: %1, then start again.").arg(folder);
+        break;
+    case ZrRecorder::failureNone:
+        break;
+    }
+    if (m_hasLog)
+        notice.advice = tr("What was recorded before is in the log. %1").arg(notice.advice);
+    View().Model().recording.Tell(notice);
+    // Those two pages show it.
+    if (!isVisible() && View().Page() != View().GetPage(QStringLiteral("Home")))
+        View().Warn(message);
+}
+
+void RecordPage::OnEventsLost(const std::vector<ZrLogEvt>& events)
+{
+    View().Model().unsaved.Add(m_session.Status().file, events, tr("the disk did not take them"));
+}
+
 void RecordPage::ShowSource()
 {
     TellFeed();
@@ -355,6 +437,8 @@ void RecordPage::ShowSonar()
     const SurveySettings& settings = View().Model().settings;
     ZrWaterfallPalettes::SetLook(m_sonarLayer, settings.palette, settings.gain, settings.contrast);
     m_sonarLayer.m_view.slantCorrected = settings.slant;
+    // Dark behind echoes, as where there is none; without any the ground of the map beside it.
+    m_sonar.m_water = m_waterfall.Ring().End() > 0 ? QColor(20, 26, 32) : QColor();
     if (m_bottom->on == settings.bottom)
         return;
     m_bottom->on = settings.bottom;

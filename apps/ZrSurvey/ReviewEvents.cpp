@@ -6,14 +6,19 @@
 #include "ZrKit/ui/ZrTextPanel.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrBtn.h"
+#include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/ReviewText.h"
+#include "apps/ZrSurvey/StateBanner.h"
+#include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -34,6 +39,7 @@ ZrBtn* Tool(QWidget* parent, const char* icon, const QString& hint)
 ReviewEvents::ReviewEvents(QWidget* parent, SurveyView& view)
     : QWidget(parent)
     , m_view(view)
+    , m_banner(new StateBanner(this, view, StateBanner::aboutEvents))
     , m_list(new ZrTouchList(this))
     , m_text(new ZrTextPanel(&view))
     , m_edit(Tool(this, "edit", tr("Edit the event (F6)")))
@@ -43,6 +49,7 @@ ReviewEvents::ReviewEvents(QWidget* parent, SurveyView& view)
     , m_close(Tool(this, "cancel", tr("Close the list")))
 {
     m_list->m_empty = tr("No events yet. Add one at the cursor with E.");
+    connect(m_banner, &ZrBanner::Changed, this, &ReviewEvents::Place);
     connect(m_list, &ZrTouchList::Chosen, this, &ReviewEvents::Chosen);
     connect(m_list, &ZrTouchList::Held, this, &ReviewEvents::Edit);
     connect(m_edit, &ZrBtn::Clicked, this, [this] { Edit(m_list->Current()); });
@@ -104,10 +111,16 @@ bool ReviewEvents::Save()
 {
     QString error;
     const bool isSaved = m_recording->Events().Save(&error);
+    std::vector<ZrLogEvt> unsaved;
+    for (std::size_t i = 0; !isSaved && i < m_recording->Events().Count(); ++i)
+        unsaved.push_back(m_recording->Events().At(i));
+    m_view.Model().unsaved.Set(m_recording->Path(), std::move(unsaved), error);
     if (!isSaved)
         m_view.Warn(tr("The events are not saved. %1").arg(error));
     Fill();
     Q_EMIT Changed();
+    if (!isSaved)
+        Q_EMIT Unsaved();
     return isSaved;
 }
 
@@ -166,18 +179,46 @@ void ReviewEvents::Edit(int row)
         return;
     const u64 id = m_recording->Events().Id(static_cast<std::size_t>(row));
     const ZrLogEvt before = m_recording->Events().At(static_cast<std::size_t>(row));
-    m_text->Ask(tr("Edit event"), Subtitle(before), before.text, [this, id, before](const QString& words) {
-        const QString plain = words.simplified();
-        if (plain.isEmpty())
-            return tr("Type a text");
-        if (plain.size() > longestText)
-            return tr("At most %1 characters").arg(longestText);
-        ZrLogEvt evt = before;
-        evt.text = plain;
-        if (m_recording->Events().Edit(id, evt))
-            Save();
-        return QString();
-    });
+    ZrSonarTarget target;
+    const bool isTarget = ZrTargetEvent::ToTarget(before, target);
+    const QString shown = isTarget ? QString() : ZrTimeText::DateClock(before.time, 3);
+    QString hint = Subtitle(before);
+    if (!isTarget)
+        hint = tr(
+            "The time: 12:34:56.5, 2021-05-03 12:34:56, or +2.5 and -2.5 for seconds later and earlier.");
+    m_text->Ask(tr("Edit event"), hint, before.text,
+        [this, id, before, shown](const QString& words) { return Change(id, before, words, shown); });
+    // A target is where it was marked, and then.
+    if (!isTarget)
+        m_text->AskMore(tr("Time (UTC)"), shown);
+}
+
+/// What is wrong; empty when it was changed. The time is that of before unless another one was typed.
+QString ReviewEvents::Change(u64 id, const ZrLogEvt& before, const QString& words, const QString& shownTime)
+{
+    const QString plain = words.simplified();
+    if (plain.isEmpty())
+        return tr("Type a text");
+    if (plain.size() > longestText)
+        return tr("At most %1 characters").arg(longestText);
+    ZrLogEvt evt = before;
+    evt.text = plain;
+    const QString typed = m_text->MoreInput().isVisible() ? m_text->More().trimmed() : shownTime;
+    if (typed != shownTime) {
+        const ZrSteadyTime& times = *m_recording->Times();
+        const auto [begin, end] = std::minmax({times.LogTime(times.Begin()), times.LogTime(times.End())});
+        QString error;
+        if (!ZrTimeText::Parse(typed, {begin, end, before.time}, evt.time, error))
+            return error;
+    }
+    ZrEventList& events = m_recording->Events();
+    if (!events.Edit(id, evt))
+        return {};
+    const bool isSaved = Save();
+    SetCurrent(static_cast<int>(events.IndexOf(id)));
+    if (isSaved)
+        TellUndo(tr("Event \"%1\" changed").arg(plain));
+    return {};
 }
 
 void ReviewEvents::Remove(int row)
@@ -221,6 +262,7 @@ int ReviewEvents::Current() const
 void ReviewEvents::Restyle()
 {
     m_list->Restyle();
+    m_banner->Restyle();
     Fill();
     Place();
     update();
@@ -238,7 +280,9 @@ void ReviewEvents::Place()
     const int gap = ZrTheme::DpI(8);
     int x = width() - side;
     m_close->setGeometry(x, 0, side, side);
-    m_list->setGeometry(0, side, width(), height() - 2 * side);
+    const int told = m_banner->HeightFor(width() - gap);
+    m_banner->setGeometry(0, side, width() - gap, told);
+    m_list->setGeometry(0, side + told, width(), std::max(height() - 2 * side - told, 0));
     x = 0;
     for (ZrBtn* button : {m_edit, m_remove, m_undo, m_redo}) {
         button->setGeometry(x, height() - side, side, side);

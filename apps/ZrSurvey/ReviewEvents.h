@@ -1,7 +1,10 @@
 #pragma once
 
+#include "ZrUtil/ZrTypes.h"
+
 #include <QWidget>
 
+class StateBanner;
 class SurveyView;
 class ZrBtn;
 class ZrLogEvt;
@@ -40,6 +43,7 @@ Q_SIGNALS:
     void Changed(); ///< of the list; and it was saved, or a message says why not
     void Chosen(int event); ///< go there
     void Closed();
+    void Unsaved(); ///< it is to be seen: the events could not be saved, and it says what to do
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -48,12 +52,14 @@ protected:
 private:
     QString Subtitle(const ZrLogEvt& evt) const;
     bool Save(); ///< false, after a message, when they cannot be written
+    QString Change(u64 id, const ZrLogEvt& before, const QString& words, const QString& shownTime);
     void TellUndo(const QString& text);
     void Fill();
     void Place();
 
     SurveyView& m_view;
     ZrSurveyRecording* m_recording = nullptr;
+    StateBanner* m_banner;
     ZrTouchList* m_list;
     ZrTextPanel* m_text;
     ZrBtn* m_edit;

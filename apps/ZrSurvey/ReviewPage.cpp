@@ -177,6 +177,11 @@ void ReviewPage::Connect()
     connect(m_bar, &ZrTimeBar::EventTapped, this, toEvent);
     connect(m_events, &ReviewEvents::Chosen, this, toEvent);
     connect(m_events, &ReviewEvents::Changed, this, &ReviewPage::ShowEvents);
+    connect(m_events, &ReviewEvents::Unsaved, this, [this] {
+        m_events->show();
+        Place();
+        Changed();
+    });
     connect(m_events, &ReviewEvents::Closed, this, [this] {
         m_events->hide();
         Place();

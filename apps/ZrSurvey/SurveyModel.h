@@ -5,6 +5,7 @@
 #include "apps/ZrSurvey/SurveyRecording.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
+#include "apps/ZrSurvey/UnsavedEvents.h"
 
 /// What the pages share.
 struct SurveyModel
@@ -22,4 +23,5 @@ struct SurveyModel
     bool isReviewLast = false; ///< of "Record" and "Review" the latter was looked at last: 3D shows that
     SurveyRecording recording;
     SurveyFeed feed;
+    UnsavedEvents unsaved;
 };

@@ -1,14 +1,26 @@
 #include "apps/ZrSurvey/SurveyRecording.h"
 
 #include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Weight of the newest rate, for the time that is left not to flicker.
+constexpr double newest = 0.1;
+
+} // namespace
 
 void SurveyRecording::Set(const ZrRecorder::Status& status)
 {
     m_status = status;
+    if (status.bytesPerSecond > 0.0)
+        m_lastRate = status.bytesPerSecond;
     const bool wasOn = m_isOn;
     m_isOn = true;
-    if (!wasOn)
+    if (!wasOn) {
+        Dismiss();
         Q_EMIT Switched(true);
+    }
     Q_EMIT Changed();
 }
 
@@ -28,4 +40,37 @@ QString SurveyRecording::ElapsedText() const
         .arg(seconds / 3600)
         .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+void SurveyRecording::Tell(const Notice& notice)
+{
+    m_notice = notice;
+    Q_EMIT NoticeChanged();
+    Q_EMIT Changed();
+}
+
+void SurveyRecording::Dismiss()
+{
+    if (!m_notice.text.isEmpty())
+        Tell(Notice());
+}
+
+void SurveyRecording::SetSourceRate(double rate)
+{
+    const bool isFirst = !(m_sourceRate > 0.0) || !(rate > 0.0);
+    m_sourceRate = isFirst ? std::max(rate, 0.0) : m_sourceRate + newest * (rate - m_sourceRate);
+}
+
+void SurveyRecording::SetEarlierRate(double rate)
+{
+    m_earlierRate = std::isfinite(rate) ? rate : 0.0;
+}
+
+ZrSpaceLeft SurveyRecording::Left(qint64 freeBytes, qint64 stopBelow) const
+{
+    ZrSpaceLeft::Rates rates;
+    rates.recording = m_isOn ? m_status.bytesPerSecond : -1.0;
+    rates.source = m_sourceRate;
+    rates.last = m_lastRate > 0.0 ? m_lastRate : m_earlierRate;
+    return ZrSpaceLeft::Of(freeBytes, stopBelow, rates);
 }

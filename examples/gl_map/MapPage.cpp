@@ -7,10 +7,15 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QTimer>
+#include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
+
+constexpr int stepMs = 50; ///< of a vehicle that runs along the track
 
 ZrMapMarker MarkerAt(const QPointF& position, int image, const QColor& colour)
 {
@@ -35,6 +40,9 @@ ZrMapLabel LabelAt(const QPointF& position, const QString& text)
 
 MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
     : ZrPage(view)
+    , m_recorded(track)
+    , m_vehicle(m_map.m_camera)
+    , m_run(new QTimer(this))
     , m_panel(new ZrMapPanel(this, m_map))
 {
     m_hasBackground = false;
@@ -68,7 +76,11 @@ MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
     AddButton(QStringLiteral("info"), tr("Statistics of the frames (S)"), &MapPage::ToggleStatistics);
 
     connect(m_panel, &ZrMapPanel::Changed, view, [view] { view->update(); });
-    connect(m_panel, &ZrMapPanel::CameraMoved, this, [this] { m_fitted = 0; });
+    connect(m_run, &QTimer::timeout, this, &MapPage::Step);
+    connect(m_panel, &ZrMapPanel::CameraMoved, this, [this] {
+        m_fitted = 0;
+        m_vehicle.m_isFollowing = m_vehicle.IsCentred();
+    });
     connect(m_panel, &ZrMapPanel::DoubleTapped, this, [this](const QPointF& /*world*/, const QPointF& pixel) {
         m_map.m_camera.ZoomAbout(pixel, 2.0);
         m_panel->Moved();
@@ -128,6 +140,44 @@ void MapPage::ShowAll()
 void MapPage::ToggleStatistics()
 {
     SetStatistics(!m_hasStatistics);
+}
+
+/// The vehicle sets out, or is taken off the map. The camera follows until the map is moved by hand.
+void MapPage::ToggleRun()
+{
+    if (m_run->isActive()) {
+        m_run->stop();
+        m_vehicle.Clear();
+    } else {
+        m_map.m_layers
+            = {&m_grid, &m_wander, &m_track, &m_vehicle.m_trail, &m_markers, &m_labels, &m_vehicle.m_vehicle};
+        m_vehicle.m_isFollowing = true;
+        m_next = 0;
+        m_run->start(stepMs);
+    }
+    m_panel->Moved();
+}
+
+/// To the next position, with what a vehicle itself would tell: latitude, longitude, heading.
+void MapPage::Step()
+{
+    const std::vector<QPointF>& way = m_recorded.positions;
+    if (m_next + 1 >= way.size()) {
+        m_run->stop();
+        return;
+    }
+    const QPointF at = way[m_next];
+    const QPointF ahead = way[++m_next] - at;
+    const double east = at.x();
+    const double north = at.y();
+    double lat = 0.0;
+    double lng = 0.0;
+    m_recorded.grid.ToLatLng({&east, 1}, {&north, 1}, {&lat, 1}, {&lng, 1});
+    const double heading = qRadiansToDegrees(std::atan2(ahead.x(), ahead.y()))
+        + ZrUnits::Convergence(ZrUnits::wgs84, m_recorded.grid.Projection(), lat, lng);
+    m_vehicle.Append({{lng, lat}});
+    m_vehicle.SetVehicle(lat, lng, heading, true);
+    Q_EMIT m_panel->Changed();
 }
 
 void MapPage::SetStatistics(bool isOn)
@@ -225,6 +275,9 @@ void MapPage::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_A:
         ShowAll();
+        break;
+    case Qt::Key_V:
+        ToggleRun();
         break;
     case Qt::Key_S:
         ToggleStatistics();

@@ -6,14 +6,16 @@
 #include "ZrKit/map/ZrMapSurface.h"
 #include "ZrKit/map/ZrMarkerLayer.h"
 #include "ZrKit/map/ZrTrackLayer.h"
+#include "ZrKit/map/ZrVehicleMap.h"
 #include "ZrUtil/ZrPage.h"
 #include "examples/gl_map/Tracks.h"
 
 #include <QElapsedTimer>
 
+class QTimer;
 class ZrBtn;
 
-/// A map with two tracks: that of a recording, and a long one beside it.
+/// A map with two tracks: that of a recording, which a vehicle may run along, and a long one beside it.
 class MapPage : public ZrPage
 {
     Q_OBJECT
@@ -44,6 +46,8 @@ private:
     void ZoomOut();
     void TurnNorthUp();
     void ToggleStatistics();
+    void ToggleRun();
+    void Step();
 
     ZrMapSurface m_map;
     ZrGridLayer m_grid;
@@ -51,6 +55,10 @@ private:
     ZrTrackLayer m_track;
     ZrMarkerLayer m_markers;
     ZrLabelLayer m_labels;
+    Track m_recorded;
+    ZrVehicleMap m_vehicle; ///< that runs along it once more
+    QTimer* m_run;
+    std::size_t m_next = 0; ///< of its positions
     ZrMapPanel* m_panel;
     QVector<ZrBtn*> m_buttons;
     QRectF m_trackBounds;
