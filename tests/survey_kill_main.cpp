@@ -9,6 +9,7 @@
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrWpts.h"
+#include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
@@ -118,7 +119,10 @@ int main(int argc, char** argv)
     view.resize(900, 600);
     view.show();
     view.Show(QStringLiteral("Plan"));
-    QApplication::processEvents();
+    const auto* files = view.GetPage(QStringLiteral("Plan"))->findChild<PlanFiles*>();
+    do
+        QApplication::processEvents();
+    while (files->IsRestoring());
     std::printf("restored %d %s\n", view.Model().plan.Route().GetCount(),
         qPrintable(view.findChild<ZrToast*>()->Text()));
     std::fflush(stdout);

@@ -129,7 +129,7 @@ void tst_SurveyStart::draftIsRestored()
     QVERIFY(QFile::copy(kept, m_folder->filePath(QStringLiteral("plan-draft.json"))));
     Start();
     QCOMPARE(m_view->Page()->Title(), QStringLiteral("ZrSurvey"));
-    QCOMPARE(m_view->Model().plan.Route().GetCount(), 1);
+    QTRY_COMPARE(m_view->Model().plan.Route().GetCount(), 1);
 }
 
 /// None for a start; each once, for whatever shows them.

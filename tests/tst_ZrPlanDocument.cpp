@@ -1,6 +1,7 @@
 // A plan, its file and its draft.
 
 #include "ZrKit/planning/ZrPlanDocument.h"
+#include "ZrKit/planning/ZrPlanReader.h"
 #include "ZrKit/planning/ZrSurveyPattern.h"
 #include "ZrKit/planning/ZrSurveyPatternSettings.h"
 #include "ZrUtil/ZrWpt.h"
@@ -8,12 +9,16 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <limits>
+#include <thread>
+#include <utility>
 
 namespace {
 
@@ -61,6 +66,12 @@ private Q_SLOTS:
     void exportKeepsTheFile();
     void openFailureKeepsThePlan();
     void saveFailureKeepsTheDraft();
+    void writtenElsewhere();
+    void readElsewhere();
+    void stateComesBack();
+    void draftOfManyWaitsForNobody();
+    void discardedWhileWritten();
+    void tooLargeIsNotSaved();
     void newForgetsAll();
     void draftIsThereAtOnce();
     void dragIsWrittenWhenItPauses();
@@ -262,6 +273,140 @@ void tst_ZrPlanDocument::saveFailureKeepsTheDraft()
     }
 }
 
+/// A state that was written in a thread of its own is the file, unless the plan went on or is another one.
+void tst_ZrPlanDocument::writtenElsewhere()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    const ZrPlanState state = plan.State();
+    QString error;
+    QStringList warnings;
+    std::thread writer([&] { state.Save(At("a.json"), error, warnings); });
+    writer.join();
+    QCOMPARE(error, QString());
+    plan.SetSaved(At("a.json"), state);
+    QCOMPARE(plan.FilePath(), At("a.json"));
+    QVERIFY(!plan.IsDirty() && !plan.HasDraft());
+    // Edited since: undo leads to what the file was, not to what it is.
+    plan.History().Reverse();
+    plan.Edited();
+    const ZrPlanState reversed = plan.State();
+    plan.History().Undo();
+    plan.Edited();
+    plan.SetSaved(At("b.json"), reversed);
+    plan.FlushDraft();
+    QCOMPARE(plan.FilePath(), At("b.json"));
+    QVERIFY(plan.IsDirty() && plan.HasDraft());
+    // Another one.
+    plan.New();
+    plan.SetSaved(At("c.json"), reversed);
+    QVERIFY(plan.FilePath().isEmpty() && !plan.IsDirty());
+}
+
+void tst_ZrPlanDocument::readElsewhere()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    plan.SetAreas({harbour});
+    QVERIFY(plan.Save(At("a.json")));
+    for (const char* name : {"a.json", "a.gpx", "a.xml", "a.txt", "a.kml", "a.geojson"}) {
+        QVERIFY(plan.Export(At("copy")) && plan.Save(At(name)));
+        ZrPlanReader reader;
+        bool isLoaded = false;
+        const float slow = ZrWpts::s_msSlow;
+        std::thread other([&] { isLoaded = reader.Load(At(name)); });
+        other.join();
+        QVERIFY2(isLoaded, qPrintable(reader.Error()));
+        QCOMPARE(ZrWpts::s_msSlow, slow);
+        ZrPlanDocument taken(At("draft2"));
+        QVERIFY2(taken.Take(reader), qPrintable(taken.Error()));
+        QCOMPARE(taken.Route().GetCount(), 3);
+        QCOMPARE(taken.FilePath(), At(name));
+        QVERIFY(!taken.IsDirty());
+        QVERIFY(!taken.Take(reader)); // once
+        QCOMPARE(taken.Route().GetCount(), 3);
+    }
+    // The speeds of all routes come with the plan, not with the reading of the file.
+    QFile file(At("fast.json"));
+    QVERIFY(plan.Save(At("fast.json")) && file.open(QIODevice::ReadOnly));
+    QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+    file.close();
+    root[QStringLiteral("SlowSpeed")] = 0.75;
+    QVERIFY(Write(At("fast.json"), QJsonDocument(root).toJson()));
+    const float before = ZrWpts::s_msSlow;
+    ZrPlanReader reader;
+    QVERIFY(reader.Load(At("fast.json")));
+    QCOMPARE(ZrWpts::s_msSlow, before);
+    QVERIFY(plan.Take(reader));
+    const float after = std::exchange(ZrWpts::s_msSlow, before);
+    QCOMPARE(after, 0.75F);
+}
+
+void tst_ZrPlanDocument::stateComesBack()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    plan.SetAreas({harbour});
+    const ZrPlanState state = plan.State();
+    const float slow = ZrWpts::s_msSlow;
+    plan.New();
+    ZrWpts::s_msSlow = 9.0F;
+    plan.Restore(state);
+    QCOMPARE(ZrWpts::s_msSlow, slow);
+    QCOMPARE(plan.Route().GetCount(), 3);
+    QCOMPARE(plan.Areas().size(), std::size_t(1));
+    QVERIFY(plan.IsDirty() && plan.HasDraft());
+}
+
+/// Writing the draft of a long route takes seconds, which no edit waits for; of many edits not each is
+/// written.
+void tst_ZrPlanDocument::draftOfManyWaitsForNobody()
+{
+    ZrPlanDocument plan(At("draft"));
+    std::vector<ZrWpt> many(8000);
+    for (std::size_t i = 0; i < many.size(); ++i) {
+        many[i].lat = 50.0 + 1e-5 * static_cast<double>(i);
+        many[i].lng = -4.0;
+    }
+    plan.History().InsertPattern(many, 0);
+    plan.Edited();
+    // The file is not there yet, the plan has one all the same.
+    QVERIFY(!QFile::exists(At("draft")));
+    QVERIFY(plan.HasDraft());
+    plan.FlushDraft();
+    ZrPlanDocument other(At("draft"));
+    QVERIFY2(other.RestoreDraft(), qPrintable(other.Error()));
+    QCOMPARE(other.Route().GetCount(), 8000);
+}
+
+void tst_ZrPlanDocument::discardedWhileWritten()
+{
+    ZrPlanDocument plan(At("draft"));
+    std::vector<ZrWpt> many(3000);
+    for (ZrWpt& wpt : many)
+        wpt.lat = wpt.lng = 1.0;
+    plan.History().InsertPattern(many, 0);
+    plan.Edited();
+    plan.New();
+    QVERIFY(!plan.HasDraft());
+    plan.FlushDraft();
+    QVERIFY(!QFile::exists(At("draft")));
+}
+
+/// What could not be read again is not written.
+void tst_ZrPlanDocument::tooLargeIsNotSaved()
+{
+    ZrPlanDocument plan((QString()));
+    AddThree(plan);
+    plan.Route().GetHead()->name = QString(static_cast<int>(ZrRouteFile::MaxSize), QLatin1Char('a'));
+    plan.Edited();
+    for (const char* name : {"a.json", "a.gpx"}) {
+        QVERIFY(!plan.Save(At(name)));
+        QVERIFY2(plan.Error().contains(QStringLiteral("64 MiB")), qPrintable(plan.Error()));
+        QVERIFY(!QFile::exists(At(name)));
+    }
+}
+
 void tst_ZrPlanDocument::newForgetsAll()
 {
     ZrPlanDocument plan(At("draft"));
@@ -287,6 +432,7 @@ void tst_ZrPlanDocument::dragIsWrittenWhenItPauses()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
+    plan.FlushDraft();
     const QByteArray before = Content(At("draft"));
     plan.History().Move(plan.Route().GetHead(), 49.5, -4.0);
     plan.Edited();

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void noFolder_data();
     void noFolder();
     void askedAgain();
+    void firstOfMany();
+    void openedOnce();
     void deletedAtWork();
     void freeBytes();
     void equality();
@@ -221,6 +223,58 @@ void tst_ZrRecordingList::askedAgain()
     QTRY_VERIFY(!m_list->IsListing());
     QCOMPARE(finished.count(), 1);
     QCOMPARE(m_list->Recordings().size(), 4);
+}
+
+/// The latest of many are there before the others.
+void tst_ZrRecordingList::firstOfMany()
+{
+    const int count = ZrRecordingList::AtOnce + 30;
+    for (int i = 0; i < count; ++i)
+        Make(QByteArray::number(i).append(".log").constData(), 1000.0 + i, LogBytes().Bytes());
+    QSignalSpy listed(m_list.get(), &ZrRecordingList::Listed);
+    int first = -1;
+    connect(m_list.get(), &ZrRecordingList::Listed, this, [&] {
+        first = m_list->Recordings().size();
+        QVERIFY(m_list->IsListing());
+        QCOMPARE(Names().front(), S("%1.log").arg(count - 1));
+    });
+    List(1000);
+    QCOMPARE(listed.count(), 1);
+    QCOMPARE(first, ZrRecordingList::AtOnce);
+    QCOMPARE(m_list->Recordings().size(), count);
+    QCOMPARE(Names().front(), S("%1.log").arg(count - 1));
+    QCOMPARE(Names().back(), S("0.log"));
+    // When all are there, they stay until there are others.
+    List(1000);
+    QCOMPARE(listed.count(), 1);
+    // Of few there is nothing to be told early.
+    List(ZrRecordingList::AtOnce);
+    QCOMPARE(listed.count(), 1);
+}
+
+/// What has not changed is not looked into again.
+void tst_ZrRecordingList::openedOnce()
+{
+    for (int i = 0; i < 5; ++i)
+        Make(QByteArray::number(i).append(".log").constData(), 1000.0 + i, survey::SurveyLog(5).Bytes());
+    List();
+    QCOMPARE(m_list->Looks(), 5);
+    const QVector<ZrRecording> before = m_list->Recordings();
+    List();
+    QCOMPARE(m_list->Looks(), 5);
+    QCOMPARE(m_list->Recordings(), before);
+    // One grew, one has an index now, one is gone, one is new.
+    AppendTo(m_folder->filePath(S("0.log")), survey::NavItem(7).Bytes());
+    Index(m_folder->filePath(S("1.log")));
+    QVERIFY(QFile::remove(m_folder->filePath(S("2.log"))));
+    Make("5.log", 2000.0, survey::SurveyLog(5).Bytes());
+    List();
+    QCOMPARE(m_list->Looks(), 8);
+    QCOMPARE(m_list->Recordings().size(), 5);
+    int indexed = 0;
+    for (const ZrRecording& recording : m_list->Recordings())
+        indexed += recording.log.isIndexed && !recording.outline.isEmpty() ? 1 : 0;
+    QCOMPARE(indexed, 1);
 }
 
 void tst_ZrRecordingList::deletedAtWork()

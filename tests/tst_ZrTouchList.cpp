@@ -1,6 +1,7 @@
 // A list for fingers.
 
 #include "ZrKit/ui/ZrTouchList.h"
+#include "ZrUiChecks.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QContextMenuEvent>
@@ -52,6 +53,8 @@ private Q_SLOTS:
     void wrongRows();
     void emptyText();
     void paintsWithoutRoom();
+    void picturesOfRowsInView();
+    void textIsNeverTiny();
     void manyRows();
     void accessibleText();
 };
@@ -231,6 +234,59 @@ void tst_ZrTouchList::paintsWithoutRoom()
         list.resize(size);
         QCOMPARE(list.grab().toImage().size(), list.size());
     }
+}
+
+/// Of a long list those in view are made, and not again while they are shown as they are.
+void tst_ZrTouchList::picturesOfRowsInView()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    QVector<ZrListItem> items = Items(1000);
+    for (ZrListItem& item : items)
+        item.isPicture = true;
+    items[1].image = QImage(30, 20, QImage::Format_ARGB32);
+    items[1].image.fill(Qt::green);
+    QSet<int> made;
+    list.m_picture = [&made](int row) {
+        made.insert(row);
+        QImage image(30, 20, QImage::Format_ARGB32);
+        image.fill(Qt::magenta);
+        return image;
+    };
+    list.SetItems(items);
+    QVERIFY(made.isEmpty());
+    list.show();
+    const QImage shown = list.grab().toImage();
+    QVERIFY(HasColour(shown, Qt::magenta));
+    QVERIFY(HasColour(shown, Qt::green)); // its own
+    QVERIFY(made.contains(0) && !made.contains(1) && made.size() < 20);
+    list.scrollToBottom();
+    list.grab();
+    QVERIFY(made.contains(999) && !made.contains(500));
+}
+
+/// At the smallest scale too, capitals of the second line are those of a text of 14 pixels.
+void tst_ZrTouchList::textIsNeverTiny()
+{
+    const ZrThemeState theme(0.5);
+    ZrTouchList list(nullptr);
+    list.resize(400, 200);
+    ZrListItem item;
+    item.subtitle = QStringLiteral("HHH");
+    list.SetItems({item});
+    const QImage shown = list.grab().toImage();
+    int inked = 0;
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 8; x < 60; ++x) {
+            if (shown.pixelColor(x, y) != shown.pixelColor(200, y)) {
+                ++inked;
+                break;
+            }
+        }
+    }
+    QFont font = ZrTheme::font;
+    font.setPixelSize(14);
+    QVERIFY2(inked >= QFontMetrics(font).capHeight() - 1, qPrintable(QString::number(inked)));
 }
 
 void tst_ZrTouchList::manyRows()

@@ -219,6 +219,17 @@ void tst_ZrTrackLod::cleared()
     QCOMPARE(Text(Collected(track, 0)), QStringLiteral("0-0"));
     track.Clear();
     QCOMPARE(track.ClearCount(), 2);
+    // One that was made elsewhere counts as cleared and filled anew, whatever it counted itself.
+    ZrTrackLod other;
+    for (int i = 0; i < 2000; ++i)
+        other.Append(i, 0.5 * i);
+    track.Replace(other);
+    QCOMPARE(track.ClearCount(), 3);
+    QCOMPARE(track.Count(), i64(2000));
+    QCOMPARE(track.Bounds(), other.Bounds());
+    QCOMPARE(track[1999], other[1999]);
+    track.Append(2000.0, 0.0);
+    QCOMPARE(track.Count(), i64(2001));
 }
 
 /// A picture made of the one before is seen to be old by the count alone.

@@ -1,7 +1,6 @@
 #include "ZrKit/planning/ZrAreaFile.h"
 
 #include "ZrKit/planning/ZrGeoShapes.h"
-#include "ZrKit/planning/ZrRouteFile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -33,15 +32,28 @@ std::vector<ZrArea> AreasOf(const ZrGeoShapes& shapes)
 
 bool ZrAreaFile::Read(const QString& path, std::vector<ZrArea>& areas)
 {
-    m_error.clear();
+    return Load(path) && Finish(areas);
+}
+
+bool ZrAreaFile::Load(const QString& path)
+{
+    m_path = path;
     m_warnings.clear();
-    ZrRouteFile file;
+    const bool isLoaded = m_file.Load(path);
+    m_error = m_file.Error();
+    return isLoaded;
+}
+
+bool ZrAreaFile::Finish(std::vector<ZrArea>& areas)
+{
+    const QString path = m_path;
     ZrGeoShapes shapes;
-    if (!file.ReadShapes(path, shapes)) {
-        m_error = file.Error();
+    if (!m_file.FinishShapes(shapes)) {
+        m_error = m_file.Error();
         return false;
     }
-    m_warnings = file.Warnings();
+    m_error.clear();
+    m_warnings = m_file.Warnings();
     std::vector<ZrArea> found = AreasOf(shapes);
     if (found.empty()) {
         m_error = path + QLatin1String(": no area and no points in it");

@@ -2,6 +2,7 @@
 
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/planning/ZrArea.h"
+#include "ZrKit/planning/ZrRouteFile.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,6 +31,11 @@ public:
     /// be read, is damaged, or an area in it has fewer than three corners.
     bool Read(const QString& path, std::vector<ZrArea>& areas);
 
+    /// `Read` in two steps: the file, in any thread; then, if that succeeded, its areas, on the thread of
+    /// routes.
+    bool Load(const QString& path);
+    bool Finish(std::vector<ZrArea>& areas);
+
     /// Why the last call failed, a sentence with the path; empty when it did not.
     QString Error() const { return m_error; }
 
@@ -37,6 +43,8 @@ public:
     QStringList Warnings() const { return m_warnings; }
 
 private:
+    ZrRouteFile m_file;
+    QString m_path;
     QString m_error;
     QStringList m_warnings;
 };

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/files/ZrFileKeeper.h"
 #include "ZrKit/planning/ZrArea.h"
+#include "ZrKit/planning/ZrPlanState.h"
 #include "ZrKit/planning/ZrRouteCheck.h"
 #include "ZrKit/planning/ZrRouteFinding.h"
 #include "ZrKit/planning/ZrRouteHistory.h"
@@ -10,7 +12,6 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
-#include <QJsonObject>
 #include <QObject>
 #include <QString>
 
@@ -18,6 +19,7 @@
 #include <vector>
 
 class QTimer;
+class ZrPlanReader;
 
 /// A plan that is being worked on: a route with undo, the areas that it covers or keeps clear of, the file it
 /// came from, and a draft on disk that survives whatever happens to the program.
@@ -32,11 +34,14 @@ class QTimer;
 ///     tell(plan.Error());
 /// \endcode
 ///
-/// The draft is replaced in one step at once after an edit; of edits that follow within `DraftMilliseconds`,
-/// as in a drag, the last one is written when they pause, and one every `DraftMostMilliseconds` while they do
-/// not. It is removed when the plan is saved, or abandoned
-/// by `New`, `Open` or `DiscardDraft`. Plans saved in the settings form (.json) hold the areas as well; other
-/// forms hold the route alone.
+/// The draft is replaced in one step, by a thread of its own that begins at once after an edit; of edits that
+/// follow within `DraftMilliseconds`, as in a drag, the last one is written when they pause, and one every
+/// `DraftMostMilliseconds` while they do not. It is removed when the plan is saved, or abandoned by `New`,
+/// `Open` or `DiscardDraft`. Plans saved in the settings form (.json) hold the areas as well; other forms
+/// hold the route alone.
+///
+/// `Open`, `Save` and `Export` are for those who may wait. Others have a `ZrPlanReader` or a `ZrPlanState`
+/// read or write in a thread of their own, and `Take` or `SetSaved` what came of it.
 ///
 /// Lives on the user-interface thread, as routes do.
 class ZR_KIT_EXPORT ZrPlanDocument : public QObject
@@ -98,6 +103,20 @@ public:
     /// Writes the route into a file of any form; the plan keeps its own.
     bool Export(const QString& path);
 
+    /// Makes the plan, or the draft, that was loaded the plan. False, with the reason in `Error` and the plan
+    /// as it was.
+    bool Take(ZrPlanReader& reader);
+
+    /// The plan as it is now.
+    ZrPlanState State() const;
+
+    /// Replaces the plan by that of a state, as one that is not saved: undoes `New` or `Open`.
+    void Restore(const ZrPlanState& state);
+
+    /// \p state was written to \p path, which is the file from now on. What was edited since is not saved;
+    /// nothing happens when the plan is another one by now.
+    void SetSaved(const QString& path, const ZrPlanState& state);
+
     QString Error() const { return m_error; }
 
     QStringList Warnings() const { return m_warnings; } ///< of the last `Open`, `Save` or `Export`
@@ -106,17 +125,12 @@ public:
 
     /// \name Draft
     /// @{
-    bool HasDraft() const; ///< left by a program that ended without saving
+    QString DraftPath() const { return m_draft.Path(); } ///< empty for none
+
+    bool HasDraft() const; ///< left by a program that ended without saving, or of this plan
     bool RestoreDraft(); ///< false, with the reason in `Error`, when it cannot be read
     void DiscardDraft();
-    void FlushDraft(); ///< writes what waits to be written
-
-    /// The whole plan, for `SetState` to bring back after `New` or `Open`.
-    QByteArray State() const;
-
-    /// Replaces the plan by that of a state, as one that is not saved. False, with the reason in `Error` and
-    /// the plan as it was, for what is no state.
-    bool SetState(const QByteArray& state);
+    void FlushDraft(); ///< writes what waits to be written, and waits for it
     /// @}
 
 Q_SIGNALS:
@@ -127,10 +141,8 @@ private:
     void Forget();
     void SetPath(const QString& path);
     void WriteDraft();
-    QJsonObject ToJson() const;
-    bool FromJson(const QJsonObject& root, const QString& name);
-    void ExtrasFromJson(const QJsonObject& root);
-    void ExtrasToJson(QJsonObject& root) const;
+    void OnDraftDone(const QString& error);
+    void Put(const ZrPlanState& state);
     bool Fail(const QString& error);
 
     ZrWpts m_route;
@@ -142,11 +154,13 @@ private:
     std::unique_ptr<ZrRoutePath> m_pathway;
     std::unique_ptr<std::vector<ZrRouteFinding>> m_findings;
     QString m_path;
-    QString m_draftPath;
+    ZrFileKeeper m_draft;
     QTimer* m_draftTimer;
     QElapsedTimer m_draftWait; ///< since the first edit that is not in the draft
     bool m_isDraftDue = false;
     bool m_hasDraftFailed = false;
+    int m_edits = 0; ///< counted
+    int m_plan = 0; ///< likewise: `New`, `Take` and `Restore` begin another one
     QString m_error;
     QStringList m_warnings;
 };

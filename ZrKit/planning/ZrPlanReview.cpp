@@ -29,11 +29,6 @@ int ZrPlanReview::Count(ZrRouteFinding::eSeverity severity) const
         [severity](const ZrRouteFinding& finding) { return finding.severity == severity; }));
 }
 
-void ZrPlanReview::Wait()
-{
-    m_pool.waitForDone();
-}
-
 void ZrPlanReview::Start()
 {
     if (m_isRunning)
@@ -54,7 +49,7 @@ void ZrPlanReview::Start()
     job->options.margin = m_plan.Margin();
     m_pool.start([this, job, state = m_wanted] {
         job->findings = ZrRouteCheck::Run(job->route, job->options);
-        job->path = std::make_unique<ZrRoutePath>(job->route);
+        job->path = std::make_unique<ZrRoutePath>(job->route, job->options.speeds);
         const auto take = [this, job, state] {
             m_isRunning = false;
             m_findings = std::move(job->findings);

@@ -38,10 +38,6 @@ public:
 
     int Count(ZrRouteFinding::eSeverity severity) const; ///< of findings
 
-    /// Waits until the thread reads nothing. To be called before the speed presets of all routes change, as
-    /// reading a file may change them.
-    void Wait();
-
 Q_SIGNALS:
     void Ready(); ///< findings and path are those of a newer state
 

@@ -48,9 +48,11 @@ QString ZoneName(const ZrWpt& wpt)
 class PointChecks
 {
 public:
-    PointChecks(const ZrWpts& route, const ZrRoutePath& path, std::vector<ZrRouteFinding>& findings)
+    PointChecks(const ZrWpts& route, const ZrRoutePath& path, const ZrRouteSpeeds& speeds,
+        std::vector<ZrRouteFinding>& findings)
         : m_route(route)
         , m_path(path)
+        , m_speeds(speeds)
         , m_findings(findings)
     {
         for (ZrListPos* pos = route.GetHeadPos(); pos;)
@@ -113,9 +115,9 @@ private:
                     .arg(ZrRoutePath::MaxLatitude));
     }
 
-    static QString PresetProblem(int type)
+    QString PresetProblem(int type) const
     {
-        const float presets[] = {ZrWpts::s_msSlow, ZrWpts::s_msMedium, ZrWpts::s_msFast};
+        const float presets[] = {m_speeds.slow, m_speeds.medium, m_speeds.fast};
         const char* const names[] = {"slow", "medium", "fast"};
         if (type < 1 || type > 3 || IsSpeed(static_cast<double>(presets[type - 1])))
             return {};
@@ -260,6 +262,7 @@ private:
 
     const ZrWpts& m_route;
     const ZrRoutePath& m_path;
+    ZrRouteSpeeds m_speeds;
     std::vector<ZrRouteFinding>& m_findings;
     std::vector<const ZrWpt*> m_wpts;
 };
@@ -269,8 +272,8 @@ private:
 std::vector<ZrRouteFinding> ZrRouteCheck::Run(const ZrWpts& route, const Options& options)
 {
     std::vector<ZrRouteFinding> findings;
-    const ZrRoutePath path(route);
-    PointChecks(route, path, findings).Run();
+    const ZrRoutePath path(route, options.speeds);
+    PointChecks(route, path, options.speeds, findings).Run();
 
     ZrAreaCheck areas(route, path, options.margin, findings);
     for (std::size_t i = 0; i < options.fences.size(); ++i)

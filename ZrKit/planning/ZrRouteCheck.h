@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/planning/ZrArea.h"
 #include "ZrKit/planning/ZrRouteFinding.h"
+#include "ZrKit/planning/ZrRouteSpeeds.h"
 
 #include <vector>
 
@@ -26,7 +27,7 @@ class ZrWpts;
 ///
 /// Findings are ordered: first those on the whole route and on the areas, then those on waypoints by their
 /// index. A set of markers is checked as if it was to be run. Any thread, as long as no other one changes the
-/// route or the speed presets meanwhile.
+/// route meanwhile.
 class ZR_KIT_EXPORT ZrRouteCheck
 {
 public:
@@ -34,6 +35,7 @@ public:
     {
         std::vector<ZrArea> fences; ///< the path must stay inside each of them
         std::vector<ZrArea> noGo; ///< the path must stay outside all of them
+        ZrRouteSpeeds speeds; ///< those of the process when the options are made
         double margin = 0.0; ///< metres that the path must keep from the borders of both
     };
 

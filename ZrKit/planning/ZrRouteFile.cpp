@@ -11,6 +11,7 @@
 #include "ZrKit/planning/ZrRouteTab.h"
 #include "ZrKit/planning/ZrTextLines.h"
 #include "ZrUtil/ZrWpts.h"
+#include "ZrUtil/ZrXmlStore.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -23,6 +24,7 @@
 #include <QXmlStreamReader>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -80,28 +82,17 @@ QString CheckPositions(const ZrWpts& route)
     return error;
 }
 
-/// The speed presets of the process, put back at the end.
-class PresetsKept
-{
-public:
-    PresetsKept() = default;
-    PresetsKept(const PresetsKept&) = delete;
-    PresetsKept& operator=(const PresetsKept&) = delete;
-
-    ~PresetsKept()
-    {
-        ZrWpts::s_msSlow = m_slow;
-        ZrWpts::s_msMedium = m_medium;
-        ZrWpts::s_msFast = m_fast;
-    }
-
-private:
-    float m_slow = ZrWpts::s_msSlow;
-    float m_medium = ZrWpts::s_msMedium;
-    float m_fast = ZrWpts::s_msFast;
-};
-
 } // namespace
+
+/// A file as far as it can be read without a word to the process.
+struct ZrRouteFile::Content
+{
+    ZrGeoShapes shapes; ///< unless it is a route of a form of our own
+    bool isRoute = false;
+    ZrWpts route; ///< of settings
+    QJsonObject settings;
+    std::unique_ptr<ZrXmlStore> store; ///< null unless it is one
+};
 
 ZrRouteFile::eFormat ZrRouteFile::FormatOf(const QString& path)
 {
@@ -146,7 +137,7 @@ bool ZrRouteFile::ReadBytes(const QString& path, QByteArray& bytes)
     return bytes.size() > MaxSize ? Fail(tooLarge) : true;
 }
 
-bool ZrRouteFile::ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute)
+bool ZrRouteFile::ParseJson(const QByteArray& bytes)
 {
     QJsonParseError parse;
     const QJsonObject root = QJsonDocument::fromJson(bytes, &parse).object();
@@ -154,25 +145,29 @@ bool ZrRouteFile::ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes&
         return Fail(QStringLiteral("line %1: %2")
                         .arg(ZrTextLines::OfOffset(bytes, parse.offset))
                         .arg(parse.errorString()));
-    isRoute = ZrRouteSettings::Is(root);
-    if (isRoute && root.value(QLatin1String("waypoints")).toArray().size() > MaxWaypoints)
+    Content& content = *m_content;
+    content.isRoute = ZrRouteSettings::Is(root);
+    if (!content.isRoute)
+        return ZrRouteGeoJson::Read(root, bytes, content.shapes, m_error);
+    if (root.value(QLatin1String("waypoints")).toArray().size() > MaxWaypoints)
         return Fail(TooManyWaypoints());
-    return isRoute ? ZrRouteSettings::Read(root, bytes, route, m_error)
-                   : ZrRouteGeoJson::Read(root, bytes, shapes, m_error);
+    content.settings = root;
+    return ZrRouteSettings::ReadRoute(root, bytes, content.route, m_error);
 }
 
-/// Fills \p route, when the file is one of our forms with a route in it, or else \p shapes.
-bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute)
+/// Fills the content: the route, when the file is one of our forms with a route in it, or else the shapes.
+bool ZrRouteFile::Parse(const QByteArray& bytes)
 {
     m_error.clear();
     m_warnings.clear();
-    isRoute = false;
+    m_content = std::make_shared<Content>();
+    ZrGeoShapes& shapes = m_content->shapes;
     const QByteArray text = AsUtf8(bytes);
     const QByteArray head = text.left(4096).trimmed();
     if (head.isEmpty() && text.trimmed().isEmpty())
         return Fail(QCoreApplication::translate("ZrRouteFile", "the file is empty"));
     if (head.startsWith('{') || head.startsWith('['))
-        return ParseJson(text, route, shapes, isRoute);
+        return ParseJson(text);
     if (head.startsWith("PK\x03\x04"))
         return Fail(QCoreApplication::translate("ZrRouteFile", "an archive (KMZ?), to be unpacked first"));
     if (!head.startsWith('<'))
@@ -190,8 +185,9 @@ bool ZrRouteFile::Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& sha
         return isRoot("gpx") ? ZrRouteGpx::Read(bytes, shapes, m_error)
                              : ZrRouteKml::Read(bytes, shapes, m_error);
     }
-    isRoute = true;
-    return ZrRouteStore::Read(bytes, route, m_error);
+    m_content->isRoute = true;
+    m_content->store = std::make_unique<ZrXmlStore>(false);
+    return ZrRouteStore::Load(bytes, *m_content->store, m_error);
 }
 
 bool ZrRouteFile::FromShapes(const ZrGeoShapes& shapes, ZrWpts& route)
@@ -235,27 +231,60 @@ bool ZrRouteFile::FromShapes(const ZrGeoShapes& shapes, ZrWpts& route)
 
 bool ZrRouteFile::FromBytes(const QByteArray& bytes, ZrWpts& route)
 {
-    ZrWpts read;
-    ZrGeoShapes shapes;
-    bool isRoute = false;
-    if (!Parse(bytes, read, shapes, isRoute))
+    return Parse(bytes) && Conclude(route);
+}
+
+/// Makes the route of the content.
+bool ZrRouteFile::Conclude(ZrWpts& route)
+{
+    const std::shared_ptr<Content> content = std::move(m_content);
+    ZrWpts& read = content->route;
+    m_warnings = content->shapes.warnings;
+    if (!content->isRoute && !FromShapes(content->shapes, read))
         return false;
-    m_warnings = shapes.warnings;
-    if (!isRoute && !FromShapes(shapes, read))
-        return false;
+    if (content->store)
+        ZrRouteStore::Finish(*content->store, read);
     if (read.IsEmpty())
         return Fail(QCoreApplication::translate("ZrRouteFile", "no route and no waypoints in it"));
+    if (content->isRoute && !content->store)
+        ZrRouteSettings::ReadPresets(content->settings);
     read.UpdatePseudo();
     read.Recalc(true);
     route = read;
     return true;
 }
 
+bool ZrRouteFile::Load(const QString& path)
+{
+    m_error.clear();
+    m_warnings.clear();
+    m_content.reset();
+    m_path = path;
+    QByteArray bytes;
+    if (ReadBytes(path, bytes) && Parse(bytes))
+        return true;
+    m_content.reset();
+    return FailIn(path);
+}
+
+bool ZrRouteFile::LoadBytes(const QByteArray& bytes)
+{
+    m_path.clear();
+    if (Parse(bytes))
+        return true;
+    m_content.reset();
+    return false;
+}
+
+bool ZrRouteFile::Finish(ZrWpts& route)
+{
+    m_error.clear();
+    return (m_content && Conclude(route)) || FailIn(m_path);
+}
+
 bool ZrRouteFile::Read(const QString& path, ZrWpts& route)
 {
-    m_warnings.clear();
-    QByteArray bytes;
-    return (ReadBytes(path, bytes) && FromBytes(bytes, route)) || FailIn(path);
+    return Load(path) && Finish(route);
 }
 
 bool ZrRouteFile::ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes)
@@ -272,16 +301,21 @@ bool ZrRouteFile::ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes)
 
 bool ZrRouteFile::ReadShapes(const QString& path, ZrGeoShapes& shapes)
 {
-    m_warnings.clear();
-    const PresetsKept presets; // an area has no say in the speeds of routes
-    QByteArray bytes;
-    ZrWpts route;
-    bool isRoute = false;
-    ZrGeoShapes read;
-    if (!ReadBytes(path, bytes) || !Parse(bytes, route, read, isRoute) || (isRoute && !ShapesOf(route, read)))
-        return FailIn(path);
-    m_warnings = read.warnings;
-    shapes = read;
+    return Load(path) && FinishShapes(shapes);
+}
+
+bool ZrRouteFile::FinishShapes(ZrGeoShapes& shapes)
+{
+    m_error.clear();
+    const std::shared_ptr<Content> content = std::move(m_content);
+    if (!content)
+        return FailIn(m_path);
+    if (content->store)
+        ZrRouteStore::Finish(*content->store, content->route);
+    if (content->isRoute && !ShapesOf(content->route, content->shapes))
+        return FailIn(m_path);
+    m_warnings = content->shapes.warnings;
+    shapes = std::move(content->shapes);
     return true;
 }
 
@@ -319,5 +353,10 @@ bool ZrRouteFile::Write(const QString& path, eFormat format, const ZrWpts& route
     QByteArray bytes;
     if (!ToBytes(format, route, bytes))
         return FailIn(path);
+    if (bytes.size() > MaxSize) {
+        Fail(QCoreApplication::translate(
+            "ZrRouteFile", "the route would take more than 64 MiB, which could not be read again"));
+        return FailIn(path);
+    }
     return zr::replace_file(path, bytes, &m_error);
 }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class ZrWpts;
 struct ZrGeoShapes;
 
@@ -22,8 +24,15 @@ struct ZrGeoShapes;
 /// but the list (see `ZrRouteTab`) and the tag-structured store (see `ZrRouteStore`); names as each form
 /// says.
 ///
+/// Large files are read in two steps, so that nobody waits for the first one:
+/// \code
+/// file.Load(path);     // in any thread
+/// file.Finish(route);  // then on the thread of routes
+/// \endcode
+///
 /// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`),
-/// and the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread.
+/// and the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread,
+/// but for `Load`.
 class ZR_KIT_EXPORT ZrRouteFile
 {
 public:
@@ -53,6 +62,18 @@ public:
     /// when the file cannot be read, is damaged or holds no waypoint.
     bool Read(const QString& path, ZrWpts& route);
 
+    /// The first step of `Read`, which looks at the file and all that is in it.
+    bool Load(const QString& path);
+
+    /// The same of the content of a file; the reason has no path.
+    bool LoadBytes(const QByteArray& bytes);
+
+    /// The second step, once, after a `Load` that succeeded.
+    bool Finish(ZrWpts& route);
+
+    /// The second step of `ReadShapes`, likewise.
+    bool FinishShapes(ZrGeoShapes& shapes);
+
     /// `Read` from the content of a file; the reason has no path.
     bool FromBytes(const QByteArray& bytes, ZrWpts& route);
 
@@ -62,8 +83,8 @@ public:
     bool ReadShapes(const QString& path, ZrGeoShapes& shapes);
 
     /// Replaces the file in one step. False, with the reason in `Error` and the file as it was, when it
-    /// cannot be written, and for all forms but the settings and the store when a waypoint has no valid
-    /// position.
+    /// cannot be written or would be larger than `MaxSize`, and for all forms but the settings and the store
+    /// when a waypoint has no valid position.
     bool Write(const QString& path, eFormat format, const ZrWpts& route);
 
     /// The content that `Write` gives a file; the reason has no path.
@@ -77,13 +98,18 @@ public:
 
 private:
     bool ReadBytes(const QString& path, QByteArray& bytes);
-    bool Parse(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute);
-    bool ParseJson(const QByteArray& bytes, ZrWpts& route, ZrGeoShapes& shapes, bool& isRoute);
+    bool Parse(const QByteArray& bytes);
+    bool ParseJson(const QByteArray& bytes);
+    bool Conclude(ZrWpts& route);
     bool FromShapes(const ZrGeoShapes& shapes, ZrWpts& route);
     bool ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes);
     bool Fail(const QString& reason);
     bool FailIn(const QString& path);
 
+    struct Content;
+
+    std::shared_ptr<Content> m_content; ///< what was loaded; null for none
+    QString m_path; ///< of it
     QString m_error;
     QStringList m_warnings;
 };

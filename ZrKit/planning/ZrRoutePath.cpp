@@ -41,8 +41,9 @@ double Deflection(ZrLocalPoint before, ZrLocalPoint w, ZrLocalPoint after)
 class RunningSpeed
 {
 public:
-    explicit RunningSpeed(const ZrWpts& route)
-        : m_speed(Preset(route.speedType, route.speed))
+    RunningSpeed(const ZrWpts& route, const ZrRouteSpeeds& speeds)
+        : m_speeds(speeds)
+        , m_speed(Preset(route.speedType, route.speed))
     {
     }
 
@@ -58,15 +59,15 @@ public:
     }
 
 private:
-    static double Preset(int type, double own)
+    double Preset(int type, double own) const
     {
         switch (type) {
         case eRouteSpeedSlow:
-            return static_cast<double>(ZrWpts::s_msSlow);
+            return static_cast<double>(m_speeds.slow);
         case eRouteSpeedMedium:
-            return static_cast<double>(ZrWpts::s_msMedium);
+            return static_cast<double>(m_speeds.medium);
         case eRouteSpeedFast:
-            return static_cast<double>(ZrWpts::s_msFast);
+            return static_cast<double>(m_speeds.fast);
         default:
             return own;
         }
@@ -79,6 +80,7 @@ private:
         return wpt.spdType > 0 ? static_cast<eRouteSpeed>(wpt.spdType) : eRouteSpeedInherited;
     }
 
+    ZrRouteSpeeds m_speeds;
     double m_speed;
     eRouteSpeed m_source = eRouteSpeedInherited;
 };
@@ -103,7 +105,7 @@ double EarthRadius(double lat)
 
 } // namespace
 
-ZrRoutePath::ZrRoutePath(const ZrWpts& route)
+ZrRoutePath::ZrRoutePath(const ZrWpts& route, const ZrRouteSpeeds& speeds)
     : m_frame({0.0, 0.0})
     , m_radius(0.0)
 {
@@ -119,7 +121,7 @@ ZrRoutePath::ZrRoutePath(const ZrWpts& route)
 
     const int count = static_cast<int>(m_points.size());
     const int legs = route.closed && count > 1 ? count : count - 1;
-    RunningSpeed speed(route);
+    RunningSpeed speed(route, speeds);
     ZrListPos* pos = route.GetHeadPos();
     for (int i = 0; i < legs; ++i) {
         ZrRouteLeg leg;

@@ -4,6 +4,7 @@
 #include "ZrKit/planning/ZrLocalFrame.h"
 #include "ZrKit/planning/ZrPathPiece.h"
 #include "ZrKit/planning/ZrRouteLeg.h"
+#include "ZrKit/planning/ZrRouteSpeeds.h"
 #include "ZrKit/planning/ZrRouteTurn.h"
 
 #include <array>
@@ -48,8 +49,8 @@ struct ZrPathSample
 /// The first and the last waypoint never turn, also on a closed route. Legs to waypoints without valid
 /// position have lengths of NaN and no pieces; totals are NaN then. So it is for all legs when `IsTooWide`.
 ///
-/// A value that does not refer to the route. Any thread, as long as no other one changes the route or the
-/// speed presets meanwhile.
+/// A value that does not refer to the route. Any thread, as long as no other one changes the route meanwhile.
+/// The speed presets are those of the process, unless given; in a thread of its own they are to be given.
 class ZR_KIT_EXPORT ZrRoutePath
 {
 public:
@@ -64,7 +65,7 @@ public:
         double duration = 0.0; ///< seconds
     };
 
-    explicit ZrRoutePath(const ZrWpts& route);
+    explicit ZrRoutePath(const ZrWpts& route, const ZrRouteSpeeds& speeds = {});
 
     const ZrLocalFrame& Frame() const { return m_frame; }
 

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QStringList>
 
 namespace {
 
@@ -14,6 +15,14 @@ const QString& Waypoints()
 {
     static const QString key = QStringLiteral("waypoints");
     return key;
+}
+
+/// The keys of the speed presets, which belong to the process.
+const QStringList& Presets()
+{
+    static const QStringList keys{
+        QStringLiteral("SlowSpeed"), QStringLiteral("MediumSpeed"), QStringLiteral("FastSpeed")};
+    return keys;
 }
 
 QString CheckPosition(const QJsonObject& waypoint)
@@ -31,10 +40,35 @@ QString CheckPosition(const QJsonObject& waypoint)
 
 QByteArray ZrRouteSettings::Write(const ZrWpts& route)
 {
-    QJsonObject root;
-    zr::ZrSetModule module(zr::ePersistStoring, root);
-    ZrWpts(route).settings(module);
-    return QJsonDocument(root).toJson();
+    return QJsonDocument(Whole(Head(route), route)).toJson();
+}
+
+QJsonObject ZrRouteSettings::Head(const ZrWpts& route)
+{
+    ZrWpts bare;
+    bare.prefix = route.prefix;
+    bare.linked = route.linked;
+    bare.closed = route.closed;
+    bare.speed = route.speed;
+    QJsonObject head;
+    zr::ZrSetModule module(zr::ePersistStoring, head);
+    bare.settings(module);
+    return head;
+}
+
+QJsonObject ZrRouteSettings::Whole(const QJsonObject& head, const ZrWpts& route)
+{
+    QJsonArray waypoints;
+    for (ZrListPos* pos = route.GetHeadPos(); pos;) {
+        ZrWpt copy(*route.GetNext(pos));
+        QJsonObject object;
+        zr::ZrSetModule part(zr::ePersistStoring, object);
+        ZrWpt::serialise(copy, part);
+        waypoints.append(object);
+    }
+    QJsonObject whole = head;
+    whole.insert(Waypoints(), waypoints);
+    return whole;
 }
 
 bool ZrRouteSettings::Is(const QJsonObject& object)
@@ -43,6 +77,26 @@ bool ZrRouteSettings::Is(const QJsonObject& object)
 }
 
 bool ZrRouteSettings::Read(const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error)
+{
+    if (!ReadRoute(object, bytes, route, error))
+        return false;
+    ReadPresets(object);
+    return true;
+}
+
+void ZrRouteSettings::ReadPresets(const QJsonObject& object)
+{
+    QJsonObject presets;
+    for (const QString& key : Presets()) {
+        if (object.contains(key))
+            presets.insert(key, object.value(key));
+    }
+    zr::ZrSetModule module(zr::ePersistLoading, presets);
+    ZrWpts().settings(module);
+}
+
+bool ZrRouteSettings::ReadRoute(
+    const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error)
 {
     const QJsonValue list = object.value(Waypoints());
     if (!list.isArray()) {
@@ -62,6 +116,8 @@ bool ZrRouteSettings::Read(const QJsonObject& object, const QByteArray& bytes, Z
         return false;
     }
     QJsonObject root = object;
+    for (const QString& key : Presets())
+        root.remove(key); // which leaves them alone
     zr::ZrSetModule module(zr::ePersistLoading, root);
     route.settings(module);
     return true;

@@ -14,6 +14,11 @@ class ZR_KIT_EXPORT ZrRouteSettings
 public:
     static QByteArray Write(const ZrWpts& route);
 
+    /// The same in two steps: all but the waypoints, with the speed presets of the process, on the thread of
+    /// routes; then both together, in any thread.
+    static QJsonObject Head(const ZrWpts& route);
+    static QJsonObject Whole(const QJsonObject& head, const ZrWpts& route);
+
     /// Whether \p object is a route in this form.
     static bool Is(const QJsonObject& object);
 
@@ -23,4 +28,8 @@ public:
     ///
     /// \p object is what \p bytes hold; they serve the line numbers.
     static bool Read(const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error);
+
+    /// The same in two steps: the route, in any thread; then the speed presets, on the thread of routes.
+    static bool ReadRoute(const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error);
+    static void ReadPresets(const QJsonObject& object);
 };

@@ -145,6 +145,14 @@ QByteArray ZrRouteStore::Write(const ZrWpts& route, QStringList& warnings)
 bool ZrRouteStore::Read(const QByteArray& bytes, ZrWpts& route, QString& error)
 {
     ZrXmlStore store(false);
+    if (!Load(bytes, store, error))
+        return false;
+    Finish(store, route);
+    return true;
+}
+
+bool ZrRouteStore::Load(const QByteArray& bytes, ZrXmlStore& store, QString& error)
+{
     store.LoadFileForm(bytes);
     ZrXmlSet* set = FindWaypoints(store);
     if (bytes.contains("<XmlStore") && !bytes.contains("</XmlStore>"))
@@ -156,9 +164,12 @@ bool ZrRouteStore::Read(const QByteArray& bytes, ZrWpts& route, QString& error)
             "ZrRouteStore", "neither GPX, KML nor a tag-structured store with waypoints");
     else
         error = Check(bytes, *set);
-    if (!error.isEmpty())
-        return false;
+    return error.isEmpty();
+}
+
+void ZrRouteStore::Finish(ZrXmlStore& store, ZrWpts& route)
+{
     SyncRoute(store, route);
-    route.SyncXml(*set);
-    return true;
+    if (ZrXmlSet* set = FindWaypoints(store))
+        route.SyncXml(*set);
 }

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 class ZrWpts;
+class ZrXmlStore;
 
 /// Routes as a tag-structured store: the set "Route" with the fields of the route, and the set "Waypoints".
 ///
@@ -25,4 +26,9 @@ public:
     ///
     /// Recomputes the route, which moves the projection of the process: the user-interface thread.
     static bool Read(const QByteArray& bytes, ZrWpts& route, QString& error);
+
+    /// The same in two steps: the store, which must be one for loading, in any thread; then, when that was
+    /// true, the route.
+    static bool Load(const QByteArray& bytes, ZrXmlStore& store, QString& error);
+    static void Finish(ZrXmlStore& store, ZrWpts& route);
 };

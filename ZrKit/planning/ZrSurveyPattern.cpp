@@ -93,9 +93,10 @@ QString TooManyLines()
 class LaneMaker
 {
 public:
-    LaneMaker(const ZrSurveyRing& ring, const Settings& settings)
+    LaneMaker(const ZrSurveyRing& ring, const Settings& settings, const std::atomic<bool>* cancel)
         : m_ring(ring)
         , m_settings(settings)
+        , m_cancel(cancel)
     {
     }
 
@@ -114,6 +115,8 @@ public:
             return false;
         std::size_t pieces = 0;
         for (const Strip& strip : StripsOf(left, right, gaps, count, fromRight)) {
+            if (m_cancel && *m_cancel)
+                break;
             ZrSurveyLane lane;
             lane.across = strip.at;
             for (const ZrInterval& piece : PiecesOf(strip)) {
@@ -151,6 +154,7 @@ private:
 
     const ZrSurveyRing& m_ring;
     const Settings& m_settings;
+    const std::atomic<bool>* m_cancel;
 };
 
 QString SettingsProblem(const Settings& settings)
@@ -213,13 +217,15 @@ QString ZrSurveyPattern::Planned(const ZrArea& area, const ZrSurveyPatternSettin
         = std::isnan(settings.heading) ? ZrSurveyRing::LongestSide(corners) : Turned(settings.heading);
     const bool fromRight = settings.entry == Settings::NearRight || settings.entry == Settings::FarRight;
     const ZrSurveyRing ring(corners, heading);
-    LaneMaker along(ring, settings);
+    LaneMaker along(ring, settings, cancel);
     if (!along.Make(Gaps(settings.lineSpacing, settings.alternateSpacing), fromRight))
         return TooManyLines();
     const ZrSurveyRing crossRing(corners, heading + 90.0);
-    LaneMaker across(crossRing, settings);
+    LaneMaker across(crossRing, settings, cancel);
     if (settings.crossSpacing > 0.0 && !across.Make(Gaps(settings.crossSpacing, 0.0), false))
         return TooManyLines();
+    if (cancel && *cancel)
+        return QCoreApplication::translate("ZrSurveyPattern", "The planning was cancelled.");
     const int leftOut = along.leftOut + across.leftOut;
     if (along.lanes.empty() || (settings.crossSpacing > 0.0 && across.lanes.empty()))
         return QCoreApplication::translate(

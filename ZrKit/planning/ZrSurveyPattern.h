@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <atomic>
+
 /// Plans parallel survey lines over an area.
 ///
 /// \code
@@ -40,6 +42,9 @@ class ZR_KIT_EXPORT ZrSurveyPattern
 {
 public:
     static constexpr int maxLines = 10000; ///< in one direction, pieces counted one by one; more are refused
+
+    /// Ends the work at the next line, once it is true: `Make` fails then. May be null.
+    const std::atomic<bool>* cancel = nullptr;
 
     /// Plans anew. False, with the reason in `Error` and an empty plan, when the settings or the area do not
     /// allow it, when more than `maxLines` lines would be needed, or when margin and smallest length leave

@@ -10,6 +10,7 @@
 
 #include <vector>
 
+class ZrWpt;
 class ZrWpts;
 
 /// A survey as planned: lines in the order in which they are run, and the waypoints that lead along them.
@@ -28,4 +29,7 @@ public:
     /// settings (`linked` among them) stay as they are. Returns the id; the null id, with the route
     /// unchanged, without waypoints. On the thread of routes, see `ZrWpts`.
     QUuid AppendTo(ZrWpts& route) const;
+
+    /// The same waypoints by themselves, with nothing computed along them. Any thread.
+    std::vector<ZrWpt> Waypoints() const;
 };

@@ -7,6 +7,7 @@
 #include "ZrUtil/ZrLogItem.h"
 #include "ZrUtil/ZrLogRec.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -88,6 +89,11 @@ Tail LookAtEnd(const QByteArray& bytes)
             return tail;
     }
     return Tail();
+}
+
+bool IsNewer(double a, double b)
+{
+    return std::isnan(b) ? !std::isnan(a) : a > b;
 }
 
 void SetDamage(ZrRecentLog& log, const QString& sentence)
@@ -199,56 +205,80 @@ ZrRecentLog ZrRecent::Look(const QString& path)
     return log;
 }
 
-std::vector<ZrRecentLog> ZrRecent::List(const QString& folder, std::size_t most)
+std::vector<ZrRecentLog> ZrRecent::Find(const QString& folder)
 {
-    struct Candidate
-    {
-        QString path;
-        double created;
-    };
-
     m_error.clear();
     const QDir dir(folder);
     if (folder.isEmpty() || !dir.exists() || !dir.isReadable()) {
         m_error = tr("The folder %1 cannot be read").arg(folder);
         return {};
     }
-    int percent = -1;
-    const auto report = [&](double share) {
-        const int now = static_cast<int>(share * 100.0);
-        if (progress && now > percent)
-            progress->UpdateProgress(now);
-        percent = std::max(percent, now);
-    };
-    std::vector<Candidate> candidates;
+    std::vector<ZrRecentLog> logs;
+    QHash<QString, Seen> now;
     const QFileInfoList infos = dir.entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
     for (int i = 0; i < infos.size() && !cancel; ++i) {
         const QString path = infos[i].filePath();
-        QFile file(path);
-        QByteArray header;
-        // Nothing but files is opened: a pipe would wait for its writer.
-        if (infos[i].isFile() && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-            header = file.read(ZrLogHeader::Size);
-        const bool isLog
-            = header.size() == int(ZrLogHeader::Size) && IsHeader(ZrLogHeader::Decode(Bytes(header, 0)));
-        if (isLog || path.endsWith(QLatin1String(".log"), Qt::CaseInsensitive))
-            candidates.push_back(
-                {path, isLog ? ZrLogHeader::Decode(Bytes(header, 0)).created : std::nan("")});
-        report(0.5 * (i + 1) / infos.size());
+        Seen file = seen.value(path);
+        const qint64 changed = infos[i].lastModified().toMSecsSinceEpoch();
+        if (!seen.contains(path) || file.size != infos[i].size() || file.changed != changed)
+            file = LookAtHeader(infos[i]);
+        now.insert(path, file);
+        if (file.isLog || path.endsWith(QLatin1String(".log"), Qt::CaseInsensitive)) {
+            ZrRecentLog log;
+            log.path = path;
+            log.size = static_cast<u64>(std::max<qint64>(file.size, 0));
+            log.start = file.isLog ? file.created : std::nan("");
+            logs.push_back(log);
+        }
+        Report(0.5 * (i + 1) / infos.size());
     }
-    const auto newer = [](double a, double b) { return std::isnan(b) ? !std::isnan(a) : a > b; };
-    std::stable_sort(candidates.begin(), candidates.end(),
-        [newer](const Candidate& a, const Candidate& b) { return newer(a.created, b.created); });
-    if (candidates.size() > most)
-        candidates.resize(most);
+    if (!cancel)
+        seen = now;
+    std::stable_sort(logs.begin(), logs.end(),
+        [](const ZrRecentLog& a, const ZrRecentLog& b) { return IsNewer(a.start, b.start); });
+    return logs;
+}
+
+ZrRecent::Seen ZrRecent::LookAtHeader(const QFileInfo& info)
+{
+    Seen seenNow;
+    seenNow.size = info.size();
+    seenNow.changed = info.lastModified().toMSecsSinceEpoch();
+    QFile file(info.filePath());
+    QByteArray header;
+    // Nothing but files is opened: a pipe would wait for its writer.
+    if (info.isFile() && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        header = file.read(ZrLogHeader::Size);
+    seenNow.isLog
+        = header.size() == int(ZrLogHeader::Size) && IsHeader(ZrLogHeader::Decode(Bytes(header, 0)));
+    if (seenNow.isLog)
+        seenNow.created = ZrLogHeader::Decode(Bytes(header, 0)).created;
+    return seenNow;
+}
+
+/// Tells each whole percent.
+void ZrRecent::Report(double share)
+{
+    const int now = static_cast<int>(share * 100.0);
+    if (progress && now > m_percent)
+        progress->UpdateProgress(now);
+    m_percent = std::max(m_percent, now);
+}
+
+std::vector<ZrRecentLog> ZrRecent::List(const QString& folder, std::size_t most)
+{
+    m_percent = -1;
+    std::vector<ZrRecentLog> found = Find(folder);
+    if (found.size() > most)
+        found.resize(most);
     std::vector<ZrRecentLog> logs;
-    for (std::size_t i = 0; i < candidates.size() && !cancel; ++i) {
-        logs.push_back(Look(candidates[i].path));
-        report(0.5 + 0.5 * static_cast<double>(i + 1) / static_cast<double>(candidates.size()));
+    for (std::size_t i = 0; i < found.size() && !cancel; ++i) {
+        logs.push_back(Look(found[i].path));
+        Report(0.5 + 0.5 * static_cast<double>(i + 1) / static_cast<double>(found.size()));
     }
     std::stable_sort(logs.begin(), logs.end(),
-        [newer](const ZrRecentLog& a, const ZrRecentLog& b) { return newer(a.start, b.start); });
-    if (!cancel)
-        report(1.0);
+        [](const ZrRecentLog& a, const ZrRecentLog& b) { return IsNewer(a.start, b.start); });
+    if (!cancel && m_error.isEmpty())
+        Report(1.0);
     return logs;
 }

@@ -4,6 +4,7 @@
 #include "ZrKit/review/ZrRecentLog.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QString>
 
 #include <atomic>
@@ -11,6 +12,7 @@
 #include <vector>
 
 class IZrProgress;
+class QFileInfo;
 
 /// Lists the recordings of a folder, newest first, without reading them.
 ///
@@ -40,6 +42,22 @@ public:
     IZrProgress* progress = nullptr; ///< told each whole percent; may be null
     std::atomic<bool> cancel{false}; ///< ends the work at the next file; never cleared here
 
+    /// A file of a folder as it was read.
+    struct Seen
+    {
+        qint64 size = 0; ///< bytes
+        qint64 changed = 0; ///< ms since 1970
+        bool isLog = false; ///< it begins as one
+        double created = 0.0; ///< the time in its file header
+    };
+
+    /// Of what was seen before, by path, and has the same size and time, the header is not read again.
+    QHash<QString, Seen> seen;
+
+    /// All recordings of \p folder, the latest first by the times in their file headers; those without one
+    /// come last. Of each there are path, size and that time alone. Else as `List`.
+    std::vector<ZrRecentLog> Find(const QString& folder);
+
     /// At most \p most recordings of \p folder, by the times in their file headers; those without one come
     /// last. What was found before `cancel` was set. Empty, with a sentence in `Error`, when the folder
     /// cannot be read.
@@ -51,5 +69,9 @@ public:
     QString Error() const { return m_error; } ///< of the last `List`; else empty
 
 private:
+    static Seen LookAtHeader(const QFileInfo& info);
+    void Report(double share);
+
+    int m_percent = -1; ///< told last
     QString m_error;
 };

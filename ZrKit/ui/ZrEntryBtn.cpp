@@ -30,8 +30,11 @@ void ZrEntryBtn::paintEvent(QPaintEvent* event)
     const QRectF sign(margin, (height() - side) / 2.0, side, side);
     ZrCtrlLook::PaintIcon(painter, sign, icon, ZrTheme::ctrlCheckCol);
     const double left = sign.right() + margin;
-    const QFont title = ZrTheme::fontLarge;
-    const QFont hint = ZrTheme::font;
+    // No text is smaller than is read at arm's length.
+    QFont title = ZrTheme::fontLarge;
+    title.setPixelSize(std::max(title.pixelSize(), 16));
+    QFont hint = ZrTheme::font;
+    hint.setPixelSize(std::max(hint.pixelSize(), 14));
     const double titleHeight = QFontMetricsF(title).height();
     const double hintHeight = QFontMetricsF(hint).height();
     const bool hasHint = !m_hint.isEmpty() && titleHeight + hintHeight <= height();

@@ -63,7 +63,9 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
-        const ZrListItem item = m_list.Items().value(index.row());
+        ZrListItem item = m_list.Items().value(index.row());
+        if (item.isPicture && item.image.isNull() && m_list.m_picture)
+            item.image = m_list.m_picture(index.row());
         const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
         const QRect row = option.rect;
         painter->save();
@@ -104,7 +106,7 @@ private:
 
     static int PaintDetail(QPainter& painter, const ZrListItem& item, const QRect& area)
     {
-        painter.setFont(ZrTheme::font);
+        painter.setFont(ZrLegible::Font(18));
         painter.setPen(ZrTheme::bodyCol);
         const int width = std::min(painter.fontMetrics().horizontalAdvance(item.detail), area.width() / 2);
         const QRect target(area.right() - width, area.y(), width + 1, area.height());
@@ -216,7 +218,7 @@ void ZrTouchList::paintEvent(QPaintEvent* event)
     if (!m_model->items.isEmpty() || m_empty.isEmpty())
         return;
     QPainter painter(viewport());
-    painter.setFont(ZrTheme::font);
+    painter.setFont(ZrLegible::Font(18));
     painter.setPen(ZrTheme::bodyCol);
     const int margin = ZrTheme::DpI(16);
     painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),

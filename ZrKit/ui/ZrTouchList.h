@@ -6,6 +6,8 @@
 #include <QListView>
 #include <QVector>
 
+#include <functional>
+
 /// A list for fingers: rows that a finger hits, scrolled by it and coasting on, with one current row.
 ///
 /// \code
@@ -23,6 +25,10 @@ public:
     static constexpr float RowHeight = 72.0F; ///< design pixels; rows without a subtitle take 56
 
     QString m_empty; ///< shown while there is no item
+
+    /// Makes the pictures of rows that are to have one and hold none, when they are painted: those of a long
+    /// list would take much memory, and nobody waits for them. May be empty.
+    std::function<QImage(int row)> m_picture;
 
     explicit ZrTouchList(QWidget* parent);
     ~ZrTouchList() override;

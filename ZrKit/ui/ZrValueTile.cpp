@@ -11,6 +11,7 @@
 
 namespace {
 
+
 const QString dash = QStringLiteral("–"); ///< a value that is not known
 
 QColor ColourOf(ZrValueTile::eState state)

@@ -20,7 +20,11 @@
 
 namespace {
 
-constexpr int mostRecordings = 50;
+constexpr int mostRecordings = 20000;
+constexpr int mostPreviews = 100; ///< that are made without being asked for
+constexpr int mostPictures = 8192; ///< kB
+constexpr int leaveMs = 30000; ///< a page that is left for longer has no more previews made
+constexpr int smallest = 14; ///< pixels of a text
 constexpr int tickMs = 1000;
 constexpr int ticksPerListing = 10;
 constexpr qint64 megabyte = 1000000;
@@ -51,6 +55,9 @@ HomePage::HomePage(SurveyView& view)
     , m_banner(new StateBanner(this, view))
     , m_list(new ZrTouchList(this))
     , m_recordings(new ZrRecordingList(this))
+    , m_previews(new ZrRecordingPreviews(this))
+    , m_pictures(mostPictures)
+    , m_leave(new QTimer(this))
     , m_tick(new QTimer(this))
 {
     m_back->hide();
@@ -69,10 +76,31 @@ HomePage::HomePage(SurveyView& view)
         if (row >= 0 && row < m_shown.size())
             View().OpenLog(m_shown[row].log.path);
     });
-    connect(m_recordings, &ZrRecordingList::Finished, this, &HomePage::ShowRecordings);
+    m_list->m_picture = [this](int row) { return Picture(row); };
+    connect(m_recordings, &ZrRecordingList::Listed, this, &HomePage::ShowRecordings);
+    connect(m_recordings, &ZrRecordingList::Finished, this, [this] {
+        ShowRecordings();
+        WantPreviews();
+    });
+    connect(m_previews, &ZrRecordingPreviews::Made, this, [this](const QString& path) {
+        m_pictures.remove(path);
+        m_list->viewport()->update();
+        if (isVisible())
+            ListRecordings(); // its time and length are known as well
+    });
+    m_leave->setSingleShot(true);
+    m_leave->setInterval(leaveMs);
+    connect(m_leave, &QTimer::timeout, m_previews, &ZrRecordingPreviews::Cancel);
     const SurveyModel& model = view.Model();
     connect(&model.vehicle, &SurveyVehicle::Changed, this, &HomePage::OnVehicle);
     connect(&model.recording, &SurveyRecording::Changed, this, &HomePage::ShowState);
+    connect(&model.recording, &SurveyRecording::Switched, this, [this](bool isOn) {
+        // The disk is for the recording.
+        if (isOn)
+            m_previews->Cancel();
+        else if (isVisible())
+            ListRecordings();
+    });
     connect(&model.feed, &SurveyFeed::Changed, this, &HomePage::ShowState);
     connect(&view, &SurveyView::SettingsChanged, this, [this] {
         ListRecordings();
@@ -110,11 +138,13 @@ void HomePage::showEvent(QShowEvent* event)
 {
     SurveyPage::showEvent(event);
     m_tick->start(tickMs);
+    m_leave->stop();
 }
 
 void HomePage::hideEvent(QHideEvent* event)
 {
     m_tick->stop();
+    m_leave->start();
     SurveyPage::hideEvent(event);
 }
 
@@ -194,13 +224,13 @@ void HomePage::ShowRecordings()
     if (m_shown == m_recordings->Recordings() && m_list->Items().size() == m_shown.size())
         return;
     m_shown = m_recordings->Recordings();
+    m_pictures.clear();
     QVector<ZrListItem> items;
     for (const ZrRecording& recording : qAsConst(m_shown)) {
         ZrListItem item;
         item.title = QFileInfo(recording.log.path).completeBaseName();
         item.subtitle = HomeState::RecordingText(recording.log);
-        item.image = Preview(recording);
-        item.isPicture = true;
+        item.isPicture = true; // see Picture
         if (recording.log.isDamaged) {
             item.detail = tr("Damaged");
             item.edge = ZrTheme::errorCol;
@@ -208,6 +238,25 @@ void HomePage::ShowRecordings()
         items.append(item);
     }
     m_list->SetItems(items);
+}
+
+/// The latest ones that have none, unless the vehicle is recording.
+void HomePage::WantPreviews()
+{
+    if (isVisible() && !View().Model().recording.IsOn())
+        m_previews->Want(m_shown.mid(0, mostPreviews));
+}
+
+QImage HomePage::Picture(int row)
+{
+    if (row < 0 || row >= m_shown.size())
+        return {};
+    const QString path = m_shown[row].log.path;
+    if (const QImage* known = m_pictures.object(path))
+        return *known;
+    const QImage made = Preview(m_shown[row]);
+    m_pictures.insert(path, new QImage(made), std::max(static_cast<int>(made.sizeInBytes() / 1024), 1));
+    return made;
 }
 
 /// Where the vehicle went, or a sign where that is not known.
@@ -221,7 +270,8 @@ QImage HomePage::Preview(const ZrRecording& recording) const
     painter.setRenderHint(QPainter::Antialiasing);
     const double side = high * 0.76;
     QRectF box(0, 0, side, side);
-    if (recording.outline.isEmpty()) {
+    const QPolygonF outline = m_previews->Outline(recording);
+    if (outline.isEmpty()) {
         const bool isDamaged = recording.log.isDamaged;
         box.setSize(QSizeF(high, high) * 0.5);
         box.moveCenter(QRectF(image.rect()).center());
@@ -230,12 +280,12 @@ QImage HomePage::Preview(const ZrRecording& recording) const
         ZrCtrlLook::PaintIcon(painter, box, sign, isDamaged ? ZrTheme::errorCol : ZrTheme::bodyCol);
         return image;
     }
-    const QRectF covered = recording.outline.boundingRect();
+    const QRectF covered = outline.boundingRect();
     QTransform place;
     place.translate(image.width() / 2.0, high / 2.0);
     place.scale(side, side);
     place.translate(-covered.center().x(), -covered.center().y());
-    const QPolygonF track = place.map(recording.outline);
+    const QPolygonF track = place.map(outline);
     painter.setPen(
         QPen(ZrTheme::track, std::max(high / 30.0, 1.0), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPolyline(track);
@@ -250,6 +300,7 @@ void HomePage::OnColours()
     m_banner->Restyle();
     m_list->Restyle();
     // The pictures have the colours of before.
+    m_pictures.clear();
     m_list->SetItems({});
     ShowRecordings();
     SurveyPage::OnColours();
@@ -259,7 +310,7 @@ void HomePage::Place()
 {
     const int margin = 2 * Gap();
     const QRect area = Content().adjusted(margin, margin, -margin, -margin);
-    const int tileHeight = std::max(ZrTheme::DpI(104), 64);
+    const int tileHeight = std::max(ZrTheme::DpI(104), 72);
     const int shares = 9; // three of the position, two of each other
     const auto edge = [&](int share) { return area.x() + share * (area.width() + margin) / shares; };
     int share = 0;
@@ -308,7 +359,9 @@ void HomePage::paintEvent(QPaintEvent* event)
     const QString title = tr("Latest recordings");
     painter.drawText(heading, Qt::AlignLeft | Qt::AlignVCenter, title);
     const int used = painter.fontMetrics().horizontalAdvance(title) + 3 * Gap();
-    painter.setFont(ZrTheme::font);
+    QFont small = ZrTheme::font;
+    small.setPixelSize(std::max(small.pixelSize(), smallest));
+    painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
     const QString folder = painter.fontMetrics().elidedText(
         View().Model().settings.recordDir, Qt::ElideMiddle, heading.width() - used);

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "ZrKit/review/ZrRecordingList.h"
+#include "ZrKit/review/ZrRecordingPreviews.h"
 #include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/SurveyPage.h"
+
+#include <QCache>
 
 #include <functional>
 
@@ -13,8 +16,9 @@ class ZrTouchList;
 
 /// The state at a glance, the latest recordings, and the way to everything else.
 ///
-/// The tiles are looked at once a second while the page is shown, the folder of recordings every ten: what
-/// says the same as before is not painted.
+/// Recordings without a preview get one while the page is shown and nothing is recorded; pictures are drawn
+/// of the rows in view alone. The tiles are looked at once a second while the page is shown, the folder of
+/// recordings every ten: what says the same as before is not painted.
 class HomePage : public SurveyPage
 {
     Q_OBJECT
@@ -40,7 +44,9 @@ private:
     void TellRate();
     void OnVehicle();
     void OnTick();
+    QImage Picture(int row);
     QImage Preview(const ZrRecording& recording) const;
+    void WantPreviews();
     QRect HeadingRect() const;
 
     QVector<ZrEntryBtn*> m_entries;
@@ -51,6 +57,9 @@ private:
     StateBanner* m_banner;
     ZrTouchList* m_list;
     ZrRecordingList* m_recordings;
+    ZrRecordingPreviews* m_previews;
+    QCache<QString, QImage> m_pictures; ///< by path; in kB
+    QTimer* m_leave; ///< until the page was left for long
     QVector<ZrRecording> m_shown;
     QRect m_panel; ///< around the list
     QTimer* m_tick;

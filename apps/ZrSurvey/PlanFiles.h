@@ -1,22 +1,30 @@
 #pragma once
 
+#include "ZrKit/planning/ZrPlanState.h"
+#include "ZrKit/review/ZrWorker.h"
+
 #include <QObject>
+#include <QQueue>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 class SurveyView;
 class ZrChoicePanel;
 class ZrFilePanel;
-class ZrPlanReview;
 
 /// Where plans come from and go to: new, open, save, export, and the draft of a plan that was not saved.
 /// Nothing asks whether it is meant: what goes can be brought back.
+///
+/// Files are read and written in a thread of their own, one after the other in the order asked for.
 class PlanFiles : public QObject
 {
     Q_OBJECT
 
 public:
-    PlanFiles(SurveyView& view, ZrPlanReview& review, QObject* parent);
+    PlanFiles(SurveyView& view, QObject* parent);
+    ~PlanFiles() override; ///< what is to be written is written
 
     void New();
     void ShowOpen();
@@ -24,16 +32,21 @@ public:
     void ShowSaveAs();
     void ShowExport();
     void ShowAreas(); ///< reads survey areas from a file
-    bool Open(const QString& path); ///< false, after a message
+    void Open(const QString& path); ///< `Opened` tells, or a message
     void Restyle();
 
-    void RestoreDraft(); ///< what was not saved when the program ended; told by `TellDraft`
-    void TellDraft();
+    void RestoreDraft(); ///< begins to read what was not saved when the program ended
+    void TellDraft(); ///< says so, now or when it is read
 
     ZrFilePanel& Panel() const { return *m_panel; }
 
+    bool IsBusy() const { return m_worker.IsWorking(); } ///< with a file
+
+    bool IsRestoring() const { return m_isRestoring; } ///< the draft is still being read
+
 Q_SIGNALS:
     void Opened(); ///< the plan is another one
+    void BusyChanged();
 
 private:
     enum eTask : int
@@ -46,14 +59,28 @@ private:
 
     void Show(eTask task, const QString& title, bool isSaving, const QStringList& suffixes);
     void Take(const QString& path);
-    bool SaveTo(const QString& path);
+    void SaveTo(const QString& path);
+    void Export(const QString& path);
     void ReadAreas(const QString& path);
-    void TellLost(const QString& text, const QByteArray& state, bool wasDirty);
+    void TellLost(const QString& text, const ZrPlanState& state, bool wasDirty);
+    void Run(const std::function<void()>& work, const std::function<void()>& then);
+    void StartNext();
+    void OnFinished();
+
+    /// What is done with a file, and what then is done with what came of it.
+    struct Job
+    {
+        std::function<void()> work; ///< in the worker's thread
+        std::function<void()> then;
+    };
 
     SurveyView& m_view;
-    ZrPlanReview& m_review;
+    QQueue<Job> m_jobs; ///< the first one is under way
+    ZrWorker m_worker;
     ZrFilePanel* m_panel;
     eTask m_task = taskOpen;
     QString m_draftProblem;
     bool m_hasRestored = false;
+    bool m_isRestoring = false;
+    bool m_isTellingDue = false;
 };

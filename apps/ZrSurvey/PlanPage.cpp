@@ -26,6 +26,9 @@ namespace {
 /// Routes of more waypoints are measured in the thread of the review alone.
 constexpr int mostAtOnce = 2000;
 
+/// From which on work with a file is told.
+constexpr int busyMs = 300;
+
 /// Metres per pixel at which an empty plan begins.
 constexpr double firstScale = 1.0;
 
@@ -51,7 +54,7 @@ PlanPage::PlanPage(SurveyView& view)
     , m_drawing(m_chart)
     , m_review(view.Model().plan)
     , m_panel(new ZrMapPanel(this, m_map))
-    , m_files(new PlanFiles(view, m_review, this))
+    , m_files(new PlanFiles(view, this))
     , m_list(new PlanListPanel(view, this))
     , m_point(new PlanPointPanel(view, this))
     , m_pattern(new PlanPatternPanel(view, this))
@@ -64,10 +67,13 @@ PlanPage::PlanPage(SurveyView& view)
     , m_count(new ZrValueTile(this, tr("Waypoints")))
     , m_check(new ZrValueTile(this, tr("Checks")))
     , m_later(new QTimer(this))
+    , m_busy(new QTimer(this))
 {
     m_hasBackground = false;
     m_more->hide();
     m_later->setSingleShot(true);
+    m_busy->setSingleShot(true);
+    m_busy->setInterval(busyMs);
     m_map.m_layers = m_chart.Layers();
     m_map.m_layers.prepend(&m_grid);
     m_map.m_layers += m_drawing.Layers();
@@ -197,6 +203,14 @@ void PlanPage::Connect()
         m_isCameraDue = false;
         Later();
     });
+    connect(m_busy, &QTimer::timeout, this, &PlanPage::ShowState);
+    connect(m_files, &PlanFiles::BusyChanged, this, [this] {
+        if (m_files->IsBusy())
+            m_busy->start();
+        else
+            m_busy->stop();
+        Later();
+    });
     connect(m_panel, &ZrMapPanel::Changed, this, &SurveyPage::Changed);
     connect(m_panel, &ZrMapPanel::CameraMoved, this, &PlanPage::KeepCamera);
     connect(m_panel, &ZrMapPanel::Tapped, this, &PlanPage::OnTapped);
@@ -215,11 +229,13 @@ void PlanPage::Connect()
     connect(m_list, &PlanListPanel::ReverseWanted, this, &PlanPage::Reverse);
     connect(m_list, &PlanListPanel::DeleteWanted, this, &PlanPage::DeleteSelected);
     connect(m_pattern, &PlanPatternPanel::Planned, this, [this] {
+        if (m_mode != modePattern)
+            return;
         m_drawing.SetPattern(m_pattern->Plan());
         m_drawing.Build(false);
         Changed();
     });
-    connect(m_pattern, &PlanPatternPanel::ApplyWanted, this, &PlanPage::ApplyPattern);
+    connect(m_pattern, &PlanPatternPanel::Applied, this, &PlanPage::ApplyPattern);
     connect(m_pattern, &PlanPatternPanel::CancelWanted, this, [this] { SetMode(modeBrowse); });
     connect(m_checks, &ZrTouchList::Chosen, this, [this](int row) {
         const auto& findings = m_review.Findings();
@@ -316,7 +332,7 @@ void PlanPage::MatchOrigin()
 /// Once the page is seen, where it was left before the last end of the program.
 void PlanPage::RestoreCamera()
 {
-    if (!m_isCameraDue || !isVisible())
+    if (!m_isCameraDue || !isVisible() || m_files->IsRestoring())
         return;
     m_isCameraDue = false;
     const SurveySettings& settings = View().Model().settings;
@@ -359,7 +375,7 @@ void PlanPage::Refresh()
     m_chart.SetRoute(Plan().Route(), path);
     m_chart.SetFindings(m_review.Findings());
     m_chart.SetSelected(m_selected, m_leg);
-    if (m_isFitDue && isVisible())
+    if (m_isFitDue && isVisible() && !m_files->IsRestoring())
         Fit();
     ShowTotals();
     ShowChecks();

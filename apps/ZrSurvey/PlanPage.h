@@ -43,7 +43,7 @@ public:
     explicit PlanPage(SurveyView& view);
     ~PlanPage() override;
 
-    bool OpenPlan(const QString& path); ///< false, after a message, when it cannot be read
+    void OpenPlan(const QString& path); ///< in a while, or a message tells why not
 
     eMode Mode() const { return m_mode; }
 
@@ -168,6 +168,7 @@ private:
     ZrValueTile* m_count = nullptr;
     ZrValueTile* m_check = nullptr;
     QTimer* m_later;
+    QTimer* m_busy; ///< until work with a file is worth a word
     QString m_units; ///< those that everything is shown in
     QString m_hint; ///< above the map; empty for none
     QRect m_hintRect;

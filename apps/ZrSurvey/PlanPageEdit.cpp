@@ -49,9 +49,9 @@ void PlanPage::CentreOn(ZrGeoPoint place)
     m_panel->Moved();
 }
 
-bool PlanPage::OpenPlan(const QString& path)
+void PlanPage::OpenPlan(const QString& path)
 {
-    return m_files->Open(path);
+    m_files->Open(path);
 }
 
 void PlanPage::RemoveLastCorner()
@@ -374,17 +374,20 @@ void PlanPage::StartCorridor()
     m_pattern->SetGuide(guide);
 }
 
+/// The lines of what is shown, in time: `PlanPatternPanel::Apply`.
 void PlanPage::ApplyPattern()
 {
     if (m_mode != modePattern)
         return;
-    m_pattern->Settle();
-    if (m_pattern->Plan().waypoints.empty())
-        return;
-    const std::vector<ZrWpt> waypoints = m_pattern->Waypoints();
+    const std::vector<ZrWpt>& waypoints = m_pattern->Waypoints();
     const int lines = static_cast<int>(m_pattern->Plan().lines.size());
-    const int at = m_selected >= 0 ? m_selected + 1 : Plan().Route().GetCount();
-    Plan().History().InsertPattern(waypoints, at);
+    const int count = Plan().Route().GetCount();
+    if (count + static_cast<int>(waypoints.size()) > ZrSurveyPlanner::MostWaypoints) {
+        View().Warn(tr("The plan would have more than %1 waypoints. Choose a larger spacing.")
+                        .arg(ZrSurveyPlanner::MostWaypoints));
+        return;
+    }
+    Plan().History().InsertPattern(waypoints, m_selected >= 0 ? m_selected + 1 : count);
     m_selectedId = QUuid();
     Plan().Edited();
     SetMode(modeBrowse);

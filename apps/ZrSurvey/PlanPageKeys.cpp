@@ -3,6 +3,7 @@
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/PlanPage.h"
+#include "apps/ZrSurvey/PlanPatternPanel.h"
 
 bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
 {
@@ -75,8 +76,10 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        ApplyPattern();
-        return m_mode == modePattern;
+        if (m_mode != modePattern)
+            return false;
+        m_pattern->Apply();
+        return true;
     case Qt::Key_Escape:
         if (m_mode == modeBrowse && m_selected < 0 && m_leg < 0 && m_area < 0)
             return false;

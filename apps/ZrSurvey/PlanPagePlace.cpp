@@ -6,6 +6,7 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/PlanListPanel.h"
 #include "apps/ZrSurvey/PlanMarginPanel.h"
 #include "apps/ZrSurvey/PlanPage.h"
@@ -15,6 +16,7 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -164,7 +166,10 @@ void PlanPage::ShowState()
     m_redo->setEnabled(history.CanRedo());
     m_undo->setToolTip(tr("Undo %1 (Ctrl+Z)").arg(history.UndoName()).simplified());
     m_redo->setToolTip(tr("Redo %1 (Ctrl+Y)").arg(history.RedoName()).simplified());
-    SetSubtitle(Plan().IsDirty() ? tr("%1 • not saved").arg(Plan().Name()) : Plan().Name());
+    if (m_files->IsBusy() && !m_busy->isActive())
+        SetSubtitle(tr("%1 • reading or writing …").arg(Plan().Name()));
+    else
+        SetSubtitle(Plan().IsDirty() ? tr("%1 • not saved").arg(Plan().Name()) : Plan().Name());
     m_list->Show(m_selected, Path());
     m_point->Show(Waypoint(m_selected), m_chart.Grid());
     m_addTool->on = m_mode == modeAdd;

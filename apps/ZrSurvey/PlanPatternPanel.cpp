@@ -1,17 +1,13 @@
 #include "apps/ZrSurvey/PlanPatternPanel.h"
 
-#include "ZrKit/planning/ZrSurveyCorridor.h"
-#include "ZrKit/planning/ZrSurveyPattern.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrSlider.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
-#include "ZrUtil/ZrWpts.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
-#include <QTimer>
 
 #include <algorithm>
 #include <limits>
@@ -19,6 +15,7 @@
 namespace {
 
 constexpr int makeMs = 30;
+constexpr int signMs = 250; ///< what is planned sooner needs no sign of work
 constexpr int ownSpeed = 4; ///< `ZrWpt::spdType`
 constexpr double largestSpacing = 5000.0; ///< metres
 constexpr double largestRadius = 1000.0; ///< metres
@@ -29,6 +26,7 @@ constexpr int mostBeside = 50; ///< lines
 PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
     : PlanPanel(view, parent)
     , m_timer(new QTimer(this))
+    , m_sign(new QTimer(this))
     , m_spacing(AddField(tr("Line spacing"), ZrInput::kindShortLength,
           [this](double value) {
               m_settings.lineSpacing = value;
@@ -57,7 +55,8 @@ PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
     , m_heading(new ZrSlider(this))
     , m_along(AddButton(QString(), tr("Along the longest side"), tr("Heading of the longest side"),
           [this] {
-              m_settings.heading = m_along->on ? std::numeric_limits<double>::quiet_NaN() : m_plan.heading;
+              m_settings.heading
+                  = m_along->on ? std::numeric_limits<double>::quiet_NaN() : m_heading->Value();
               Later();
           }))
     , m_order(AddButton(QStringLiteral("pattern"), QString(), tr("The order of the lines"),
@@ -106,10 +105,14 @@ PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
     m_apply->setObjectName(QStringLiteral("apply"));
     m_apply->img = QImage(QStringLiteral(":/icons/check.png"));
     m_apply->setToolTip(tr("Make the lines part of the plan (Return)"));
-    connect(m_apply, &ZrBtn::Clicked, this, &PlanPatternPanel::ApplyWanted);
+    connect(m_apply, &ZrBtn::Clicked, this, &PlanPatternPanel::Apply);
+    connect(&m_planner, &ZrSurveyPlanner::Ready, this, &PlanPatternPanel::OnReady);
     m_timer->setSingleShot(true);
     m_timer->setInterval(makeMs);
     connect(m_timer, &QTimer::timeout, this, &PlanPatternPanel::Make);
+    m_sign->setSingleShot(true);
+    m_sign->setInterval(signMs);
+    connect(m_sign, &QTimer::timeout, this, qOverload<>(&QWidget::update));
 }
 
 void PlanPatternPanel::SetArea(const ZrArea& area)
@@ -130,41 +133,65 @@ void PlanPatternPanel::SetGuide(const std::vector<ZrGeoPoint>& guide)
 
 void PlanPatternPanel::Later()
 {
+    m_isApplyDue = false;
     m_timer->start();
-}
-
-void PlanPatternPanel::Settle()
-{
-    if (m_timer->isActive())
-        Make();
+    ShowState();
 }
 
 void PlanPatternPanel::Make()
 {
     m_timer->stop();
+    m_isApplyDue = false;
     if (m_isCorridor) {
         ZrSurveyCorridorSettings settings;
         static_cast<ZrSurveySettings&>(settings) = m_settings;
         settings.lineSpacing = m_settings.lineSpacing;
         settings.linesLeft = settings.linesRight = m_linesBeside;
-        ZrSurveyCorridor corridor;
-        corridor.Make(m_guide, settings);
-        m_plan = corridor.Plan();
-        m_problem = corridor.Error();
+        m_planner.Make(m_guide, settings);
     } else {
-        ZrSurveyPattern pattern;
-        pattern.Make(m_area, m_settings);
-        m_plan = pattern.Plan();
-        m_problem = pattern.Error();
+        m_planner.Make(m_area, m_settings);
     }
-    if (m_problem.isEmpty()) {
-        const QSignalBlocker blocker(m_heading);
-        m_heading->SetValue(m_plan.heading);
-    }
-    m_apply->setEnabled(!m_plan.waypoints.empty());
     ShowChoices();
-    update();
+    ShowState();
+}
+
+void PlanPatternPanel::OnReady()
+{
+    // A finger on the slider is ahead of what is planned.
+    if (Problem().isEmpty() && IsCurrent()) {
+        const QSignalBlocker blocker(m_heading);
+        m_heading->SetValue(Plan().heading);
+    }
+    ShowState();
     Q_EMIT Planned();
+    if (m_isApplyDue && IsCurrent())
+        Apply();
+}
+
+void PlanPatternPanel::Apply()
+{
+    m_isApplyDue = !IsCurrent();
+    if (m_timer->isActive()) {
+        Make();
+        m_isApplyDue = true;
+    }
+    ShowState();
+    if (!m_isApplyDue && !Plan().waypoints.empty())
+        Q_EMIT Applied();
+}
+
+void PlanPatternPanel::ShowState()
+{
+    // Of what is planned now nothing is known yet.
+    const bool isUseful = !IsCurrent() || !Plan().waypoints.empty();
+    m_apply->setEnabled(isUseful);
+    m_apply->text = m_isApplyDue ? tr("Planning …") : tr("Apply");
+    m_apply->Changed();
+    if (IsCurrent())
+        m_sign->stop();
+    else if (!m_sign->isActive())
+        m_sign->start();
+    update(m_textRect);
 }
 
 void PlanPatternPanel::ShowChoices()
@@ -175,16 +202,6 @@ void PlanPatternPanel::ShowChoices()
     m_entry->text = entries[m_settings.entry];
     m_order->Changed();
     m_entry->Changed();
-}
-
-std::vector<ZrWpt> PlanPatternPanel::Waypoints() const
-{
-    ZrWpts route;
-    m_plan.AppendTo(route);
-    std::vector<ZrWpt> waypoints;
-    for (ZrListPos* pos = route.GetHeadPos(); pos;)
-        waypoints.push_back(*route.GetNext(pos));
-    return waypoints;
 }
 
 void PlanPatternPanel::Restyle()
@@ -218,9 +235,14 @@ void PlanPatternPanel::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     const int flags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
     painter.setFont(ZrTheme::font);
-    if (!m_problem.isEmpty()) {
+    if (!IsCurrent() && !m_sign->isActive()) {
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(m_textRect, flags, tr("Planning the lines …"));
+        return;
+    }
+    if (!Problem().isEmpty()) {
         painter.setPen(ZrTheme::errorCol);
-        painter.drawText(m_textRect, flags, m_problem);
+        painter.drawText(m_textRect, flags, Problem());
         return;
     }
     painter.setPen(ZrTheme::ctrlCol);
@@ -228,9 +250,10 @@ void PlanPatternPanel::paintEvent(QPaintEvent* event)
         return ZrUnits::GetLengthString(metres, 1, false) + QLatin1Char(' ')
             + ZrUnits::GetLengthUnits(metres);
     };
-    QString text = tr("Lines: %1").arg(m_plan.lines.size()) + QLatin1Char('\n')
-        + tr("%1 on lines, %2 in all").arg(length(m_plan.lineLength), length(m_plan.pathLength));
-    if (!m_plan.findings.empty())
-        text += QStringLiteral("\n") + m_plan.findings.front().text;
+    const ZrSurveyPlan& plan = Plan();
+    QString text = tr("Lines: %1").arg(plan.lines.size()) + QLatin1Char('\n')
+        + tr("%1 on lines, %2 in all").arg(length(plan.lineLength), length(plan.pathLength));
+    if (!plan.findings.empty())
+        text += QStringLiteral("\n") + plan.findings.front().text;
     painter.drawText(m_textRect, flags, text);
 }

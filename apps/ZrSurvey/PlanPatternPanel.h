@@ -3,14 +3,17 @@
 #include "ZrKit/planning/ZrArea.h"
 #include "ZrKit/planning/ZrSurveyCorridorSettings.h"
 #include "ZrKit/planning/ZrSurveyPatternSettings.h"
-#include "ZrKit/planning/ZrSurveyPlan.h"
+#include "ZrKit/planning/ZrSurveyPlanner.h"
 #include "apps/ZrSurvey/PlanPanel.h"
 
-class QTimer;
+#include <QTimer>
+
 class ZrSlider;
-class ZrWpt;
 
 /// Survey lines over an area, or along a guide, before they become part of the plan.
+///
+/// They are planned in a thread of their own; what is shown meanwhile are the lines of before, with a word of
+/// that.
 class PlanPatternPanel : public PlanPanel
 {
     Q_OBJECT
@@ -21,20 +24,25 @@ public:
     void SetArea(const ZrArea& area); ///< plans lines over it
     void SetGuide(const std::vector<ZrGeoPoint>& guide); ///< plans lines along it
 
-    const ZrSurveyPlan& Plan() const { return m_plan; } ///< empty when there is a problem
+    const ZrSurveyPlan& Plan() const { return m_planner.Plan(); } ///< empty when there is a problem
 
-    QString Problem() const { return m_problem; }
+    QString Problem() const { return m_planner.Error(); }
 
-    void Settle(); ///< plans what was given last, at once
+    /// Whether the plan is that of the parameters that are shown.
+    bool IsCurrent() const { return !m_timer->isActive() && m_planner.IsCurrent(); }
+
+    /// Has `Applied` told of the lines of exactly the parameters that are shown: at once if they are planned,
+    /// else when they are, unless a parameter is changed before.
+    void Apply();
 
     /// The waypoints as a route has them.
-    std::vector<ZrWpt> Waypoints() const;
+    const std::vector<ZrWpt>& Waypoints() const { return m_planner.Waypoints(); }
 
     void Restyle() override;
 
 Q_SIGNALS:
     void Planned(); ///< the plan is another one
-    void ApplyWanted();
+    void Applied(); ///< the lines are wanted in the plan
     void CancelWanted();
 
 protected:
@@ -44,6 +52,8 @@ protected:
 private:
     void Later(); ///< plans soon: a slider gives many values
     void Make();
+    void OnReady();
+    void ShowState();
     void ShowChoices();
 
     ZrArea m_area;
@@ -51,9 +61,10 @@ private:
     bool m_isCorridor = false;
     ZrSurveyPatternSettings m_settings;
     int m_linesBeside = 2;
-    ZrSurveyPlan m_plan;
-    QString m_problem;
+    ZrSurveyPlanner m_planner;
     QTimer* m_timer;
+    QTimer* m_sign; ///< until the work is worth a word
+    bool m_isApplyDue = false; ///< as soon as the lines are planned
     ZrInput* m_spacing;
     ZrInput* m_radius;
     ZrInput* m_overshoot;

@@ -2,7 +2,6 @@
 
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPalettes.h"
-#include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/recording/ZrSerialSource.h"
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
@@ -13,6 +12,7 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
+#include "ZrUtil/ZrWpts.h"
 #include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/SourceMaker.h"
@@ -20,7 +20,9 @@
 #include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
+#include <QDataStream>
 #include <QDateTime>
 #include <QFileInfo>
 
@@ -54,6 +56,22 @@ QString TimeNow()
     return QCoreApplication::translate("RecordPage", "%1 UTC").arg(ZrTimeText::Clock(now));
 }
 
+/// What the way along a plan depends on. Another key means another way; the form that plans are recorded in
+/// would tell as much, but takes seconds for a long one.
+QByteArray PlanKey(const ZrWpts& plan)
+{
+    QByteArray key;
+    QDataStream out(&key, QIODevice::WriteOnly);
+    out << plan.linked << plan.closed << plan.speedType << plan.speed << ZrWpts::s_msSlow
+        << ZrWpts::s_msMedium << ZrWpts::s_msFast;
+    for (ZrListPos* pos = plan.GetHeadPos(); pos;) {
+        const ZrWpt& wpt = *plan.GetNext(pos);
+        out << wpt.name << wpt.lat << wpt.lng << wpt.r << wpt.z << wpt.zType << wpt.alt << wpt.speed
+            << wpt.spdType << wpt.time << wpt.head << wpt.headType;
+    }
+    return key;
+}
+
 /// Shows \p text, dimmed when \p value is old.
 void ShowValue(
     ZrValueTile* tile, const ZrLiveValue& value, double now, const QString& text, const QString& unit)
@@ -68,7 +86,7 @@ void RecordPage::OpenSource()
 {
     const SurveySettings& settings = View().Model().settings;
     m_openKey = SourceMaker::Key(settings);
-    m_openPlan = ZrPlanRecord::Encode(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
+    m_openPlan = PlanKey(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
     m_trouble.clear();
     m_arrivals.Clear();
     m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
@@ -79,7 +97,7 @@ bool RecordPage::IsPlanNew() const
 {
     const SurveySettings& settings = View().Model().settings;
     return settings.source == SurveySource::simulator && m_openKey == SourceMaker::Key(settings)
-        && m_openPlan != ZrPlanRecord::Encode(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
+        && m_openPlan != PlanKey(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
 }
 
 /// The simulated vehicle begins anew, unless its way is being recorded.

@@ -152,8 +152,9 @@ bool SurveyView::Open(const QString& path)
     }
     ZrLogScan scan;
     if (suffix != QLatin1String("log") && !scan.Open(path))
-        return OpenPlan(path);
-    OpenLog(path);
+        OpenPlan(path);
+    else
+        OpenLog(path);
     return true;
 }
 
@@ -163,10 +164,10 @@ void SurveyView::OpenLog(const QString& path)
     Show(QStringLiteral("Review"));
 }
 
-bool SurveyView::OpenPlan(const QString& path)
+void SurveyView::OpenPlan(const QString& path)
 {
     Show(QStringLiteral("Plan"));
-    return static_cast<PlanPage*>(GetPage(QStringLiteral("Plan")))->OpenPlan(path);
+    static_cast<PlanPage*>(GetPage(QStringLiteral("Plan")))->OpenPlan(path);
 }
 
 void SurveyView::PlaceToast()

@@ -40,12 +40,12 @@ public:
 
     void Show(const QString& page); ///< by name: "Home", "Plan", "Record", "Review", "Scene"
 
-    /// Opens a log, a recording in a foreign form, which is imported first, or a plan, by its content. False,
-    /// after a message, when it is none of them.
+    /// Opens a log, a recording in a foreign form, which is imported first, or a plan, by its content: begins
+    /// to. False, after a message, when it is no file.
     bool Open(const QString& path);
 
     void OpenLog(const QString& path); ///< shows the page "Review" with it
-    bool OpenPlan(const QString& path); ///< shows the page "Plan" with it
+    void OpenPlan(const QString& path); ///< shows the page "Plan" with it
 
     bool SaveSettings(); ///< false, after a message, when they cannot be written
     void SaveSoon(); ///< after a change of `SurveySettings` that concerns no other page
