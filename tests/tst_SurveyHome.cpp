@@ -1,6 +1,7 @@
 // The home page: what its tiles say, where its entries lead, and that it stands still while nothing happens.
 
 #include "SurveyWindow.h"
+#include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/ui/ZrEntryBtn.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrSurveyLog.h"
