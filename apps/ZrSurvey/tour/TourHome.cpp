@@ -20,6 +20,8 @@
 #include <QApplication>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int linePings = 300; ///< of the side-scan line
@@ -101,10 +103,16 @@ void tour::home_again(Tour& tour)
         auto& list = hand.FindAny<ZrTouchList>(&page);
         hand.Await(
             QStringLiteral("both recordings are listed"), [&list] { return list.Items().size() >= 2; });
-        for (const ZrListItem& item : list.Items()) {
-            tour.Expect(!item.image.isNull() && item.isPicture,
-                QStringLiteral("a preview of %1").arg(item.title), QStringLiteral("none"));
+        // They are drawn one after the other, from indexes that the list makes itself.
+        hand.Await(
+            QStringLiteral("both have previews"),
+            [&list] {
+                const QVector<ZrListItem>& items = list.Items();
+                return std::all_of(items.begin(), items.end(),
+                    [](const ZrListItem& item) { return !item.image.isNull() && item.isPicture; });
+            },
+            30000);
+        for (const ZrListItem& item : list.Items())
             tour.Expect(item.detail.isEmpty(), QStringLiteral("%1 is sound").arg(item.title), item.detail);
-        }
     });
 }
