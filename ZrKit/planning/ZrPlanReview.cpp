@@ -47,9 +47,10 @@ void ZrPlanReview::Start()
     job->route = m_plan.Route();
     job->options.noGo = m_plan.NoGo();
     job->options.margin = m_plan.Margin();
+    job->options.speeds = ZrRouteSpeeds();
     m_pool.start([this, job, state = m_wanted] {
         job->findings = ZrRouteCheck::Run(job->route, job->options);
-        job->path = std::make_unique<ZrRoutePath>(job->route, job->options.speeds);
+        job->path = std::make_unique<ZrRoutePath>(job->route, *job->options.speeds);
         const auto take = [this, job, state] {
             m_isRunning = false;
             m_findings = std::move(job->findings);

@@ -272,8 +272,9 @@ private:
 std::vector<ZrRouteFinding> ZrRouteCheck::Run(const ZrWpts& route, const Options& options)
 {
     std::vector<ZrRouteFinding> findings;
-    const ZrRoutePath path(route, options.speeds);
-    PointChecks(route, path, options.speeds, findings).Run();
+    const ZrRouteSpeeds speeds = options.speeds.value_or(ZrRouteSpeeds());
+    const ZrRoutePath path(route, speeds);
+    PointChecks(route, path, speeds, findings).Run();
 
     ZrAreaCheck areas(route, path, options.margin, findings);
     for (std::size_t i = 0; i < options.fences.size(); ++i)

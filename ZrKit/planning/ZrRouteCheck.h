@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrRouteFinding.h"
 #include "ZrKit/planning/ZrRouteSpeeds.h"
 
+#include <optional>
 #include <vector>
 
 class ZrWpts;
@@ -35,7 +36,7 @@ public:
     {
         std::vector<ZrArea> fences; ///< the path must stay inside each of them
         std::vector<ZrArea> noGo; ///< the path must stay outside all of them
-        ZrRouteSpeeds speeds; ///< those of the process when the options are made
+        std::optional<ZrRouteSpeeds> speeds; ///< without them those of the process at the time of the check
         double margin = 0.0; ///< metres that the path must keep from the borders of both
     };
 
