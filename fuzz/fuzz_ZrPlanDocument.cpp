@@ -83,9 +83,12 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size)
     const bool isState
         = FromDraft(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)), state);
     Take(isState, state, empty);
+    Take(file.Open(SettingsFile(path)), file, empty);
     const bool isDraft = draft.RestoreDraft();
     Take(isDraft, draft, empty);
     Require(isDraft == isState && draft.State().ToDraft() == state.State().ToDraft());
-    Take(file.Open(SettingsFile(path)), file, empty);
+    Require(isDraft == draft.AsidePath().isEmpty());
+    if (!isDraft)
+        Require(QFile::rename(draft.AsidePath(), path)); // which is the file of the next bytes as well
     return 0;
 }

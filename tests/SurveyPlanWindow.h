@@ -4,6 +4,7 @@
 
 #include "GlTest.h"
 #include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrKit/ui/ZrTouchList.h"
@@ -23,6 +24,8 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QApplication>
+#include <QDirIterator>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTouchDevice>
@@ -50,6 +53,7 @@ protected:
 
     void Click(const char* name);
     void Tap(const QPoint& at);
+    void MouseDrag(const QPoint& from, const QPoint& to); ///< in two movements
     void AddRoute(); ///< three waypoints in view, a corner at the second one
     QPoint PixelOf(int waypoint) const;
 
@@ -61,10 +65,15 @@ protected:
 
     void ClickToast();
     void DrawArea();
+    QString Killed(); ///< copies what is on the disk to `m_killed`, its path
+    ZrTouchList* VisibleList(); ///< of what is open over the page
+    bool HasMore(const QString& title);
+    void ChooseMore(const QString& title);
 
     std::unique_ptr<ZrThemeState> m_theme;
     std::unique_ptr<ZrUnitsState> m_units;
     std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<QTemporaryDir> m_killed;
     std::unique_ptr<SurveyView> m_view;
     PlanPage* m_page = nullptr;
     ZrMapPanel* m_panel = nullptr;
@@ -86,6 +95,7 @@ inline void SurveyPlanWindow::Open()
     m_page = static_cast<PlanPage*>(m_view->Page());
     m_panel = m_page->findChild<ZrMapPanel*>();
     QVERIFY(m_panel);
+    QTRY_VERIFY(!m_page->findChild<PlanFiles*>()->IsRestoring());
     // The page fits the plan, or settles where there is none, before anything is done by hand.
     QTRY_VERIFY(m_panel->width() > 300);
     QTest::qWait(50);
@@ -108,6 +118,7 @@ inline void SurveyPlanWindow::cleanup()
 {
     m_view.reset();
     m_dir.reset();
+    m_killed.reset();
     m_units.reset();
     m_theme.reset();
 }
@@ -121,10 +132,23 @@ inline void SurveyPlanWindow::Click(const char* name)
 
 inline void SurveyPlanWindow::Tap(const QPoint& at)
 {
-    QTest::touchEvent(m_panel, m_touch).press(1, at, m_panel);
+    // Both arrive together: on a busy machine the time between two of them may be that of a long press.
+    QTest::touchEvent(m_panel, m_touch, false).press(1, at, m_panel).commit(false);
     QTest::touchEvent(m_panel, m_touch).release(1, at, m_panel);
     // Two taps are no double tap.
     QTest::qWait(450);
+}
+
+inline void SurveyPlanWindow::MouseDrag(const QPoint& from, const QPoint& to)
+{
+    QTest::mousePress(m_panel, Qt::LeftButton, Qt::NoModifier, from);
+    // Not by the cursor of the screen, whose movements arrive when they like.
+    for (const QPoint& at : {(from + to) / 2, to}) {
+        QMouseEvent move(
+            QEvent::MouseMove, at, m_panel->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_panel, &move);
+    }
+    QTest::mouseRelease(m_panel, Qt::LeftButton, Qt::NoModifier, to);
 }
 
 inline QPoint SurveyPlanWindow::PixelOf(int waypoint) const
@@ -153,6 +177,53 @@ inline void SurveyPlanWindow::AddRoute()
     Plan().History().Reset();
     Plan().Edited();
     QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(3));
+}
+
+inline QString SurveyPlanWindow::Killed()
+{
+    m_killed = std::make_unique<QTemporaryDir>();
+    QDirIterator files(m_dir->path(), QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString from = files.next();
+        const QString to = m_killed->filePath(QDir(m_dir->path()).relativeFilePath(from));
+        QDir().mkpath(QFileInfo(to).path());
+        QFile::copy(from, to);
+    }
+    return m_killed->path();
+}
+
+inline ZrTouchList* SurveyPlanWindow::VisibleList()
+{
+    for (ZrChoicePanel* panel : m_view->findChildren<ZrChoicePanel*>()) {
+        if (panel->isVisible())
+            return panel->findChild<ZrTouchList*>();
+    }
+    return nullptr;
+}
+
+inline bool SurveyPlanWindow::HasMore(const QString& title)
+{
+    Click("more");
+    bool hasRow = false;
+    for (const ZrListItem& item : VisibleList()->Items())
+        hasRow = hasRow || item.title == title;
+    for (ZrChoicePanel* panel : m_view->findChildren<ZrChoicePanel*>())
+        panel->Cancel();
+    return hasRow;
+}
+
+inline void SurveyPlanWindow::ChooseMore(const QString& title)
+{
+    Click("more");
+    ZrTouchList* list = VisibleList();
+    QVERIFY(list);
+    for (int row = 0; row < list->Items().size(); ++row) {
+        if (list->Items()[row].title != title)
+            continue;
+        Q_EMIT list->Chosen(row);
+        return;
+    }
+    QFAIL(qPrintable(title));
 }
 
 inline void SurveyPlanWindow::ClickToast()

@@ -22,6 +22,9 @@ private Q_SLOTS:
     void everyModeIsLeft();
     void properties();
     void unitsAtOnce();
+    void zoomKeys_data();
+    void zoomKeys();
+    void zoomKeysTypeInFields();
 };
 
 void tst_SurveyPlan::addAtTheCross()
@@ -269,6 +272,61 @@ void tst_SurveyPlan::unitsAtOnce()
     auto* list = m_page->findChild<PlanListPanel*>()->List();
     QVERIFY(list->Items()[1].detail.endsWith(tile->Unit())
         || list->Items()[1].detail.endsWith(QLatin1String("ft")));
+}
+
+void tst_SurveyPlan::zoomKeys_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("isCloser");
+    const auto add = [](const char* name, Qt::Key key, Qt::KeyboardModifiers modifiers, bool isCloser) {
+        QTest::newRow(name) << int(key) << int(modifiers) << isCloser;
+    };
+    add("+", Qt::Key_Plus, Qt::NoModifier, true);
+    add("Shift and +", Qt::Key_Plus, Qt::ShiftModifier, true);
+    add("=", Qt::Key_Equal, Qt::NoModifier, true);
+    add("Shift and =", Qt::Key_Equal, Qt::ShiftModifier, true);
+    add("keypad +", Qt::Key_Plus, Qt::KeypadModifier, true);
+    add("-", Qt::Key_Minus, Qt::NoModifier, false);
+    add("keypad -", Qt::Key_Minus, Qt::KeypadModifier, false);
+}
+
+/// Nothing has been clicked before, so that the keys go to the window.
+void tst_SurveyPlan::zoomKeys()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(bool, isCloser);
+    const ZrMapView& camera = m_page->Map().m_camera;
+    const QPointF centre = camera.Centre();
+    const double scale = camera.Scale();
+    QVERIFY(!m_panel->hasFocus());
+    QTest::keyClick(m_view.get(), static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+    const double once = camera.Scale() / scale;
+    QVERIFY(isCloser ? once < 0.9 : once > 1.1);
+    QVERIFY((camera.Centre() - centre).manhattanLength() < 1e-6 * scale);
+    // With a click before it is the same, and no more.
+    m_panel->setFocus();
+    const double again = camera.Scale();
+    QTest::keyClick(m_panel, static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+    QVERIFY(std::fabs(camera.Scale() / again / once - 1.0) < 1e-9);
+}
+
+void tst_SurveyPlan::zoomKeysTypeInFields()
+{
+    AddRoute();
+    Click("tab_target");
+    Tap(PixelOf(1));
+    const double scale = m_page->Map().m_camera.Scale();
+    QApplication::setActiveWindow(m_view.get());
+    auto* name = m_page->findChild<PlanPointPanel*>()->findChildren<ZrInput*>()[0];
+    name->setFocus();
+    QTRY_VERIFY(name->hasFocus());
+    name->selectAll();
+    QTest::keyClicks(name, QStringLiteral("A+B=-"));
+    QTest::keyClick(name, Qt::Key_Plus, Qt::KeypadModifier);
+    QCOMPARE(name->QLineEdit::text().left(5), QStringLiteral("A+B=-"));
+    QCOMPARE(m_page->Map().m_camera.Scale(), scale);
 }
 
 GL_TEST_MAIN(tst_SurveyPlan)

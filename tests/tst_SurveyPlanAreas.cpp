@@ -1,4 +1,4 @@
-// Areas, patterns, files and checks on the page "Plan".
+// Areas, patterns, checks and the camera on the page "Plan".
 
 #include "SurveyPlanWindow.h"
 #include "ZrUtil/ZrFormMgr.h"
@@ -9,21 +9,11 @@ class tst_SurveyPlanAreas : public SurveyPlanWindow
 
 private Q_SLOTS:
     void areaByTaps();
-    void drawingIsNotForAnotherPlan();
-    void undoTakesTheLastCorner();
     void keysAreNotForThePageBehindTheSettings();
-    void cornerIsDragged();
-    void twoCornersAreNoArea();
     void keepClearIsChecked();
-    void areaDeleted();
     void patternPreviewAndApply();
     void patternProblemIsSaid();
     void corridor();
-    void saveOpenExport_data();
-    void saveOpenExport();
-    void damagedFileIsRefused();
-    void newCanBeUndone();
-    void draftRestored();
     void findingShowsThePlace();
     void planNotBegun();
     void marginOfNoGo();
@@ -48,31 +38,6 @@ void tst_SurveyPlanAreas::areaByTaps()
     QCOMPARE(Plan().Route().GetCount(), 0);
 }
 
-void tst_SurveyPlanAreas::drawingIsNotForAnotherPlan()
-{
-    Click("tool_area");
-    for (const QPoint& at : {QPoint(250, 200), QPoint(650, 200), QPoint(650, 500)})
-        Tap(at);
-    QTest::keyClick(m_view.get(), Qt::Key_N, Qt::ControlModifier);
-    QCOMPARE(m_page->Mode(), PlanPage::modeBrowse);
-    QVERIFY(Plan().Areas().empty());
-    QVERIFY(Plan().NoGo().empty());
-}
-
-void tst_SurveyPlanAreas::undoTakesTheLastCorner()
-{
-    AddRoute();
-    const int count = Plan().Route().GetCount();
-    Click("tool_area");
-    for (const QPoint& at : {QPoint(250, 200), QPoint(650, 200), QPoint(650, 500), QPoint(300, 450)})
-        Tap(at);
-    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
-    Click("done");
-    QCOMPARE(Plan().Areas().size(), std::size_t(1));
-    QCOMPARE(Plan().Areas()[0].ring.size(), std::size_t(3));
-    QCOMPARE(Plan().Route().GetCount(), count);
-}
-
 void tst_SurveyPlanAreas::keysAreNotForThePageBehindTheSettings()
 {
     QTRY_VERIFY(m_view->IsComplete());
@@ -88,32 +53,6 @@ void tst_SurveyPlanAreas::keysAreNotForThePageBehindTheSettings()
     QCOMPARE(m_page->Mode(), PlanPage::modeAdd);
 }
 
-void tst_SurveyPlanAreas::cornerIsDragged()
-{
-    DrawArea();
-    Tap({450, 350});
-    Click("corners");
-    QCOMPARE(m_page->Mode(), PlanPage::modeArea);
-    QTest::mousePress(m_panel, Qt::LeftButton, Qt::NoModifier, {650, 500});
-    QTest::mouseMove(m_panel, {680, 540});
-    QTest::mouseRelease(m_panel, Qt::LeftButton, Qt::NoModifier, {680, 540});
-    Click("done");
-    QCOMPARE(Plan().Areas().size(), std::size_t(1));
-    QCOMPARE(Plan().Areas()[0].ring.size(), std::size_t(4));
-    const QPointF corner = m_page->Map().m_camera.ToPixel(m_page->Chart().ToWorld(Plan().Areas()[0].ring[2]));
-    QVERIFY((corner - QPointF(680, 540)).manhattanLength() < 3.0);
-}
-
-void tst_SurveyPlanAreas::twoCornersAreNoArea()
-{
-    Click("tool_area");
-    Tap({250, 200});
-    Tap({650, 200});
-    Click("done");
-    QVERIFY(Plan().Areas().empty());
-    QVERIFY(Toast().contains(QLatin1String("three corners")));
-}
-
 void tst_SurveyPlanAreas::keepClearIsChecked()
 {
     AddRoute();
@@ -126,16 +65,6 @@ void tst_SurveyPlanAreas::keepClearIsChecked()
     QCOMPARE(Plan().NoGo().size(), std::size_t(1));
     const auto tiles = m_page->findChildren<ZrValueTile*>();
     QTRY_COMPARE(static_cast<int>(tiles[4]->State()), static_cast<int>(ZrValueTile::error));
-}
-
-void tst_SurveyPlanAreas::areaDeleted()
-{
-    DrawArea();
-    Tap({450, 350});
-    Click("delete_area");
-    QVERIFY(Plan().Areas().empty());
-    ClickToast();
-    QCOMPARE(Plan().Areas().size(), std::size_t(1));
 }
 
 void tst_SurveyPlanAreas::patternPreviewAndApply()
@@ -203,85 +132,6 @@ void tst_SurveyPlanAreas::corridor()
     QCOMPARE(m_page->Mode(), PlanPage::modePattern);
     // Two on either side and the guide itself.
     QTRY_COMPARE(panel->Plan().lines.size(), std::size_t(5));
-}
-
-void tst_SurveyPlanAreas::saveOpenExport_data()
-{
-    QTest::addColumn<QString>("suffix");
-    for (const char* suffix : {"json", "gpx", "kml", "geojson", "xml", "txt"})
-        QTest::newRow(suffix) << QString::fromLatin1(suffix);
-}
-
-void tst_SurveyPlanAreas::saveOpenExport()
-{
-    QFETCH(QString, suffix);
-    AddRoute();
-    const QString path = m_dir->path() + QStringLiteral("/harbour.") + suffix;
-    const double lat = Wpt(2)->lat;
-    // Through the panel, as a person does.
-    QTest::keyClick(m_view.get(), Qt::Key_S, Qt::ControlModifier);
-    auto& files = m_page->findChild<PlanFiles*>()->Panel();
-    QVERIFY(files.isVisible());
-    Q_EMIT files.FileChosen(path);
-    files.Cancel();
-    QTRY_COMPARE(Plan().FilePath(), path);
-    QVERIFY(!Plan().IsDirty());
-    QVERIFY(QFileInfo(path).size() > 0);
-    QCOMPARE(m_view->last_path(), m_dir->path());
-    QTest::keyClick(m_view.get(), Qt::Key_N, Qt::ControlModifier);
-    QCOMPARE(Plan().Route().GetCount(), 0);
-    QVERIFY(m_view->Open(path));
-    QTRY_COMPARE(Plan().Route().GetCount(), 3);
-    QVERIFY(std::fabs(Wpt(2)->lat - lat) < 1e-7);
-    QCOMPARE(Plan().Name(), QStringLiteral("harbour"));
-    QVERIFY(!Plan().IsDirty());
-    // The camera goes there.
-    QTRY_VERIFY(m_panel->rect().contains(PixelOf(1)));
-}
-
-void tst_SurveyPlanAreas::damagedFileIsRefused()
-{
-    AddRoute();
-    const QString path = m_dir->path() + QStringLiteral("/bad.gpx");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<gpx><wpt lat=\"95\" lon=\"0\"/></gpx>");
-    file.close();
-    QVERIFY(m_view->Open(path));
-    QTRY_VERIFY(Toast().contains(QLatin1String("bad.gpx")));
-    QCOMPARE(Plan().Route().GetCount(), 3);
-}
-
-void tst_SurveyPlanAreas::newCanBeUndone()
-{
-    DrawArea();
-    AddRoute();
-    Plan().SetMargin(3.0);
-    QTest::keyClick(m_view.get(), Qt::Key_N, Qt::ControlModifier);
-    QCOMPARE(Plan().Route().GetCount(), 0);
-    QVERIFY(Plan().Areas().empty());
-    ClickToast();
-    QCOMPARE(Names(), QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
-    QCOMPARE(Plan().Areas().size(), std::size_t(1));
-    QVERIFY(Plan().IsDirty());
-}
-
-void tst_SurveyPlanAreas::draftRestored()
-{
-    AddRoute();
-    Plan().FlushDraft();
-    QVERIFY(QFile::exists(m_dir->path() + QStringLiteral("/plan-draft.json")));
-    m_view.reset();
-    Open();
-    QTRY_COMPARE(Names(), QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
-    QVERIFY(Plan().IsDirty());
-    QTRY_VERIFY(Toast().contains(QLatin1String("not saved")));
-    QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(3));
-    ClickToast();
-    QCOMPARE(Plan().Route().GetCount(), 0);
-    m_view.reset();
-    Open();
-    QCOMPARE(Plan().Route().GetCount(), 0);
 }
 
 /// There is nothing wrong with a plan that has not been begun.

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void failureIsTold();
     void endWritesWhatIsLeft();
     void isThere();
+    void thenFollowsTheFile();
 
 private:
     QString At(const char* name) const { return m_dir->filePath(QString::fromUtf8(name)); }
@@ -192,6 +193,45 @@ void tst_ZrFileKeeper::isThere()
     QVERIFY(ZrFileKeeper(At("draft")).IsThere());
     QVERIFY(!ZrFileKeeper(At("none")).IsThere());
     QVERIFY(!ZrFileKeeper(m_dir->path()).IsThere()); // a folder is no file
+}
+
+/// Once the file is there, in the keeper's thread; for a file that is not, never.
+void tst_ZrFileKeeper::thenFollowsTheFile()
+{
+    ZrFileKeeper keeper(At("draft"));
+    std::atomic<int> calls{0};
+    std::atomic<bool> isThere{false};
+    const auto then = [&] {
+        isThere = QFile::exists(At("draft"));
+        ++calls;
+    };
+    keeper.Write([] { return QByteArray("x"); }, then);
+    keeper.Finish();
+    QCOMPARE(calls.load(), 1);
+    QVERIFY(isThere);
+    // It belongs to its order alone.
+    keeper.Write([] { return QByteArray("y"); });
+    keeper.Finish();
+    keeper.Remove();
+    keeper.Finish();
+    QCOMPARE(calls.load(), 1);
+    QSemaphore gate;
+    QSemaphore begun;
+    keeper.Write([&] {
+        begun.release();
+        gate.acquire();
+        return QByteArray("slow");
+    });
+    begun.acquire();
+    keeper.Write([] { return QByteArray("never"); }, then);
+    keeper.Write([] { return QByteArray("last"); });
+    gate.release();
+    keeper.Finish();
+    QCOMPARE(calls.load(), 1);
+    ZrFileKeeper full(QStringLiteral("/dev/full"));
+    full.Write([] { return QByteArray("x"); }, then);
+    full.Finish();
+    QCOMPARE(calls.load(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_ZrFileKeeper)

@@ -26,22 +26,23 @@ ZrFileKeeper::~ZrFileKeeper()
         m_thread.join();
 }
 
-void ZrFileKeeper::Write(Content content)
+void ZrFileKeeper::Write(Content content, Then then)
 {
-    Order(write, std::move(content));
+    Order(write, std::move(content), std::move(then));
 }
 
 void ZrFileKeeper::Remove()
 {
-    Order(removal, {});
+    Order(removal, {}, {});
 }
 
-void ZrFileKeeper::Order(eOrder order, Content content)
+void ZrFileKeeper::Order(eOrder order, Content content, Then then)
 {
     {
         const std::lock_guard lock(m_guard);
         m_order = order;
         m_content.swap(content);
+        m_then.swap(then);
     }
     // What was not written any more ends here, without the guard.
     if (!m_thread.joinable())
@@ -75,15 +76,18 @@ void ZrFileKeeper::Run()
         m_now = std::exchange(m_order, none);
         const eOrder now = m_now;
         Content content = std::exchange(m_content, nullptr);
+        Then then = std::exchange(m_then, nullptr);
         lock.unlock();
         QString error;
         if (now == write) {
             QDir().mkpath(QFileInfo(m_path).path());
-            zr::replace_file(m_path, content(), &error);
+            if (zr::replace_file(m_path, content(), &error) && then)
+                then();
         } else {
             QFile::remove(m_path);
         }
         content = nullptr;
+        then = nullptr;
         lock.lock();
         m_now = none;
         m_error = error;

@@ -32,12 +32,17 @@ public:
     /// Makes what is written; called in the keeper's thread.
     using Content = std::function<QByteArray()>;
 
+    /// What follows when the file was written; called in the keeper's thread.
+    using Then = std::function<void()>;
+
     explicit ZrFileKeeper(const QString& path, QObject* parent = nullptr);
     ~ZrFileKeeper() override;
 
     QString Path() const { return m_path; }
 
-    void Write(Content content);
+    /// \p then, if there is one, is not called when the file cannot be written, nor when another order comes
+    /// before this one is carried out.
+    void Write(Content content, Then then = {});
     void Remove();
 
     void Finish(); ///< waits until all is done, and tells of it
@@ -55,7 +60,7 @@ private:
         removal
     };
 
-    void Order(eOrder order, Content content);
+    void Order(eOrder order, Content content, Then then);
     void Run();
     Q_INVOKABLE void Tell();
 
@@ -65,6 +70,7 @@ private:
     eOrder m_order = none; ///< that waits
     eOrder m_now = none; ///< that is carried out
     Content m_content;
+    Then m_then;
     bool m_isEnding = false;
     bool m_isUntold = false;
     QString m_error;

@@ -4,20 +4,26 @@
 #include "ZrKit/planning/ZrRouteSettings.h"
 #include "ZrUtil/ZrWpt.h"
 
-#include <QFileInfo>
 #include <QTimer>
 
 #include <cmath>
 #include <utility>
 
 ZrPlanDocument::ZrPlanDocument(const QString& draftPath, QObject* parent)
+    : ZrPlanDocument(draftPath, QString(), parent)
+{
+}
+
+ZrPlanDocument::ZrPlanDocument(const QString& draftPath, const QString& keptFolder, QObject* parent)
     : QObject(parent)
-    , m_history(m_route)
+    , m_history(m_route, m_areas)
     , m_draft(draftPath)
+    , m_kept(keptFolder.isEmpty() ? nullptr : std::make_unique<ZrPlanDrafts>(keptFolder))
     , m_draftTimer(new QTimer(this))
 {
     m_route.linked = true;
     m_history.Reset();
+    m_isForeign = HasDraft();
     m_draftTimer->setSingleShot(true);
     connect(&m_draft, &ZrFileKeeper::Done, this, &ZrPlanDocument::OnDraftDone);
     connect(m_draftTimer, &QTimer::timeout, this, [this] {
@@ -31,40 +37,121 @@ ZrPlanDocument::~ZrPlanDocument()
     FlushDraft();
 }
 
+void ZrPlanDocument::ChangeAreas(const QString& name, const std::function<void(ZrPlanAreas&)>& edit)
+{
+    if (m_history.ChangeAreas(name, edit))
+        Edited();
+}
+
 void ZrPlanDocument::SetAreas(std::vector<ZrArea> areas)
 {
-    m_areas = std::move(areas);
-    m_areasEdited = true;
-    Edited();
+    ChangeAreas(tr("Change areas"), [&areas](ZrPlanAreas& all) { all.areas = std::move(areas); });
 }
 
 void ZrPlanDocument::SetNoGo(std::vector<ZrArea> areas)
 {
-    m_noGo = std::move(areas);
-    m_areasEdited = true;
-    Edited();
+    ChangeAreas(tr("Change no-go areas"), [&areas](ZrPlanAreas& all) { all.noGo = std::move(areas); });
 }
 
 void ZrPlanDocument::SetMargin(double metres)
 {
-    if (!std::isfinite(metres) || metres == m_margin)
-        return;
-    m_margin = metres;
-    m_areasEdited = true;
+    if (std::isfinite(metres))
+        ChangeAreas(
+            tr("Change distance to no-go areas"), [metres](ZrPlanAreas& all) { all.margin = metres; });
+}
+
+bool ZrPlanDocument::Undo()
+{
+    if (!m_history.Undo())
+        return false;
     Edited();
+    return true;
+}
+
+bool ZrPlanDocument::Redo()
+{
+    if (!m_history.Redo())
+        return false;
+    Edited();
+    return true;
+}
+
+void ZrPlanDocument::SetSketch(const ZrPlanSketch& sketch)
+{
+    if (sketch == m_sketch)
+        return;
+    m_sketch = sketch;
+    SketchChanged();
+}
+
+void ZrPlanDocument::SketchChanged()
+{
+    // A plan that is as its file has it needs no draft.
+    if (IsDirty())
+        Drafted();
+    else
+        RemoveDraft();
+}
+
+bool ZrPlanDocument::FinishSketch()
+{
+    const ZrPlanSketch sketch = std::exchange(m_sketch, ZrPlanSketch());
+    const int revision = m_revision;
+    const auto finish = [this, &sketch](ZrPlanAreas& all) {
+        auto& from = sketch.isEditedNoGo ? all.noGo : all.areas;
+        auto& to = sketch.isNoGo ? all.noGo : all.areas;
+        const bool isKnown = sketch.edited >= 0 && sketch.edited < static_cast<int>(from.size());
+        if (isKnown && &from == &to) {
+            from[static_cast<std::size_t>(sketch.edited)].ring = sketch.ring;
+            return;
+        }
+        ZrArea area;
+        if (isKnown) {
+            area = from[static_cast<std::size_t>(sketch.edited)];
+            from.erase(from.begin() + sketch.edited);
+        }
+        area.ring = sketch.ring;
+        if (area.name.isEmpty())
+            area.name = (sketch.isNoGo ? tr("Keep clear %1") : tr("Area %1")).arg(to.size() + 1);
+        to.push_back(std::move(area));
+    };
+    const bool isArea = sketch.ring.size() >= 3;
+    if (isArea)
+        ChangeAreas(sketch.edited >= 0 ? tr("Change area") : tr("Draw area"), finish);
+    if (revision == m_revision && !sketch.IsEmpty())
+        SketchChanged();
+    return isArea;
+}
+
+void ZrPlanDocument::DeleteArea(int index, bool isNoGo)
+{
+    const std::vector<ZrArea>& of = isNoGo ? m_areas.noGo : m_areas.areas;
+    if (index < 0 || index >= static_cast<int>(of.size()))
+        return;
+    ChangeAreas(
+        tr("Delete %1").arg(of[static_cast<std::size_t>(index)].name), [index, isNoGo](ZrPlanAreas& all) {
+            auto& from = isNoGo ? all.noGo : all.areas;
+            from.erase(from.begin() + index);
+        });
 }
 
 void ZrPlanDocument::Edited()
 {
     Forget();
-    ++m_edits;
+    ++m_revision;
+    Drafted();
+    Q_EMIT Changed();
+}
+
+/// The draft is to be written, at once where it was not just now.
+void ZrPlanDocument::Drafted()
+{
     if (!m_isDraftDue)
         m_draftWait.start();
     m_isDraftDue = true;
     if (!m_draftTimer->isActive() || m_draftWait.elapsed() >= DraftMostMilliseconds)
         WriteDraft();
     m_draftTimer->start(DraftMilliseconds);
-    Q_EMIT Changed();
 }
 
 void ZrPlanDocument::Forget()
@@ -84,8 +171,8 @@ const std::vector<ZrRouteFinding>& ZrPlanDocument::Findings()
 {
     if (!m_findings) {
         ZrRouteCheck::Options options;
-        options.noGo = m_noGo;
-        options.margin = m_margin;
+        options.noGo = m_areas.noGo;
+        options.margin = m_areas.margin;
         m_findings = std::make_unique<std::vector<ZrRouteFinding>>(ZrRouteCheck::Run(m_route, options));
     }
     return *m_findings;
@@ -101,76 +188,101 @@ int ZrPlanDocument::LineCount() const
 
 QString ZrPlanDocument::Name() const
 {
-    return m_path.isEmpty() ? tr("New plan") : QFileInfo(m_path).completeBaseName();
+    return ZrPlanDrafts::NameOf(m_path);
 }
 
 bool ZrPlanDocument::IsDirty() const
 {
-    return m_areasEdited || !m_history.IsClean();
+    return m_isLoose || !m_sketch.IsEmpty() || !m_history.IsClean();
 }
 
-void ZrPlanDocument::SetPath(const QString& path)
+bool ZrPlanDocument::New()
 {
-    m_path = path;
-    m_history.SetClean();
-    m_areasEdited = false;
-    DiscardDraft();
+    m_error.clear();
+    if (!KeepUnsaved())
+        return false;
+    ZrPlanState empty;
+    empty.route.linked = true;
+    Put(empty);
+    m_path.clear();
+    m_isLoose = false;
+    RemoveDraft();
     Q_EMIT Changed();
-}
-
-void ZrPlanDocument::New()
-{
-    m_route = ZrWpts();
-    m_route.linked = true;
-    m_history.Reset();
-    m_areas.clear();
-    m_noGo.clear();
-    m_margin = 0.0;
-    ++m_edits;
-    ++m_plan;
-    Forget();
-    SetPath(QString());
+    return true;
 }
 
 bool ZrPlanDocument::Open(const QString& path)
 {
     ZrPlanReader reader;
-    const bool isLoaded = reader.Load(path);
-    m_warnings = reader.Warnings();
-    return isLoaded ? Take(reader) : Fail(reader.Error());
+    reader.Load(path);
+    return Take(reader);
 }
 
 bool ZrPlanDocument::Take(ZrPlanReader& reader)
 {
     m_error.clear();
-    ZrPlanState state;
-    const bool isFinished = reader.Finish(state);
     m_warnings = reader.Warnings();
-    if (!isFinished)
-        return Fail(reader.Error());
-    Put(state);
-    if (reader.m_isDraft) {
-        // What was not saved then is not saved now.
+    // It is there as it was read, and need not be written.
+    const bool isDrafted
+        = reader.m_isDraft && reader.m_path == m_draft.Path() && std::exchange(m_isForeign, false);
+    if (!std::exchange(reader.m_isLoaded, false)) {
+        if (isDrafted)
+            PutAside();
+        return Fail(
+            reader.Error().isEmpty() ? tr("%1: nothing was read").arg(reader.m_path) : reader.Error());
+    }
+    if (!KeepUnsaved(reader.m_path)) {
+        m_isForeign = isDrafted;
+        reader.m_isLoaded = true;
+        return false;
+    }
+    ZrPlanState& state = reader.m_state;
+    ZrRouteSettings::ReadPresets(state.head);
+    state.route.UpdatePseudo();
+    state.route.Recalc(true);
+    if (!reader.m_isDraft) {
+        Put(state);
         m_path = state.path;
-        m_areasEdited = true;
+        m_isLoose = false;
+        RemoveDraft();
+        Q_EMIT Changed();
+    } else if (isDrafted) {
+        // What was not saved then is not saved now.
+        Put(state);
+        m_path = state.path;
+        m_isLoose = true;
+        m_written = std::make_shared<const QByteArray>(reader.m_bytes);
         Q_EMIT Changed();
     } else {
-        SetPath(state.path);
+        PutUnsaved(state, reader.m_path);
     }
     return true;
 }
 
-/// All but the file.
+/// All but the file; whatever was kept stays there.
 void ZrPlanDocument::Put(const ZrPlanState& state)
 {
     m_route = state.route;
-    m_history.Reset();
     m_areas = state.areas;
-    m_noGo = state.noGo;
-    m_margin = state.margin;
-    ++m_edits;
+    m_sketch = state.sketch;
+    m_history.Reset();
+    m_notHeld.clear();
+    m_written.reset();
+    m_returned.clear();
+    ++m_revision;
     ++m_plan;
     Forget();
+}
+
+/// \param kept where the plan was kept; a path of anything else, or none, is none of that
+void ZrPlanDocument::PutUnsaved(const ZrPlanState& state, const QString& kept)
+{
+    Put(state);
+    m_path = state.path;
+    m_isLoose = true;
+    m_returned = kept;
+    WriteDraft();
+    Q_EMIT Changed();
 }
 
 ZrPlanState ZrPlanDocument::State() const
@@ -179,35 +291,39 @@ ZrPlanState ZrPlanDocument::State() const
     state.route = m_route;
     state.head = ZrRouteSettings::Head(m_route);
     state.areas = m_areas;
-    state.noGo = m_noGo;
-    state.margin = m_margin;
+    state.sketch = m_sketch;
     state.path = m_path;
-    state.edits = m_edits;
+    state.revision = m_revision;
     state.plan = m_plan;
     return state;
 }
 
-void ZrPlanDocument::Restore(const ZrPlanState& state)
+bool ZrPlanDocument::Restore(const ZrPlanState& state, const QString& kept)
 {
+    m_error.clear();
+    if (!KeepUnsaved(kept))
+        return false;
     ZrRouteSettings::ReadPresets(state.head);
-    Put(state);
-    m_path = state.path;
-    m_areasEdited = true;
-    WriteDraft();
-    Q_EMIT Changed();
+    PutUnsaved(state, kept);
+    return true;
 }
 
-void ZrPlanDocument::SetSaved(const QString& path, const ZrPlanState& state)
+bool ZrPlanDocument::SetSaved(const QString& path, const ZrPlanState& state, const QStringList& notHeld)
 {
     if (state.plan != m_plan)
-        return;
-    if (state.edits == m_edits) {
-        SetPath(path);
-        return;
-    }
+        return false;
     m_path = path;
-    m_areasEdited = true;
+    m_notHeld = notHeld;
+    const bool isWhole = notHeld.isEmpty() && state.revision == m_revision;
+    m_isLoose = !isWhole;
+    if (isWhole)
+        m_history.SetClean();
+    if (IsDirty())
+        WriteDraft();
+    else
+        RemoveDraft();
     Q_EMIT Changed();
+    return true;
 }
 
 bool ZrPlanDocument::Save(const QString& path)
@@ -215,10 +331,7 @@ bool ZrPlanDocument::Save(const QString& path)
     const ZrPlanState state = State();
     m_error.clear();
     m_warnings.clear();
-    if (!state.Save(path, m_error, m_warnings))
-        return false;
-    SetSaved(path, state);
-    return true;
+    return state.Save(path, m_error, m_warnings) && SetSaved(path, state, state.NotHeld(path));
 }
 
 bool ZrPlanDocument::Export(const QString& path)
@@ -226,51 +339,6 @@ bool ZrPlanDocument::Export(const QString& path)
     m_error.clear();
     m_warnings.clear();
     return State().Export(path, m_error, m_warnings);
-}
-
-bool ZrPlanDocument::HasDraft() const
-{
-    return !m_draft.Path().isEmpty() && m_draft.IsThere();
-}
-
-bool ZrPlanDocument::RestoreDraft()
-{
-    m_error.clear();
-    if (!HasDraft())
-        return Fail(tr("There is no draft"));
-    m_draft.Finish();
-    ZrPlanReader reader;
-    return reader.LoadDraft(m_draft.Path()) ? Take(reader) : Fail(reader.Error());
-}
-
-void ZrPlanDocument::DiscardDraft()
-{
-    m_isDraftDue = false;
-    if (HasDraft())
-        m_draft.Remove();
-}
-
-void ZrPlanDocument::FlushDraft()
-{
-    if (m_isDraftDue)
-        WriteDraft();
-    m_draft.Finish();
-}
-
-void ZrPlanDocument::WriteDraft()
-{
-    m_isDraftDue = false;
-    if (m_draft.Path().isEmpty())
-        return;
-    m_draft.Write([state = std::make_shared<const ZrPlanState>(State())] { return state->ToDraft(); });
-}
-
-void ZrPlanDocument::OnDraftDone(const QString& error)
-{
-    const bool isWritten = error.isEmpty();
-    if (!isWritten && !m_hasDraftFailed)
-        Q_EMIT DraftFailed(error);
-    m_hasDraftFailed = !isWritten;
 }
 
 bool ZrPlanDocument::Fail(const QString& error)

@@ -10,55 +10,62 @@ bool ZrPlanReader::Fail(const QString& error)
     return false;
 }
 
+void ZrPlanReader::Begin(bool isDraft, const QString& path)
+{
+    m_state = ZrPlanState();
+    m_bytes.clear();
+    m_path = path;
+    m_isDraft = isDraft;
+    m_isLoaded = false;
+    m_error.clear();
+}
+
 bool ZrPlanReader::Load(const QString& path)
 {
-    m_rest = ZrPlanState();
-    m_error.clear();
-    m_isDraft = false;
-    m_hasRoute = true;
-    m_name = path;
-    if (!m_file.Load(path))
+    Begin(false, path);
+    if (!m_file.Load(path) || !m_file.FinishBare(m_state.route, m_state.head))
         return Fail(m_file.Error());
     QFile content(path);
     if (ZrRouteFile::FormatOf(path) == ZrRouteFile::Settings && content.open(QIODevice::ReadOnly))
-        m_rest.AreasFromJson(QJsonDocument::fromJson(content.readAll()).object());
-    m_rest.path = path;
+        m_state.areas = ZrPlanAreas::FromJson(QJsonDocument::fromJson(content.readAll()).object());
+    m_state.path = path;
+    m_isLoaded = true;
     return true;
 }
 
 bool ZrPlanReader::LoadDraft(const QString& path)
 {
+    Begin(true, path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Fail(QStringLiteral("%1: %2").arg(path, file.errorString()));
-    return FromDraft(file.readAll(), path);
+    return ReadDraft(file.readAll(), path);
 }
 
 bool ZrPlanReader::FromDraft(const QByteArray& bytes, const QString& name)
 {
-    m_rest = ZrPlanState();
-    m_error.clear();
-    m_isDraft = true;
-    m_name = name;
+    Begin(true, QString());
+    return ReadDraft(bytes, name);
+}
+
+bool ZrPlanReader::ReadDraft(const QByteArray& bytes, const QString& name)
+{
     const QJsonObject root = QJsonDocument::fromJson(bytes).object();
     if (root[QLatin1String("format")].toString() != QLatin1String("zr-plan-draft"))
         return Fail(tr("%1: this is no draft of a plan").arg(name));
     const QJsonObject route = root[QLatin1String("route")].toObject();
     // A plan may have areas and no waypoint yet.
-    m_hasRoute = !route[QLatin1String("waypoints")].toArray().isEmpty();
-    if (m_hasRoute && !m_file.LoadBytes(QJsonDocument(route).toJson()))
+    const bool hasRoute = !route[QLatin1String("waypoints")].toArray().isEmpty();
+    if (hasRoute
+        && !(m_file.LoadBytes(QJsonDocument(route).toJson())
+            && m_file.FinishBare(m_state.route, m_state.head)))
         return Fail(QStringLiteral("%1: %2").arg(name, m_file.Error()));
-    m_rest.AreasFromJson(root);
-    m_rest.path = root[QLatin1String("path")].toString();
-    return true;
-}
-
-/// On the thread of routes.
-bool ZrPlanReader::Finish(ZrPlanState& state)
-{
-    state = m_rest;
-    state.route.linked = true;
-    if (m_hasRoute && !m_file.Finish(state.route))
-        return Fail(m_isDraft ? m_name + m_file.Error() : m_file.Error());
+    if (!hasRoute)
+        m_state.route.linked = true;
+    m_state.areas = ZrPlanAreas::FromJson(root);
+    m_state.sketch = ZrPlanSketch::FromJson(root[QLatin1String("sketch")].toObject());
+    m_state.path = root[QLatin1String("path")].toString();
+    m_bytes = bytes;
+    m_isLoaded = true;
     return true;
 }

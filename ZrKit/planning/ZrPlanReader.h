@@ -4,16 +4,20 @@
 #include "ZrKit/planning/ZrPlanState.h"
 #include "ZrKit/planning/ZrRouteFile.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
-/// Reads the file of a plan, or its draft, in any thread; `ZrPlanDocument::Take` makes it the plan.
+/// Reads the file of a plan, or a draft, in any thread; `ZrPlanDocument::Take` makes it the plan.
 ///
 /// \code
 /// auto reader = std::make_shared<ZrPlanReader>();
 /// worker.Start([reader, path](IZrProgress&) { reader->Load(path); }, {});
-/// connect(&worker, &ZrWorker::Finished, &plan, [&plan, reader] { plan.Take(*reader); });
+/// connect(&worker, &ZrWorker::Finished, &plan, [&plan, reader] {
+///     if (!plan.Take(*reader))
+///         tell(plan.Error());
+/// });
 /// \endcode
 class ZR_KIT_EXPORT ZrPlanReader
 {
@@ -23,7 +27,7 @@ public:
     /// Reads a plan of any form of `ZrRouteFile`. False, with the reason in `Error`.
     bool Load(const QString& path);
 
-    /// Reads a draft, see `ZrPlanDocument::RestoreDraft`; likewise.
+    /// Reads a draft, or a plan of `ZrPlanDrafts`; likewise.
     bool LoadDraft(const QString& path);
 
     /// Reads what `ZrPlanState::ToDraft` made. \p name begins the reason.
@@ -37,12 +41,14 @@ private:
     friend class ZrPlanDocument;
 
     bool Fail(const QString& error);
-    bool Finish(ZrPlanState& state);
+    void Begin(bool isDraft, const QString& path);
+    bool ReadDraft(const QByteArray& bytes, const QString& name);
 
     ZrRouteFile m_file;
-    ZrPlanState m_rest; ///< all but the route
+    ZrPlanState m_state; ///< with the route as it was written: nothing is computed yet
+    QByteArray m_bytes; ///< of a draft
+    QString m_path; ///< that was read; empty for none
     bool m_isDraft = false;
-    bool m_hasRoute = false;
-    QString m_name;
+    bool m_isLoaded = false;
     QString m_error;
 };

@@ -2,60 +2,19 @@
 
 #include "ZrKit/files/ZrReplaceFile.h"
 #include "ZrKit/planning/ZrRouteFile.h"
+#include "ZrKit/planning/ZrRouteLoss.h"
 #include "ZrKit/planning/ZrRouteSettings.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
 #include <QJsonDocument>
-
-#include <cmath>
-#include <utility>
-
-namespace {
-
-const auto areasKey = QLatin1String("areas");
-const auto noGoKey = QLatin1String("no-go");
-const auto marginKey = QLatin1String("margin");
-
-QJsonArray ToJson(const std::vector<ZrArea>& areas)
-{
-    QJsonArray array;
-    for (const ZrArea& area : areas) {
-        QJsonArray ring;
-        for (const ZrGeoPoint& point : area.ring)
-            ring.append(QJsonArray({point.lng, point.lat}));
-        array.append(QJsonObject({{QStringLiteral("name"), area.name}, {QStringLiteral("ring"), ring}}));
-    }
-    return array;
-}
-
-/// Areas without a valid corner are left out, corners that are none as well.
-std::vector<ZrArea> FromJson(const QJsonValue& value)
-{
-    std::vector<ZrArea> areas;
-    const QJsonArray array = value.toArray();
-    for (const QJsonValue& item : array) {
-        ZrArea area;
-        area.name = item[QLatin1String("name")].toString();
-        const QJsonArray ring = item[QLatin1String("ring")].toArray();
-        for (const QJsonValue& corner : ring) {
-            const ZrGeoPoint point{corner[1].toDouble(std::nan("")), corner[0].toDouble(std::nan(""))};
-            if (point.IsValid())
-                area.ring.push_back(point);
-        }
-        if (!area.ring.empty())
-            areas.push_back(std::move(area));
-    }
-    return areas;
-}
-
-} // namespace
 
 QByteArray ZrPlanState::ToDraft() const
 {
     QJsonObject root({{QStringLiteral("format"), QStringLiteral("zr-plan-draft")},
         {QStringLiteral("path"), path}, {QStringLiteral("route"), ZrRouteSettings::Whole(head, route)}});
-    AreasToJson(root);
+    areas.ToJson(root);
+    if (!sketch.IsEmpty())
+        root[QLatin1String("sketch")] = sketch.ToJson();
     return QJsonDocument(root).toJson(QJsonDocument::Compact);
 }
 
@@ -64,7 +23,7 @@ bool ZrPlanState::Save(const QString& file, QString& error, QStringList& warning
     if (ZrRouteFile::FormatOf(file) != ZrRouteFile::Settings)
         return Export(file, error, warnings);
     QJsonObject root = ZrRouteSettings::Whole(head, route);
-    AreasToJson(root);
+    areas.ToJson(root);
     const QByteArray bytes = QJsonDocument(root).toJson();
     if (bytes.size() > ZrRouteFile::MaxSize) {
         error = QCoreApplication::translate(
@@ -84,16 +43,13 @@ bool ZrPlanState::Export(const QString& file, QString& error, QStringList& warni
     return isWritten;
 }
 
-void ZrPlanState::AreasToJson(QJsonObject& root) const
+QStringList ZrPlanState::NotHeld(const QString& file) const
 {
-    root[areasKey] = ToJson(areas);
-    root[noGoKey] = ToJson(noGo);
-    root[marginKey] = margin;
-}
-
-void ZrPlanState::AreasFromJson(const QJsonObject& root)
-{
-    areas = FromJson(root[areasKey]);
-    noGo = FromJson(root[noGoKey]);
-    margin = root[marginKey].toDouble();
+    QStringList lost;
+    const ZrRouteFile::eFormat format = ZrRouteFile::FormatOf(file);
+    if (format == ZrRouteFile::Settings)
+        return lost;
+    if (!areas.IsEmpty())
+        lost << areas.Text();
+    return lost << ZrRouteLoss::Of(format, route);
 }

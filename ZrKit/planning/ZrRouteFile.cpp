@@ -234,8 +234,8 @@ bool ZrRouteFile::FromBytes(const QByteArray& bytes, ZrWpts& route)
     return Parse(bytes) && Conclude(route);
 }
 
-/// Makes the route of the content.
-bool ZrRouteFile::Conclude(ZrWpts& route)
+/// Makes the route of the content, as it is there.
+bool ZrRouteFile::TakeContent(ZrWpts& route, QJsonObject& presets)
 {
     const std::shared_ptr<Content> content = std::move(m_content);
     ZrWpts& read = content->route;
@@ -243,14 +243,23 @@ bool ZrRouteFile::Conclude(ZrWpts& route)
     if (!content->isRoute && !FromShapes(content->shapes, read))
         return false;
     if (content->store)
-        ZrRouteStore::Finish(*content->store, read);
+        ZrRouteStore::FinishBare(*content->store, read);
     if (read.IsEmpty())
         return Fail(QCoreApplication::translate("ZrRouteFile", "no route and no waypoints in it"));
-    if (content->isRoute && !content->store)
-        ZrRouteSettings::ReadPresets(content->settings);
-    read.UpdatePseudo();
-    read.Recalc(true);
+    presets = ZrRouteSettings::PresetsOf(content->settings);
     route = read;
+    return true;
+}
+
+/// Makes the route of the content, and computes what it computes.
+bool ZrRouteFile::Conclude(ZrWpts& route)
+{
+    QJsonObject presets;
+    if (!TakeContent(route, presets))
+        return false;
+    ZrRouteSettings::ReadPresets(presets);
+    route.UpdatePseudo();
+    route.Recalc(true);
     return true;
 }
 
@@ -280,6 +289,12 @@ bool ZrRouteFile::Finish(ZrWpts& route)
 {
     m_error.clear();
     return (m_content && Conclude(route)) || FailIn(m_path);
+}
+
+bool ZrRouteFile::FinishBare(ZrWpts& route, QJsonObject& presets)
+{
+    m_error.clear();
+    return (m_content && TakeContent(route, presets)) || FailIn(m_path);
 }
 
 bool ZrRouteFile::Read(const QString& path, ZrWpts& route)

@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -32,7 +33,7 @@ struct ZrGeoShapes;
 ///
 /// Reading recomputes the labels and the route, which moves the projection of the process (`ZrUnits::utm`),
 /// and the settings hold the speed presets of all routes (`ZrWpts::s_msSlow` …): the user-interface thread,
-/// but for `Load`.
+/// but for `Load` and `FinishBare`.
 class ZR_KIT_EXPORT ZrRouteFile
 {
 public:
@@ -71,6 +72,10 @@ public:
     /// The second step, once, after a `Load` that succeeded.
     bool Finish(ZrWpts& route);
 
+    /// The same in any thread: the route as the file has it, with nothing computed. \p presets has the speed
+    /// presets that are with it, see `ZrRouteSettings::ReadPresets`.
+    bool FinishBare(ZrWpts& route, QJsonObject& presets);
+
     /// The second step of `ReadShapes`, likewise.
     bool FinishShapes(ZrGeoShapes& shapes);
 
@@ -101,6 +106,7 @@ private:
     bool Parse(const QByteArray& bytes);
     bool ParseJson(const QByteArray& bytes);
     bool Conclude(ZrWpts& route);
+    bool TakeContent(ZrWpts& route, QJsonObject& presets);
     bool FromShapes(const ZrGeoShapes& shapes, ZrWpts& route);
     bool ShapesOf(const ZrWpts& route, ZrGeoShapes& shapes);
     bool Fail(const QString& reason);

@@ -1,6 +1,7 @@
 #include "ZrKit/planning/ZrRouteHistory.h"
 
 #include "ZrKit/planning/ZrAreaCheck.h"
+#include "ZrKit/planning/ZrPlanAreas.h"
 #include "ZrUtil/ZrWpts.h"
 
 #include <QCoreApplication>
@@ -67,6 +68,15 @@ i64 BytesOf(const ZrWpt& wpt)
     return static_cast<i64>(sizeof(ZrWpt)) + 2 * static_cast<i64>(letters);
 }
 
+i64 BytesOf(const std::vector<ZrArea>& areas)
+{
+    i64 bytes = 0;
+    for (const ZrArea& area : areas)
+        bytes += static_cast<i64>(sizeof(ZrArea) + area.ring.size() * sizeof(ZrGeoPoint))
+            + 2 * area.name.size();
+    return bytes;
+}
+
 QString NameOf(const ZrWpts& route, const ZrWpt& wpt)
 {
     return ZrAreaCheck::NameOf(wpt, route.GetIndex(&wpt));
@@ -84,16 +94,33 @@ struct ZrRouteHistory::State
     int speedType = 0;
     double speed = 0.0;
     std::vector<std::shared_ptr<const ZrWpt>> wpts;
+    std::shared_ptr<const ZrPlanAreas> areas; ///< null where the history has none
     i64 bytes = 0; ///< of what it does not share with the state before
 };
 
 ZrRouteHistory::ZrRouteHistory(ZrWpts& route)
-    : ZrRouteHistory(route, Limits())
+    : ZrRouteHistory(route, nullptr, Limits())
 {
 }
 
 ZrRouteHistory::ZrRouteHistory(ZrWpts& route, Limits limits)
+    : ZrRouteHistory(route, nullptr, limits)
+{
+}
+
+ZrRouteHistory::ZrRouteHistory(ZrWpts& route, ZrPlanAreas& areas)
+    : ZrRouteHistory(route, &areas, Limits())
+{
+}
+
+ZrRouteHistory::ZrRouteHistory(ZrWpts& route, ZrPlanAreas& areas, Limits limits)
+    : ZrRouteHistory(route, &areas, limits)
+{
+}
+
+ZrRouteHistory::ZrRouteHistory(ZrWpts& route, ZrPlanAreas* areas, Limits limits)
     : m_route(route)
+    , m_areas(areas)
     , m_limits(limits)
 {
     m_states.push_back(Capture(nullptr));
@@ -220,6 +247,15 @@ void ZrRouteHistory::ChangeRoute(const QString& what, const std::function<void(Z
     Push(QCoreApplication::translate("ZrRouteHistory", "Change %1 of the route").arg(what));
 }
 
+bool ZrRouteHistory::ChangeAreas(const QString& name, const std::function<void(ZrPlanAreas&)>& edit)
+{
+    if (!m_areas)
+        return false;
+    RecordOutside();
+    edit(*m_areas);
+    return Push(name);
+}
+
 bool ZrRouteHistory::InsertPattern(const std::vector<ZrWpt>& points, int index, const QString& name)
 {
     if (points.empty() || index < 0 || index > m_route.GetCount())
@@ -335,6 +371,12 @@ ZrRouteHistory::State ZrRouteHistory::Capture(const State* before) const
             state.bytes += BytesOf(*wpt);
         }
     }
+    if (m_areas && before && before->areas && *before->areas == *m_areas) {
+        state.areas = before->areas;
+    } else if (m_areas) {
+        state.areas = std::make_shared<const ZrPlanAreas>(*m_areas);
+        state.bytes += BytesOf(m_areas->areas) + BytesOf(m_areas->noGo);
+    }
     state.bytes += static_cast<i64>(sizeof(State) + state.wpts.size() * sizeof(state.wpts.front()));
     return state;
 }
@@ -342,7 +384,8 @@ ZrRouteHistory::State ZrRouteHistory::Capture(const State* before) const
 bool ZrRouteHistory::IsSame(const State& state) const
 {
     if (m_route.prefix != state.prefix || m_route.linked != state.linked || m_route.closed != state.closed
-        || m_route.speedType != state.speedType || !SameBits(m_route.speed, state.speed))
+        || m_route.speedType != state.speedType || !SameBits(m_route.speed, state.speed)
+        || (m_areas && *m_areas != *state.areas))
         return false;
     std::size_t i = 0;
     for (ZrListPos* pos = m_route.GetHeadPos(); pos; ++i) {
@@ -359,6 +402,8 @@ void ZrRouteHistory::Restore(const State& state)
     m_route.closed = state.closed;
     m_route.speedType = state.speedType;
     m_route.speed = state.speed;
+    if (m_areas)
+        *m_areas = *state.areas;
 
     // The objects leave the list, which keeps its nodes; those that the state knows come back.
     QMultiHash<QUuid, ZrWpt*> known;

@@ -12,8 +12,9 @@
 
 class ZrWpt;
 class ZrWpts;
+struct ZrPlanAreas;
 
-/// Undo and redo for a route.
+/// Undo and redo for a route, and for the areas of its plan.
 ///
 /// \code
 /// ZrRouteHistory history(route);
@@ -34,7 +35,10 @@ class ZrWpts;
 /// the others are deleted and made anew. Members of classes derived from `ZrWpts` and the speed presets take
 /// no part.
 ///
-/// The route is borrowed and must outlive the history. One thread at a time, that of the route.
+/// Areas, where the history is given some, are part of every step: what is said of the route holds for both.
+///
+/// The route and the areas are borrowed and must outlive the history. One thread at a time, that of the
+/// route.
 class ZR_KIT_EXPORT ZrRouteHistory
 {
 public:
@@ -48,6 +52,8 @@ public:
 
     explicit ZrRouteHistory(ZrWpts& route);
     ZrRouteHistory(ZrWpts& route, Limits limits);
+    ZrRouteHistory(ZrWpts& route, ZrPlanAreas& areas);
+    ZrRouteHistory(ZrWpts& route, ZrPlanAreas& areas, Limits limits);
     ~ZrRouteHistory();
     ZrRouteHistory(const ZrRouteHistory&) = delete;
     ZrRouteHistory& operator=(const ZrRouteHistory&) = delete;
@@ -93,6 +99,10 @@ public:
     /// Calls \p edit for the route, for its settings or any other change: "Change speed of the route".
     void ChangeRoute(const QString& what, const std::function<void(ZrWpts&)>& edit);
 
+    /// Calls \p edit for the areas; \p name is that of the step. False when they are the same afterwards, or
+    /// when the history has none.
+    bool ChangeAreas(const QString& name, const std::function<void(ZrPlanAreas&)>& edit);
+
     /// Inserts copies before the waypoint at \p index; at the end for the number of waypoints. The name of
     /// the step is "Insert pattern", or that with \p name.
     bool InsertPattern(const std::vector<ZrWpt>& points, int index, const QString& name = QString());
@@ -112,6 +122,7 @@ public:
 private:
     struct State;
 
+    ZrRouteHistory(ZrWpts& route, ZrPlanAreas* areas, Limits limits);
     bool RecordOutside();
     bool Push(const QString& name);
     bool PushMove(const QString& name, const ZrWpt& wpt);
@@ -123,6 +134,7 @@ private:
     bool IsOnRoute(const ZrWpt* wpt) const;
 
     ZrWpts& m_route;
+    ZrPlanAreas* m_areas; ///< null for none
     Limits m_limits;
     std::vector<State> m_states; ///< never empty; each is what its step made of the one before
     std::size_t m_now = 0; ///< index of the state that the route has

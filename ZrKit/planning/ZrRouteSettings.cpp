@@ -84,13 +84,19 @@ bool ZrRouteSettings::Read(const QJsonObject& object, const QByteArray& bytes, Z
     return true;
 }
 
-void ZrRouteSettings::ReadPresets(const QJsonObject& object)
+QJsonObject ZrRouteSettings::PresetsOf(const QJsonObject& object)
 {
     QJsonObject presets;
     for (const QString& key : Presets()) {
         if (object.contains(key))
             presets.insert(key, object.value(key));
     }
+    return presets;
+}
+
+void ZrRouteSettings::ReadPresets(const QJsonObject& object)
+{
+    QJsonObject presets = PresetsOf(object);
     zr::ZrSetModule module(zr::ePersistLoading, presets);
     ZrWpts().settings(module);
 }

@@ -32,4 +32,7 @@ public:
     /// The same in two steps: the route, in any thread; then the speed presets, on the thread of routes.
     static bool ReadRoute(const QJsonObject& object, const QByteArray& bytes, ZrWpts& route, QString& error);
     static void ReadPresets(const QJsonObject& object);
+
+    /// The speed presets in \p object alone.
+    static QJsonObject PresetsOf(const QJsonObject& object);
 };

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 
 #include <limits>
+#include <memory>
 
 namespace {
 
@@ -169,7 +170,21 @@ bool ZrRouteStore::Load(const QByteArray& bytes, ZrXmlStore& store, QString& err
 
 void ZrRouteStore::Finish(ZrXmlStore& store, ZrWpts& route)
 {
+    FinishBare(store, route);
+    route.Recalc(true);
+}
+
+void ZrRouteStore::FinishBare(ZrXmlStore& store, ZrWpts& route)
+{
     SyncRoute(store, route);
-    if (ZrXmlSet* set = FindWaypoints(store))
-        route.SyncXml(*set);
+    ZrXmlSet* set = FindWaypoints(store);
+    for (ZrListPos* pos = set ? set->GetHeadPos() : nullptr; pos;) {
+        ZrXmlObj& obj = *set->GetNext(pos);
+        if (!IsWaypoint(obj))
+            continue;
+        auto wpt = std::make_unique<ZrWpt>();
+        wpt->SyncXml(obj);
+        route.AddTail(wpt.get());
+        static_cast<void>(wpt.release());
+    }
 }

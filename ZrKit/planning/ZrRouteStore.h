@@ -31,4 +31,7 @@ public:
     /// true, the route.
     static bool Load(const QByteArray& bytes, ZrXmlStore& store, QString& error);
     static void Finish(ZrXmlStore& store, ZrWpts& route);
+
+    /// As `Finish`, with nothing computed: in any thread.
+    static void FinishBare(ZrXmlStore& store, ZrWpts& route);
 };

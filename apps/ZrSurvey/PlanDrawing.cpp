@@ -14,7 +14,7 @@ constexpr int imageCircle = 3; ///< of `ZrGlSurface::m_markers`
 
 void PlanDrawing::Clear()
 {
-    m_ring.clear();
+    SetRing({});
     m_pattern = ZrSurveyPlan();
     Build(false);
 }
@@ -22,6 +22,28 @@ void PlanDrawing::Clear()
 void PlanDrawing::SetRing(const std::vector<ZrGeoPoint>& corners)
 {
     m_ring = corners;
+    m_steps = {corners};
+    m_step = 0;
+}
+
+void PlanDrawing::Record()
+{
+    if (m_ring == m_steps[m_step])
+        return;
+    m_steps.resize(++m_step);
+    m_steps.push_back(m_ring);
+}
+
+void PlanDrawing::Undo()
+{
+    if (CanUndo())
+        m_ring = m_steps[--m_step];
+}
+
+void PlanDrawing::Redo()
+{
+    if (CanRedo())
+        m_ring = m_steps[++m_step];
 }
 
 void PlanDrawing::SetPattern(const ZrSurveyPlan& plan)
@@ -32,6 +54,7 @@ void PlanDrawing::SetPattern(const ZrSurveyPlan& plan)
 void PlanDrawing::Add(const QPointF& world)
 {
     m_ring.push_back(m_chart.ToGeo(world));
+    Record();
 }
 
 void PlanDrawing::Move(int corner, ZrGeoPoint to)
@@ -43,6 +66,12 @@ void PlanDrawing::RemoveLast()
 {
     if (!m_ring.empty())
         m_ring.pop_back();
+    Record();
+}
+
+void PlanDrawing::CloseMove()
+{
+    Record();
 }
 
 int PlanDrawing::CornerAt(const ZrMapView& view, const QPointF& pixel, double radius) const

@@ -24,21 +24,33 @@ public:
     QVector<ZrMapLayer*> Layers() { return {&m_lines, &m_marks}; }
 
     void Clear();
-    void SetRing(const std::vector<ZrGeoPoint>& corners); ///< begins with these
+    void SetRing(const std::vector<ZrGeoPoint>& corners); ///< begins with these, without anything to undo
     void SetPattern(const ZrSurveyPlan& plan); ///< shows it
 
     const std::vector<ZrGeoPoint>& Ring() const { return m_ring; }
 
     void Add(const QPointF& world); ///< a corner behind the last one
-    void Move(int corner, ZrGeoPoint to);
+    void Move(int corner, ZrGeoPoint to); ///< no step before `CloseMove`
+    void CloseMove();
     void RemoveLast();
+
+    bool CanUndo() const { return m_step > 0; } ///< of the ring
+
+    bool CanRedo() const { return m_step + 1 < m_steps.size(); }
+
+    void Undo();
+    void Redo();
     int CornerAt(const ZrMapView& view, const QPointF& pixel, double radius) const; ///< -1 for none
 
     void Build(bool isNoGo); ///< after a change, and of the colours
 
 private:
+    void Record();
+
     const ZrPlanChart& m_chart;
     std::vector<ZrGeoPoint> m_ring;
+    std::vector<std::vector<ZrGeoPoint>> m_steps{{}}; ///< the ring as each step left it; never empty
+    std::size_t m_step = 0; ///< the one that the ring is of
     ZrSurveyPlan m_pattern;
     ZrShapeLayer m_lines;
     ZrMarkerLayer m_marks;

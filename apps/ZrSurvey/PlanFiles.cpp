@@ -2,10 +2,13 @@
 
 #include "ZrKit/planning/ZrAreaFile.h"
 #include "ZrKit/planning/ZrPlanReader.h"
+#include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
+#include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 
 #include <memory>
@@ -23,8 +26,10 @@ PlanFiles::PlanFiles(SurveyView& view, QObject* parent)
     : QObject(parent)
     , m_view(view)
     , m_panel(new ZrFilePanel(&view, QString()))
+    , m_kept(new ZrChoicePanel(&view, tr("Unsaved plans")))
 {
     m_panel->hide();
+    m_kept->hide();
     connect(m_panel, &ZrFilePanel::FileChosen, this, &PlanFiles::Take);
     connect(&view.Model().plan, &ZrPlanDocument::DraftFailed, this, [this](const QString& error) {
         m_view.Warn(tr("The draft of the plan cannot be kept. %1").arg(error));
@@ -62,6 +67,7 @@ void PlanFiles::OnFinished()
 void PlanFiles::Restyle()
 {
     m_panel->Restyle();
+    m_kept->Restyle();
 }
 
 void PlanFiles::Show(eTask task, const QString& title, bool isSaving, const QStringList& suffixes)
@@ -157,25 +163,45 @@ void PlanFiles::SaveTo(const QString& path)
         bool isDone = false;
         QString error;
         QStringList warnings;
+        QStringList notHeld;
     };
 
     auto job = std::make_shared<Save>();
     job->plan = m_view.Model().plan.State();
-    Run([job, path] { job->isDone = job->plan.Save(path, job->error, job->warnings); },
-        [this, job, path] {
-            if (!job->isDone) {
-                m_view.Warn(job->error);
-                return;
-            }
-            m_view.Model().plan.SetSaved(path, job->plan);
-            const bool hasAreas = !job->plan.areas.empty() || !job->plan.noGo.empty();
-            if (!job->warnings.isEmpty())
-                m_view.Tell(job->warnings.front());
-            else if (hasAreas && QFileInfo(path).suffix().toLower() != allForms.front())
-                m_view.Tell(tr("Saved; areas are kept in plans of the form .json alone"));
-            else
-                m_view.Tell(tr("Saved as %1").arg(QFileInfo(path).fileName()));
-        });
+    const auto save = [job, path] {
+        job->isDone = job->plan.Save(path, job->error, job->warnings);
+        if (job->isDone)
+            job->notHeld = job->plan.NotHeld(path);
+    };
+    Run(save, [this, job, path] {
+        if (!job->isDone) {
+            m_view.Warn(job->error);
+            return;
+        }
+        const bool isPlan = m_view.Model().plan.SetSaved(path, job->plan, job->notHeld);
+        TellSaved(path, isPlan, job->notHeld, job->warnings);
+    });
+}
+
+/// \param isPlan it is the plan that is open now, and not one before it
+void PlanFiles::TellSaved(
+    const QString& path, bool isPlan, const QStringList& notHeld, const QStringList& warnings)
+{
+    const QString name = QFileInfo(path).fileName();
+    if (!notHeld.isEmpty()) {
+        const QString text = tr("%1 does not hold: %2. A plan of the form .json holds everything")
+                                 .arg(name, notHeld.join(QLatin1String(", ")));
+        if (isPlan)
+            m_view.Tell(text, tr("Save as"), [this] { ShowSaveAs(); });
+        else
+            m_view.Tell(text);
+    } else if (isPlan && !m_view.Model().plan.Sketch().IsEmpty()) {
+        m_view.Tell(tr("Saved as %1, without the area that is being drawn").arg(name));
+    } else if (!warnings.isEmpty()) {
+        m_view.Tell(warnings.front());
+    } else {
+        m_view.Tell(tr("Saved as %1").arg(name));
+    }
 }
 
 void PlanFiles::ReadAreas(const QString& path)
@@ -189,27 +215,93 @@ void PlanFiles::ReadAreas(const QString& path)
                 m_view.Warn(file->Error());
                 return;
             }
-            ZrPlanDocument& plan = m_view.Model().plan;
-            const std::vector<ZrArea> before = plan.Areas();
-            std::vector<ZrArea> all = before;
-            const int count = static_cast<int>(areas.size());
-            all.insert(all.end(), areas.begin(), areas.end());
-            plan.SetAreas(std::move(all));
-            m_view.Tell(
-                tr("Areas read: %1").arg(count), tr("Undo"), [&plan, before] { plan.SetAreas(before); });
+            m_view.Model().plan.ChangeAreas(tr("Read areas"), [&areas](ZrPlanAreas& all) {
+                all.areas.insert(all.areas.end(), areas.begin(), areas.end());
+            });
             Q_EMIT Opened();
+            Q_EMIT AreasRead(static_cast<int>(areas.size()));
         });
 }
 
-/// Offers to bring back what was not saved.
-void PlanFiles::TellLost(const QString& text, const ZrPlanState& state, bool wasDirty)
+bool PlanFiles::HasKept() const
 {
-    if (!wasDirty) {
+    const ZrPlanDrafts* kept = m_view.Model().plan.Kept();
+    return kept && !kept->IsEmpty();
+}
+
+void PlanFiles::ShowKept()
+{
+    const ZrPlanDrafts* kept = m_view.Model().plan.Kept();
+    if (!kept)
+        return;
+    auto entries = std::make_shared<std::vector<ZrPlanDrafts::Entry>>();
+    Run([entries, folder = kept->Folder()] { *entries = ZrPlanDrafts(folder).List(); },
+        [this, entries] { ChooseKept(*entries); });
+}
+
+void PlanFiles::ChooseKept(const std::vector<ZrPlanDrafts::Entry>& entries)
+{
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    QVector<ZrListItem> items;
+    QStringList paths;
+    for (const ZrPlanDrafts::Entry& entry : entries) {
+        ZrListItem item;
+        item.title = entry.name;
+        const qint64 seconds = entry.kept.secsTo(now);
+        if (entry.kept.isValid())
+            item.subtitle = seconds < 60
+                ? tr("A moment ago")
+                : tr("%1 ago").arg(HomeState::DurationText(static_cast<double>(seconds)));
+        if (!entry.content.isEmpty())
+            item.subtitle += (item.subtitle.isEmpty() ? QString() : QStringLiteral(" • ")) + entry.content;
+        item.image = QImage(QStringLiteral(":/icons/file.png"));
+        items.append(item);
+        paths.append(entry.path);
+    }
+    m_kept->SetItems(items, -1);
+    m_kept->disconnect(this);
+    connect(m_kept, &ZrChoicePanel::Chosen, this, [this, paths](int row) { RestoreKept(paths[row]); });
+    m_kept->Open();
+}
+
+void PlanFiles::RestoreKept(const QString& path)
+{
+    auto reader = std::make_shared<ZrPlanReader>();
+    Run([reader, path] { reader->LoadDraft(path); },
+        [this, reader] {
+            ZrPlanDocument& plan = m_view.Model().plan;
+            const auto before = Unsaved();
+            if (!plan.Take(*reader)) {
+                m_view.Warn(plan.Error());
+                return;
+            }
+            Q_EMIT Opened();
+            TellLost(tr("%1 is back").arg(plan.Name()), before);
+        });
+}
+
+/// The plan as it is now; null when it is saved.
+std::shared_ptr<const ZrPlanState> PlanFiles::Unsaved() const
+{
+    const ZrPlanDocument& plan = m_view.Model().plan;
+    return plan.IsDirty() ? std::make_shared<const ZrPlanState>(plan.State()) : nullptr;
+}
+
+/// Offers to bring back what was not saved.
+/// \param before the plan that was there; null when it was saved
+void PlanFiles::TellLost(const QString& text, const std::shared_ptr<const ZrPlanState>& before)
+{
+    if (!before) {
         m_view.Tell(text);
         return;
     }
-    m_view.Tell(tr("%1; the one before was not saved").arg(text), tr("Undo"), [this, state] {
-        m_view.Model().plan.Restore(state);
+    const QString kept = m_view.Model().plan.KeptPath();
+    const QString told = kept.isEmpty() ? tr("%1; the one before was not saved").arg(text)
+                                        : tr("%1; the one before was not saved and is under More").arg(text);
+    m_view.Tell(told, tr("Undo"), [this, before, kept] {
+        ZrPlanDocument& plan = m_view.Model().plan;
+        if (!plan.Restore(*before, kept))
+            m_view.Warn(plan.Error());
         Q_EMIT Opened();
     });
 }
@@ -217,11 +309,13 @@ void PlanFiles::TellLost(const QString& text, const ZrPlanState& state, bool was
 void PlanFiles::New()
 {
     ZrPlanDocument& plan = m_view.Model().plan;
-    const bool wasDirty = plan.IsDirty();
-    const ZrPlanState before = wasDirty ? plan.State() : ZrPlanState();
-    plan.New();
-    TellLost(tr("New plan"), before, wasDirty);
+    const auto before = Unsaved();
+    if (!plan.New()) {
+        m_view.Warn(plan.Error());
+        return;
+    }
     Q_EMIT Opened();
+    TellLost(tr("New plan"), before);
 }
 
 void PlanFiles::Open(const QString& path)
@@ -229,23 +323,17 @@ void PlanFiles::Open(const QString& path)
     auto reader = std::make_shared<ZrPlanReader>();
     Run([reader, path] { reader->Load(path); },
         [this, reader, path] {
-            if (!reader->Error().isEmpty()) {
-                m_view.Warn(reader->Error());
-                return;
-            }
             ZrPlanDocument& plan = m_view.Model().plan;
-            const bool wasDirty = plan.IsDirty();
-            const ZrPlanState before = wasDirty ? plan.State() : ZrPlanState();
+            const auto before = Unsaved();
             if (!plan.Take(*reader)) {
                 m_view.Warn(plan.Error());
                 return;
             }
-            const QString name = QFileInfo(path).fileName();
-            if (wasDirty || plan.Warnings().isEmpty())
-                TellLost(tr("%1 opened").arg(name), before, wasDirty);
-            else
-                m_view.Tell(plan.Warnings().front());
             Q_EMIT Opened();
+            if (!before && !plan.Warnings().isEmpty())
+                m_view.Tell(plan.Warnings().front());
+            else
+                TellLost(tr("%1 opened").arg(QFileInfo(path).fileName()), before);
         });
 }
 
@@ -259,18 +347,32 @@ void PlanFiles::RestoreDraft()
     Run([reader, path = plan.DraftPath()] { reader->LoadDraft(path); },
         [this, reader, &plan] {
             m_isRestoring = false;
-            m_draftProblem = reader->Error();
-            const bool wasDirty = plan.IsDirty(); // it was edited while the draft was read
-            const ZrPlanState before = wasDirty ? plan.State() : ZrPlanState();
-            if (m_draftProblem.isEmpty()) {
-                m_hasRestored = plan.Take(*reader);
-                m_draftProblem = plan.Error();
-            }
-            if (m_hasRestored && wasDirty)
-                TellLost(tr("The draft was restored"), before, true);
+            const auto before = Unsaved(); // it was edited while the draft was read
+            m_hasRestored = plan.Take(*reader);
+            if (!m_hasRestored)
+                TellUnread(reader->Error());
+            else if (before)
+                Q_EMIT Opened();
+            else
+                Q_EMIT Restored();
+            if (m_hasRestored && before)
+                TellLost(tr("The draft was restored"), before);
             if (std::exchange(m_isTellingDue, false))
                 TellDraft();
         });
+}
+
+/// \param error of the reader; empty when the plan that is there could not be kept
+void PlanFiles::TellUnread(const QString& error)
+{
+    const ZrPlanDocument& plan = m_view.Model().plan;
+    m_draftProblem = error.isEmpty()
+        ? plan.Error()
+        : tr("The draft of a plan cannot be read. %1.").arg(error) + QLatin1Char(' ')
+            + (plan.AsidePath().isEmpty() ? tr("It cannot be set aside, so that no draft is kept now.")
+                                          : tr("It is kept as %1.").arg(plan.AsidePath()));
+    // Whether or not the page is opened this time.
+    m_view.Warn(m_draftProblem);
 }
 
 void PlanFiles::TellDraft()
@@ -280,7 +382,7 @@ void PlanFiles::TellDraft()
         return;
     }
     if (!m_draftProblem.isEmpty())
-        m_view.Warn(tr("The draft of a plan cannot be read. %1").arg(m_draftProblem));
+        m_view.Warn(m_draftProblem);
     else if (m_hasRestored && m_view.Model().plan.IsDirty())
         m_view.Tell(tr("This plan was not saved the last time"), tr("Discard"), [this] { New(); });
     m_draftProblem.clear();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZrKit/planning/ZrPlanDrafts.h"
 #include "ZrKit/planning/ZrPlanState.h"
 #include "ZrKit/review/ZrWorker.h"
 
@@ -9,6 +10,8 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 class SurveyView;
 class ZrChoicePanel;
@@ -32,6 +35,8 @@ public:
     void ShowSaveAs();
     void ShowExport();
     void ShowAreas(); ///< reads survey areas from a file
+    bool HasKept() const; ///< there are plans that were not saved
+    void ShowKept(); ///< for one of them to be taken up again
     void Open(const QString& path); ///< `Opened` tells, or a message
     void Restyle();
 
@@ -46,6 +51,8 @@ public:
 
 Q_SIGNALS:
     void Opened(); ///< the plan is another one
+    void Restored(); ///< the draft is the plan, before anything else was
+    void AreasRead(int count); ///< into the plan, a step of its history
     void BusyChanged();
 
 private:
@@ -62,7 +69,12 @@ private:
     void SaveTo(const QString& path);
     void Export(const QString& path);
     void ReadAreas(const QString& path);
-    void TellLost(const QString& text, const ZrPlanState& state, bool wasDirty);
+    void ChooseKept(const std::vector<ZrPlanDrafts::Entry>& entries);
+    void RestoreKept(const QString& path);
+    void TellUnread(const QString& error);
+    void TellLost(const QString& text, const std::shared_ptr<const ZrPlanState>& before);
+    std::shared_ptr<const ZrPlanState> Unsaved() const;
+    void TellSaved(const QString& path, bool isPlan, const QStringList& notHeld, const QStringList& warnings);
     void Run(const std::function<void()>& work, const std::function<void()>& then);
     void StartNext();
     void OnFinished();
@@ -78,6 +90,7 @@ private:
     QQueue<Job> m_jobs; ///< the first one is under way
     ZrWorker m_worker;
     ZrFilePanel* m_panel;
+    ZrChoicePanel* m_kept;
     eTask m_task = taskOpen;
     QString m_draftProblem;
     bool m_hasRestored = false;

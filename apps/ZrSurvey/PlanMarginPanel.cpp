@@ -26,7 +26,7 @@ PlanMarginPanel::PlanMarginPanel(SurveyView& view, QWidget* parent)
 void PlanMarginPanel::Show()
 {
     const double margin = View().Model().plan.Margin();
-    if (!m_margin->hasFocus())
+    if (!m_margin->hasFocus() || !m_margin->isModified())
         m_margin->SetValue(margin);
     update();
 }

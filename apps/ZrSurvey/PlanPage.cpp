@@ -86,6 +86,7 @@ PlanPage::PlanPage(SurveyView& view)
     m_files->RestoreDraft();
     ShowSide(sideList);
     SetMode(modeBrowse);
+    TakeSketch();
 }
 
 PlanPage::~PlanPage() = default;
@@ -113,10 +114,10 @@ void PlanPage::AddBand()
         return button;
     };
     m_undo = add("undo", tr("Undo (Ctrl+Z)"), [this] { Undo(); });
-    m_redo = add("redo", tr("Redo (Ctrl+Y)"), [this] { Redo(); });
+    m_redo = add("redo", tr("Redo (Ctrl+Shift+Z)"), [this] { Redo(); });
     add("open", tr("Open a plan (Ctrl+O)"), [this] { m_files->ShowOpen(); });
-    add("save", tr("Save the plan (Ctrl+S)"), [this] { m_files->Save(); });
-    add("more", tr("New, save as, export"), [this] { ShowMore(); });
+    add("save", tr("Save the plan (Ctrl+S)"), [this] { SavePlan(false); });
+    add("more", tr("New, save as, export, unsaved plans"), [this] { ShowMore(); });
 }
 
 void PlanPage::AddTools()
@@ -133,13 +134,8 @@ void PlanPage::AddTools()
         "area", tr("Draw an area (D)"), [this] { SetMode(m_mode == modeArea ? modeBrowse : modeArea); });
     m_patternTool = add("pattern", tr("Survey lines over an area (P)"), [this] { StartPattern(); });
     add("fit", tr("Show the whole plan (F)"), [this] { Fit(); });
-    const auto zoom = [this](double factor) {
-        ZrMapView& camera = m_map.m_camera;
-        camera.ZoomAbout({camera.Width() / 2.0, camera.Height() / 2.0}, factor);
-        m_panel->Moved();
-    };
-    add("zoom_in", tr("Closer (+)"), [zoom] { zoom(1.5); });
-    add("zoom_out", tr("Farther (-)"), [zoom] { zoom(1.0 / 1.5); });
+    add("zoom_in", tr("Closer (+)"), [this] { Zoom(1.5); });
+    add("zoom_out", tr("Farther (-)"), [this] { Zoom(1.0 / 1.5); });
 }
 
 void PlanPage::AddBar()
@@ -159,14 +155,13 @@ void PlanPage::AddBar()
     m_deleteArea
         = add("delete", "delete_area", tr("Delete"), tr("Delete this area (Del)"), [this] { DeleteArea(); });
     m_keepClear = add("warning", "keep_clear", tr("No-go"), tr("The way must stay out of this area"), [this] {
+        KeepSketch();
         m_drawing.Build(m_keepClear->on);
         Changed();
     });
     m_keepClear->checkable = true;
-    m_removeLast = add("undo", "remove_last", tr("Last"), tr("Remove the last corner (Backspace)"), [this] {
-        m_drawing.RemoveLast();
-        ShowState();
-    });
+    m_removeLast = add("undo", "remove_last", tr("Last"), tr("Remove the last corner (Backspace)"),
+        [this] { RemoveLastCorner(); });
     m_addHere = add(
         "target", "add_here", tr("Add"), tr("Add at the cross (Ins)"), [this] { AddHere(Crosshair()); });
     m_done = add(
@@ -188,21 +183,19 @@ void PlanPage::AddSide()
 void PlanPage::Connect()
 {
     connect(m_later, &QTimer::timeout, this, &PlanPage::Refresh);
-    connect(&Plan(), &ZrPlanDocument::Changed, this, [this] {
-        ++m_edits;
-        Later();
-    });
+    connect(&Plan(), &ZrPlanDocument::Changed, this, &PlanPage::Later);
     connect(&m_review, &ZrPlanReview::Ready, this, &PlanPage::Later);
     connect(m_files, &PlanFiles::Opened, this, [this] {
         Select(-1);
         // What was being drawn belonged to the plan before.
-        m_drawing.Clear();
-        m_editedArea = -1;
+        m_mode = modeBrowse;
         SetMode(modeBrowse);
+        TakeSketch();
         m_isFitDue = true;
         m_isCameraDue = false;
         Later();
     });
+    connect(m_files, &PlanFiles::Restored, this, &PlanPage::TakeSketch);
     connect(m_busy, &QTimer::timeout, this, &PlanPage::ShowState);
     connect(m_files, &PlanFiles::BusyChanged, this, [this] {
         if (m_files->IsBusy())
@@ -211,6 +204,8 @@ void PlanPage::Connect()
             m_busy->stop();
         Later();
     });
+    connect(m_files, &PlanFiles::AreasRead, this,
+        [this](int count) { TellUndo(tr("Areas read: %1").arg(count)); });
     connect(m_panel, &ZrMapPanel::Changed, this, &SurveyPage::Changed);
     connect(m_panel, &ZrMapPanel::CameraMoved, this, &PlanPage::KeepCamera);
     connect(m_panel, &ZrMapPanel::Tapped, this, &PlanPage::OnTapped);
@@ -370,6 +365,9 @@ void PlanPage::Refresh()
         if (Plan().Route().GetNext(pos)->uuid == m_selectedId)
             m_selected = index;
     }
+    const auto areas = static_cast<int>((m_isNoGo ? Plan().NoGo() : Plan().Areas()).size());
+    if (m_area >= areas)
+        m_area = -1;
     const ZrRoutePath& path = Path();
     m_chart.SetAreas(Plan().Areas(), Plan().NoGo());
     m_chart.SetRoute(Plan().Route(), path);

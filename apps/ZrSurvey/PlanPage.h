@@ -122,8 +122,15 @@ private:
     void Reverse();
     void Undo();
     void Redo();
+    void Zoom(double factor);
+    void SavePlan(bool asksForFile);
     void FinishArea();
+    void KeepSketch(); ///< what is being drawn is in the draft as well
+    void TakeSketch(); ///< goes on drawing what the plan has
     void RemoveLastCorner(); ///< of the area that is being drawn
+    bool UndoCorner(); ///< false when there is none to undo
+    bool RedoCorner();
+    void LeaveCorners(); ///< of an area of the plan
     void EditArea();
     void DeleteArea();
     void StartPattern();
@@ -190,5 +197,4 @@ private:
     int m_corner = -1; ///< that is dragged
     ZrGeoPoint m_dragStart;
     QPointF m_grab; ///< from the finger to the mark, world
-    int m_edits = 0; ///< counted
 };

@@ -54,10 +54,22 @@ void PlanPage::OpenPlan(const QString& path)
     m_files->Open(path);
 }
 
-void PlanPage::RemoveLastCorner()
+void PlanPage::Zoom(double factor)
 {
-    m_drawing.RemoveLast();
-    ShowState();
+    ZrMapView& camera = m_map.m_camera;
+    camera.ZoomAbout({camera.Width() / 2.0, camera.Height() / 2.0}, factor);
+    m_panel->Moved();
+}
+
+void PlanPage::SavePlan(bool asksForFile)
+{
+    // What is an area already is saved with the plan.
+    if (m_mode == modeArea && m_drawing.Ring().size() >= 3)
+        SetMode(modeBrowse);
+    if (asksForFile)
+        m_files->ShowSaveAs();
+    else
+        m_files->Save();
 }
 
 void PlanPage::SetMode(eMode mode)
@@ -152,8 +164,15 @@ void PlanPage::OnDragged(int drag, const QPointF& world)
     if (m_mode == modeArea) {
         if (drag != ZrMapPanel::dragEnd)
             m_drawing.Move(m_corner, to);
-        m_drawing.Build(m_keepClear->on);
-        Changed();
+        if (drag != ZrMapPanel::dragMove)
+            m_drawing.CloseMove();
+        KeepSketch();
+        if (drag == ZrMapPanel::dragMove) {
+            m_drawing.Build(m_keepClear->on);
+            Changed();
+        } else {
+            ShowState();
+        }
         return;
     }
     ZrWpt* wpt = Waypoint(m_selected);
@@ -200,6 +219,7 @@ void PlanPage::AddHere(const QPointF& world)
 {
     if (m_mode == modeArea) {
         m_drawing.Add(world);
+        KeepSketch();
         ShowState();
         return;
     }
@@ -219,12 +239,14 @@ void PlanPage::InsertIntoLeg()
 
 void PlanPage::TellUndo(const QString& text)
 {
-    const int edits = m_edits;
-    View().Tell(text, tr("Undo"), [this, edits] {
-        if (edits == m_edits)
-            Undo();
-        else
+    const int revision = Plan().Revision();
+    View().Tell(text, tr("Undo"), [this, revision] {
+        LeaveCorners();
+        if (revision != Plan().Revision())
             View().Tell(tr("The plan was edited since; Ctrl+Z takes back step by step"));
+        else
+            Plan().Undo();
+        Refresh();
     });
 }
 
@@ -263,79 +285,20 @@ void PlanPage::Reverse()
 
 void PlanPage::Undo()
 {
-    if (Plan().History().Undo())
-        Plan().Edited();
+    if (UndoCorner())
+        return;
+    LeaveCorners();
+    Plan().Undo();
     Refresh();
 }
 
 void PlanPage::Redo()
 {
-    if (Plan().History().Redo())
-        Plan().Edited();
+    if (RedoCorner())
+        return;
+    LeaveCorners();
+    Plan().Redo();
     Refresh();
-}
-
-/// What has been drawn becomes an area of the plan.
-void PlanPage::FinishArea()
-{
-    const auto& ring = m_drawing.Ring();
-    if (ring.size() < 3) {
-        if (!ring.empty())
-            View().Tell(tr("An area has three corners or more"));
-        return;
-    }
-    const bool isNoGo = m_keepClear->on;
-    std::vector<ZrArea> areas = Plan().Areas();
-    std::vector<ZrArea> noGo = Plan().NoGo();
-    auto& from = m_isNoGo ? noGo : areas;
-    auto& to = isNoGo ? noGo : areas;
-    ZrArea area;
-    if (m_editedArea >= 0 && m_editedArea < static_cast<int>(from.size())) {
-        area = from[static_cast<std::size_t>(m_editedArea)];
-        from.erase(from.begin() + m_editedArea);
-    }
-    area.ring = ring;
-    if (area.name.isEmpty())
-        area.name = (isNoGo ? tr("Keep clear %1") : tr("Area %1")).arg(to.size() + 1);
-    to.push_back(std::move(area));
-    Plan().SetAreas(std::move(areas));
-    Plan().SetNoGo(std::move(noGo));
-}
-
-void PlanPage::EditArea()
-{
-    const bool isNoGo = m_isNoGo;
-    const int index = m_area;
-    const auto& areas = isNoGo ? Plan().NoGo() : Plan().Areas();
-    if (index < 0 || index >= static_cast<int>(areas.size()))
-        return;
-    const std::vector<ZrGeoPoint> ring = areas[static_cast<std::size_t>(index)].ring;
-    SetMode(modeArea);
-    m_editedArea = index;
-    m_isNoGo = isNoGo;
-    m_keepClear->on = isNoGo;
-    m_drawing.SetRing(ring);
-    ShowState();
-}
-
-void PlanPage::DeleteArea()
-{
-    std::vector<ZrArea> areas = m_isNoGo ? Plan().NoGo() : Plan().Areas();
-    if (m_area < 0 || m_area >= static_cast<int>(areas.size()))
-        return;
-    const bool isNoGo = m_isNoGo;
-    const auto before = areas;
-    const QString name = areas[static_cast<std::size_t>(m_area)].name;
-    areas.erase(areas.begin() + m_area);
-    const auto set = [this, isNoGo](const std::vector<ZrArea>& all) {
-        if (isNoGo)
-            Plan().SetNoGo(all);
-        else
-            Plan().SetAreas(all);
-    };
-    set(areas);
-    Select(-1);
-    View().Tell(tr("%1 deleted").arg(name), tr("Undo"), [set, before] { set(before); });
 }
 
 void PlanPage::StartPattern()
@@ -346,7 +309,8 @@ void PlanPage::StartPattern()
     }
     // What is being drawn becomes the area.
     const bool wasDrawing = m_mode == modeArea && m_drawing.Ring().size() >= 3;
-    const int chosen = !wasDrawing && !m_isNoGo ? m_area : -1;
+    const int drawn = m_editedArea >= 0 && !m_keepClear->on ? m_editedArea : -1;
+    const int chosen = m_isNoGo ? -1 : wasDrawing ? drawn : m_area;
     SetMode(modeBrowse);
     const auto& areas = Plan().Areas();
     if (areas.empty()) {
@@ -403,9 +367,9 @@ void PlanPage::ShowMore()
         std::function<void()> run;
     };
 
-    const QVector<Entry> entries{
+    QVector<Entry> entries{
         {tr("New plan"), "file", [this] { m_files->New(); }},
-        {tr("Save as"), "save", [this] { m_files->ShowSaveAs(); }},
+        {tr("Save as"), "save", [this] { SavePlan(true); }},
         {tr("Export the route"), "export", [this] { m_files->ShowExport(); }},
         {tr("Read areas from a file"), "import", [this] { m_files->ShowAreas(); }},
         {tr("Lines along the route (corridor)"), "pattern", [this] { StartCorridor(); }},
@@ -416,8 +380,10 @@ void PlanPage::ShowMore()
                 Plan().Edited();
             }},
     };
+    if (m_files->HasKept())
+        entries.append({tr("Unsaved plans"), "file", [this] { m_files->ShowKept(); }});
     QVector<ZrListItem> items;
-    for (const Entry& entry : entries) {
+    for (const Entry& entry : qAsConst(entries)) {
         ZrListItem item;
         item.title = entry.title;
         item.image = QImage(QStringLiteral(":/icons/%1.png").arg(QString::fromLatin1(entry.icon)));

@@ -1,5 +1,6 @@
 // The shortcuts of the page "Plan".
 
+#include "ZrKit/map/ZrMapGesture.h"
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/PlanPage.h"
@@ -10,10 +11,7 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     if (modifiers == Qt::ControlModifier) {
         switch (key) {
         case Qt::Key_Z:
-            if (m_mode == modeArea && !m_drawing.Ring().empty())
-                RemoveLastCorner();
-            else
-                Undo();
+            Undo();
             return true;
         case Qt::Key_Y:
             Redo();
@@ -25,7 +23,7 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
             m_files->ShowOpen();
             return true;
         case Qt::Key_S:
-            m_files->Save();
+            SavePlan(false);
             return true;
         case Qt::Key_R:
             Reverse();
@@ -42,7 +40,21 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
         Redo();
         return true;
     }
-    if (modifiers != Qt::NoModifier)
+    // A plus is with Shift on some keyboards and without on others, and there are those beside the digits.
+    if ((modifiers & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0) {
+        switch (key) {
+        case Qt::Key_Plus:
+        case Qt::Key_Equal:
+            Zoom(ZrMapGesture::WheelFactor);
+            return true;
+        case Qt::Key_Minus:
+            Zoom(1.0 / ZrMapGesture::WheelFactor);
+            return true;
+        default:
+            break;
+        }
+    }
+    if ((modifiers & ~Qt::KeypadModifier) != 0)
         return false;
     switch (key) {
     case Qt::Key_A:

@@ -162,10 +162,15 @@ void PlanPage::PlaceBar(const QRect& map)
 void PlanPage::ShowState()
 {
     ZrRouteHistory& history = Plan().History();
-    m_undo->setEnabled(history.CanUndo());
-    m_redo->setEnabled(history.CanRedo());
-    m_undo->setToolTip(tr("Undo %1 (Ctrl+Z)").arg(history.UndoName()).simplified());
-    m_redo->setToolTip(tr("Redo %1 (Ctrl+Y)").arg(history.RedoName()).simplified());
+    const bool isDrawing = m_mode == modeArea && !m_drawing.Ring().empty();
+    const bool hasCorner = isDrawing && (m_drawing.CanUndo() || m_editedArea < 0);
+    const bool hasNextCorner = m_mode == modeArea && m_drawing.CanRedo();
+    const QString corner = tr("Corner");
+    m_undo->setEnabled(hasCorner || history.CanUndo());
+    m_redo->setEnabled(hasNextCorner || history.CanRedo());
+    m_undo->setToolTip(tr("Undo %1 (Ctrl+Z)").arg(hasCorner ? corner : history.UndoName()).simplified());
+    m_redo->setToolTip(
+        tr("Redo %1 (Ctrl+Shift+Z)").arg(hasNextCorner ? corner : history.RedoName()).simplified());
     if (m_files->IsBusy() && !m_busy->isActive())
         SetSubtitle(tr("%1 • reading or writing …").arg(Plan().Name()));
     else

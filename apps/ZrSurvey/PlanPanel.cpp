@@ -3,6 +3,7 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/SurveyPage.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QKeyEvent>
@@ -29,6 +30,7 @@ ZrInput* PlanPanel::AddField(const QString& caption, int kind, const std::functi
     auto* field = new ZrInput(this);
     field->kind = kind;
     field->caption = caption;
+    field->installEventFilter(this);
     if (kind == ZrInput::kindText)
         field->setMaxLength(80);
     // A value is taken when it is complete: each key would be a step to undo.
@@ -38,6 +40,7 @@ ZrInput* PlanPanel::AddField(const QString& caption, int kind, const std::functi
             return;
         const QString refusal
             = field->kind == ZrInput::kindText ? QString() : field->RefusalText(field->QLineEdit::text());
+        field->setModified(false);
         if (refusal.isEmpty())
             apply(field->value);
         else
@@ -118,6 +121,20 @@ void PlanPanel::keyPressEvent(QKeyEvent* event)
     // Return in a field takes its value and nothing else.
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
         QWidget::keyPressEvent(event);
+}
+
+/// What was typed is taken back in the field until it is taken, and in the plan then.
+bool PlanPanel::eventFilter(QObject* watched, QEvent* event)
+{
+    const auto* field = qobject_cast<const ZrInput*>(watched);
+    if (event->type() == QEvent::KeyPress && field && !field->isModified() && m_view.Page()) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool isUndo = key.modifiers().testFlag(Qt::ControlModifier)
+            && (key.key() == Qt::Key_Z || key.key() == Qt::Key_Y);
+        if (isUndo)
+            return m_view.Page()->OnKey(key.key(), key.modifiers());
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void PlanPanel::paintEvent(QPaintEvent* /*event*/)

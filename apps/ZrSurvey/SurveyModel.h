@@ -12,7 +12,8 @@ struct SurveyModel
 {
     /// \param dataDir folder for what outlives the program besides the settings; empty to keep nothing
     explicit SurveyModel(const QString& dataDir)
-        : plan(dataDir.isEmpty() ? QString() : dataDir + QStringLiteral("/plan-draft.json"))
+        : plan(dataDir.isEmpty() ? QString() : dataDir + QStringLiteral("/plan-draft.json"),
+            dataDir.isEmpty() ? QString() : dataDir + QStringLiteral("/plans"))
     {
     }
 
