@@ -3,6 +3,13 @@
 #include "SurveyPlanWindow.h"
 #include "ZrKit/planning/ZrSurveyPattern.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+
+#include <sys/stat.h>
+#include <thread>
+
 class tst_SurveyPlanPattern : public SurveyPlanWindow
 {
     Q_OBJECT
@@ -16,6 +23,7 @@ private Q_SLOTS:
     void moreThanAPlanMayHave();
     void fileOfManyWaypoints();
     void savedWhileEdited();
+    void orderAtTheEnd();
 
 private:
     PlanPatternPanel* Panel() { return m_page->findChild<PlanPatternPanel*>(); }
@@ -185,6 +193,34 @@ void tst_SurveyPlanPattern::savedWhileEdited()
     Plan().History().Undo();
     Plan().Edited();
     QVERIFY(Plan().IsDirty());
+}
+
+/// What waits when the program ends is done after what is under way: the later one of two files stays.
+void tst_SurveyPlanPattern::orderAtTheEnd()
+{
+    const QByteArray slow = m_dir->filePath(QStringLiteral("slow.json")).toLocal8Bit();
+    const QString next = m_dir->filePath(QStringLiteral("next.json"));
+    QCOMPARE(mkfifo(slow.constData(), 0600), 0);
+    AddRoute();
+    auto files = std::make_unique<PlanFiles>(*m_view, nullptr);
+    for (const QString& path : {QString::fromLocal8Bit(slow), next}) {
+        files->ShowSaveAs();
+        Q_EMIT files->Panel().FileChosen(path);
+        files->Panel().Cancel();
+    }
+    bool isEarly = false;
+    // The writer of a pipe waits for its reader.
+    std::thread reader([&slow, &next, &isEarly] {
+        QThread::msleep(300);
+        isEarly = QFileInfo::exists(next);
+        QFile pipe(QString::fromLocal8Bit(slow));
+        if (pipe.open(QIODevice::ReadOnly))
+            pipe.readAll();
+    });
+    files.reset();
+    reader.join();
+    QVERIFY(!isEarly);
+    QVERIFY(QFileInfo::exists(next));
 }
 
 GL_TEST_MAIN(tst_SurveyPlanPattern)

@@ -10,7 +10,6 @@ ZrPlanReview::ZrPlanReview(ZrPlanDocument& plan, QObject* parent)
     : QObject(parent)
     , m_plan(plan)
 {
-    m_pool.setMaxThreadCount(1);
     connect(&plan, &ZrPlanDocument::Changed, this, [this] {
         ++m_wanted;
         Start();
@@ -20,7 +19,8 @@ ZrPlanReview::ZrPlanReview(ZrPlanDocument& plan, QObject* parent)
 
 ZrPlanReview::~ZrPlanReview()
 {
-    m_pool.waitForDone();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 int ZrPlanReview::Count(ZrRouteFinding::eSeverity severity) const
@@ -48,10 +48,12 @@ void ZrPlanReview::Start()
     job->options.noGo = m_plan.NoGo();
     job->options.margin = m_plan.Margin();
     job->options.speeds = ZrRouteSpeeds();
-    m_pool.start([this, job, state = m_wanted] {
+    // Its last act is to ask for its results to be taken.
+    m_thread = std::thread([this, job, state = m_wanted] {
         job->findings = ZrRouteCheck::Run(job->route, job->options);
         job->path = std::make_unique<ZrRoutePath>(job->route, *job->options.speeds);
         const auto take = [this, job, state] {
+            m_thread.join();
             m_isRunning = false;
             m_findings = std::move(job->findings);
             m_path = std::move(job->path);

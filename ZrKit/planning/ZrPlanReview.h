@@ -5,9 +5,9 @@
 #include "ZrKit/planning/ZrRoutePath.h"
 
 #include <QObject>
-#include <QThreadPool>
 
 #include <memory>
+#include <thread>
 #include <vector>
 
 class ZrPlanDocument;
@@ -45,7 +45,7 @@ private:
     void Start();
 
     ZrPlanDocument& m_plan;
-    QThreadPool m_pool;
+    std::thread m_thread; ///< looks; joined before its results are taken
     std::vector<ZrRouteFinding> m_findings;
     std::unique_ptr<ZrRoutePath> m_path;
     int m_wanted = 0; ///< counts the states of the plan

@@ -30,14 +30,14 @@ ZrSurveyPlanner::ZrSurveyPlanner(QObject* parent)
     : QObject(parent)
     , m_result(std::make_shared<Job>())
 {
-    m_pool.setMaxThreadCount(1);
 }
 
 ZrSurveyPlanner::~ZrSurveyPlanner()
 {
     if (m_job)
         m_job->cancel = true;
-    m_pool.waitForDone();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 const ZrSurveyPlan& ZrSurveyPlanner::Plan() const
@@ -88,14 +88,16 @@ void ZrSurveyPlanner::Run()
 {
     ++m_runs;
     m_job = std::make_shared<Job>();
+    // The last act of the thread is to ask for this.
     const auto take = [this, state = m_wanted] {
+        m_thread.join();
         m_result = std::exchange(m_job, nullptr);
         m_seen = state;
         if (m_next)
             Run();
         Q_EMIT Ready();
     };
-    m_pool.start([this, take, job = m_job, make = std::exchange(m_next, nullptr)] {
+    m_thread = std::thread([this, take, job = m_job, make = std::exchange(m_next, nullptr)] {
         make(*job);
         QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
     });

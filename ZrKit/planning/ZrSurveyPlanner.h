@@ -10,10 +10,10 @@
 
 #include <QObject>
 #include <QString>
-#include <QThreadPool>
 
 #include <functional>
 #include <memory>
+#include <thread>
 #include <vector>
 
 /// Plans survey lines in a thread of its own, for those who change the parameters while they look at the
@@ -69,7 +69,7 @@ private:
     void Start(std::function<void(Job&)> make);
     void Run();
 
-    QThreadPool m_pool;
+    std::thread m_thread; ///< plans; joined before its results are looked at
     std::shared_ptr<Job> m_result;
     std::shared_ptr<Job> m_job; ///< under way; null for none
     std::function<void(Job&)> m_next; ///< plans the latest parameters; empty when that has begun

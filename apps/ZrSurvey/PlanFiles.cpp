@@ -25,6 +25,7 @@ const QStringList allForms{QStringLiteral("json"), QStringLiteral("gpx"), QStrin
 PlanFiles::PlanFiles(SurveyView& view, QObject* parent)
     : QObject(parent)
     , m_view(view)
+    , m_worker(std::make_unique<ZrWorker>())
     , m_panel(new ZrFilePanel(&view, QString()))
     , m_kept(new ZrChoicePanel(&view, tr("Unsaved plans")))
 {
@@ -34,13 +35,15 @@ PlanFiles::PlanFiles(SurveyView& view, QObject* parent)
     connect(&view.Model().plan, &ZrPlanDocument::DraftFailed, this, [this](const QString& error) {
         m_view.Warn(tr("The draft of the plan cannot be kept. %1").arg(error));
     });
-    connect(&m_worker, &ZrWorker::Finished, this, &PlanFiles::OnFinished);
+    connect(m_worker.get(), &ZrWorker::Finished, this, &PlanFiles::OnFinished);
 }
 
 PlanFiles::~PlanFiles()
 {
-    // That which is under way ends with the worker.
-    for (int i = m_worker.IsWorking() ? 1 : 0; i < m_jobs.size(); ++i)
+    const int begun = m_worker->IsWorking() ? 1 : 0;
+    // Waits for what is under way: of two plans that go to one file the later one stays.
+    m_worker.reset();
+    for (int i = begun; i < m_jobs.size(); ++i)
         m_jobs[i].work();
 }
 
@@ -52,8 +55,8 @@ void PlanFiles::Run(const std::function<void()>& work, const std::function<void(
 
 void PlanFiles::StartNext()
 {
-    if (!m_worker.IsWorking() && !m_jobs.isEmpty())
-        m_worker.Start([work = m_jobs.head().work](IZrProgress& /*progress*/) { work(); }, {});
+    if (!m_worker->IsWorking() && !m_jobs.isEmpty())
+        m_worker->Start([work = m_jobs.head().work](IZrProgress& /*progress*/) { work(); }, {});
     Q_EMIT BusyChanged();
 }
 

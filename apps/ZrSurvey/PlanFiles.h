@@ -45,7 +45,7 @@ public:
 
     ZrFilePanel& Panel() const { return *m_panel; }
 
-    bool IsBusy() const { return m_worker.IsWorking(); } ///< with a file
+    bool IsBusy() const { return m_worker->IsWorking(); } ///< with a file
 
     bool IsRestoring() const { return m_isRestoring; } ///< the draft is still being read
 
@@ -88,7 +88,7 @@ private:
 
     SurveyView& m_view;
     QQueue<Job> m_jobs; ///< the first one is under way
-    ZrWorker m_worker;
+    std::unique_ptr<ZrWorker> m_worker; ///< ends before what still waits is done
     ZrFilePanel* m_panel;
     ZrChoicePanel* m_kept;
     eTask m_task = taskOpen;
