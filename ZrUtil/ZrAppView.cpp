@@ -334,6 +334,8 @@ void ZrAppView::settings(zr::ZrSetModule& module)
 void ZrAppView::OnClose()
 {
     if (!m_isClosed) {
+        if (!MayClose())
+            return;
         m_isClosed = true;
         OnExit();
     }
@@ -342,10 +344,15 @@ void ZrAppView::OnClose()
 
 void ZrAppView::OnExit() { }
 
+bool ZrAppView::MayClose()
+{
+    return true;
+}
+
 void ZrAppView::closeEvent(QCloseEvent* event)
 {
     OnClose();
-    event->accept();
+    event->setAccepted(m_isClosed);
 }
 
 void ZrAppView::initializeGL()

@@ -144,7 +144,7 @@ public:
     const StartPos& start_position() const { return m_start; } ///< what `StartPosition` was told last
 
 public Q_SLOTS:
-    void OnClose(); ///< saves through `OnExit` and ends the event loop
+    void OnClose(); ///< saves through `OnExit` and ends the event loop, unless `MayClose` refuses
     void OnPosUpd(const QGeoPositionInfo& info);
 
 Q_SIGNALS:
@@ -152,6 +152,10 @@ Q_SIGNALS:
 
 protected:
     virtual void OnExit(); ///< the application is closing; once
+
+    /// Whether the window may be closed now, by its button or the window manager: true. An application that
+    /// returns false tells why, and the window stays.
+    virtual bool MayClose();
 
     void initializeGL() override;
     void paintGL() override;

@@ -56,6 +56,14 @@ void ZrToast::Start(eKind kind, const QString& text)
     Q_EMIT Shown(kind, text);
 }
 
+bool ZrToast::FocusAction()
+{
+    if (!m_action->isVisible() || m_action->hasFocus())
+        return false;
+    m_action->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
 void ZrToast::SetFree(int below, int right)
 {
     if (below == m_freeBelow && right == m_freeRight)

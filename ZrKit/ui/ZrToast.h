@@ -47,6 +47,10 @@ public:
     /// use while it is shown; none at first.
     void SetFree(int below, int right = 0);
 
+    /// Gives the keys to the button of the action: Space or Return calls it. False when there is none, or it
+    /// has them already.
+    bool FocusAction();
+
     void Place(); ///< at the lower edge of the parent; after a change of its size or of the scale
 
 Q_SIGNALS:

@@ -178,8 +178,7 @@ void RecordPage::OnPageOpen()
 {
     View().Model().isReviewLast = false;
     MakeEventButtons();
-    if (m_openKey != SourceMaker::Key(View().Model().settings))
-        OpenSource();
+    FollowSettings();
     UsePlan();
     ShowPlan();
     MeasureSpace();
@@ -362,7 +361,7 @@ void RecordPage::AddNote()
     AddEvent(text);
     if (m_session.Recording() == ZrRecordingSession::recordingOn)
         m_note->SetText(QString());
-    m_note->clearFocus();
+    setFocus(Qt::OtherFocusReason); // shortcuts again
 }
 
 void RecordPage::MakeEventButtons()

@@ -7,6 +7,7 @@
 #include "ZrKit/recording/ZrRecordingSession.h"
 #include "apps/ZrSurvey/LiveMap.h"
 #include "apps/ZrSurvey/SurveyPage.h"
+#include "apps/ZrSurvey/SurveySettings.h"
 
 class QTimer;
 class ZrBtn;
@@ -70,7 +71,9 @@ private:
     void ChooseSource();
     void UseSource(int kind);
     void ChoosePort();
-    void ChooseFile();
+    void ChooseFile(int kind);
+    void SetSource(const SurveySettings& settings);
+    void FollowSettings();
     void OpenSource();
     bool IsPlanNew() const; ///< the simulated vehicle runs another one
     void UsePlan();
@@ -132,6 +135,8 @@ private:
     ZrFilePanel* m_files;
 
     QString m_openKey; ///< of the source that was opened
+    SurveySettings m_opened; ///< its settings
+    int m_fileKind = 0; ///< of the source that `m_files` asks for, a `SurveySource::eKind`
     QByteArray m_openPlan; ///< that it runs
     QString m_trouble; ///< of the source, while it is tried again; else empty
     ZrArrivalRate m_arrivals;

@@ -85,7 +85,13 @@ void ShowValue(
 void RecordPage::OpenSource()
 {
     const SurveySettings& settings = View().Model().settings;
-    m_openKey = SourceMaker::Key(settings);
+    const QString key = SourceMaker::Key(settings);
+    if (m_session.IsRecording() && key != m_openKey) {
+        View().Tell(tr("The recording goes on with another source: %1").arg(SurveySource::Describe(settings)),
+            tr("Undo"), [this, before = m_opened] { SetSource(before); });
+    }
+    m_opened = settings;
+    m_openKey = key;
     m_openPlan = PlanKey(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
     m_trouble.clear();
     m_arrivals.Clear();
@@ -143,54 +149,79 @@ void RecordPage::ChooseSource()
     m_sources->Open();
 }
 
+/// A port or a file is asked for first: until then, and when none is chosen, all stays as it is.
 void RecordPage::UseSource(int kind)
 {
-    View().Model().settings.source = kind;
-    View().SettingsEdited();
-    if (kind == SurveySource::serial)
+    if (kind == SurveySource::serial) {
         ChoosePort();
-    else if (kind == SurveySource::nmeaFile || kind == SurveySource::replay)
-        ChooseFile();
-    else
+        return;
+    }
+    if (kind == SurveySource::nmeaFile || kind == SurveySource::replay) {
+        ChooseFile(kind);
+        return;
+    }
+    SurveySettings settings = View().Model().settings;
+    settings.source = kind;
+    SetSource(settings);
+}
+
+void RecordPage::SetSource(const SurveySettings& settings)
+{
+    View().Model().settings.TakeSource(settings);
+    View().SettingsEdited();
+    OpenSource();
+}
+
+/// The source that the settings name now, wherever they were changed; not one without a port or file while
+/// data are recorded, whose choice is not complete.
+void RecordPage::FollowSettings()
+{
+    const SurveySettings& settings = View().Model().settings;
+    if (m_openKey != SourceMaker::Key(settings) && (settings.HasSource() || !m_session.IsRecording()))
         OpenSource();
 }
 
 void RecordPage::ChoosePort()
 {
-    const QStringList ports = ZrSerialSource::Ports();
+    const QString& known = View().Model().settings.serialPort;
+    QStringList ports = ZrSerialSource::Ports();
+    if (!known.isEmpty() && !ports.contains(known))
+        ports.append(known); // typed in the settings
     if (ports.isEmpty()) {
         View().Warn(tr("This computer has no serial port"));
-        OpenSource();
         return;
     }
     if (!m_ports) {
         m_ports = new ZrChoicePanel(&View(), tr("Serial port"));
         connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
-            View().Model().settings.serialPort = m_ports->Items()[row].title;
-            View().SettingsEdited();
-            OpenSource();
+            SurveySettings settings = View().Model().settings;
+            settings.source = SurveySource::serial;
+            settings.serialPort = m_ports->Items()[row].title;
+            SetSource(settings);
         });
     }
     QVector<ZrListItem> items;
-    for (const QString& port : ports)
+    for (const QString& port : qAsConst(ports))
         items.append({port, QString(), QString(), QImage(), false, QColor(), QVariant()});
-    m_ports->SetItems(items, ports.indexOf(View().Model().settings.serialPort));
+    m_ports->SetItems(items, ports.indexOf(known));
     m_ports->Open();
 }
 
-void RecordPage::ChooseFile()
+void RecordPage::ChooseFile(int kind)
 {
+    m_fileKind = kind;
     if (!m_files) {
         m_files = new ZrFilePanel(&View(), tr("File to replay"));
         m_files->SetMode(ZrFilePanel::openFile);
         connect(m_files, &ZrFilePanel::FileChosen, this, [this](const QString& path) {
-            View().Model().settings.sourceFile = path;
-            View().SettingsEdited();
-            OpenSource();
+            SurveySettings settings = View().Model().settings;
+            settings.source = m_fileKind;
+            settings.sourceFile = path;
+            SetSource(settings);
         });
     }
     const SurveySettings& settings = View().Model().settings;
-    const bool isLog = settings.source == SurveySource::replay;
+    const bool isLog = kind == SurveySource::replay;
     m_files->SetSuffixes(isLog ? QStringList{QStringLiteral("log")} : QStringList());
     m_files->SetFolder(
         settings.sourceFile.isEmpty() ? settings.recordDir : QFileInfo(settings.sourceFile).path());
@@ -243,9 +274,7 @@ void RecordPage::OnTick()
     TellFeed();
     if (!isVisible())
         return;
-    if (m_openKey != SourceMaker::Key(View().Model().settings) && !(m_sources && m_sources->isVisible())
-        && !(m_ports && m_ports->isVisible()) && !(m_files && m_files->isVisible()))
-        OpenSource();
+    FollowSettings();
     MakeEventButtons();
     if (++m_ticks % spaceTicks == 0)
         MeasureSpace();

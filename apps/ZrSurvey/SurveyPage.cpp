@@ -144,6 +144,12 @@ bool SurveyPage::OnFrame(double /*seconds*/)
     return false;
 }
 
+void SurveyPage::showEvent(QShowEvent* event)
+{
+    ZrPage::showEvent(event);
+    View().GiveFocus();
+}
+
 void SurveyPage::hideEvent(QHideEvent* event)
 {
     m_frames->stop();

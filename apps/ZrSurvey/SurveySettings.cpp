@@ -1,6 +1,7 @@
 #include "apps/ZrSurvey/SurveySettings.h"
 
 #include "ZrUtil/ZrSetModule.h"
+#include "apps/ZrSurvey/SurveySource.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -103,6 +104,33 @@ void SurveySettings::PutRight()
         planLat = planLng = planScale = 0.0;
     }
     Clamp(planRotation, -360.0, 360.0, 0.0);
+}
+
+void SurveySettings::TakeSource(const SurveySettings& other)
+{
+    source = other.source;
+    udpPort = other.udpPort;
+    tcpHost = other.tcpHost;
+    tcpPort = other.tcpPort;
+    serialPort = other.serialPort;
+    serialBaud = other.serialBaud;
+    sourceFile = other.sourceFile;
+    simSpeed = other.simSpeed;
+    simCurrent = other.simCurrent;
+    simSet = other.simSet;
+}
+
+bool SurveySettings::HasSource() const
+{
+    switch (source) {
+    case SurveySource::serial:
+        return !serialPort.isEmpty();
+    case SurveySource::nmeaFile:
+    case SurveySource::replay:
+        return !sourceFile.isEmpty();
+    default:
+        return true;
+    }
 }
 
 QString SurveySettings::PrefixProblem(const QString& prefix)

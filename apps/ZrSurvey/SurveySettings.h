@@ -91,6 +91,11 @@ public:
 
     void settings(zr::ZrSetModule& module) override;
 
+    void TakeSource(const SurveySettings& other); ///< what concerns the source of data, and nothing else
+
+    /// Whether the source is one that can be opened: a port or file that it needs has a name.
+    bool HasSource() const;
+
     /// Why \p prefix cannot begin the name of a file, a sentence; empty when it can.
     static QString PrefixProblem(const QString& prefix);
 

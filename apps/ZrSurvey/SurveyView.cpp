@@ -6,6 +6,7 @@
 #include "ZrKit/ui/ZrInputColours.h"
 #include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrNotice.h"
+#include "ZrKit/ui/ZrOverlay.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrFmApp.h"
 #include "ZrUtil/ZrFmLogging.h"
@@ -23,6 +24,7 @@
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ScenePage.h"
+#include "apps/ZrSurvey/SurveyClosing.h"
 #include "apps/ZrSurvey/SurveyImport.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 
@@ -53,6 +55,7 @@ SurveyView::SurveyView(const QString& dataDir)
     , m_model(std::make_unique<SurveyModel>(dataDir))
     , m_toast(new ZrToast(this))
     , m_import(new SurveyImport(*this))
+    , m_closing(new SurveyClosing(*this, *m_toast))
     , m_dataDir(dataDir)
     , m_save(new QTimer(this))
 {
@@ -74,6 +77,11 @@ SurveyView::SurveyView(const QString& dataDir)
     LoadSettings();
     ApplyColours();
     m_current->OnPageOpen();
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*before*/, QWidget* now) {
+        // Panels give the keys back to what had them, which may be on a page that was left meanwhile.
+        if (now && isAncestorOf(now) && !now->isVisibleTo(this))
+            GiveFocus();
+    });
     connect(this, &QOpenGLWidget::frameSwapped, this, [this] {
         if (std::exchange(m_isFramed, true))
             return;
@@ -263,6 +271,56 @@ void SurveyView::settings(zr::ZrSetModule& module)
 void SurveyView::OnExit()
 {
     SaveSettings();
+}
+
+bool SurveyView::MayClose()
+{
+    return m_closing->MayClose();
+}
+
+/// The panel opened last, the settings, or the page.
+QWidget* SurveyView::Front() const
+{
+    const QObjectList& all = children(); // what was raised last is at the end
+    for (auto child = all.crbegin(); child != all.crend(); ++child) {
+        if (!qobject_cast<ZrOverlay*>(*child) && !qobject_cast<ZrInputDlg*>(*child) && *child != m_forms)
+            continue;
+        auto* panel = static_cast<QWidget*>(*child);
+        if (!panel->isHidden())
+            return panel;
+    }
+    return m_current && !m_current->isHidden() ? m_current : nullptr;
+}
+
+void SurveyView::GiveFocus()
+{
+    const QWidget* focus = focusWidget();
+    const bool isWindow = !focus || focus == this || focus->parentWidget() == this;
+    QWidget* front = Front();
+    if (!front)
+        setFocus(Qt::OtherFocusReason);
+    else if (isWindow || !focus->isVisibleTo(this) || !focus->isEnabled())
+        front->setFocus(Qt::OtherFocusReason);
+}
+
+bool SurveyView::focusNextPrevChild(bool next)
+{
+    // Also asked when what has the keys is hidden or switched off. The next one in order would be the button
+    // that closes the window: nobody chose it.
+    const QWidget* focus = focusWidget();
+    if (focus && focus != this && (!focus->isVisibleTo(this) || !focus->isEnabled())) {
+        GiveFocus();
+        return true;
+    }
+    return (next && m_closing->TakeFocus()) || ZrAppView::focusNextPrevChild(next);
+}
+
+bool SurveyView::event(QEvent* event)
+{
+    // Else the first button in order would have the keys.
+    if (event->type() == QEvent::WindowActivate)
+        GiveFocus();
+    return ZrAppView::event(event);
 }
 
 void SurveyView::SetColours(int scheme)

@@ -6,6 +6,7 @@
 #include <memory>
 
 class QTimer;
+class SurveyClosing;
 class SurveyImport;
 class SurveyPage;
 class ZrFmLogging;
@@ -60,6 +61,10 @@ public:
     void Tell(const QString& text, const QString& action = QString(), const std::function<void()>& run = {});
     void Warn(const QString& text); ///< shows an error, longer
 
+    /// Gives the keys to what is in front, a panel, the settings or the page, unless a control in it has them
+    /// already. A key that nothing was chosen for with Tab is then a shortcut, and presses no button.
+    void GiveFocus();
+
     void settings(zr::ZrSetModule& module) override;
 
 Q_SIGNALS:
@@ -69,6 +74,9 @@ Q_SIGNALS:
 
 protected:
     void OnExit() override;
+    bool MayClose() override;
+    bool event(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void paintGL() override;
     void resizeGL(int w, int h) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -85,6 +93,7 @@ private:
     template <class T> void AddLater(const QString& name);
     void AddForms();
     bool TakesShortcut(int key) const;
+    QWidget* Front() const;
     void AddRowForms();
     bool Need(const QString& part);
     void BuildNext();
@@ -95,6 +104,7 @@ private:
     std::unique_ptr<SurveyModel> m_model;
     ZrToast* m_toast;
     SurveyImport* m_import;
+    SurveyClosing* m_closing;
     QString m_dataDir;
     QTimer* m_save;
     ZrFormMgr* m_forms = nullptr; ///< the settings
