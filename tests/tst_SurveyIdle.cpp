@@ -129,6 +129,8 @@ void tst_SurveyIdle::idle_data()
     QTest::newRow("Plan, route") << S("Plan") << S("route");
     QTest::newRow("Record, route") << S("Record") << S("route");
     QTest::newRow("Review, log") << S("Review") << S("log");
+    QTest::newRow("Scene, log") << S("Scene") << S("log");
+    QTest::newRow("Scene, played") << S("Scene") << S("played");
     QTest::newRow("Settings") << S("Home") << S("settings");
     QTest::newRow("Settings over Record") << S("Record") << S("settings");
 }
@@ -137,11 +139,13 @@ void tst_SurveyIdle::idle()
 {
     QFETCH(QString, page);
     QFETCH(QString, what);
-    if (what == S("log")) {
+    if (what == S("log") || what == S("played")) {
         const QString path = m_still->filePath(S("dive.log"));
         QVERIFY(WriteWhole(path, survey::SurveyLog(40).Bytes()));
-        if (page == S("Review"))
+        if (page == S("Review") || page == S("Scene"))
             m_view->OpenLog(path);
+        if (page == S("Scene"))
+            QTRY_VERIFY(m_view->Model().player.HasRecording());
     }
     if (what == S("route")) {
         ZrPlanDocument& plan = m_view->Model().plan;
@@ -156,6 +160,12 @@ void tst_SurveyIdle::idle()
     if (what == S("settings"))
         m_view->ShowSettings(QCoreApplication::translate("FormSources", "Source of data"));
     PaintLog log(*m_view);
+    if (what == S("played")) {
+        QTest::keyClick(m_view.get(), Qt::Key_Space);
+        QTRY_VERIFY(m_view->Model().player.IsPlaying() && log.Frames() > 5);
+        QTest::keyClick(m_view.get(), Qt::Key_Space);
+        QVERIFY(!m_view->Model().player.IsPlaying());
+    }
     QVERIFY2(Quiet(log), qPrintable(log.Text()));
     log.Clear();
     QTest::qWait(idleMs);

@@ -3,10 +3,12 @@
 #include "SurveyReviewWindow.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/ui/ZrPlotPanel.h"
+#include "ZrSurveyLog.h"
 #include "ZrUtil/ZrLogHeader.h"
 #include "ZrUtil/ZrLogItem.h"
 #include "apps/ZrSurvey/ReviewMap.h"
 #include "apps/ZrSurvey/ReviewTransport.h"
+#include "apps/ZrSurvey/ScenePage.h"
 
 #include <algorithm>
 
@@ -42,9 +44,13 @@ private Q_SLOTS:
     void oneCursor();
     void everyPaneMovesTheOthers();
     void beforeTheFirstValue();
+    void startsWhereAPositionIs();
+    void firstPositionFarBehind();
     void gapsInRealTime();
     void scrubs();
     void plays();
+    void playsInThreeDimensions();
+    void otherPagesPause();
     void loops();
     void steps();
     void typedTime();
@@ -61,7 +67,7 @@ void tst_SurveyReview::opens()
     QVERIFY(!Rec().IsDamaged());
     QVERIFY2(Rec().Remarks().isEmpty(), qPrintable(Rec().Remarks().join(QLatin1Char('\n'))));
     QCOMPARE(Rec().Series().Count(), std::size_t(300));
-    QCOMPARE(Page().Clock().Time(), Rec().Times()->Begin());
+    QCOMPARE(Page().Clock().Time(), Rec().FirstPosition(Rec().Times()->End()));
     QCOMPARE(m_view->Page(), static_cast<SurveyPage*>(&Page()));
 }
 
@@ -148,6 +154,7 @@ void tst_SurveyReview::everyPaneMovesTheOthers()
 void tst_SurveyReview::beforeTheFirstValue()
 {
     Open(m_log);
+    Page().GoTo(Rec().Times()->Begin());
     QCOMPARE(Page().Clock().Time(), Rec().Times()->Begin());
     for (int plot = 0; plot < Page().Plots().Plots().size(); ++plot) {
         for (int curve = 0; curve < Page().Plots().Plots()[plot].curves.size(); ++curve)
@@ -159,6 +166,42 @@ void tst_SurveyReview::beforeTheFirstValue()
     QVERIFY2(Page().Plots().ValueText(0, 0).endsWith(QStringLiteral(" m")),
         qPrintable(Page().Plots().ValueText(0, 0)));
     QVERIFY(m_view->Model().reviewed.Current().depth > 5.0);
+}
+
+/// The first screen of a recording shows the vehicle, although its first record knows nothing.
+void tst_SurveyReview::startsWhereAPositionIs()
+{
+    Open(m_log);
+    QVERIFY(!Rec().PositionAt(Rec().Times()->Begin()).IsValid());
+    const double at = Page().Clock().Time();
+    QVERIFY(at > Rec().Times()->Begin() && at < Rec().Times()->Begin() + 10.0);
+    QVERIFY(Rec().PositionAt(at).IsValid());
+    QCOMPARE(Page().Bar().Cursor(), at);
+    QCOMPARE(m_view->Model().reviewed.Current().lat, Rec().PositionAt(at).lat);
+    QVERIFY(Page().Plots().ValueText(0, 0) != QStringLiteral("–"));
+    QVERIFY(Page().Map().Vehicle() == Page().Map().WorldOf(Rec().PositionAt(at)));
+}
+
+/// A vehicle that surfaced only after a long way is shown from the beginning.
+void tst_SurveyReview::firstPositionFarBehind()
+{
+    const QString late = m_folder.filePath(QStringLiteral("late.log"));
+    QFile::remove(late);
+    LogBytes log;
+    for (int i = 0; i < 100; ++i) {
+        survey::Nav nav;
+        nav.depth = 5.0F;
+        if (i >= 11) {
+            nav.latitude = 48.0;
+            nav.longitude = -68.0;
+        }
+        log.Add(survey::NavItem(survey::startTime + i, nav));
+    }
+    QVERIFY(WriteWhole(late, log.Bytes()));
+    Open(late);
+    QVERIFY2(Page().Recording(), qPrintable(Toast()));
+    QCOMPARE(Rec().FirstPosition(Rec().Times()->End()), Rec().Times()->Begin() + 11.0);
+    QCOMPARE(Page().Clock().Time(), Rec().Times()->Begin());
 }
 
 /// Two lines an hour apart: cut out, or as long as it was; kept in the settings.
@@ -230,7 +273,73 @@ void tst_SurveyReview::plays()
     for (int i = 0; i < 2000 && Page().Clock().IsPlaying(); ++i)
         Page().Advance(0.05);
     QVERIFY(!Page().Clock().IsPlaying());
-    QCOMPARE(Page().Clock().Time(), begin);
+    QCOMPARE(Page().Clock().Time(), Page().Clock().Begin());
+}
+
+/// The page 3D goes on with what plays, and plays by itself.
+void tst_SurveyReview::playsInThreeDimensions()
+{
+    Open(m_log);
+    auto& scene = *static_cast<ScenePage*>(m_view->GetPage(QStringLiteral("Scene")));
+    const auto* play = scene.findChild<ZrBtn*>(QStringLiteral("play"));
+    QVERIFY(play);
+    Page().Act(ReviewTransport::play);
+    m_view->Show(QStringLiteral("Scene"));
+    QTRY_VERIFY(scene.isVisible() && play->isVisible());
+    QVERIFY(Page().Clock().IsPlaying() && play->on);
+    QVERIFY(std::min(play->width(), play->height()) >= ZrTheme::DpI(64));
+    // The clock, the vehicle and what the other page shows are one cursor.
+    const double before = Page().Clock().Time();
+    QTRY_VERIFY(Page().Clock().Time() > before + 0.2);
+    QTest::keyClick(m_view.get(), Qt::Key_Space);
+    QVERIFY(!Page().Clock().IsPlaying() && !play->on);
+    const double at = Page().Clock().Time();
+    QCOMPARE(m_view->Model().reviewed.Current().lat, Rec().PositionAt(at).lat);
+    QCOMPARE(Page().Bar().Cursor(), at);
+    // Paused it draws nothing and stays.
+    Settle();
+    QSignalSpy frames(m_view.get(), &SurveyView::FramePainted);
+    QTRY_VERIFY(!scene.Way().IsBuilding());
+    QTest::qWait(200);
+    frames.clear();
+    QTest::qWait(300);
+    QCOMPARE(frames.size(), 0);
+    QCOMPARE(Page().Clock().Time(), at);
+    // By the button, and the other page goes on with it.
+    QTest::mouseClick(const_cast<ZrBtn*>(play), Qt::LeftButton);
+    QVERIFY(Page().Clock().IsPlaying() && play->on);
+    QTRY_VERIFY(Page().Clock().Time() > at + 0.1);
+    m_view->Show(QStringLiteral("Review"));
+    QVERIFY(Page().Clock().IsPlaying());
+    const double back = Page().Clock().Time();
+    QTRY_VERIFY(Page().Clock().Time() > back + 0.1);
+    // At the end it stops there as well.
+    m_view->Show(QStringLiteral("Scene"));
+    Page().GoTo(Page().Clock().End() - 0.1);
+    QTRY_VERIFY(!Page().Clock().IsPlaying());
+    QVERIFY(!play->on);
+}
+
+/// Nobody sees it go on there.
+void tst_SurveyReview::otherPagesPause()
+{
+    Open(m_log);
+    for (const char* from : {"Review", "Scene"}) {
+        for (const char* to : {"Home", "Plan", "Record"}) {
+            m_view->Show(QStringLiteral("Review"));
+            Page().Act(ReviewTransport::play);
+            m_view->Show(QLatin1String(from));
+            QVERIFY(Page().Clock().IsPlaying());
+            m_view->Show(QLatin1String(to));
+            QVERIFY2(!Page().Clock().IsPlaying(), to);
+        }
+    }
+    // After the page "Record" the page 3D is about the vehicle itself.
+    m_view->Show(QStringLiteral("Scene"));
+    QVERIFY(
+        !m_view->GetPage(QStringLiteral("Scene"))->findChild<ZrBtn*>(QStringLiteral("play"))->isVisible());
+    QTest::keyClick(m_view.get(), Qt::Key_Space);
+    QVERIFY(!Page().Clock().IsPlaying());
 }
 
 void tst_SurveyReview::loops()

@@ -1,13 +1,16 @@
 // The page "Review": events, and what is exported of a recording.
 
 #include "SurveyReviewWindow.h"
+#include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/review/ZrEventFile.h"
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrMosaicFile.h"
 #include "ZrKit/sonar/ZrSonarLog.h"
 #include "ZrKit/survey/ZrTargetEvent.h"
 #include "ZrKit/ui/ZrFilePanel.h"
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrTouchList.h"
+#include "ZrSurveyLog.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
 #include "apps/ZrSurvey/StateBanner.h"
@@ -24,7 +27,10 @@ private Q_SLOTS:
     void timeOfAnEventIsChecked();
     void timeOfATargetStays();
     void eventsThatCannotBeSaved();
+    void flagsAreTheirEvents();
+    void positionsAreInTheStyle();
     void exports();
+    void pictureIsAsShown();
 
 private:
     ZrTextPanel* Panel() const
@@ -233,6 +239,85 @@ void tst_SurveyReviewEvents::eventsThatCannotBeSaved()
     QVERIFY(QDir(m_log + QStringLiteral(".evt")).removeRecursively());
 }
 
+/// The clock was set back: the list is by the time of the log, the time bar by what came first. One event has
+/// no time.
+void tst_SurveyReviewEvents::flagsAreTheirEvents()
+{
+    const QString path = m_folder.filePath(QStringLiteral("set back.log"));
+    LogBytes log;
+    for (int i = 0; i < 60; ++i)
+        log.Add(survey::NavItem(i));
+    survey::Nav nav;
+    nav.latitude = 44.1;
+    nav.longitude = -63.0;
+    for (int i = 0; i < 60; ++i)
+        log.Add(survey::NavItem(survey::startTime - 1000.0 + i, nav));
+    QVERIFY(WriteWhole(path, log.Bytes()));
+    QVERIFY(WriteWhole(path + QStringLiteral(".evt"),
+        survey::EventFile({{survey::startTime - 970.0, QStringLiteral("Later"), survey::Uid(1)},
+            {survey::startTime + 20.0, QStringLiteral("Earlier"), survey::Uid(2)},
+            {std::nan(""), QStringLiteral("Never"), survey::Uid(3)}})));
+    Open(path);
+    QVERIFY2(Page().Recording(), qPrintable(Toast()));
+    QCOMPARE(Rec().Events().Count(), std::size_t(3));
+    QCOMPARE(Rec().Events().At(0).text, QStringLiteral("Later"));
+    ZrTimeBar& bar = Page().Bar();
+    QTest::keyClick(m_view.get(), Qt::Key_L, Qt::ControlModifier);
+    Settle();
+    for (int event = 0; event < 2; ++event) {
+        const double at = Rec().TimeOf(Rec().Events().At(static_cast<std::size_t>(event)));
+        Page().GoTo(Rec().Times()->Begin());
+        Page().Events().List().SetCurrent(-1);
+        const QPoint flag(qRound(bar.XOf(at)), 4);
+        SendPress(bar, flag);
+        SendRelease(bar, flag);
+        QCOMPARE(Page().Events().Current(), event);
+        QCOMPARE(Page().Clock().Time(), at);
+        // From the list the same flag stands out, and its own.
+        const QImage tapped = Painted(bar);
+        Page().GoTo(Rec().Times()->Begin());
+        Q_EMIT Page().Events().Chosen(1 - event);
+        QVERIFY(Painted(bar) != tapped);
+        Q_EMIT Page().Events().Chosen(event);
+        QCOMPARE(Page().Clock().Time(), at);
+        QCOMPARE(Painted(bar), tapped);
+        bar.SetCurrentEvent(1 - event); // the flags stand the other way round
+        QCOMPARE(Painted(bar), tapped);
+    }
+    // With the keys too.
+    Page().GoTo(Rec().Times()->Begin());
+    Page().Act(ReviewTransport::nextEvent);
+    const int current = Page().Events().Current();
+    const QImage stepped = Painted(bar);
+    bar.SetCurrentEvent(1 - current);
+    QCOMPARE(Painted(bar), stepped);
+}
+
+/// What a recording notes with an event is shown as any other position.
+void tst_SurveyReviewEvents::positionsAreInTheStyle()
+{
+    Open(m_log);
+    const QString noted = QStringLiteral("48.4457404, -68.8281234");
+    Page().Events().Add(Rec().TimeOfPing(100.0), QStringLiteral("Wreck"), noted);
+    Page().Events().Add(Rec().TimeOfPing(200.0), QStringLiteral("Rope"), QStringLiteral("thick"));
+    QTest::keyClick(m_view.get(), Qt::Key_L, Qt::ControlModifier);
+    Settle();
+    const auto subtitle = [this](int row) { return Page().Events().List().Items()[row].subtitle; };
+    for (const int style : {int(eGeoDeg), int(eGeoUTM)}) {
+        ZrUnits::SetGeoStyle(eGeoStyle(style));
+        m_view->SettingsEdited();
+        const QString shown = ZrPositionShown::Text(48.4457404, -68.8281234);
+        QTRY_VERIFY(subtitle(0).startsWith(shown));
+        QVERIFY2(subtitle(0).startsWith(shown) && !subtitle(0).contains(noted), qPrintable(subtitle(0)));
+        QVERIFY(subtitle(0).contains(ZrTimeText::Clock(Rec().Events().At(0).time)));
+        QVERIFY(subtitle(1).endsWith(QStringLiteral("thick")));
+        const int room = Page().Events().List().viewport()->width() - ZrTheme::DpI(30);
+        const int wide = QFontMetrics(ZrLegible::Font(15)).horizontalAdvance(shown);
+        QVERIFY2(wide <= room, qPrintable(QStringLiteral("%1 of %2").arg(wide).arg(room)));
+    }
+    QCOMPARE(Rec().Events().At(0).detail, noted);
+}
+
 void tst_SurveyReviewEvents::exports()
 {
     Open(m_log);
@@ -272,6 +357,36 @@ void tst_SurveyReviewEvents::exports()
     // A place that cannot be written: told in words.
     QVERIFY(write(ReviewExport::track, "no folder/part.gpx").isEmpty());
     QVERIFY2(Toast().contains(QStringLiteral("failed")), qPrintable(Toast()));
+}
+
+/// A picture has the gain and contrast of the screen.
+void tst_SurveyReviewEvents::pictureIsAsShown()
+{
+    Open(m_log);
+    SurveySettings& settings = m_view->Model().settings;
+    Page().Export().SetPart(Page().Recording(), Rec().TimeOfPing(50.0), Rec().TimeOfPing(120.0));
+    QSignalSpy done(&Page().Export(), &ReviewExport::Done);
+    const auto mean = [&](double gain, double contrast) {
+        settings.gain = gain;
+        settings.contrast = contrast;
+        const QString path = m_folder.filePath(QStringLiteral("look.png"));
+        const int before = done.size();
+        if (!Page().Export().Write(ReviewExport::waterfall, path)
+            || (done.size() == before && !done.wait(patience)) || !done.last()[0].toBool())
+            return -1.0;
+        const QImage image(path);
+        double sum = 0.0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                sum += qGray(image.pixel(x, y));
+        return sum / (image.width() * image.height());
+    };
+    const double plain = mean(0.0, 1.0);
+    QVERIFY(plain > 10.0);
+    QVERIFY(mean(6.0, 1.0) > plain * 1.2);
+    QVERIFY(mean(-12.0, 1.0) < plain * 0.6);
+    // Much contrast leaves little between black and white: most of a sea floor lies below the middle.
+    QVERIFY(mean(0.0, 4.0) < plain * 0.9);
 }
 
 GL_TEST_MAIN(tst_SurveyReviewEvents)

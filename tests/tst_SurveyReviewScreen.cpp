@@ -2,7 +2,9 @@
 
 #include "SurveyReviewWindow.h"
 #include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrPaletteBtn.h"
 #include "ZrKit/ui/ZrPlotPanel.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void everySize();
     void everyColour();
     void toolsAtEverySize();
+    void nightPalettes();
     void messagesLeaveControls();
     void hits();
     void hitsAtTwoPixels();
@@ -200,6 +203,33 @@ void tst_SurveyReviewScreen::toolsAtEverySize()
             QTest::keyClick(m_view.get(), static_cast<Qt::Key>(key));
             QVERIFY(!panel->isVisible());
         }
+    }
+}
+
+/// Palettes do not shine at night, have names, and are chosen with a tap.
+void tst_SurveyReviewScreen::nightPalettes()
+{
+    Open(m_log);
+    m_view->SetColours(ZrColourScheme::night);
+    QTest::keyClick(m_view.get(), Qt::Key_P);
+    ReviewLook& look = Page().Sonar().Look();
+    QVERIFY(look.isVisible());
+    Settle();
+    // As it lies over the page: its own corners are clear.
+    const QImage image = m_view->grab(QRect(look.mapTo(m_view.get(), QPoint()), look.size())).toImage();
+    int brightest = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            brightest = std::max(brightest, qGray(image.pixel(x, y)));
+    QVERIFY2(brightest < 140, qPrintable(QString::number(brightest)));
+    const QList<ZrPaletteBtn*> palettes = look.findChildren<ZrPaletteBtn*>();
+    QCOMPARE(palettes.size(), ZrSonarPalette::Names().size());
+    for (int i = 0; i < palettes.size(); ++i) {
+        QTest::mouseClick(palettes[i], Qt::LeftButton);
+        QCOMPARE(m_view->Model().settings.palette, i);
+        for (int j = 0; j < palettes.size(); ++j)
+            QCOMPARE(palettes[j]->on, i == j);
+        QCOMPARE(palettes[i]->text.toLower(), ZrSonarPalette::Names()[i].toLower());
     }
 }
 

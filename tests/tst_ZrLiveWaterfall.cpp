@@ -32,6 +32,8 @@ private Q_SLOTS:
     void overlay();
     void overlayWithoutAltitude();
     void scale();
+    void scaleWhereItIsNarrow_data();
+    void scaleWhereItIsNarrow();
     void clears();
     void paletteRows();
 
@@ -369,6 +371,54 @@ void tst_ZrLiveWaterfall::scale()
     ZrUnits::SetToImperial();
     QVERIFY(paint(layout) != image);
     ZrUnits::SetToMetric();
+}
+
+void tst_ZrLiveWaterfall::scaleWhereItIsNarrow_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("sides");
+    for (const int width : {150, 180, 200, 240, 280, 330, 400, 600, 1500}) {
+        QTest::addRow("%d", width) << width << int(ZrWaterfallSettings::bothSides);
+        QTest::addRow("%d port", width) << width << int(ZrWaterfallSettings::portOnly);
+        QTest::addRow("%d starboard", width) << width << int(ZrWaterfallSettings::starboardOnly);
+    }
+}
+
+/// Half a picture may be narrower than two of the usual steps: each side has a number nevertheless.
+void tst_ZrLiveWaterfall::scaleWhereItIsNarrow()
+{
+    QFETCH(int, width);
+    QFETCH(int, sides);
+    ZrLiveWaterfall waterfall(64, 500);
+    AddLines(waterfall, 0, 30, 12.0);
+    ZrWaterfallView view;
+    view.rect = QRect(0, 0, width, 100);
+    view.sides = ZrWaterfallSettings::eSides(sides);
+    const ZrWaterfallLayout layout(waterfall.Ring(), view);
+    QFont font;
+    font.setPixelSize(14);
+    const QFontMetrics metrics(font);
+    const double middle = layout.Columns(sidePort);
+    int texts[2] = {};
+    QVector<QPair<double, double>> taken;
+    for (const ZrWaterfallOverlay::Mark& mark : ZrWaterfallOverlay::Scale(layout, font)) {
+        if (mark.text.isEmpty())
+            continue;
+        const double half = metrics.horizontalAdvance(mark.text) / 2.0;
+        QVERIFY(mark.x - half >= 0.0 && mark.x + half <= width);
+        for (const auto& other : qAsConst(taken))
+            QVERIFY2(mark.x + half <= other.first || mark.x - half >= other.second, qPrintable(mark.text));
+        taken.append({mark.x - half, mark.x + half});
+        if (mark.x == middle) {
+            QCOMPARE(mark.text, QStringLiteral("m"));
+            continue;
+        }
+        ++texts[mark.x < middle ? 0 : 1];
+        QVERIFY(
+            std::fabs(mark.text.toDouble() - std::fabs(mark.x - middle) * layout.MetresPerPixel()) < 0.01);
+    }
+    QCOMPARE(texts[0] > 0, layout.Columns(sidePort) > 0);
+    QCOMPARE(texts[1] > 0, layout.Columns(sideStarboard) > 0);
 }
 
 void tst_ZrLiveWaterfall::clears()

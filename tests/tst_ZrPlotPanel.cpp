@@ -56,6 +56,9 @@ private Q_SLOTS:
     void paintsOnlyChanges();
     void nothingToShow();
     void unitsArePainted();
+    void everyAxisHasNumbers_data();
+    void everyAxisHasNumbers();
+    void numbersOfAllTicks();
 
 private:
     void Show();
@@ -244,6 +247,83 @@ void tst_ZrPlotPanel::unitsArePainted()
     QVERIFY(Painted(*m_panel) != metric);
     ZrUnits::SetToMetric();
     QCOMPARE(Painted(*m_panel), metric);
+}
+
+void tst_ZrPlotPanel::everyAxisHasNumbers_data()
+{
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::addColumn<int>("quantity");
+    QTest::addColumn<bool>("isDown");
+    for (const bool isDown : {false, true}) {
+        const char* way = isDown ? "down" : "up";
+        QTest::addRow("between ticks, %s", way) << 201.3 << 248.7 << int(ZrPlotPanel::angle) << isDown;
+        QTest::addRow("one tick, %s", way) << 1.31 << 2.27 << int(ZrPlotPanel::speed) << isDown;
+        QTest::addRow("constant, %s", way) << 1.53 << 1.53 << int(ZrPlotPanel::speed) << isDown;
+        QTest::addRow("through zero, %s", way) << -4.1 << 3.9 << int(ZrPlotPanel::tilt) << isDown;
+        QTest::addRow("wide, %s", way) << 0.0 << 8848.0 << int(ZrPlotPanel::length) << isDown;
+    }
+}
+
+/// A curve without a number beside it says nothing, however little room it has.
+void tst_ZrPlotPanel::everyAxisHasNumbers()
+{
+    QFETCH(double, low);
+    QFETCH(double, high);
+    QFETCH(int, quantity);
+    QFETCH(bool, isDown);
+    ZrPlotSeries series(m_data->times);
+    for (int i = 0; i < 100; ++i)
+        series.Append(static_cast<float>(low + (high - low) * i / 99.0));
+    const ZrPlotPanel::Plot plot{QStringLiteral("Curve"), quantity, isDown, {{&series, QColor(), QString()}}};
+    m_panel->SetPlots({plot, plot, plot, plot});
+    for (const QSize& size : {QSize(600, 400), QSize(600, 280), QSize(1200, 130), QSize(1200, 700)}) {
+        m_panel->resize(size);
+        for (int i = 0; i < m_panel->ShownPlots(); ++i) {
+            const QVector<ZrPlotPanel::Label> labels = m_panel->Labels(i);
+            QVERIFY2(labels.size() >= 2, qPrintable(QString::number(labels.size())));
+            for (int at = 0; at < labels.size(); ++at) {
+                const ZrPlotPanel::Label& label = labels[at];
+                QVERIFY(!label.text.isEmpty());
+                QVERIFY(label.rect.right() < m_panel->PlotRect(i).x());
+                QVERIFY(label.rect.bottom() < m_panel->height() + label.rect.height() / 2);
+                for (int other = 0; other < at; ++other) {
+                    QVERIFY(label.text != labels[other].text);
+                    QVERIFY(!label.rect.intersects(labels[other].rect));
+                    const bool isBelow = label.rect.y() > labels[other].rect.y();
+                    QCOMPARE(isBelow, (label.value > labels[other].value) == isDown);
+                }
+            }
+        }
+        // They are painted.
+        const QImage image = Painted(*m_panel);
+        for (const ZrPlotPanel::Label& label : m_panel->Labels(0)) {
+            const QRgb back = image.pixel(1, 1);
+            bool isPainted = false;
+            const QRect rect = label.rect & image.rect();
+            for (int y = rect.top(); y <= rect.bottom() && !isPainted; ++y)
+                for (int x = rect.left(); x <= rect.right(); ++x)
+                    isPainted = isPainted || image.pixel(x, y) != back;
+            QVERIFY2(isPainted, qPrintable(label.text));
+        }
+    }
+}
+
+/// The ends of the axis are for where the data has no room for others.
+void tst_ZrPlotPanel::numbersOfAllTicks()
+{
+    m_panel->resize(600, 700);
+    const QVector<ZrPlotPanel::Label> labels = m_panel->Labels(0);
+    QStringList texts;
+    for (const ZrPlotPanel::Label& label : labels)
+        texts << label.text;
+    QCOMPARE(texts,
+        QStringList({QStringLiteral("10"), QStringLiteral("11"), QStringLiteral("12"), QStringLiteral("13"),
+            QStringLiteral("14"), QStringLiteral("15"), QStringLiteral("16")}));
+    QVERIFY(m_panel->Labels(-1).isEmpty());
+    QVERIFY(m_panel->Labels(9).isEmpty());
+    m_panel->SetTimeLine(nullptr);
+    QVERIFY(m_panel->Labels(0).isEmpty());
 }
 
 QTEST_MAIN(tst_ZrPlotPanel)

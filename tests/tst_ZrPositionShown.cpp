@@ -18,6 +18,7 @@ private Q_SLOTS:
     void grid_data();
     void grid();
     void notFinite();
+    void ofDetail();
 };
 
 void tst_ZrPositionShown::styles()
@@ -105,6 +106,24 @@ void tst_ZrPositionShown::notFinite()
         QVERIFY(ZrPositionShown::Parts(wrong, 1.0).isEmpty());
         QVERIFY(ZrPositionShown::Parts(1.0, wrong).isEmpty());
         QCOMPARE(ZrPositionShown::Text(wrong, wrong), QString());
+    }
+}
+
+void tst_ZrPositionShown::ofDetail()
+{
+    const ZrUnitsState state;
+    const QString noted = QStringLiteral("48.4457404, -68.8281234");
+    for (const int style : {int(eGeoSignedDeg), int(eGeoDeg), int(eGeoUTM)}) {
+        ZrUnits::SetGeoStyle(eGeoStyle(style));
+        const QString shown = ZrPositionShown::Text(48.4457404, -68.8281234);
+        QVERIFY(!shown.isEmpty() && shown != noted);
+        QCOMPARE(ZrPositionShown::OfDetail(noted), shown);
+        QCOMPARE(ZrPositionShown::OfDetail(QStringLiteral("-8.0000000, 168.0000000")),
+            ZrPositionShown::Text(-8.0, 168.0));
+        for (const char* other :
+            {"", "48.4457404", "48.44, -68.82", "at 48.4457404, -68.8281234", "48.4457404, -68.8281234 wreck",
+                "90.0000001, 0.0000000", "0.0000000, 180.0000001", "1, 2", "nan, nan"})
+            QCOMPARE(ZrPositionShown::OfDetail(QLatin1String(other)), QLatin1String(other));
     }
 }
 

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void refused();
     void navigationAlone();
     void positionsBetweenRows();
+    void firstPosition();
     void fixesAlone();
     void withSonar();
     void pingsWithoutNavigation();
@@ -180,6 +181,26 @@ void tst_ZrSurveyRecording::positionsBetweenRows()
     QVERIFY(isAt(1e6, 44.3, -179.9));
     QVERIFY(!recording.PositionAt(begin + 22.5).IsValid());
     QVERIFY(!recording.PositionAt(unknown).IsValid());
+}
+
+void tst_ZrSurveyRecording::firstPosition()
+{
+    const QString path = File("late.log");
+    const double t = sonar_test::startTime;
+    QVERIFY(Log(path)
+                .AddNav(t, Nav(unknown, unknown))
+                .AddNav(t + 1.0, Nav(44.0, unknown))
+                .AddNav(t + 2.0, Nav(44.1, -63.2))
+                .AddNav(t + 3.0, Nav(44.2, -63.2))
+                .Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    const double begin = recording.Times()->Begin();
+    QCOMPARE(recording.FirstPosition(begin + 100.0), begin + 2.0);
+    QCOMPARE(recording.FirstPosition(begin + 2.0), begin + 2.0);
+    QVERIFY(std::isnan(recording.FirstPosition(begin + 1.9)));
+    QVERIFY(std::isnan(recording.FirstPosition(begin - 1.0)));
+    QVERIFY(std::isnan(ZrSurveyRecording().FirstPosition(begin)));
 }
 
 void tst_ZrSurveyRecording::fixesAlone()

@@ -30,6 +30,8 @@ private Q_SLOTS:
     void contrastByHand();
     void gainIsApplied();
     void palettesAndInversion();
+    void shownGainAndContrast_data();
+    void shownGainAndContrast();
     void noDataIsNotBlack();
     void transparentNoData();
     void pingWithoutSamples();
@@ -366,6 +368,43 @@ void tst_ZrWaterfall::palettesAndInversion()
         QCOMPARE(Draw(line).pixel(100, 5), palette.Colour(155));
     }
     QCOMPARE(Draw(line).format(), QImage::Format_RGB32);
+}
+
+void tst_ZrWaterfall::shownGainAndContrast_data()
+{
+    QTest::addColumn<double>("gain");
+    QTest::addColumn<double>("contrast");
+    QTest::addColumn<int>("grey");
+    const double nan = std::nan("");
+    const double inf = std::numeric_limits<double>::infinity();
+    // Of 100 of 255.
+    QTest::newRow("none") << 0.0 << 1.0 << 100;
+    QTest::newRow("6 dB") << 20.0 * std::log10(2.0) << 1.0 << 200;
+    QTest::newRow("-6 dB") << -20.0 * std::log10(2.0) << 1.0 << 50;
+    QTest::newRow("white") << 20.0 << 1.0 << 255;
+    QTest::newRow("steep") << 0.0 << 2.0 << 73; // 127.5 - 2 x 27.5 = 72.5
+    QTest::newRow("flat") << 0.0 << 0.5 << 114; // 127.5 - 27.5 / 2 = 113.75
+    QTest::newRow("black") << 0.0 << 10.0 << 0;
+    QTest::newRow("both") << 20.0 * std::log10(1.5) << 0.5 << 171; // 113.75 x 1.5 = 170.6
+    QTest::newRow("gain NaN") << nan << 1.0 << 100;
+    QTest::newRow("gain infinite") << inf << 1.0 << 100;
+    QTest::newRow("contrast NaN") << 0.0 << nan << 100;
+    QTest::newRow("contrast infinite") << 0.0 << inf << 100;
+    QTest::newRow("contrast 0") << 0.0 << 0.0 << 100;
+    QTest::newRow("contrast below 0") << 0.0 << -1.0 << 100;
+}
+
+/// What is set for the eye, as the screen has it.
+void tst_ZrWaterfall::shownGainAndContrast()
+{
+    QFETCH(double, gain);
+    QFETCH(double, contrast);
+    QFETCH(int, grey);
+    SonarLine line = SonarLine::Steady(20, 0.2);
+    line.seabed = [](double, double) { return 100.0 * 256.0; };
+    m_settings.shownGain = gain;
+    m_settings.shownContrast = contrast;
+    QCOMPARE(Grey(Draw(line), 100, 5), grey);
 }
 
 void tst_ZrWaterfall::noDataIsNotBlack()

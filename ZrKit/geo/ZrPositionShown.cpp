@@ -2,6 +2,8 @@
 
 #include "ZrUtil/ZrUnits.h"
 
+#include <QRegularExpression>
+
 #include <cmath>
 
 namespace {
@@ -42,4 +44,16 @@ QStringList ZrPositionShown::Parts(double lat, double lng)
 QString ZrPositionShown::Text(double lat, double lng)
 {
     return Parts(lat, lng).join(QStringLiteral("  "));
+}
+
+QString ZrPositionShown::OfDetail(const QString& detail)
+{
+    static const QRegularExpression noted(
+        QStringLiteral("^(-?[0-9]{1,2}\\.[0-9]{7}), (-?[0-9]{1,3}\\.[0-9]{7})$"));
+    const QRegularExpressionMatch match = noted.match(detail.trimmed());
+    const double lat = match.captured(1).toDouble();
+    const double lng = match.captured(2).toDouble();
+    if (!match.hasMatch() || std::fabs(lat) > 90.0 || std::fabs(lng) > 180.0)
+        return detail;
+    return Text(lat, lng);
 }

@@ -19,4 +19,8 @@ public:
     static QStringList Parts(double lat, double lng);
 
     static QString Text(double lat, double lng); ///< the same in one line
+
+    /// \p detail as people are to read it when it is nothing but a position as `ZrRecordingSession` notes it
+    /// with an event ("48.4457404, -68.8281234": decimal degrees with `Places`), else as it is.
+    static QString OfDetail(const QString& detail);
 };

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPolygonF>
+#include <QString>
 
 #include <vector>
 
@@ -34,6 +35,17 @@ struct ZR_KIT_EXPORT ZrWaterfallOverlay
     /// \param font of the numbers, its size in pixels of the layout
     static void PaintScale(QPainter& painter, const ZrWaterfallLayout& layout, const QFont& font,
         const QColor& colour = QColor(235, 240, 245));
+
+    /// A range of `PaintScale`.
+    struct Mark
+    {
+        double x = 0.0; ///< pixels of the layout
+        QString text; ///< empty where there is no room for it
+    };
+
+    /// What `PaintScale` marks: the unit in the middle, and to each side that is shown one range at least,
+    /// however narrow the steps must be for it, unless there is no room for a number at all.
+    static std::vector<Mark> Scale(const ZrWaterfallLayout& layout, const QFont& font);
 
     static int ScaleHeight(const QFont& font);
 };

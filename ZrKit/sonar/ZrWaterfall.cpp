@@ -65,11 +65,22 @@ private:
     int m_before = -1; ///< column of the row before, from the middle
 };
 
-std::array<QRgb, 256> Colours(const ZrSonarPalette& palette, bool invert)
+/// The colour of each brightness. A gain or contrast that is no number, or no contrast at all, changes
+/// nothing.
+std::array<QRgb, 256> Colours(const ZrSonarPalette& palette, const ZrWaterfallSettings& settings)
 {
     std::array<QRgb, 256> colours = palette.Colours();
-    if (invert)
+    if (settings.invert)
         std::reverse(colours.begin(), colours.end());
+    const double slope = settings.shownContrast;
+    if (!std::isfinite(settings.shownGain) || !std::isfinite(slope) || !(slope > 0.0))
+        return colours;
+    const double factor = std::pow(10.0, settings.shownGain / 20.0);
+    const std::array<QRgb, 256> plain = colours;
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        const double level = ((static_cast<double>(i) / 255.0 - 0.5) * slope + 0.5) * factor;
+        colours[i] = plain[static_cast<std::size_t>(std::lround(std::clamp(level, 0.0, 1.0) * 255.0))];
+    }
     return colours;
 }
 
@@ -127,7 +138,7 @@ bool ZrWaterfall::Render(const ZrWaterfallMap& map, QImage& image)
             "ZrWaterfall", "There is not enough memory for an image of %1 x %2 pixels")
                         .arg(map.Width())
                         .arg(map.Height()));
-    const std::array<QRgb, 256> colours = Colours(palette, settings.invert);
+    const std::array<QRgb, 256> colours = Colours(palette, settings);
     std::vector<u8> bytes(static_cast<std::size_t>(map.Width()));
     BottomPen pen(map);
     for (int y = 0; y < map.Height(); ++y) {

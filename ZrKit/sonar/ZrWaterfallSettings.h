@@ -44,6 +44,8 @@ struct ZrWaterfallSettings
     float lo = std::numeric_limits<float>::quiet_NaN(); ///< amplitude of black and,
     float hi = std::numeric_limits<float>::quiet_NaN(); ///< of white, by hand; NaN: both by `clip`
     double gamma = 1.0; ///< below 1 lifts what is dark: seabed, and shadows that are to stay dark
+    double shownGain = 0.0; ///< dB by which the brightness that `gamma` gives is raised for the eye, and
+    double shownContrast = 1.0; ///< its slope about the middle, before: see `ZrWaterfallPalettes::SetLook`
     bool invert = false; ///< strong echoes dark
     QString palette = QStringLiteral("copper"); ///< of `ZrSonarPalette::Names`
 

@@ -306,6 +306,18 @@ ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
     return {from.latitude, from.longitude};
 }
 
+double ZrSurveyRecording::FirstPosition(double until) const
+{
+    for (std::size_t row = 0; row < m_series.Count(); ++row) {
+        const double at = m_series.times->Times()[row];
+        if (at > until)
+            break;
+        if (ZrGeoPoint{m_series.track[row].latitude, m_series.track[row].longitude}.IsValid())
+            return at;
+    }
+    return unknown;
+}
+
 std::vector<ZrSonarTarget> ZrSurveyRecording::Targets() const
 {
     std::vector<ZrSonarTarget> targets;

@@ -120,6 +120,10 @@ public:
     /// not valid where none is known.
     ZrGeoPoint PositionAt(double steady) const;
 
+    /// Steady time of the first row whose position is known, since a vehicle may record before it has one;
+    /// NaN when there is none up to \p until.
+    double FirstPosition(double until) const;
+
     /// Steady time of an event; NaN for one without a time.
     double TimeOf(const ZrLogEvt& evt) const;
 

@@ -248,15 +248,70 @@ void ZrPlotPanel::paintEvent(QPaintEvent* /*event*/)
     }
 }
 
+ZrPlotSeries::Extent ZrPlotPanel::ExtentOf(int plot) const
+{
+    ZrPlotSeries::Extent extent;
+    for (const Curve& curve : m_plots[plot].curves)
+        extent.Add(curve.series->ExtentBetween(m_line->VisibleBegin(), m_line->VisibleEnd()));
+    return extent;
+}
+
+ZrAxisTicks ZrPlotPanel::TicksOf(int plot, const ZrPlotSeries::Extent& extent) const
+{
+    const double scale = ScaleOf(m_plots[plot].quantity);
+    const int most = std::max(PlotRect(plot).height() / std::max(ZrTheme::DpI(tickDistance), 1), 2);
+    return {static_cast<double>(extent.min) * scale, static_cast<double>(extent.max) * scale, most};
+}
+
+int ZrPlotPanel::YOf(int plot, double value, const ZrAxisTicks& ticks) const
+{
+    const QRect rect = PlotRect(plot);
+    const double share = (value - ticks.Low()) / (ticks.High() - ticks.Low());
+    return rect.y() + qRound((m_plots[plot].isDown ? share : 1.0 - share) * (rect.height() - 1));
+}
+
+QVector<ZrPlotPanel::Label> ZrPlotPanel::Labels(int plot) const
+{
+    if (plot < 0 || plot >= ShownPlots() || !m_line || !m_line->Log())
+        return {};
+    const ZrPlotSeries::Extent extent = ExtentOf(plot);
+    if (!extent.IsKnown())
+        return {};
+    const ZrAxisTicks ticks = TicksOf(plot, extent);
+    const QRect rect = PlotRect(plot);
+    const int high = QFontMetrics(SmallFont()).height();
+    const int left = Area(plot % Columns()).x() - Area(0).x();
+    const auto label = [&](double value, int y) {
+        const double shown = m_plots[plot].quantity == angle ? Turned(value) : value;
+        return Label{
+            value, QRect(left, y - high / 2, rect.x() - ZrTheme::DpI(6) - left, high), ticks.Label(shown)};
+    };
+    QVector<Label> labels;
+    for (const double value : ticks.Values()) {
+        const Label next = label(value, YOf(plot, value, ticks));
+        if (labels.isEmpty() || !next.rect.intersects(labels.last().rect))
+            labels.append(next);
+    }
+    if (labels.size() > 1)
+        return labels;
+    // The data lies between two ticks: the ends of the axis, inside the plot, tell where.
+    labels.clear();
+    for (const double value : {ticks.Low(), ticks.High()}) {
+        Label end = label(value, YOf(plot, value, ticks));
+        const bool isLow = YOf(plot, value, ticks) > rect.center().y();
+        end.rect.moveTop(isLow ? std::max(rect.bottom() + 1 - high, rect.center().y() + 1)
+                               : std::min(rect.top(), rect.center().y() + 1 - high));
+        labels.append(end);
+    }
+    return labels;
+}
+
 void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
 {
     const Plot& plot = m_plots[index];
     const QRect rect = PlotRect(index);
     const QFontMetrics metrics = painter.fontMetrics();
-    const double scale = ScaleOf(plot.quantity);
-    ZrPlotSeries::Extent extent;
-    for (const Curve& curve : plot.curves)
-        extent.Add(curve.series->ExtentBetween(m_line->VisibleBegin(), m_line->VisibleEnd()));
+    const ZrPlotSeries::Extent extent = ExtentOf(index);
 
     // The caption, and behind it the values at the cursor.
     int x = rect.x();
@@ -285,28 +340,18 @@ void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
         painter.drawText(rect, Qt::AlignCenter, tr("Not recorded"));
         return;
     }
-    const int most = std::max(rect.height() / std::max(ZrTheme::DpI(tickDistance), 1), 2);
-    const ZrAxisTicks ticks(
-        static_cast<double>(extent.min) * scale, static_cast<double>(extent.max) * scale, most);
-    const double span = ticks.High() - ticks.Low();
-    int free = rect.bottom() + metrics.height();
+    const ZrAxisTicks ticks = TicksOf(index, extent);
+    painter.setPen(QPen(ZrTheme::gridCol, 1, Qt::DotLine));
     for (const double value : ticks.Values()) {
-        const double share = (value - ticks.Low()) / span;
-        const int y = rect.y() + qRound((plot.isDown ? share : 1.0 - share) * (rect.height() - 1));
-        painter.setPen(QPen(ZrTheme::gridCol, 1, Qt::DotLine));
+        const int y = YOf(index, value, ticks);
         painter.drawLine(rect.left(), y, rect.right(), y);
-        const bool isClear = plot.isDown || y + metrics.height() <= free;
-        if (!isClear)
-            continue;
-        free = y;
-        const double shown = plot.quantity == angle ? Turned(value) : value;
-        painter.setPen(ZrTheme::bodyCol);
-        painter.drawText(QRect(0, y - metrics.height() / 2, rect.x() - ZrTheme::DpI(6), metrics.height()),
-            Qt::AlignRight | Qt::AlignVCenter, ticks.Label(shown));
     }
+    painter.setPen(ZrTheme::bodyCol);
+    for (const Label& label : Labels(index))
+        painter.drawText(label.rect, Qt::AlignRight | Qt::AlignVCenter, label.text);
     painter.setClipRect(rect);
     for (const Curve& curve : plot.curves)
-        PaintCurve(painter, curve, rect, ticks.Low(), ticks.High(), scale, plot.isDown);
+        PaintCurve(painter, curve, rect, ticks.Low(), ticks.High(), ScaleOf(plot.quantity), plot.isDown);
     painter.setClipping(false);
 }
 

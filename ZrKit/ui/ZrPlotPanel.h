@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/review/ZrAxisTicks.h"
 #include "ZrKit/review/ZrPlotDecimator.h"
 #include "ZrKit/review/ZrPlotSeries.h"
 #include "ZrKit/review/ZrTimeLine.h"
@@ -73,6 +74,18 @@ public:
 
     QRect PlotRect(int plot) const; ///< of the curves of one that is shown, pixels of the widget
 
+    /// A number beside the value axis.
+    struct Label
+    {
+        double value = 0.0; ///< in the units in force, as the curves have it
+        QRect rect; ///< of the widget
+        QString text;
+    };
+
+    /// The numbers of the axis of a plot that is shown, two at least: those at the ends of the axis where its
+    /// data has no room for others. None while nothing is known of its curves.
+    QVector<Label> Labels(int plot) const;
+
     std::size_t Looks() const { return m_looks; } ///< values looked at by the last painting
 
 Q_SIGNALS:
@@ -95,6 +108,9 @@ private:
     int Columns() const;
     QRect Area(int column) const; ///< of the curves of a column
     void Tell(double x);
+    ZrPlotSeries::Extent ExtentOf(int plot) const; ///< of what is visible
+    ZrAxisTicks TicksOf(int plot, const ZrPlotSeries::Extent& extent) const;
+    int YOf(int plot, double value, const ZrAxisTicks& ticks) const;
     double FractionAt(double x) const;
     void PaintPlot(QPainter& painter, int index);
     void PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low, double high,

@@ -98,6 +98,12 @@ void ReviewPage::Act(int act)
     ShowState();
 }
 
+void ReviewPage::PlayOrPause()
+{
+    const bool isBackward = m_clock.IsPlaying() && m_clock.Rate() < 0.0;
+    Act(isBackward ? ReviewTransport::playBack : ReviewTransport::play);
+}
+
 void ReviewPage::StepEvent(int direction)
 {
     const ZrEventList& events = m_recording->Events();
@@ -112,7 +118,7 @@ void ReviewPage::StepEvent(int direction)
     m_clock.Pause();
     GoTo(m_recording->TimeOf(events.At(event)));
     m_events->SetCurrent(static_cast<int>(event));
-    m_bar->SetCurrentEvent(static_cast<int>(event));
+    m_bar->SetCurrentEvent(FlagOf(static_cast<int>(event)));
 }
 
 void ReviewPage::SetRangeEnd(int end)
@@ -185,9 +191,10 @@ bool ReviewPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     using T = ReviewTransport;
     switch (key) {
     case Qt::Key_Space:
-        return act(m_clock.IsPlaying() && m_clock.Rate() < 0.0 ? T::playBack
-                : isShift                                      ? T::playBack
-                                                               : T::play);
+        if (isShift)
+            return act(T::playBack);
+        PlayOrPause();
+        return true;
     case Qt::Key_Left:
         return act(isShift ? T::secondBack : T::recordBack);
     case Qt::Key_Right:

@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/ReviewEvents.h"
 
+#include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/survey/ZrTargetEvent.h"
@@ -8,6 +9,7 @@
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
+#include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/ReviewText.h"
 #include "apps/ZrSurvey/StateBanner.h"
 #include "apps/ZrSurvey/SurveyModel.h"
@@ -23,6 +25,12 @@
 namespace {
 
 constexpr int longestText = 200; ///< characters
+const char* const unitsShown = "unitsShown"; ///< property: those that the rows are in
+
+QString Units()
+{
+    return ZrUnits::shortLengthUnit + QString::number(static_cast<int>(ZrUnits::GetGeoStyle()));
+}
 
 ZrBtn* Tool(QWidget* parent, const char* icon, const QString& hint)
 {
@@ -70,8 +78,14 @@ QString ReviewEvents::Subtitle(const ZrLogEvt& evt) const
 {
     ZrSonarTarget target;
     const QString time = ZrTimeText::DateClock(evt.time, 1);
-    if (!ZrTargetEvent::ToTarget(evt, target))
-        return evt.detail.isEmpty() ? time : time + QStringLiteral("  ") + evt.detail.simplified();
+    if (!ZrTargetEvent::ToTarget(evt, target)) {
+        const QString detail = evt.detail.simplified();
+        const QString shown = ZrPositionShown::OfDetail(detail);
+        // A position and the day have no room beside each other, and the day is that of the recording.
+        if (shown != detail)
+            return shown + QStringLiteral("  ") + ZrTimeText::Clock(evt.time);
+        return detail.isEmpty() ? time : time + QStringLiteral("  ") + detail;
+    }
     QStringList sizes;
     const auto add = [&sizes](const QString& name, double metres) {
         if (std::isfinite(metres))
@@ -100,6 +114,7 @@ void ReviewEvents::Fill()
         }
     }
     m_list->SetItems(items);
+    setProperty(unitsShown, Units());
     const bool hasLog = m_recording != nullptr;
     m_undo->setEnabled(hasLog && m_recording->Events().CanUndo());
     m_redo->setEnabled(hasLog && m_recording->Events().CanRedo());
@@ -292,6 +307,10 @@ void ReviewEvents::Place()
 
 void ReviewEvents::paintEvent(QPaintEvent* /*event*/)
 {
+    // Nobody tells of units that the library's own form has changed; what was below it is painted anew.
+    if (property(unitsShown).toString() != Units())
+        QMetaObject::invokeMethod(
+            this, [this] { Fill(); }, Qt::QueuedConnection);
     QPainter painter(this);
     painter.fillRect(rect(), ZrTheme::toolBack);
     painter.setFont(ZrTheme::fontLarge);

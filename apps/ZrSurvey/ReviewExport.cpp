@@ -153,6 +153,8 @@ struct ReviewExport::Job
         settings.palette = palette;
         settings.slantCorrected = slant;
         settings.blanking = blanking;
+        settings.shownGain = gain;
+        settings.shownContrast = contrast;
         QImage image;
         for (int width : {0, widestPicture, 2048, 1024, 512}) {
             settings.width = width;
@@ -198,6 +200,8 @@ struct ReviewExport::Job
     std::size_t lastPing = 0;
     bool slant = false;
     int blanking = ZrSonarBlanking::none;
+    double gain = 0.0; ///< dB
+    double contrast = 1.0;
     double from = 0.0; ///< steady times of the part
     double to = 0.0;
     std::atomic<bool> cancel{false};
@@ -252,7 +256,8 @@ void ReviewExport::Ask(const std::shared_ptr<ZrSurveyRecording>& recording, doub
     items << item(tr("Events"), tr("A table"), "events");
     if (recording->HasSonar()) {
         items << item(tr("Targets"), tr("GeoJSON or CSV, with position and size"), "target");
-        items << item(tr("Waterfall picture"), tr("PNG or JPEG, as it is shown"), "image");
+        items << item(
+            tr("Waterfall picture"), tr("PNG or JPEG, in the colours, gain and contrast shown"), "image");
         items << item(tr("Mosaic"), tr("The sea floor with north up and its place on the earth"), "mosaic");
     }
     const double length = m_to - m_from;
@@ -295,6 +300,8 @@ bool ReviewExport::Write(int kind, const QString& path)
     m_job->path = path;
     m_job->slant = settings.slant;
     m_job->blanking = settings.blanking;
+    m_job->gain = settings.gain;
+    m_job->contrast = settings.contrast;
     for (const ZrSonarTarget& target : m_recording->Targets()) {
         const double at = m_recording->Times()->FromLog(target.time);
         if (at >= m_from && at <= m_to)

@@ -52,12 +52,6 @@ void ReviewPage::zr_paintGL()
         m_sonar->Render();
 }
 
-void ReviewPage::OnPageClose()
-{
-    m_clock.Pause();
-    ShowState();
-}
-
 void ReviewPage::showEvent(QShowEvent* event)
 {
     SurveyPage::showEvent(event);

@@ -1,12 +1,13 @@
 #include "apps/ZrSurvey/ReviewLook.h"
 
 #include "ZrKit/sonar/ZrSonarPalette.h"
+#include "ZrKit/ui/ZrLegible.h"
+#include "ZrKit/ui/ZrPaletteBtn.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrSlider.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 
-#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -14,7 +15,13 @@
 
 namespace {
 
-constexpr int columns = 7;
+constexpr int columns = 5;
+
+/// A palette and its name.
+int PaletteHeight()
+{
+    return std::max(ZrTheme::DpI(56), 44);
+}
 
 int RowHeight()
 {
@@ -56,18 +63,21 @@ ReviewLook::ReviewLook(QWidget* parent, SurveySettings& settings)
         const int kind = m_water.size();
         connect(button, &ZrBtn::Clicked, this, [this, kind] {
             m_settings.blanking = kind;
-            ShowWater();
+            ShowChosen();
             Q_EMIT Changed();
         });
         m_water.append(button);
     }
     for (const QString& name : ZrSonarPalette::Names()) {
-        ZrSonarPalette palette;
-        palette.Load(name);
-        QImage image(256, 1, QImage::Format_RGB32);
-        for (int i = 0; i < 256; ++i)
-            image.setPixel(i, 0, palette.Colour(i));
-        m_palettes.append(image);
+        auto* button = new ZrPaletteBtn(this, name);
+        button->setToolTip(tr("Palette: %1").arg(button->text));
+        const int palette = m_palettes.size();
+        connect(button, &ZrBtn::Clicked, this, [this, palette] {
+            m_settings.palette = palette;
+            ShowChosen();
+            Q_EMIT Changed();
+        });
+        m_palettes.append(button);
     }
     setAccessibleName(tr("Palette, gain and contrast"));
 }
@@ -78,25 +88,21 @@ void ReviewLook::Load()
     m_gain->SetValue(m_settings.gain);
     m_contrast->SetValue(m_settings.contrast);
     m_isLoading = false;
-    ShowWater();
+    ShowChosen();
     update();
 }
 
-void ReviewLook::ShowWater()
+void ReviewLook::ShowChosen()
 {
     for (int kind = 0; kind < m_water.size(); ++kind) {
         m_water[kind]->on = kind == m_settings.blanking;
         m_water[kind]->Changed();
     }
-}
-
-QRect ReviewLook::Swatch(int palette) const
-{
-    const int margin = ZrTheme::DpI(12);
-    const int gap = ZrTheme::DpI(8);
-    const int width = (this->width() - 2 * margin - (columns - 1) * gap) / columns;
-    return {margin + (palette % columns) * (width + gap), margin + (palette / columns) * (RowHeight() + gap),
-        width, RowHeight()};
+    const int current = std::clamp(m_settings.palette, 0, static_cast<int>(m_palettes.size()) - 1);
+    for (int i = 0; i < m_palettes.size(); ++i) {
+        m_palettes[i]->on = i == current;
+        m_palettes[i]->Changed();
+    }
 }
 
 void ReviewLook::Place(const QRect& area)
@@ -104,11 +110,20 @@ void ReviewLook::Place(const QRect& area)
     const int margin = ZrTheme::DpI(12);
     const int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
     const int rows = (m_palettes.size() + columns - 1) / columns;
-    const int top = margin + rows * (RowHeight() + ZrTheme::DpI(8));
+    const int gap = ZrTheme::DpI(4);
+    const int top = margin + rows * (PaletteHeight() + gap);
     const int width = std::min(std::max(ZrTheme::DpI(520), 400), area.width() - 2 * margin);
     const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
     const int height = std::min(top + 2 * slider + label + RowHeight() + 2 * margin, area.height());
     setGeometry(area.right() - width - margin, area.y() + margin / 2, width, height);
+    const int swatch = (width - 2 * margin - (columns - 1) * gap) / columns;
+    const QFont small = ZrLegible::Font(13);
+    for (int i = 0; i < m_palettes.size(); ++i) {
+        m_palettes[i]->font = small;
+        m_palettes[i]->setGeometry(margin + (i % columns) * (swatch + gap),
+            margin + (i / columns) * (PaletteHeight() + gap), swatch, PaletteHeight());
+        m_palettes[i]->Changed();
+    }
     m_gain->setGeometry(margin, top, width - 2 * margin, slider);
     m_contrast->setGeometry(margin, top + slider, width - 2 * margin, slider);
     m_waterLabel = QRect(margin, top + 2 * slider + margin / 2, width - 2 * margin, label);
@@ -121,14 +136,6 @@ void ReviewLook::Place(const QRect& area)
 void ReviewLook::mousePressEvent(QMouseEvent* event)
 {
     event->accept();
-    for (int i = 0; i < m_palettes.size(); ++i) {
-        if (!Swatch(i).contains(event->pos()))
-            continue;
-        m_settings.palette = i;
-        update();
-        Q_EMIT Changed();
-        return;
-    }
 }
 
 void ReviewLook::paintEvent(QPaintEvent* /*event*/)
@@ -140,23 +147,6 @@ void ReviewLook::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(QPen(ZrTheme::formBdr, 1));
     painter.setBrush(back);
     painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), ZrTheme::rxy, ZrTheme::rxy);
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    const int current = std::clamp(m_settings.palette, 0, static_cast<int>(m_palettes.size()) - 1);
-    for (int i = 0; i < m_palettes.size(); ++i) {
-        const QRect swatch = Swatch(i);
-        painter.drawImage(swatch, m_palettes[i]);
-        const bool isOn = i == current;
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(isOn ? ZrTheme::ctrlCol : ZrTheme::ctrlOutlineCol, isOn ? 3 : 1));
-        painter.drawRect(swatch.adjusted(0, 0, -1, -1));
-        if (isOn) {
-            // The mark that does not go by colour.
-            const QPoint corners[] = {swatch.bottomLeft(), swatch.bottomLeft() + QPoint(ZrTheme::DpI(14), 0),
-                swatch.bottomLeft() - QPoint(0, ZrTheme::DpI(14))};
-            painter.setBrush(ZrTheme::ctrlCol);
-            painter.drawPolygon(corners, 3);
-        }
-    }
     painter.setFont(ZrTheme::font);
     painter.setPen(ZrTheme::bodyCol);
     painter.drawText(m_waterLabel, Qt::AlignLeft | Qt::AlignVCenter, tr("Water column"));

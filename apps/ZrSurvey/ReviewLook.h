@@ -24,17 +24,16 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override; ///< which is not for what is below
 
 private:
-    void ShowWater();
-    QRect Swatch(int palette) const;
+    void ShowChosen();
 
     SurveySettings& m_settings;
     ZrSlider* m_gain;
     ZrSlider* m_contrast;
     QVector<ZrBtn*> m_water; ///< by `ZrSonarBlanking::eKind`
-    QVector<QImage> m_palettes;
+    QVector<ZrBtn*> m_palettes; ///< by `ZrSonarPalette::Names`
     QRect m_waterLabel;
     bool m_isLoading = false;
 };

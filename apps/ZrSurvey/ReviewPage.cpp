@@ -32,6 +32,9 @@
 
 namespace {
 
+/// A first position in this part of a recording is where it is shown from.
+constexpr double startShare = 0.05;
+constexpr double startSeconds = 10.0; ///< at least
 constexpr std::size_t mostPlaces = 50000; ///< of the way that the page "3D" gets
 
 } // namespace
@@ -118,6 +121,7 @@ void ReviewPage::Connect()
         m_sonar->ShowSettings();
         ShowGaps();
         ShowState();
+        m_events->update();
     });
     connect(m_sonarLarge, &ZrBtn::Clicked, this, [this] { Enlarge(paneSonar); });
     connect(m_plotsLarge, &ZrBtn::Clicked, this, [this] { Enlarge(panePlots); });
@@ -172,9 +176,12 @@ void ReviewPage::Connect()
         pause();
         GoTo(m_recording->TimeOf(m_recording->Events().At(static_cast<std::size_t>(event))));
         m_events->SetCurrent(event);
-        m_bar->SetCurrentEvent(event);
+        m_bar->SetCurrentEvent(FlagOf(event));
     };
-    connect(m_bar, &ZrTimeBar::EventTapped, this, toEvent);
+    connect(m_bar, &ZrTimeBar::EventTapped, this, [this, toEvent](int flag) {
+        if (flag >= 0 && flag < static_cast<int>(m_flags.size()))
+            toEvent(m_flags[static_cast<std::size_t>(flag)]);
+    });
     connect(m_events, &ReviewEvents::Chosen, this, toEvent);
     connect(m_events, &ReviewEvents::Changed, this, &ReviewPage::ShowEvents);
     connect(m_events, &ReviewEvents::Unsaved, this, [this] {
@@ -188,6 +195,10 @@ void ReviewPage::Connect()
         Changed();
     });
     connect(m_transport, &ReviewTransport::Wanted, this, &ReviewPage::Act);
+    SurveyPlayer& player = View().Model().player;
+    connect(&player, &SurveyPlayer::ToggleWanted, this, &ReviewPage::PlayOrPause);
+    connect(&player, &SurveyPlayer::PauseWanted, this, pause);
+    connect(&player, &SurveyPlayer::Elapsed, this, &ReviewPage::Advance);
     // Keys step through the recording wherever the finger was last.
     for (QWidget* panel : {static_cast<QWidget*>(&m_map->Panel()), static_cast<QWidget*>(&m_sonar->Panel())})
         panel->installEventFilter(this);
@@ -221,6 +232,7 @@ void ReviewPage::StartLoading(const QString& path)
 {
     m_path = path;
     m_clock.Pause();
+    ShowState();
     m_loading = std::make_shared<ZrSurveyRecording>();
     m_work->Begin(m_worker, tr("Opening %1").arg(QFileInfo(path).fileName()));
     m_worker.Start(
@@ -270,6 +282,11 @@ void ReviewPage::Show(const std::shared_ptr<ZrSurveyRecording>& recording)
     if (now) {
         m_clock.SetRange(now->Times()->Begin(), now->Times()->End());
         m_clock.SetGaps(m_bar->Line().Gaps());
+        // What comes before the first position has little to show.
+        const double start = std::max((m_clock.End() - m_clock.Begin()) * startShare, startSeconds);
+        const double first = now->FirstPosition(m_clock.Begin() + start);
+        if (!std::isnan(first))
+            m_clock.SetTime(first);
         ShowGaps();
         ShowEvents();
         TellWay();
@@ -375,18 +392,33 @@ void ReviewPage::ShowCursor()
 
 void ReviewPage::ShowEvents()
 {
-    std::vector<double> steady;
-    for (const double time : m_recording->Events().Times()) {
-        const double at = m_recording->Times()->FromLog(time);
+    // The bar wants them by steady time, the list has them by that of the log: a clock that was set back puts
+    // them in another order, and those without a time have no flag.
+    std::vector<std::pair<double, int>> flags;
+    const ZrEventList& events = m_recording->Events();
+    for (std::size_t i = 0; i < events.Count(); ++i) {
+        const double at = m_recording->TimeOf(events.At(i));
         if (!std::isnan(at))
-            steady.push_back(at);
+            flags.emplace_back(at, static_cast<int>(i));
     }
-    std::sort(steady.begin(), steady.end());
+    std::sort(flags.begin(), flags.end());
+    std::vector<double> steady;
+    m_flags.clear();
+    for (const auto& [at, event] : flags) {
+        steady.push_back(at);
+        m_flags.push_back(event);
+    }
     m_bar->SetEvents(std::move(steady));
     m_map->ShowEvents();
     m_sonar->ShowEvents();
     m_list->badge = static_cast<i32>(m_recording->Events().Count());
     m_list->Changed();
+}
+
+int ReviewPage::FlagOf(int event) const
+{
+    const auto found = std::find(m_flags.begin(), m_flags.end(), event);
+    return found == m_flags.end() ? -1 : static_cast<int>(found - m_flags.begin());
 }
 
 void ReviewPage::ShowState()
@@ -416,7 +448,8 @@ void ReviewPage::ShowState()
     set(*m_sonarLarge, m_pane == paneSonar, hasSonar);
     set(*m_plotsLarge, m_pane == panePlots, hasLog);
     m_firstOpen->setVisible(!hasLog);
-    if (m_clock.IsPlaying())
+    View().Model().player.Set(hasLog, m_clock.IsPlaying());
+    if (m_clock.IsPlaying() && isVisible())
         Animate();
 }
 

@@ -8,6 +8,7 @@
 #include <QPointer>
 
 #include <memory>
+#include <vector>
 
 class ReviewEvents;
 class ReviewExport;
@@ -41,6 +42,7 @@ public:
     void GoTo(double steady); ///< moves the cursor
     QString GoToText(const QString& text); ///< to a typed time; what is wrong with it, empty when nothing is
     void Act(int act); ///< a `ReviewTransport::eAct`
+    void PlayOrPause(); ///< in the direction that was chosen last
     bool Advance(double seconds); ///< plays on by so much time; false when it does not play
 
     ReviewMap& Map() { return *m_map; }
@@ -57,7 +59,6 @@ public:
 
     void zr_initializeGL() override;
     void zr_paintGL() override;
-    void OnPageClose() override;
     void OnColours() override;
     bool OnKey(int key, Qt::KeyboardModifiers modifiers) override;
     int FreeBelow() const override;
@@ -66,6 +67,9 @@ public:
 protected:
     void Place() override;
     bool OnFrame(double seconds) override;
+
+    bool ShowsReview() const override { return true; }
+
     int BandLeft() const override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -90,6 +94,7 @@ private:
     void ShowPlots();
     void ShowCursor();
     void ShowEvents();
+    int FlagOf(int event) const; ///< in the time bar; -1 for none
     void ShowState();
     void Enlarge(ePane pane);
     bool OnToolKey(int key, Qt::KeyboardModifiers modifiers);
@@ -136,6 +141,7 @@ private:
     std::shared_ptr<ZrSurveyRecording> m_recording;
     std::shared_ptr<ZrSurveyRecording> m_loading;
     ZrPlayClock m_clock;
+    std::vector<int> m_flags; ///< of the time bar: the events that they are of
     double m_now = 0.0; ///< seconds that frames have taken
     ZrWorker m_worker;
 };

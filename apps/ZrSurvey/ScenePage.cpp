@@ -47,6 +47,9 @@ ScenePage::ScenePage(SurveyView& view)
 {
     m_hasBackground = false;
     AddButton(QStringLiteral("orbit"), tr("Look from behind (Home)"), &ScenePage::ResetView);
+    m_play = AddButton(QStringLiteral("play"), tr("Play and pause (Space)"), &ScenePage::PlayOrPause);
+    m_play->hide();
+    connect(&view.Model().player, &SurveyPlayer::Changed, this, &ScenePage::ShowPlayer);
     m_follow->checkable = true;
     m_follow->on = true;
     connect(m_panel, &ZrScenePanel::Changed, this, &SurveyPage::Changed);
@@ -122,6 +125,46 @@ void ScenePage::OnPageOpen()
     // The page is not visible yet.
     ShowVehicle();
     UpdatePlan();
+}
+
+bool ScenePage::ShowsReview() const
+{
+    return &Vehicle() == &View().Model().reviewed;
+}
+
+void ScenePage::showEvent(QShowEvent* event)
+{
+    SurveyPage::showEvent(event);
+    ShowPlayer();
+}
+
+void ScenePage::ShowPlayer()
+{
+    const SurveyPlayer& player = View().Model().player;
+    m_play->setVisible(ShowsReview() && player.HasRecording());
+    if (m_play->on != player.IsPlaying()) {
+        m_play->on = player.IsPlaying();
+        m_play->img
+            = QImage(m_play->on ? QStringLiteral(":/icons/pause.png") : QStringLiteral(":/icons/play.png"));
+        m_play->Changed();
+    }
+    if (player.IsPlaying() && isVisible())
+        Animate();
+}
+
+void ScenePage::PlayOrPause()
+{
+    if (ShowsReview())
+        View().Model().player.Toggle();
+}
+
+/// The cursor is that of all pages, and its vehicle comes back by `OnVehicle`.
+bool ScenePage::OnFrame(double seconds)
+{
+    SurveyPlayer& player = View().Model().player;
+    if (player.IsPlaying())
+        player.Advance(seconds);
+    return player.IsPlaying();
 }
 
 void ScenePage::OnVehicle()
@@ -221,6 +264,11 @@ bool ScenePage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     switch (key) {
     case Qt::Key_F:
         m_panel->SetFollows(!m_panel->Follows());
+        return true;
+    case Qt::Key_Space:
+        if (!ShowsReview())
+            return false;
+        PlayOrPause();
         return true;
     case Qt::Key_X:
         Exaggerate();

@@ -32,13 +32,18 @@ public:
 
 protected:
     void Place() override;
+    bool OnFrame(double seconds) override;
+    bool ShowsReview() const override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     ZrBtn* AddButton(const QString& icon, const QString& hint, void (ScenePage::*action)());
     const SurveyVehicle& Vehicle() const; ///< that of "Record" or "Review", whichever was looked at last
     void OnVehicle();
     void ShowVehicle();
+    void ShowPlayer();
+    void PlayOrPause();
     void ToggleFollow();
     void Exaggerate();
     void ResetView();
@@ -54,6 +59,7 @@ private:
     QVector<ZrBtn*> m_buttons; ///< before those that are among them
     ZrBtn* m_follow;
     ZrBtn* m_exaggerate;
+    ZrBtn* m_play; ///< while a recording is shown
     ZrValueTile* m_heading;
     ZrValueTile* m_pitch;
     ZrValueTile* m_roll;

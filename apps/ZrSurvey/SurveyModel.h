@@ -2,6 +2,7 @@
 
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "apps/ZrSurvey/SurveyFeed.h"
+#include "apps/ZrSurvey/SurveyPlayer.h"
 #include "apps/ZrSurvey/SurveyRecording.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
@@ -22,6 +23,7 @@ struct SurveyModel
     SurveyVehicle vehicle; ///< live
     SurveyVehicle reviewed; ///< at the cursor of the review
     bool isReviewLast = false; ///< of "Record" and "Review" the latter was looked at last: 3D shows that
+    SurveyPlayer player; ///< of what is reviewed
     SurveyRecording recording;
     SurveyFeed feed;
     UnsavedEvents unsaved;

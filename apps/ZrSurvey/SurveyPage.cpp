@@ -148,6 +148,8 @@ void SurveyPage::showEvent(QShowEvent* event)
 {
     ZrPage::showEvent(event);
     View().GiveFocus();
+    if (!ShowsReview())
+        View().Model().player.Pause();
 }
 
 void SurveyPage::hideEvent(QHideEvent* event)

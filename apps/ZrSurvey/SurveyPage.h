@@ -51,6 +51,9 @@ protected:
     virtual int BandLeft() const; ///< where a page's own controls in the band begin
     virtual int BandRight() const; ///< and end
 
+    /// Whether a recording that plays goes on when this page is opened.
+    virtual bool ShowsReview() const { return false; }
+
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
