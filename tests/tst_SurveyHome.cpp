@@ -32,6 +32,9 @@ private Q_SLOTS:
     void spaceTile();
     void durations_data();
     void durations();
+    void timesLeft_data();
+    void timesLeft();
+    void folderOfRecordings();
     void recordingTexts();
     void entries_data();
     void entries();
@@ -143,16 +146,16 @@ void tst_SurveyHome::recordingTile()
     ZrRecorder::Status status;
     status.file = S("/a/b/dive ä.log");
     status.bytes = 12300000;
-    QCOMPARE(HomeState::Recording(QString(), status, S("Into logs")).value, S("Off"));
-    QCOMPARE(HomeState::Recording(QString(), status, S("Into logs")).note, S("Into logs"));
-    const HomeState::Tile on = HomeState::Recording(S("0:00:12"), status, S("Into logs"));
+    QCOMPARE(HomeState::Recording(QString(), status, S("Folder: logs")).value, S("Off"));
+    QCOMPARE(HomeState::Recording(QString(), status, S("Folder: logs")).note, S("Folder: logs"));
+    const HomeState::Tile on = HomeState::Recording(S("0:00:12"), status, S("Folder: logs"));
     QCOMPARE(on.value, S("0:00:12"));
     QCOMPARE(on.note, S("12.3 MB, dive ä.log"));
     QCOMPARE(on.state, ZrValueTile::good);
-    const HomeState::Tile stopped = HomeState::Recording(QString(), status, S("Into logs"), true);
+    const HomeState::Tile stopped = HomeState::Recording(QString(), status, S("Folder: logs"), true);
     QCOMPARE(stopped.value, S("Stopped"));
     QCOMPARE(stopped.state, ZrValueTile::error);
-    QCOMPARE(HomeState::Recording(S("0:00:12"), status, S("Into logs"), true).value, S("0:00:12"));
+    QCOMPARE(HomeState::Recording(S("0:00:12"), status, S("Folder: logs"), true).value, S("0:00:12"));
 }
 
 void tst_SurveyHome::spaceTile_data()
@@ -185,6 +188,12 @@ void tst_SurveyHome::spaceTile_data()
                             << "About 2 h 30 min" << int(ZrValueTile::normal);
     QTest::newRow("as last") << qint64(45000000000) << 899.0 << last << "45.0"
                              << "About 14 min" << int(ZrValueTile::warning);
+    QTest::newRow("nearly a year") << qint64(45000000000) << HomeState::Year - 1.0 << last << "45.0"
+                                   << "About 364 days" << int(ZrValueTile::normal);
+    QTest::newRow("a year") << qint64(45000000000) << HomeState::Year << last << "45.0"
+                            << "For more than a year" << int(ZrValueTile::normal);
+    QTest::newRow("for ever") << qint64(45000000000) << 1e15 << now << "45.0"
+                              << "For more than a year" << int(ZrValueTile::normal);
 }
 
 void tst_SurveyHome::spaceTile()
@@ -223,6 +232,37 @@ void tst_SurveyHome::durations()
 {
     QFETCH(double, seconds);
     QTEST(HomeState::DurationText(seconds), "text");
+}
+
+void tst_SurveyHome::timesLeft_data()
+{
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << 0.0 << "0 min left";
+    QTest::newRow("below 0") << -5.0 << "0 min left";
+    QTest::newRow("a minute") << 60.0 << "1 min left";
+    QTest::newRow("nearly two hours") << 7199.0 << "119 min left";
+    QTest::newRow("two hours") << 7200.0 << "2 h left";
+    QTest::newRow("nearly two days") << 172799.0 << "47 h left";
+    QTest::newRow("two days") << 172800.0 << "2 days left";
+    QTest::newRow("nearly a year") << HomeState::Year - 1.0 << "364 days left";
+    QTest::newRow("a year") << HomeState::Year << "> 1 year left";
+    QTest::newRow("9999 h and more") << 9999.0 * 3600.0 << "> 1 year left";
+    QTest::newRow("for ever") << std::numeric_limits<double>::infinity() << "> 1 year left";
+}
+
+void tst_SurveyHome::timesLeft()
+{
+    QFETCH(double, seconds);
+    QTEST(HomeState::LeftText(seconds), "text");
+}
+
+void tst_SurveyHome::folderOfRecordings()
+{
+    QStringList notes;
+    for (const ZrValueTile* tile : Home()->findChildren<ZrValueTile*>())
+        notes.append(tile->Note());
+    QVERIFY2(notes.contains(S("Folder: Aufnahmen äß")), qPrintable(notes.join(QLatin1Char('|'))));
 }
 
 void tst_SurveyHome::recordingTexts()
@@ -300,7 +340,7 @@ void tst_SurveyHome::tilesFollow()
     QCOMPARE(Tile(3)->Note(), S("For 2 h 0 min"));
     m_view->Model().recording.End();
     QCOMPARE(Tile(2)->Value(), S("Off"));
-    QVERIFY(Tile(3)->Note().startsWith(S("About ")));
+    QVERIFY(Tile(3)->Note().startsWith(S("About ")) || Tile(3)->Note() == S("For more than a year"));
 
     SurveyFeed::Facts facts;
     facts.state = SurveyFeed::troubled;
@@ -358,7 +398,8 @@ void tst_SurveyHome::recordings()
     // The rate of what was recorded tells for how long there is room.
     const SurveyRecording& recording = m_view->Model().recording;
     QCOMPARE(recording.Left(1000000000, 0).by, ZrSpaceLeft::byLast);
-    QVERIFY2(Tile(3)->Note().startsWith(S("About ")), qPrintable(Tile(3)->Note()));
+    QVERIFY2(Tile(3)->Note().startsWith(S("About ")) || Tile(3)->Note() == S("For more than a year"),
+        qPrintable(Tile(3)->Note()));
     // Another folder is looked at as soon as it is chosen.
     Settings().recordDir = m_folder->path();
     m_view->SettingsEdited();

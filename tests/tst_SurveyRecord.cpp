@@ -1,10 +1,12 @@
 // The page "Record" of the application as a person sees it: sources, map, waterfall and instruments.
 
+#include "DrawnText.h"
 #include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrKit/records/ZrNavRecord.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrUnits.h"
 #include "apps/ZrSurvey/SurveySource.h"
@@ -22,6 +24,9 @@ private Q_SLOTS:
     void bottomLineCanBeSwitchedOff();
     void anglesHaveTheirSign_data();
     void anglesHaveTheirSign();
+    void looksOfTheSonar();
+    void nightInk();
+    void figuresOfOneSize();
     void followEndsByHand();
     void otherUnitsAtOnce();
     void replayIsASource();
@@ -161,6 +166,9 @@ void tst_SurveyRecord::anglesHaveTheirSign_data()
     QTest::newRow("one of each") << 359.97F << -3.2F << 4.5F << "0.0°"
                                  << "−3.2°"
                                  << "4.5°";
+    QTest::newRow("nearly level") << -0.02F << -0.04F << -0.06F << "0.0°"
+                                  << "0.0°"
+                                  << "−0.1°";
 }
 
 /// Pitch and roll with the sign minus, as wide as a digit, and the degrees; a full turn is none.
@@ -188,6 +196,84 @@ void tst_SurveyRecord::anglesHaveTheirSign()
     QTEST(Tile(QStringLiteral("Heading"))->Number(), "headingText");
     QTEST(Tile(QStringLiteral("Pitch"))->Number(), "pitchText");
     QTEST(Tile(QStringLiteral("Roll"))->Number(), "rollText");
+}
+
+/// Palette and gain, as they are called and set.
+void tst_SurveyRecord::looksOfTheSonar()
+{
+    Open();
+    const auto isDrawn = [this](const char* text) {
+        for (const DrawnText& drawn : TextDevice::Of(Page())) {
+            if (drawn.text == QString::fromUtf8(text))
+                return true;
+        }
+        return false;
+    };
+    SurveySettings& settings = m_view->Model().settings;
+    settings.palette = 3;
+    settings.gain = 4.5;
+    QVERIFY(isDrawn("Hot"));
+    QVERIFY(isDrawn("+4.5 dB"));
+    settings.gain = -2.0;
+    QVERIFY(isDrawn("−2 dB"));
+    settings.gain = 0.0;
+    QVERIFY(isDrawn("0 dB"));
+}
+
+/// Scale and bottom line have the ink of the night and are not below its shade; nothing is blue.
+void tst_SurveyRecord::nightInk()
+{
+    Open();
+    ZrColourScheme::Apply(ZrColourScheme::night);
+    QTRY_VERIFY(Page().Waterfall().Ring().End() > 150);
+    QWidget* panel = Page().findChildren<ZrMapPanel*>().last();
+    const auto count = [this, panel](const QColor& ink) {
+        const QImage image = m_view->grab(panel->geometry()).toImage();
+        int found = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                const int off = std::max({std::abs(colour.red() - ink.red()),
+                    std::abs(colour.green() - ink.green()), std::abs(colour.blue() - ink.blue())});
+                found += off <= 6 ? 1 : 0;
+            }
+        }
+        return found;
+    };
+    const auto blue = [this, panel] {
+        const QImage image = m_view->grab(panel->geometry()).toImage();
+        int found = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                found += colour.blue() > colour.red() + 20 ? 1 : 0;
+            }
+        }
+        return found;
+    };
+    QTRY_VERIFY(count(ZrColourScheme::OverPicture(QColor(235, 240, 245))) > 20);
+    QTRY_VERIFY(count(ZrColourScheme::OverPicture(QColor(64, 224, 255))) > 20);
+    QCOMPARE(ZrColourScheme::Current(), int(ZrColourScheme::night));
+    QCOMPARE(blue(), 0);
+    ZrColourScheme::Apply(ZrColourScheme::dusk);
+}
+
+/// One long value makes all of the row smaller.
+void tst_SurveyRecord::figuresOfOneSize()
+{
+    Open(QSize(900, 600));
+    Tile(QStringLiteral("Recorded"))->Set(QStringLiteral("1000:00:01"), QString());
+    Tile(QStringLiteral("Size"))->Set(QStringLiteral("2.40"), QStringLiteral("kB"));
+    QSet<int> sizes;
+    for (const char* caption : {"Recorded", "Size", "Rate", "Free space"}) {
+        ZrValueTile* tile = Tile(QString::fromLatin1(caption));
+        for (const DrawnText& drawn : TextDevice::Of(*tile)) {
+            if (drawn.text == tile->Number())
+                sizes.insert(drawn.pixels);
+        }
+    }
+    QCOMPARE(sizes.size(), 1);
+    QVERIFY(*sizes.begin() < ZrTheme::DpI(36));
 }
 
 void tst_SurveyRecord::followEndsByHand()

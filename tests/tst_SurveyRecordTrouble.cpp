@@ -1,6 +1,7 @@
 // What the page "Record" says when a recording ends or goes wrong, for how long there is room, and where its
 // map has things.
 
+#include "MarkTranslator.h"
 #include "SmallFiles.h"
 #include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapGesture.h"
@@ -17,6 +18,7 @@
 #include "apps/ZrSurvey/SurveySource.h"
 
 #include <QSignalSpy>
+#include <QTcpServer>
 
 class tst_SurveyRecordTrouble : public SurveyRecordWindow
 {
@@ -30,6 +32,8 @@ private Q_SLOTS:
     void diskThatFails();
     void onOtherPages();
     void sourceThatEnds();
+    void connectionInAnotherLanguage();
+    void timeLeftOfAges();
     void timeLeftOfTheSource();
     void timeLeftOfAnEarlierRecording();
     void timeLeftIsNotKnown();
@@ -251,6 +255,39 @@ void tst_SurveyRecordTrouble::sourceThatEnds()
 }
 
 /// Before anything is recorded, by what comes; the recording then says the same but for what varies.
+/// Whatever the translators call it, a connection that stands is no trouble any more.
+void tst_SurveyRecordTrouble::connectionInAnotherLanguage()
+{
+    const MarkTranslator marks;
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const quint16 port = server.serverPort();
+    server.close();
+    SurveySettings& settings = m_view->Model().settings;
+    settings.source = SurveySource::tcp;
+    settings.tcpHost = QStringLiteral("127.0.0.1");
+    settings.tcpPort = port;
+    Open();
+    SurveyFeed& feed = m_view->Model().feed;
+    QTRY_COMPARE(feed.State(), SurveyFeed::troubled);
+    // The reason alone.
+    QVERIFY2(!feed.Text().isEmpty() && !feed.Text().contains(QStringLiteral("127.0.0.1"))
+            && !feed.Text().contains(QStringLiteral("again")),
+        qPrintable(feed.Text()));
+    QVERIFY(server.listen(QHostAddress::LocalHost, port));
+    QTRY_COMPARE_WITH_TIMEOUT(feed.State(), SurveyFeed::waiting, 15000);
+}
+
+void tst_SurveyRecordTrouble::timeLeftOfAges()
+{
+    m_view->Model().settings.source = SurveySource::udp;
+    m_view->Model().settings.udpPort = 0; // any free one
+    Open();
+    m_view->Model().recording.SetEarlierRate(1e-3);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        Tile(QStringLiteral("Free space"))->Note(), QStringLiteral("> 1 year left"), 15000);
+}
+
 void tst_SurveyRecordTrouble::timeLeftOfTheSource()
 {
     m_view->Model().settings.simSpeed = 1.0;

@@ -127,6 +127,14 @@ void tst_SurveyScene::valuesAreShown()
     QCOMPARE(Tile("Roll").Value(), S("7.5"));
     QCOMPARE(Tile("Depth").Value(), S("12.5"));
     QCOMPARE(Tile("Altitude").Value(), S("8.0"));
+    SurveyVehicle::Pose pose = PoseAt(48.0, -68.0);
+    pose.heading = 359.97;
+    pose.pitch = -0.04;
+    pose.roll = -0.0;
+    Vehicle().Set(pose, S("Boot äß"), true);
+    QCOMPARE(Tile("Heading").Value(), S("0.0"));
+    QCOMPARE(Tile("Pitch").Value(), S("0.0"));
+    QCOMPARE(Tile("Roll").Value(), S("0.0"));
 }
 
 void tst_SurveyScene::unknownValues()

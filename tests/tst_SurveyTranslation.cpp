@@ -3,7 +3,6 @@
 
 #include "DrawnText.h"
 #include "SurveyWindow.h"
-#include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrRowForm.h"
 #include "ZrUtil/ZrBtn.h"
 
@@ -73,13 +72,11 @@ void tst_SurveyTranslation::cleanup()
     Close();
 }
 
-/// Texts with a Latin word that is neither a unit of the library, nor the name of a product, a palette or a
-/// folder.
+/// Texts with a Latin word that is neither a unit of the library, nor the name of a product or a folder.
 QStringList tst_SurveyTranslation::Latin(const QSet<QString>& texts)
 {
     static const QSet<QString> data = {QStringLiteral("ZrSurvey"), ZrUnits::GetLongLengthUnits(),
         ZrUnits::GetSpeedUnits(), QStringLiteral("OpenGL"), QStringLiteral("Qt")};
-    static const QStringList palettes = ZrSonarPalette::Names();
     QStringList latin;
     for (const QString& text : texts) {
         if (text.contains(QLatin1Char('/')) && !text.contains(QLatin1Char(' ')))
@@ -89,7 +86,7 @@ QStringList tst_SurveyTranslation::Latin(const QSet<QString>& texts)
         const QStringList words
             = text.split(QRegularExpression(QStringLiteral("[^A-Za-z]+")), Qt::SkipEmptyParts);
         for (const QString& word : words) {
-            if (word.size() > 1 && !data.contains(word) && !palettes.contains(word, Qt::CaseInsensitive)) {
+            if (word.size() > 1 && !data.contains(word)) {
                 latin.append(text);
                 break;
             }

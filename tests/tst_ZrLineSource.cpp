@@ -1,6 +1,8 @@
+#include "MarkTranslator.h"
 #include "ZrKit/recording/ZrFileSource.h"
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrLineSplitter.h"
+#include "ZrKit/recording/ZrLogSource.h"
 #include "ZrKit/recording/ZrStdinSource.h"
 #include "ZrKit/recording/ZrTcpSource.h"
 #include "ZrKit/recording/ZrUdpSource.h"
@@ -33,6 +35,23 @@ QString WriteFile(const QTemporaryDir& dir, const QByteArray& bytes)
     return file.fileName();
 }
 
+/// Its cable is in the hands of the test.
+class CableSource : public ZrLineSource
+{
+public:
+    using ZrLineSource::TellBack;
+    using ZrLineSource::TellLost;
+
+    CableSource()
+        : ZrLineSource(nullptr)
+    {
+    }
+
+    bool Start(QString* /*error*/) override { return true; }
+
+    QString Name() const override { return QStringLiteral("cable"); }
+};
+
 } // namespace
 
 class tst_ZrLineSource : public QObject
@@ -51,6 +70,8 @@ private Q_SLOTS:
     void filePacedByItsTimes();
     void fileJumpsOverLongGapsAndBackwardSteps();
     void missingFileIsRefused();
+    void lossIsToldOnce();
+    void textsAreTranslated();
 };
 
 void tst_ZrLineSource::splitterTakesEveryLineEnd()
@@ -116,6 +137,8 @@ void tst_ZrLineSource::tcpDeliversAndReconnects()
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
     ZrTcpSource source(QStringLiteral("127.0.0.1"), server.serverPort(), nullptr);
+    QSignalSpy lost(&source, &ZrLineSource::Lost);
+    QSignalSpy back(&source, &ZrLineSource::Back);
     QSignalSpy lines(&source, &ZrLineSource::Line);
     QSignalSpy trouble(&source, &ZrLineSource::Trouble);
     QString error;
@@ -128,12 +151,19 @@ void tst_ZrLineSource::tcpDeliversAndReconnects()
     peer->disconnectFromHost();
     QTRY_COMPARE(Lines(lines), QByteArrayList({"first", "rest without end"}));
     QTRY_COMPARE(trouble.size(), 1);
+    QCOMPARE(lost.size(), 1);
+    QVERIFY(!lost[0][0].toString().isEmpty());
+    QCOMPARE(trouble[0][0].toString(),
+        QStringLiteral("%1: %2; trying again").arg(source.Name(), lost[0][0].toString()));
+    QCOMPARE(back.size(), 0);
 
     QTRY_VERIFY_WITH_TIMEOUT(server.hasPendingConnections(), 4 * ZrTcpSource::RetryMs);
     std::unique_ptr<QTcpSocket> again(server.nextPendingConnection());
     again->write("second\n");
     QTRY_COMPARE(Lines(lines).last(), QByteArray("second"));
-    QVERIFY(trouble.last().at(0).toString().endsWith(QStringLiteral("connected")));
+    QCOMPARE(trouble.last().at(0).toString(), source.Name() + QStringLiteral(": connected"));
+    QCOMPARE(back.size(), 1);
+    QCOMPARE(lost.size(), 1);
 }
 
 void tst_ZrLineSource::tcpTellsTroubleOnce()
@@ -211,6 +241,41 @@ void tst_ZrLineSource::missingFileIsRefused()
     QString error;
     QVERIFY(!source.Start(&error));
     QVERIFY2(error.startsWith(QStringLiteral("Cannot read ")), qPrintable(error));
+}
+
+void tst_ZrLineSource::lossIsToldOnce()
+{
+    CableSource source;
+    QSignalSpy trouble(&source, &ZrLineSource::Trouble);
+    QSignalSpy lost(&source, &ZrLineSource::Lost);
+    QSignalSpy back(&source, &ZrLineSource::Back);
+    source.TellBack(); // was never away
+    QCOMPARE(trouble.size() + back.size(), 0);
+    // Whatever the reason says.
+    source.TellLost(QStringLiteral("connected: no; pulled"));
+    source.TellLost(QStringLiteral("again"));
+    QCOMPARE(lost.size(), 1);
+    QCOMPARE(lost[0][0].toString(), QStringLiteral("connected: no; pulled"));
+    QCOMPARE(trouble.size(), 1);
+    source.TellBack();
+    source.TellBack();
+    QCOMPARE(back.size(), 1);
+    QCOMPARE(trouble.size(), 2);
+    source.TellLost(QStringLiteral("again"));
+    QCOMPARE(lost.size(), 2);
+}
+
+void tst_ZrLineSource::textsAreTranslated()
+{
+    const MarkTranslator marks;
+    QCOMPARE(ZrFileSource(QStringLiteral("a.txt"), 1.0, nullptr).Name(), QStringLiteral("<file a.txt>"));
+    QCOMPARE(ZrLogSource(QStringLiteral("a.log"), 1.0, nullptr).Name(), QStringLiteral("<log a.log>"));
+    CableSource source;
+    QSignalSpy trouble(&source, &ZrLineSource::Trouble);
+    source.TellLost(QStringLiteral("pulled"));
+    source.TellBack();
+    QCOMPARE(trouble[0][0].toString(), QStringLiteral("<cable: pulled; trying again>"));
+    QCOMPARE(trouble[1][0].toString(), QStringLiteral("<cable: connected>"));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrLineSource)

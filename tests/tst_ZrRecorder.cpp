@@ -143,8 +143,16 @@ void tst_ZrRecorder::refusesToStartOnAFullDisk()
     ZrRecorder recorder(options, nullptr);
     QString error;
     QVERIFY(!recorder.Start(&error));
-    QCOMPARE(error, QStringLiteral("Only 2.0Kb free in %1; recording needs at least 2.0Kb").arg(dir.path()));
+    QCOMPARE(
+        error, QStringLiteral("Only 2.05 kB free in %1; recording needs at least 2.05 kB").arg(dir.path()));
     QVERIFY(QDir(dir.path()).isEmpty());
+    // A limit is told as it was set.
+    options.stopBelow = 500000000;
+    options.freeSpace = [] { return qint64(66400000); };
+    ZrRecorder other(options, nullptr);
+    QVERIFY(!other.Start(&error));
+    QCOMPARE(
+        error, QStringLiteral("Only 66.4 MB free in %1; recording needs at least 500 MB").arg(dir.path()));
 }
 
 void tst_ZrRecorder::refusesAFolderThatCannotBeMade()
@@ -178,7 +186,7 @@ void tst_ZrRecorder::stopsBeforeTheDiskIsFull()
     QTRY_COMPARE(failed.size(), 1);
     QVERIFY(!recorder.IsRecording());
     QCOMPARE(failed.first().at(0).toString(),
-        QStringLiteral("Recording stopped before the disk is full: 4.9Kb free in %1").arg(dir.path()));
+        QStringLiteral("Recording stopped before the disk is full: 5.00 kB free in %1").arg(dir.path()));
     recorder.AddLine("after");
     QCOMPARE(ReadLog(recorder.CurrentStatus().file).size(), std::size_t(1));
 }
@@ -218,7 +226,7 @@ void tst_ZrRecorder::warnsOnce()
     QTRY_VERIFY_WITH_TIMEOUT(status.size() >= 2, 10000);
     QCOMPARE(warning.size(), 1);
     QCOMPARE(warning.first().at(0).toString(),
-        QStringLiteral("The disk is getting full: 1.5Kb free in %1").arg(dir.path()));
+        QStringLiteral("The disk is getting full: 1.50 kB free in %1").arg(dir.path()));
     QVERIFY(recorder.IsRecording());
 }
 

@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -52,8 +53,15 @@ public:
     {
     }
 
+    using ZrLineSource::TellBack;
+    using ZrLineSource::TellLost;
+
+    QString m_lostAtStart; ///< why there is no connection yet; may be empty
+
     bool Start(QString* error) override
     {
+        if (!m_lostAtStart.isEmpty())
+            TellLost(m_lostAtStart);
         *error = m_problem;
         return m_problem.isEmpty();
     }
@@ -94,6 +102,9 @@ private Q_SLOTS:
     void udp();
     void file();
     void troublesAreTold();
+    void lossesAreTold();
+    void lossWhileOpening();
+    void lossOfTheSourceBefore();
     void endsWithTheSession();
     void survivesKill();
 
@@ -554,6 +565,61 @@ void tst_ZrRecordingSession::troublesAreTold()
     Pull([](FakeSource& source) { Q_EMIT source.Trouble(QStringLiteral("cable pulled")); });
     QTRY_COMPARE(troubles.size(), 1);
     QCOMPARE(troubles[0][0].toString(), QStringLiteral("cable pulled"));
+}
+
+void tst_ZrRecordingSession::lossesAreTold()
+{
+    Open();
+    QSignalSpy lost(m_session.get(), &ZrRecordingSession::SourceLost);
+    QSignalSpy back(m_session.get(), &ZrRecordingSession::SourceBack);
+    QSignalSpy troubles(m_session.get(), &ZrRecordingSession::Trouble);
+    Pull([](FakeSource& source) { source.TellLost(QStringLiteral("cable: pulled; or so")); });
+    QTRY_COMPARE(troubles.size(), 1);
+    QCOMPARE(lost.size(), 1);
+    QCOMPARE(lost[0][0].toString(), QStringLiteral("cable: pulled; or so"));
+    QCOMPARE(back.size(), 0);
+    Pull([](FakeSource& source) { source.TellBack(); });
+    QTRY_COMPARE(troubles.size(), 2);
+    QCOMPARE(back.size(), 1);
+    QCOMPARE(lost.size(), 1);
+    // Other troubles are no loss.
+    Pull([](FakeSource& source) { Q_EMIT source.Trouble(QStringLiteral("fake: hot; still there")); });
+    QTRY_COMPARE(troubles.size(), 3);
+    QCOMPARE(lost.size() + back.size(), 2);
+}
+
+/// A port that is not there yet is one that is tried again.
+void tst_ZrRecordingSession::lossWhileOpening()
+{
+    QSignalSpy lost(m_session.get(), &ZrRecordingSession::SourceLost);
+    m_session->Open([] {
+        auto* source = new FakeSource(QString());
+        source->m_lostAtStart = QStringLiteral("no such port");
+        return source;
+    });
+    QTRY_COMPARE(m_session->Source(), ZrRecordingSession::sourceOpen);
+    QCOMPARE(lost.size(), 1);
+    QCOMPARE(lost[0][0].toString(), QStringLiteral("no such port"));
+}
+
+void tst_ZrRecordingSession::lossOfTheSourceBefore()
+{
+    Open();
+    QSignalSpy lost(m_session.get(), &ZrRecordingSession::SourceLost);
+    QSignalSpy back(m_session.get(), &ZrRecordingSession::SourceBack);
+    QSemaphore go;
+    QMetaObject::invokeMethod(
+        m_source,
+        [this, &go] {
+            go.acquire();
+            m_source->TellLost(QStringLiteral("pulled"));
+            m_source->TellBack();
+        },
+        Qt::QueuedConnection);
+    m_session->Open([] { return new FakeSource(QString()); });
+    go.release();
+    QTRY_COMPARE(m_session->Source(), ZrRecordingSession::sourceOpen);
+    QCOMPARE(lost.size() + back.size(), 0);
 }
 
 void tst_ZrRecordingSession::endsWithTheSession()

@@ -160,16 +160,21 @@ void tst_ZrSerialSource::missingPortIsTriedAgain()
     const QString path = dir.filePath(QStringLiteral("ttyUSB0"));
     ZrSerialSource source(path, 4800, nullptr);
     QSignalSpy troubles(&source, &ZrLineSource::Trouble);
+    QSignalSpy lost(&source, &ZrLineSource::Lost);
+    QSignalSpy back(&source, &ZrLineSource::Back);
     QSignalSpy lines(&source, &ZrLineSource::Line);
     QString error;
     QVERIFY(source.Start(&error));
     QCOMPARE(troubles.size(), 1);
+    QCOMPARE(lost.size(), 1);
+    QVERIFY(!lost[0][0].toString().contains(path));
     QVERIFY(troubles[0][0].toString().contains(path));
     // It is plugged in.
     PseudoTerminal far;
     QVERIFY(QFile::link(far.Path(), path));
     QTRY_COMPARE_WITH_TIMEOUT(troubles.size(), 2, 30000);
     QVERIFY(troubles[1][0].toString().endsWith(QStringLiteral("connected")));
+    QCOMPARE(back.size(), 1);
     QVERIFY(far.Send("hello\n"));
     QTRY_COMPARE(lines.size(), 1);
 }

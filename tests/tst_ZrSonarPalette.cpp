@@ -1,3 +1,4 @@
+#include "MarkTranslator.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrUtil/LqColourMap.h"
 #include "ZrUtil/SonarDataPkt.h"
@@ -21,6 +22,7 @@ private Q_SLOTS:
     void buildingAgainDoesNotAppend();
     void newPalette();
     void names();
+    void titles();
     void everyNameLoads();
     void coloursAreThoseOfTheMap();
     void namesThatAreRefused_data();
@@ -92,6 +94,21 @@ void tst_ZrSonarPalette::names()
     maps.replaceInStrings(QStringLiteral(".cmap.json"), QString());
     maps.sort();
     QCOMPARE(names, maps);
+}
+
+/// Those of the screen are the names of the files with a capital; translators may have others.
+void tst_ZrSonarPalette::titles()
+{
+    for (const QString& name : ZrSonarPalette::Names()) {
+        const QString title = ZrSonarPalette::Title(name);
+        QVERIFY2(title[0].isUpper(), qPrintable(title));
+        QCOMPARE(title.toLower(), name);
+    }
+    QCOMPARE(ZrSonarPalette::Title(QStringLiteral("none of them")), QStringLiteral("none of them"));
+    QCOMPARE(ZrSonarPalette::Title(QString()), QString());
+    const MarkTranslator marks;
+    QCOMPARE(ZrSonarPalette::Title(QStringLiteral("jet")), QStringLiteral("<Jet>"));
+    QVERIFY(ZrSonarPalette::Names().contains(QStringLiteral("jet")));
 }
 
 void tst_ZrSonarPalette::everyNameLoads()

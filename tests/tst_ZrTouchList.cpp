@@ -1,5 +1,6 @@
 // A list for fingers.
 
+#include "DrawnText.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrTheme.h"
@@ -55,6 +56,8 @@ private Q_SLOTS:
     void paintsWithoutRoom();
     void picturesOfRowsInView();
     void textIsNeverTiny();
+    void linesInTheMiddle_data();
+    void linesInTheMiddle();
     void manyRows();
     void accessibleText();
 };
@@ -287,6 +290,39 @@ void tst_ZrTouchList::textIsNeverTiny()
     QFont font = ZrTheme::font;
     font.setPixelSize(14);
     QVERIFY2(inked >= QFontMetrics(font).capHeight() - 1, qPrintable(QString::number(inked)));
+}
+
+void tst_ZrTouchList::linesInTheMiddle_data()
+{
+    QTest::addColumn<double>("scale");
+    for (const double scale : {0.5, 1.0, 1.5, 2.0})
+        QTest::newRow(qPrintable(QString::number(scale))) << scale;
+}
+
+/// Both lines as one, from the top of the capitals to the line that the lower letters stand on.
+void tst_ZrTouchList::linesInTheMiddle()
+{
+    QFETCH(double, scale);
+    const ZrThemeState theme(scale);
+    ZrTouchList list(nullptr);
+    list.resize(600, 500);
+    ZrListItem item;
+    item.title = QStringLiteral("HHH");
+    item.subtitle = QStringLiteral("HH");
+    list.SetItems({item, item});
+    for (const int row : {0, 1}) {
+        const QRect at = RowRect(list, row);
+        QVector<QRectF> inks;
+        for (const DrawnText& drawn : TextDevice::Of(*list.viewport())) {
+            if (QRectF(at).contains(drawn.ink.center()))
+                inks.append(drawn.ink);
+        }
+        QCOMPARE(inks.size(), 2);
+        QVERIFY(inks[0].bottom() < inks[1].top());
+        QVERIFY(inks[0].top() >= at.top() && inks[1].bottom() <= at.bottom());
+        const double off = (inks[0].top() + inks[1].bottom()) / 2.0 - QRectF(at).center().y();
+        QVERIFY2(std::fabs(off) <= 1.5 * std::max(scale, 1.0), qPrintable(QString::number(off)));
+    }
 }
 
 void tst_ZrTouchList::manyRows()

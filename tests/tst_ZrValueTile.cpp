@@ -1,5 +1,6 @@
 // A value to be read at arm's length.
 
+#include "DrawnText.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUiChecks.h"
 
@@ -51,6 +52,9 @@ private Q_SLOTS:
     void repaintsOnlyForChanges();
     void clicks();
     void noRoom();
+    void rowHasOneSize();
+    void rowRepaintsForOthers();
+    void rowWithoutOneOfThem();
 
 private:
     std::unique_ptr<ZrThemeState> m_theme;
@@ -306,6 +310,86 @@ void tst_ZrValueTile::noRoom()
         tile.resize(size);
         QCOMPARE(Painted(tile).size(), size);
     }
+}
+
+namespace {
+
+/// How large a tile shows its value.
+int ValuePixels(ZrValueTile& tile)
+{
+    for (const DrawnText& drawn : TextDevice::Of(tile)) {
+        if (drawn.text == tile.Number())
+            return drawn.pixels;
+    }
+    return 0;
+}
+
+} // namespace
+
+void tst_ZrValueTile::rowHasOneSize()
+{
+    QWidget page;
+    QVector<ZrValueTile*> tiles;
+    for (const char* value : {"0:00:01", "2.40", "1234567.8"}) {
+        auto* tile = new ZrValueTile(&page, S("Size"));
+        tile->resize(130, 96);
+        tile->Set(S(value), S("kB/s"));
+        tiles.append(tile);
+    }
+    const int least = ValuePixels(*tiles[2]);
+    QVERIFY(least > 0 && least < ValuePixels(*tiles[0]) && least < ValuePixels(*tiles[1]));
+    ZrValueTile::SetRow(tiles);
+    for (ZrValueTile* tile : tiles)
+        QCOMPARE(ValuePixels(*tile), least);
+    // As large as all of them fit.
+    tiles[2]->Set(S("1"), QString());
+    const int next = ValuePixels(*tiles[2]);
+    QVERIFY(next > least);
+    QCOMPARE(ValuePixels(*tiles[0]), next);
+    QCOMPARE(ValuePixels(*tiles[1]), next);
+    ZrValueTile::SetRow({tiles[2]});
+    QVERIFY(ValuePixels(*tiles[2]) > next);
+    QCOMPARE(ValuePixels(*tiles[0]), next);
+}
+
+void tst_ZrValueTile::rowRepaintsForOthers()
+{
+    QWidget page;
+    page.resize(400, 100);
+    auto* first = new ZrValueTile(&page, S("Size"));
+    auto* second = new ZrValueTile(&page, S("Rate"));
+    first->setGeometry(0, 0, 150, 96);
+    second->setGeometry(160, 0, 150, 96);
+    ZrValueTile::SetRow({first, second});
+    first->Set(S("1"), S("m"));
+    ZrPaintCounter counter(*first);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QVERIFY(counter.Take() > 0);
+    second->Set(S("2"), S("m")); // of the same size
+    QCOMPARE(counter.Take(), 0);
+    second->Set(S("123456789.0"), S("m"));
+    QVERIFY(counter.Take() > 0);
+    second->resize(600, 96);
+    QVERIFY(counter.Take() > 0);
+}
+
+void tst_ZrValueTile::rowWithoutOneOfThem()
+{
+    ZrValueTile first(nullptr, S("Size"));
+    first.resize(150, 96);
+    first.Set(S("1"), QString());
+    const int alone = ValuePixels(first);
+    {
+        ZrValueTile second(nullptr, S("Rate"));
+        second.resize(150, 96);
+        second.Set(S("123456789.0"), QString());
+        ZrValueTile::SetRow({&first, &second});
+        QVERIFY(ValuePixels(first) < alone);
+    }
+    QCOMPARE(ValuePixels(first), alone);
+    first.Set(S("2"), QString());
+    QCOMPARE(ValuePixels(first), alone);
 }
 
 void tst_ZrValueTile::numbers_data()

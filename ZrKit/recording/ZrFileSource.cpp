@@ -29,7 +29,7 @@ ZrFileSource::ZrFileSource(const QString& path, double speed, QObject* parent)
 
 QString ZrFileSource::Name() const
 {
-    return QStringLiteral("file %1").arg(m_file.fileName());
+    return QCoreApplication::translate("ZrFileSource", "file %1").arg(m_file.fileName());
 }
 
 bool ZrFileSource::Start(QString* error)

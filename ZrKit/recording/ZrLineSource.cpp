@@ -1,5 +1,9 @@
 #include "ZrKit/recording/ZrLineSource.h"
 
+#include <QCoreApplication>
+
+#include <utility>
+
 ZrLineSource::ZrLineSource(QObject* parent)
     : QObject(parent)
 {
@@ -18,4 +22,20 @@ void ZrLineSource::FeedEnd()
     const QByteArray line = m_splitter.Rest();
     if (!line.isEmpty())
         Q_EMIT Line(line);
+}
+
+void ZrLineSource::TellLost(const QString& reason)
+{
+    if (std::exchange(m_isLost, true))
+        return;
+    Q_EMIT Lost(reason);
+    Q_EMIT Trouble(QCoreApplication::translate("ZrLineSource", "%1: %2; trying again").arg(Name(), reason));
+}
+
+void ZrLineSource::TellBack()
+{
+    if (!std::exchange(m_isLost, false))
+        return;
+    Q_EMIT Back();
+    Q_EMIT Trouble(QCoreApplication::translate("ZrLineSource", "%1: connected").arg(Name()));
 }

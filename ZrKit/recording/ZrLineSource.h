@@ -12,8 +12,8 @@
 /// Most give lines. Those that know more than lines can say give records instead.
 ///
 /// A source lives on a thread with an event loop and emits its signals there. After `Start` it delivers lines
-/// until it emits `Finished` or is destroyed. A source that loses its connection says so by `Trouble` and
-/// goes on trying: the recording must not end because a cable was pulled.
+/// until it emits `Finished` or is destroyed. A source that loses its connection says so by `Lost`, and by
+/// `Trouble` for people, and goes on trying: the recording must not end because a cable was pulled.
 class ZR_KIT_EXPORT ZrLineSource : public QObject
 {
     Q_OBJECT
@@ -40,8 +40,17 @@ Q_SIGNALS:
     void Finished();
     /// Something a person should know; the source goes on.
     void Trouble(const QString& message);
+    /// The connection is lost, or could not be had yet, for \p reason; the source goes on trying.
+    void Lost(const QString& reason);
+    /// The connection that was lost stands again.
+    void Back();
 
 protected:
+    /// Emits `Lost`, and a `Trouble` that says so; nothing until the next `TellBack` when it was told
+    /// already.
+    void TellLost(const QString& reason);
+    /// Emits `Back`, and a `Trouble` that says so, if a loss was told before.
+    void TellBack();
     /// Emits the lines that \p bytes complete.
     void Feed(const QByteArray& bytes);
     /// Emits the last line if it had no end.
@@ -49,4 +58,5 @@ protected:
 
 private:
     ZrLineSplitter m_splitter;
+    bool m_isLost = false; ///< told
 };

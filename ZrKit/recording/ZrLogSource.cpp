@@ -46,7 +46,7 @@ ZrLogSource::ZrLogSource(const QString& path, double speed, QObject* parent)
 
 QString ZrLogSource::Name() const
 {
-    return QStringLiteral("log %1").arg(m_path);
+    return QCoreApplication::translate("ZrLogSource", "log %1").arg(m_path);
 }
 
 bool ZrLogSource::Start(QString* error)

@@ -2,6 +2,7 @@
 
 #include "ZrKit/recording/ZrLogName.h"
 #include "ZrKit/records/ZrKitTypes.h"
+#include "ZrKit/ui/ZrByteText.h"
 #include "ZrUtil/ZrLogEvt.h"
 #include "ZrUtil/ZrLogItem.h"
 
@@ -26,6 +27,12 @@ constexpr double rateWeight = 0.3;
 double SecondsNow()
 {
     return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
+}
+
+/// In the units in which limits are set, thousands.
+QString SizeText(qint64 bytes)
+{
+    return ZrByteText::Of(static_cast<double>(bytes)).Text();
 }
 
 double Smoothed(double shown, double measured)
@@ -65,8 +72,7 @@ bool ZrRecorder::Start(QString* error)
     if (freeBytes >= 0 && freeBytes < m_options.stopBelow) {
         m_failure = failureSpace;
         *error = QCoreApplication::translate("ZrRecorder", "Only %1 free in %2; recording needs at least %3")
-                     .arg(ZrLogger::SpaceStr(static_cast<u64>(freeBytes)), m_options.dir,
-                         ZrLogger::SpaceStr(static_cast<u64>(m_options.stopBelow)));
+                     .arg(SizeText(freeBytes), m_options.dir, SizeText(m_options.stopBelow));
         return false;
     }
     const bool isSplit = m_options.splitBytes > 0 || m_options.splitSeconds > 0.0;
@@ -299,7 +305,7 @@ void ZrRecorder::CheckDisk()
     m_status.freeBytes = m_options.freeSpace();
     if (m_status.freeBytes < 0)
         return;
-    const QString freeText = ZrLogger::SpaceStr(static_cast<u64>(m_status.freeBytes));
+    const QString freeText = SizeText(m_status.freeBytes);
     if (m_status.freeBytes < m_options.stopBelow) {
         Fail(failureSpace,
             QCoreApplication::translate(

@@ -55,6 +55,15 @@ void ZrRecordingSession::Connect()
         if (m_opening == 0)
             SetSource(sourceFinished, m_sourceText);
     });
+    // Of one that is about to be replaced nobody wants to know.
+    connect(m_worker, &ZrRecordingWorker::SourceLost, this, [this](const QString& reason, int opened) {
+        if (opened == m_asked)
+            Q_EMIT SourceLost(reason);
+    });
+    connect(m_worker, &ZrRecordingWorker::SourceBack, this, [this](int opened) {
+        if (opened == m_asked)
+            Q_EMIT SourceBack();
+    });
     connect(m_worker, &ZrRecordingWorker::Started, this, [this] {
         TakeNews();
         // Who stops at once waits for the end.
@@ -102,6 +111,7 @@ void ZrRecordingSession::SetRecording(eRecording recording)
 
 void ZrRecordingSession::Open(const MakeSource& make)
 {
+    ++m_asked;
     ++m_opening;
     SetSource(sourceOpening, QString());
     Do([make](ZrRecordingWorker& worker) { worker.Open(make); });

@@ -113,6 +113,10 @@ public:
 Q_SIGNALS:
     void Updated(const ZrRecordingNews& news);
     void SourceChanged();
+    /// The connection of the source that was opened last is lost, for \p reason, and tried again. It may
+    /// come before the source is open. `Trouble` says the same in a sentence.
+    void SourceLost(const QString& reason);
+    void SourceBack(); ///< and stands again
     void RecordingChanged(); ///< `Recording`
     void SpaceMeasured(qint64 bytes); ///< -1 when it is not known
     void Failed(const QString& message); ///< a recording could not begin, or had to end
@@ -134,7 +138,8 @@ private:
     ZrRecordingWorker* m_worker; ///< lives on the thread, and ends with it
     eSource m_source = sourceNone;
     QString m_sourceText;
-    int m_opening = 0; ///< calls of `Open` and `Close` that the worker has not answered
+    int m_asked = 0; ///< calls of `Open` and `Close`
+    int m_opening = 0; ///< those that the worker has not answered
     eRecording m_recording = recordingOff;
     ZrRecorder::eFailure m_failure = ZrRecorder::failureNone;
     ZrRecordingNews m_news;

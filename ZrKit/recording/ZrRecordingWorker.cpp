@@ -53,6 +53,7 @@ ZrRecordingWorker::~ZrRecordingWorker() = default;
 
 void ZrRecordingWorker::Open(const MakeSource& make)
 {
+    ++m_opened;
     Close();
     m_source.reset(make ? make() : nullptr);
     if (!m_source) {
@@ -62,6 +63,9 @@ void ZrRecordingWorker::Open(const MakeSource& make)
     connect(m_source.get(), &ZrLineSource::Line, this, &ZrRecordingWorker::OnLine);
     connect(m_source.get(), &ZrLineSource::Record, this, &ZrRecordingWorker::OnRecord);
     connect(m_source.get(), &ZrLineSource::Trouble, this, &ZrRecordingWorker::Trouble);
+    connect(m_source.get(), &ZrLineSource::Lost, this,
+        [this](const QString& reason) { Q_EMIT SourceLost(reason, m_opened); });
+    connect(m_source.get(), &ZrLineSource::Back, this, [this] { Q_EMIT SourceBack(m_opened); });
     connect(m_source.get(), &ZrLineSource::Finished, this, [this] {
         Tell();
         Q_EMIT SourceFinished();

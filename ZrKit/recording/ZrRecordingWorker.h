@@ -43,6 +43,8 @@ Q_SIGNALS:
     void Opened(const QString& name);
     void OpenFailed(const QString& error);
     void SourceFinished();
+    void SourceLost(const QString& reason, int opened); ///< of the source of the `opened`th call of `Open`
+    void SourceBack(int opened);
     void Trouble(const QString& message);
     void SpaceMeasured(qint64 bytes);
     void Started(const QString& file);
@@ -64,6 +66,7 @@ private:
     ZrNmeaDecoder m_decoder;
     ZrLiveTap m_tap;
     QByteArrayList m_lines;
+    int m_opened = 0; ///< calls of `Open`
     u64 m_lineCount = 0;
     u64 m_recordCount = 0;
     u64 m_byteCount = 0;

@@ -172,8 +172,7 @@ void ZrSerialSource::TryAgain()
         m_retry->start();
         return;
     }
-    Q_EMIT Trouble(QStringLiteral("%1: connected").arg(Name()));
-    m_troubleTold = false;
+    TellBack();
 }
 
 void ZrSerialSource::OnReadable()
@@ -192,9 +191,7 @@ void ZrSerialSource::OnLost(const QString& reason)
 {
     Close();
     FeedEnd();
-    if (!std::exchange(m_troubleTold, true))
-        Q_EMIT Trouble(
-            QCoreApplication::translate("ZrSerialSource", "%1: %2; trying again").arg(Name(), reason));
+    TellLost(reason);
     m_retry->start();
 }
 

@@ -10,7 +10,7 @@ class QTimer;
 
 /// Lines from a serial port: 8 data bits, no parity, one stop bit, no handshake.
 ///
-/// A port that is not there, or goes away, is told by `Trouble` once and tried again every `RetryMs` until it
+/// A port that is not there, or goes away, is told by `Lost` once and tried again every `RetryMs` until it
 /// can be opened: adapters are plugged in late, and pulled out. Not available under Windows.
 class ZR_KIT_EXPORT ZrSerialSource : public ZrLineSource
 {
@@ -49,5 +49,4 @@ private:
     int m_port = -1; ///< file descriptor; below 0 while it is not open
     QSocketNotifier* m_notifier = nullptr;
     QTimer* m_retry;
-    bool m_troubleTold = false;
 };

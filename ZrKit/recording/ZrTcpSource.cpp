@@ -1,6 +1,5 @@
 #include "ZrKit/recording/ZrTcpSource.h"
 
-#include <QCoreApplication>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -40,9 +39,7 @@ void ZrTcpSource::Connect()
 
 void ZrTcpSource::OnConnected()
 {
-    if (m_troubleTold)
-        Q_EMIT Trouble(QStringLiteral("%1: connected").arg(Name()));
-    m_troubleTold = false;
+    TellBack();
 }
 
 void ZrTcpSource::OnLost()
@@ -51,9 +48,6 @@ void ZrTcpSource::OnLost()
     if (m_retry->isActive())
         return;
     FeedEnd();
-    if (!m_troubleTold)
-        Q_EMIT Trouble(QCoreApplication::translate("ZrTcpSource", "%1: %2; trying again")
-                           .arg(Name(), m_socket->errorString()));
-    m_troubleTold = true;
+    TellLost(m_socket->errorString());
     m_retry->start();
 }

@@ -5,7 +5,7 @@
 class QTcpSocket;
 class QTimer;
 
-/// Lines from a TCP server. A connection that fails or breaks is told by `Trouble` once and tried again every
+/// Lines from a TCP server. A connection that fails or breaks is told by `Lost` once and tried again every
 /// `RetryMs` until it stands.
 class ZR_KIT_EXPORT ZrTcpSource : public ZrLineSource
 {
@@ -27,5 +27,4 @@ private:
     u16 m_port;
     QTcpSocket* m_socket;
     QTimer* m_retry;
-    bool m_troubleTold = false;
 };

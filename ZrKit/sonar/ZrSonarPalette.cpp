@@ -2,8 +2,10 @@
 
 #include "ZrUtil/LqColourMap.h"
 
+#include <QCoreApplication>
 #include <QMap>
 
+#include <iterator>
 #include <mutex>
 
 namespace {
@@ -40,6 +42,31 @@ QStringList ZrSonarPalette::Names()
         QStringLiteral("thermal"), QStringLiteral("green"), QStringLiteral("ice"), QStringLiteral("deep"),
         QStringLiteral("haline"), QStringLiteral("amp"), QStringLiteral("speed"), QStringLiteral("topo"),
         QStringLiteral("cool"), QStringLiteral("jet")};
+}
+
+QString ZrSonarPalette::Title(const QString& name)
+{
+    // In the order of the names.
+    static constexpr const char* titles[] = {
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Copper"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Linear"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Gray"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Hot"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Thermal"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Green"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Ice"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Deep"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Haline"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Amp"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Speed"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Topo"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Cool"),
+        QT_TRANSLATE_NOOP("ZrSonarPalette", "Jet"),
+    };
+    const int index = Names().indexOf(name);
+    return index >= 0 && index < static_cast<int>(std::size(titles))
+        ? QCoreApplication::translate("ZrSonarPalette", titles[index])
+        : name;
 }
 
 bool ZrSonarPalette::Load(const QString& name)

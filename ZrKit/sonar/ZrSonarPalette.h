@@ -26,6 +26,10 @@ public:
     /// The names that `Load` knows, in the order in which to offer them.
     static QStringList Names();
 
+    /// What the palette called \p name, one of `Names`, is called on the screen, translated: "Copper".
+    /// Another name stays as it is.
+    static QString Title(const QString& name);
+
     /// Takes the palette called \p name. False, and the palette stays, when there is none.
     bool Load(const QString& name);
 

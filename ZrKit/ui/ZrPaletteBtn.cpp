@@ -13,9 +13,7 @@ ZrPaletteBtn::ZrPaletteBtn(QWidget* parent, const QString& palette)
     : ZrBtn(parent, typeStd)
     , m_palette(palette)
 {
-    text = palette;
-    if (!text.isEmpty())
-        text[0] = text[0].toUpper();
+    text = ZrSonarPalette::Title(palette);
     checkable = false;
     setAccessibleName(text);
 }

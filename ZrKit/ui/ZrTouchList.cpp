@@ -125,12 +125,14 @@ private:
             painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, title);
             return;
         }
-        const int between = area.y() + area.height() * 9 / 16;
-        painter.drawText(QRect(QPoint(area.x(), area.y()), QPoint(area.right(), between)),
-            Qt::AlignLeft | Qt::AlignBottom, title);
+        // Both as one in the middle of the row, as the picture is.
+        const int high = painter.fontMetrics().height();
+        const int low = QFontMetrics(ZrLegible::Font(15)).height();
+        const int top = area.y() + (area.height() - high - low) / 2;
+        painter.drawText(QRect(area.x(), top, area.width(), high), Qt::AlignLeft | Qt::AlignTop, title);
         painter.setFont(ZrLegible::Font(15));
         painter.setPen(ZrTheme::bodyCol);
-        painter.drawText(QRect(QPoint(area.x(), between), area.bottomRight()), Qt::AlignLeft | Qt::AlignTop,
+        painter.drawText(QRect(area.x(), top + high, area.width(), low), Qt::AlignLeft | Qt::AlignTop,
             painter.fontMetrics().elidedText(item.subtitle, Qt::ElideRight, area.width()));
     }
 

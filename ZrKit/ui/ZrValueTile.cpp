@@ -11,7 +11,6 @@
 
 namespace {
 
-
 const QString dash = QStringLiteral("–"); ///< a value that is not known
 
 QColor ColourOf(ZrValueTile::eState state)
@@ -43,7 +42,37 @@ ZrValueTile::ZrValueTile(QWidget* parent, const QString& caption)
 void ZrValueTile::Tell()
 {
     setAccessibleName(QStringLiteral("%1 %2 %3").arg(m_caption, m_value, m_unit).simplified());
+    Refit();
+}
+
+ZrValueTile::~ZrValueTile()
+{
+    if (m_row)
+        m_row->removeOne(this);
+}
+
+void ZrValueTile::SetRow(const QVector<ZrValueTile*>& tiles)
+{
+    const auto row = std::make_shared<QVector<ZrValueTile*>>(tiles);
+    for (ZrValueTile* tile : tiles) {
+        if (tile->m_row)
+            tile->m_row->removeOne(tile);
+        tile->m_row = row;
+        tile->update();
+    }
+}
+
+/// Repaints it, and those of its row whose values have another size now.
+void ZrValueTile::Refit()
+{
     update();
+    if (!m_row)
+        return;
+    const int size = ValueSize();
+    for (ZrValueTile* tile : qAsConst(*m_row)) {
+        if (tile->m_shownSize != size)
+            tile->update();
+    }
 }
 
 void ZrValueTile::Set(const QString& value, const QString& unit)
@@ -60,7 +89,7 @@ void ZrValueTile::SetNote(const QString& note)
     if (note == m_note)
         return;
     m_note = note;
-    update();
+    Refit();
 }
 
 void ZrValueTile::SetNoteRoom(bool hasRoom)
@@ -68,7 +97,7 @@ void ZrValueTile::SetNoteRoom(bool hasRoom)
     if (hasRoom == m_hasNoteRoom)
         return;
     m_hasNoteRoom = hasRoom;
-    update();
+    Refit();
 }
 
 void ZrValueTile::SetState(eState state)
@@ -101,6 +130,57 @@ QString ZrValueTile::Number() const
     return IsAngle() ? number + m_unit : number;
 }
 
+/// Behind the value, and smaller.
+QString ZrValueTile::UnitBeside() const
+{
+    return m_value.isEmpty() || IsAngle() ? QString() : m_unit;
+}
+
+QRect ZrValueTile::Area() const
+{
+    const int margin = ZrTheme::DpI(12);
+    return rect().adjusted(margin, ZrTheme::DpI(6), -margin, -ZrTheme::DpI(6));
+}
+
+/// Between caption and note.
+QRect ZrValueTile::ValueArea() const
+{
+    const QRect area = Area();
+    const int line = QFontMetrics(ZrLegible::Font(15)).height();
+    const int bottom = area.bottom() - (m_hasNoteRoom || !m_note.isEmpty() ? line : 0);
+    return {area.x(), area.y() + line, area.width(), std::max(bottom - area.y() - line, 1)};
+}
+
+/// Of the value, pixels: a long one, for instance a position, is made to fit rather than cut.
+int ZrValueTile::FittingSize() const
+{
+    const QRect area = ValueArea();
+    QFont large = ZrTheme::fontHuge;
+    large.setPixelSize(std::clamp(area.height() * 9 / 10, ZrLegible::LeastText, ZrLegible::Px(36)));
+    const QString unit = UnitBeside();
+    const int unitWidth
+        = unit.isEmpty() ? 0 : QFontMetrics(ZrLegible::Font(15)).horizontalAdvance(unit) + ZrTheme::DpI(6);
+    const int width = QFontMetrics(large).horizontalAdvance(Number());
+    const int room = std::max(area.width() - unitWidth, 1);
+    return width > room ? std::max(large.pixelSize() * room / width, ZrLegible::LeastText)
+                        : large.pixelSize();
+}
+
+int ZrValueTile::ValueSize() const
+{
+    int size = FittingSize();
+    if (m_row) {
+        for (const ZrValueTile* tile : qAsConst(*m_row))
+            size = std::min(size, tile->FittingSize());
+    }
+    return size;
+}
+
+void ZrValueTile::resizeEvent(QResizeEvent* /*event*/)
+{
+    Refit();
+}
+
 void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
@@ -111,33 +191,23 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     const QColor colour = ColourOf(m_state);
     if (m_state != normal)
         painter.fillRect(QRect(0, ZrTheme::rxy, ZrTheme::DpI(4), height() - 2 * ZrTheme::rxy), colour);
-    const int margin = ZrTheme::DpI(12);
-    const QRect area = rect().adjusted(margin, ZrTheme::DpI(6), -margin, -ZrTheme::DpI(6));
+    const QRect area = Area();
     const QFont small = ZrLegible::Font(15);
     painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
     const QFontMetrics smallSize = painter.fontMetrics();
     painter.drawText(
         area, Qt::AlignLeft | Qt::AlignTop, smallSize.elidedText(m_caption, Qt::ElideRight, area.width()));
-    int bottom = area.bottom();
     if (!m_note.isEmpty()) {
         painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
             smallSize.elidedText(m_note, Qt::ElideRight, area.width()));
     }
-    if (!m_note.isEmpty() || m_hasNoteRoom)
-        bottom -= smallSize.height();
-    const QRect middle(area.x(), area.y() + smallSize.height(), area.width(),
-        std::max(bottom - area.y() - smallSize.height(), 1));
+    const QRect middle = ValueArea();
     const QString value = Number();
-    const QString unit = m_value.isEmpty() || IsAngle() ? QString() : m_unit;
+    const QString unit = UnitBeside();
+    m_shownSize = ValueSize();
     QFont large = ZrTheme::fontHuge;
-    large.setPixelSize(std::clamp(middle.height() * 9 / 10, ZrLegible::LeastText, ZrLegible::Px(36)));
-    const int unitWidth = unit.isEmpty() ? 0 : smallSize.horizontalAdvance(unit) + ZrTheme::DpI(6);
-    // A long value, for instance a position, is made to fit rather than cut.
-    const int valueWidth = QFontMetrics(large).horizontalAdvance(value);
-    const int room = std::max(middle.width() - unitWidth, 1);
-    if (valueWidth > room)
-        large.setPixelSize(std::max(large.pixelSize() * room / valueWidth, ZrLegible::LeastText));
+    large.setPixelSize(m_shownSize);
     painter.setFont(large);
     // What is not known draws no eyes.
     painter.setPen(value == dash && m_state == normal ? ZrTheme::bodyCol : colour);

@@ -3,7 +3,10 @@
 #include "ZrKit/ZrKitExport.h"
 
 #include <QString>
+#include <QVector>
 #include <QWidget>
+
+#include <memory>
 
 /// A value to be read at arm's length: caption above, the number large, its unit beside it.
 ///
@@ -32,6 +35,10 @@ public:
     };
 
     ZrValueTile(QWidget* parent, const QString& caption);
+    ~ZrValueTile() override;
+
+    /// The values of \p tiles, which stand in a row, are all as large as the one that has the least room.
+    static void SetRow(const QVector<ZrValueTile*>& tiles);
 
     void Set(const QString& value, const QString& unit); ///< an empty value is shown as a dash
     void SetNote(const QString& note); ///< small, below the value; may be empty
@@ -57,10 +64,17 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void Tell();
+    void Refit();
     bool IsAngle() const;
+    QString UnitBeside() const;
+    QRect Area() const;
+    QRect ValueArea() const;
+    int FittingSize() const;
+    int ValueSize() const;
 
     QString m_caption;
     QString m_value;
@@ -68,4 +82,6 @@ private:
     QString m_note;
     bool m_hasNoteRoom = false;
     eState m_state = normal;
+    std::shared_ptr<QVector<ZrValueTile*>> m_row; ///< those that it stands with, itself among them; or null
+    int m_shownSize = 0; ///< of the value, when it was painted
 };

@@ -189,7 +189,7 @@ void HomePage::ShowState()
     m_data->setToolTip(problem);
     ::Show(*m_recording,
         HomeState::Recording(isOn ? recording.ElapsedText() : QString(), status,
-            tr("Into %1").arg(QFileInfo(model.settings.recordDir).fileName()), recording.Told().isOver));
+            tr("Folder: %1").arg(QFileInfo(model.settings.recordDir).fileName()), recording.Told().isOver));
     const qint64 room = isOn && status.freeBytes >= 0 ? status.freeBytes : m_recordings->FreeBytes();
     const int least = model.settings.stopBelowMegabytes;
     ::Show(*m_space, HomeState::Space(room, least, recording.Left(room, least * megabyte)));

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -40,6 +41,18 @@ QString HomeState::DurationText(double seconds)
     if (hours >= 48.0)
         return Tr("%1 days").arg(std::floor(hours / 24.0), 0, 'f', 0);
     return Tr("%1 h %2 min").arg(hours, 0, 'f', 0).arg(static_cast<int>(seconds / 60.0) % 60);
+}
+
+QString HomeState::LeftText(double seconds)
+{
+    const double minutes = std::floor(std::max(seconds, 0.0) / 60.0);
+    if (seconds >= Year)
+        return Tr("> 1 year left");
+    if (minutes < 120.0)
+        return Tr("%1 min left").arg(minutes, 0, 'f', 0);
+    const double hours = std::floor(minutes / 60.0);
+    return hours < 48.0 ? Tr("%1 h left").arg(hours, 0, 'f', 0)
+                        : Tr("%1 days left").arg(std::floor(hours / 24.0), 0, 'f', 0);
 }
 
 HomeState::Tile HomeState::Position(const SurveyVehicle::Pose& pose, bool isLive, double age)
@@ -138,6 +151,7 @@ HomeState::Tile HomeState::Space(qint64 freeBytes, int stopBelowMegabytes, const
     tile.value = size.value;
     tile.unit = size.unit;
     tile.note = !left.IsKnown()               ? Tr("– left: no data yet")
+        : left.seconds >= Year                ? Tr("For more than a year")
         : left.by == ZrSpaceLeft::byRecording ? Tr("For %1").arg(DurationText(left.seconds))
                                               : Tr("About %1").arg(DurationText(left.seconds));
     tile.hint = SpaceHint(left) + QLatin1Char(' ') + tile.hint;

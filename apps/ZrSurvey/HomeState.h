@@ -23,6 +23,8 @@ struct HomeState
     static constexpr double Late = 5.0; ///< seconds without data after which they are missed
     static constexpr double Lost = 30.0; ///< and after which they are not expected any more
 
+    static constexpr double Year = 365.0 * 86400.0; ///< seconds; room for more than that is told as such
+
     /// \param age of the last position
     static Tile Position(const SurveyVehicle::Pose& pose, bool isLive, double age);
 
@@ -43,6 +45,9 @@ struct HomeState
 
     /// When it was made, how long it is and how large, and whether there is sonar in it.
     static QString RecordingText(const ZrRecentLog& log);
+
+    /// For how much longer a recording has room: "90 min left", "5 h left", "3 days left", "> 1 year left".
+    static QString LeftText(double seconds);
 
     static QString DurationText(double seconds); ///< "3 h 20 min", "12 min", "40 s"
 };

@@ -71,6 +71,7 @@ RecordPage::RecordPage(SurveyView& view)
     , m_files(nullptr)
 {
     m_hasBackground = false;
+    ZrValueTile::SetRow(m_figures);
     m_sonar.m_layers = {&m_sonarLayer};
     m_sonarLayer.SetRing(&m_waterfall.Ring());
     m_sonarLayer.m_isSmooth = true;
@@ -127,7 +128,10 @@ RecordPage::RecordPage(SurveyView& view)
         if (isVisible())
             Changed();
     });
-    connect(&m_session, &ZrRecordingSession::Trouble, this, &RecordPage::OnTrouble);
+    connect(&m_session, &ZrRecordingSession::SourceLost, this, &RecordPage::OnTrouble);
+    connect(&m_session, &ZrRecordingSession::SourceBack, this, [this] { OnTrouble(QString()); });
+    connect(&m_session, &ZrRecordingSession::Trouble, this,
+        [this](const QString& message) { View().Tell(message); });
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, [this] {
         ShowPlan();
         if (isVisible())
@@ -307,18 +311,11 @@ void RecordPage::EnableEvents()
     m_addNote->setEnabled(isOn);
 }
 
-void RecordPage::OnTrouble(const QString& message)
+/// \p reason why the source has no connection; empty when it is back.
+void RecordPage::OnTrouble(const QString& reason)
 {
-    // Those of the source begin with its name, which is not told yet while it is being opened.
-    const int end = message.indexOf(QLatin1String(": "));
-    if (end >= 0
-        && (m_session.Source() == ZrRecordingSession::sourceOpening
-            || message.left(end) == m_session.SourceText())) {
-        const QString text = message.mid(end + 2).section(QLatin1Char(';'), 0, 0);
-        m_trouble = text == QLatin1String("connected") ? QString() : text;
-        ShowSource();
-    }
-    View().Tell(message);
+    m_trouble = reason;
+    ShowSource();
 }
 
 void RecordPage::ToggleFollow()

@@ -83,7 +83,7 @@ private:
     void OnNews(const ZrRecordingNews& news);
     void OnTick();
     void OnRecording();
-    void OnTrouble(const QString& message);
+    void OnTrouble(const QString& reason);
     void OnFailed(const QString& message);
     void OnEventsLost(const std::vector<ZrLogEvt>& events);
     void OnSource();

@@ -19,6 +19,9 @@
 
 namespace {
 
+/// Over the picture, which is dark by day too.
+const QColor scaleColour(235, 240, 245);
+const QColor bottomColour(64, 224, 255);
 
 /// The theme's, where it is not too small to be read.
 QFont TextFont()
@@ -40,6 +43,16 @@ void PaintEmpty(QPainter& painter, const QRect& area, const QString& text)
     painter.setFont(TextFont());
     painter.setPen(ZrTheme::bodyCol);
     painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, text);
+}
+
+void PaintBottom(QPainter& painter, const ZrWaterfallLayout& layout, double penWidth)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(ZrColourScheme::OverPicture(bottomColour), std::max(penWidth, 1.0)));
+    for (const QPolygonF& line : ZrWaterfallOverlay::Bottom(layout))
+        painter.drawPolyline(line);
+    painter.restore();
 }
 
 } // namespace
@@ -182,14 +195,15 @@ void RecordPage::PaintSonar(QPainter& painter) const
     painter.translate(sonar.topLeft());
     painter.scale(1.0 / ratio, 1.0 / ratio);
     const ZrWaterfallLayout& layout = m_sonarLayer.Layout();
-    if (View().Model().settings.bottom)
-        ZrWaterfallOverlay::PaintBottom(painter, layout, 1.2 * ratio);
-    QFont font = ZrTheme::font;
-    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
-    ZrWaterfallOverlay::PaintScale(painter, layout, font);
-    // The brightest thing on the screen would take the eyes their night sight.
+    // The brightest thing on the screen would take the eyes their night sight; what is written over it has
+    // the night's ink.
     if (ZrColourScheme::Current() == ZrColourScheme::night)
         painter.fillRect(layout.View().rect, QColor(30, 0, 0, 150));
+    if (View().Model().settings.bottom)
+        PaintBottom(painter, layout, 1.2 * ratio);
+    QFont font = ZrTheme::font;
+    font.setPixelSize(qRound(ZrLegible::Px(14) * ratio));
+    ZrWaterfallOverlay::PaintScale(painter, layout, font, ZrColourScheme::OverPicture(scaleColour));
 }
 
 /// The event buttons and the note.

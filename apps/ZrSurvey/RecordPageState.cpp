@@ -8,6 +8,7 @@
 #include "ZrKit/ui/ZrByteText.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
+#include "ZrKit/ui/ZrNumberText.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
@@ -297,24 +298,23 @@ void RecordPage::ShowInstruments()
     const ZrLiveState& state = m_session.State();
     const double now = m_session.Now();
     const QString degree(ZrUnits::degrees);
-    const auto angle = [&](ZrValueTile* tile, const ZrLiveValue& value, int decimals) {
-        ShowValue(tile, value, now, QString::number(value.value, 'f', decimals), degree);
+    const auto angle = [&](ZrValueTile* tile, const ZrLiveValue& value) {
+        ShowValue(tile, value, now, ZrNumberText::Of(value.value, 1), degree);
     };
     const auto length = [&](ZrValueTile* tile, const ZrLiveValue& value) {
-        ShowValue(tile, value, now, ZrUnits::GetShortLengthString(value.value, 1, false),
+        ShowValue(tile, value, now,
+            ZrNumberText::WithoutMinusZero(ZrUnits::GetShortLengthString(value.value, 1, false)),
             ZrUnits::GetShortLengthUnits());
     };
-    // 360.0 is 0.0 of the next turn.
-    ZrLiveValue heading = state.heading;
-    if (heading.IsKnown())
-        heading.value = std::fmod(std::round(heading.value * 10.0) / 10.0, 360.0);
-    angle(m_heading, heading, 1);
+    ShowValue(m_heading, state.heading, now, ZrNumberText::Heading(state.heading.value, 1), degree);
     length(m_depth, state.depth);
     length(m_altitude, state.altitude);
     const ZrLiveValue& speed = state.speed.IsFresh(now) ? state.speed : state.waterSpeed;
-    ShowValue(m_speed, speed, now, ZrUnits::GetSpeedString(speed.value, 2, false), ZrUnits::GetSpeedUnits());
-    angle(m_pitch, state.pitch, 1);
-    angle(m_roll, state.roll, 1);
+    ShowValue(m_speed, speed, now,
+        ZrNumberText::WithoutMinusZero(ZrUnits::GetSpeedString(speed.value, 2, false)),
+        ZrUnits::GetSpeedUnits());
+    angle(m_pitch, state.pitch);
+    angle(m_roll, state.roll);
 
     const double age = state.fix.Age(now);
     const bool isLong = age >= 60.0;
@@ -366,11 +366,9 @@ void RecordPage::ShowSpaceLeft(qint64 freeBytes)
         m_free->SetState(ZrValueTile::normal);
         return;
     }
-    const double minutes = left.seconds / 60.0;
-    const QString text = minutes < 120.0
-        ? tr("%1 min left").arg(static_cast<int>(minutes))
-        : tr("%1 h left").arg(static_cast<int>(std::min(minutes / 60.0, 9999.0)));
-    m_free->SetNote(left.by == ZrSpaceLeft::byRecording ? text : QChar(0x2248) + QLatin1Char(' ') + text);
+    const QString text = HomeState::LeftText(left.seconds);
+    const bool isExact = left.by == ZrSpaceLeft::byRecording || left.seconds >= HomeState::Year;
+    m_free->SetNote(isExact ? text : QChar(0x2248) + QLatin1Char(' ') + text);
     m_free->SetState(left.seconds < littleTime ? ZrValueTile::warning : ZrValueTile::normal);
 }
 
@@ -531,9 +529,6 @@ QStringList RecordPage::SonarText() const
 {
     const SurveySettings& settings = View().Model().settings;
     const QStringList names = ZrSonarPalette::Names();
-    const QString sign = settings.gain > 0.0 ? QStringLiteral("+")
-        : settings.gain < 0.0                ? QString(QChar(0x2212))
-                                             : QString();
-    return {names.value(settings.palette, names.first()),
-        tr("%1%2 dB").arg(sign).arg(std::fabs(settings.gain), 0, 'f', 0)};
+    return {ZrSonarPalette::Title(names.value(settings.palette, names.first())),
+        tr("%1 dB").arg(ZrNumberText::Signed(settings.gain))};
 }

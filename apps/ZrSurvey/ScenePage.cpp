@@ -2,6 +2,7 @@
 
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrKit/scene/ZrScenePanel.h"
+#include "ZrKit/ui/ZrNumberText.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
@@ -25,11 +26,6 @@ static void InitSurveyResources()
 namespace {
 
 constexpr float nearDistance = 25.0F; ///< of the camera, metres
-
-QString Degrees(double value)
-{
-    return std::isfinite(value) ? QString::number(value, 'f', 1) : QString();
-}
 
 } // namespace
 
@@ -221,9 +217,9 @@ void ScenePage::UpdateTiles()
 {
     const SurveyVehicle::Pose& pose = Vehicle().Current();
     const QString degree = QStringLiteral("°");
-    m_heading->Set(Degrees(pose.heading), degree);
-    m_pitch->Set(Degrees(pose.pitch), degree);
-    m_roll->Set(Degrees(pose.roll), degree);
+    m_heading->Set(ZrNumberText::Heading(pose.heading, 1), degree);
+    m_pitch->Set(ZrNumberText::Of(pose.pitch, 1), degree);
+    m_roll->Set(ZrNumberText::Of(pose.roll, 1), degree);
     const auto length = [](ZrValueTile* tile, double metres) {
         const bool isKnown = std::isfinite(metres);
         tile->Set(isKnown ? ZrUnits::GetShortLengthString(metres, 1, false) : QString(),
