@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int columns = 5;
+constexpr int fewColumns = 5;
 
 /// A palette and its name.
 int PaletteHeight()
@@ -108,13 +108,26 @@ void ReviewLook::ShowChosen()
 void ReviewLook::Place(const QRect& area)
 {
     const int margin = ZrTheme::DpI(12);
-    const int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
-    const int rows = (m_palettes.size() + columns - 1) / columns;
+    int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
     const int gap = ZrTheme::DpI(4);
-    const int top = margin + rows * (PaletteHeight() + gap);
-    const int width = std::min(std::max(ZrTheme::DpI(520), 400), area.width() - 2 * margin);
     const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
-    const int height = std::min(top + 2 * slider + label + RowHeight() + 2 * margin, area.height());
+    const int most = area.width() - 2 * margin;
+    const auto below = [&] { return 2 * slider + label + RowHeight() + 2 * margin; };
+    int width = std::min(std::max(ZrTheme::DpI(520), 400), most);
+    int columns = fewColumns;
+    const auto above = [&] {
+        const int rows = (m_palettes.size() + columns - 1) / columns;
+        return margin + rows * (PaletteHeight() + gap);
+    };
+    // Where the page is low, the palettes lie in one row of a wider panel.
+    if (above() + below() > area.height() && most >= 2 * width) {
+        width *= 2;
+        columns = m_palettes.size();
+    }
+    const int top = above();
+    if (top + below() > area.height())
+        slider = std::max((area.height() - top - below()) / 2 + slider, 44);
+    const int height = std::min(top + below(), area.height());
     setGeometry(area.right() - width - margin, area.y() + margin / 2, width, height);
     const int swatch = (width - 2 * margin - (columns - 1) * gap) / columns;
     const QFont small = ZrLegible::Font(13);
