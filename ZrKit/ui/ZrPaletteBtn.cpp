@@ -14,6 +14,8 @@ ZrPaletteBtn::ZrPaletteBtn(QWidget* parent, const QString& palette)
     , m_palette(palette)
 {
     text = ZrSonarPalette::Title(palette);
+    if (!text.isEmpty())
+        text[0] = text[0].toUpper(); // palettes of others come as they are named
     checkable = false;
     setAccessibleName(text);
 }
