@@ -71,6 +71,21 @@ grep -qE '^  type 17 ' "$dir/played"
 status=0
 "$bin/ex_simulate" "$dir/none/simulated.log" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 3 ] || { echo "a missing folder gave exit code $status"; exit 1; }
+# Forty seconds of it for other programs: the track, a table, and both sides of the sonar as pictures.
+"$bin/ex_export_survey" "$dir/simulated.log" "$dir/exported" 20 60 >"$dir/out" || { echo "ex_export_survey failed"; exit 1; }
+grep -qE '^track\.gpx: [34][0-9][0-9] items, [0-9]+ bytes$' "$dir/out" || { cat "$dir/out"; exit 1; }
+[ "$(grep -c '<trkpt' "$dir/exported/track.gpx")" -ge 300 ]
+head -1 "$dir/exported/records.csv" | grep -q '^time,latitude,longitude,depth,'
+for picture in waterfall.png mosaic.png; do
+    [ "$(head -c 4 "$dir/exported/$picture" | tail -c 3)" = PNG ] || { echo "no $picture"; exit 1; }
+done
+[ -s "$dir/exported/mosaic.pgw" ]
+status=0
+"$bin/ex_export_survey" "$dir/simulated.log" "$dir/exported" 1e6 2e6 2>"$dir/out" >/dev/null || status=$?
+[ "$status" -eq 3 ] && grep -qx 'There is nothing to export' "$dir/out" || { echo "a part beyond the log gave $status"; exit 1; }
+status=0
+"$bin/ex_export_survey" "$dir/none.log" "$dir/exported" >/dev/null 2>&1 || status=$?
+[ "$status" -eq 2 ] || { echo "no log to export gave $status"; exit 1; }
 # A recording of a simulated survey goes through the session, event and all, and can be reviewed.
 mkdir "$dir/recorded"
 "$bin/ex_record_survey" "$dir/recorded" 40 >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }

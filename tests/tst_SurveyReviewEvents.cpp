@@ -337,25 +337,25 @@ void tst_SurveyReviewEvents::exports()
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
-    const QString part = write(ReviewExport::segment, "part.log");
+    const QString part = write(ZrSurveyExport::segment, "part.log");
     QVERIFY2(!part.isEmpty(), qPrintable(Toast()));
     ZrSonarLog log;
     QVERIFY(log.Open(part));
     QVERIFY2(log.Pings().size() >= 148 && log.Pings().size() <= 153,
         qPrintable(QString::number(log.Pings().size())));
     QCOMPARE(log.Damage(), QString());
-    const QByteArray gpx = content(write(ReviewExport::track, "part.gpx"));
+    const QByteArray gpx = content(write(ZrSurveyExport::track, "part.gpx"));
     QVERIFY(gpx.contains("<gpx") && gpx.contains("Wreck") && !gpx.contains("Beyond"));
-    QVERIFY(content(write(ReviewExport::records, "records.csv")).count('\n') > 100);
-    const QByteArray events = content(write(ReviewExport::events, "events.csv"));
+    QVERIFY(content(write(ZrSurveyExport::records, "records.csv")).count('\n') > 100);
+    const QByteArray events = content(write(ZrSurveyExport::events, "events.csv"));
     QVERIFY(events.contains("Wreck") && !events.contains("Beyond"));
-    const QImage waterfall(write(ReviewExport::waterfall, "waterfall.png"));
+    const QImage waterfall(write(ZrSurveyExport::waterfall, "waterfall.png"));
     QVERIFY(waterfall.width() > 500 && waterfall.height() > 100);
-    const QString mosaic = write(ReviewExport::mosaic, "mosaic.png");
+    const QString mosaic = write(ZrSurveyExport::mosaic, "mosaic.png");
     QVERIFY(QImage(mosaic).width() > 100);
     QVERIFY(QFile::exists(ZrMosaicFile::WorldFileName(mosaic)));
     // A place that cannot be written: told in words.
-    QVERIFY(write(ReviewExport::track, "no folder/part.gpx").isEmpty());
+    QVERIFY(write(ZrSurveyExport::track, "no folder/part.gpx").isEmpty());
     QVERIFY2(Toast().contains(QStringLiteral("failed")), qPrintable(Toast()));
 }
 
@@ -371,7 +371,7 @@ void tst_SurveyReviewEvents::pictureIsAsShown()
         settings.contrast = contrast;
         const QString path = m_folder.filePath(QStringLiteral("look.png"));
         const int before = done.size();
-        if (!Page().Export().Write(ReviewExport::waterfall, path)
+        if (!Page().Export().Write(ZrSurveyExport::waterfall, path)
             || (done.size() == before && !done.wait(patience)) || !done.last()[0].toBool())
             return -1.0;
         const QImage image(path);

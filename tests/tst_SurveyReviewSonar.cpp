@@ -177,7 +177,7 @@ void tst_SurveyReviewSonar::targetsAreExported()
     // The first alone is in the part.
     Page().Export().SetPart(Page().Recording(), Rec().TimeOfPing(140.0), Rec().TimeOfPing(156.0));
     const QString path = m_folder.filePath(QStringLiteral("targets.geojson"));
-    QVERIFY(Page().Export().Write(ReviewExport::targets, path));
+    QVERIFY(Page().Export().Write(ZrSurveyExport::targets, path));
     QVERIFY(done.wait(patience) && done.last()[0].toBool());
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -385,7 +385,7 @@ void tst_SurveyReviewSonar::pulseIsDark()
         settings.blanking = blanking;
         Page().Export().SetPart(Page().Recording(), Rec().TimeOfPing(0.0), Rec().TimeOfPing(299.0));
         const QString path = m_folder.filePath(QStringLiteral("water%1.png").arg(blanking));
-        const bool isDone = Page().Export().Write(ReviewExport::waterfall, path) && done.wait(patience);
+        const bool isDone = Page().Export().Write(ZrSurveyExport::waterfall, path) && done.wait(patience);
         const QImage image(isDone ? path : QString());
         return image.isNull() ? QColor() : image.pixelColor(image.width() / 2 + 2, image.height() / 2);
     };

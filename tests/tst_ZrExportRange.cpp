@@ -1,11 +1,8 @@
 // A part of a recording as files of its own.
 
+#include "LoadedLog.h"
 #include "ZrKit/records/ZrFixRecord.h"
-#include "ZrKit/review/ZrDatasetReader.h"
-#include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrSteadyTime.h"
-#include "ZrKit/review/ZrSurveyDataset.h"
-#include "ZrSurveyLog.h"
 
 #include <array>
 #include <cmath>
@@ -14,6 +11,7 @@
 
 namespace {
 
+using export_range::Body;
 using survey::Event;
 using survey::EventFile;
 using survey::EventItem;
@@ -41,15 +39,9 @@ public:
     int cancelAt = 1000;
 };
 
-/// The items of a log after its file header.
-QByteArray Body(const QString& path)
-{
-    return ReadWhole(path).mid(48);
-}
-
 } // namespace
 
-class tst_ZrExportRange : public QObject, private survey::LogFolder
+class tst_ZrExportRange : public QObject, private export_range::LoadedLog
 {
     Q_OBJECT
 
@@ -83,34 +75,6 @@ private Q_SLOTS:
     void cannotBeWritten();
     void cancelled_data();
     void cancelled();
-
-private:
-    void Load(const QByteArray& bytes)
-    {
-        QVERIFY(WriteWhole(m_log, bytes));
-        m_reader.writeIndex = false;
-        m_reader.restorePlan = false;
-        QCOMPARE(m_reader.Read(m_log, m_dataset), ZrDatasetReader::Built);
-    }
-
-    /// What the methods have in common.
-    ZrExportRange::eResult Write(ZrExportRange& part, int kind, const QString& out)
-    {
-        switch (kind) {
-        case 0:
-            return part.WriteLog(out);
-        case 1:
-            return part.WriteTrack(out);
-        case 2:
-            return part.WriteRecords(out);
-        default:
-            return part.WriteEvents(out);
-        }
-    }
-
-    QString m_out;
-    ZrSurveyDataset m_dataset;
-    ZrDatasetReader m_reader;
 };
 
 void tst_ZrExportRange::recordsOfATimeRange()

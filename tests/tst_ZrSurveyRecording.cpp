@@ -1,5 +1,6 @@
 #include "ZrKit/records/ZrFixRecord.h"
 #include "ZrKit/review/ZrDatasetReader.h"
+#include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrWorker.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrSonarTestLog.h"
@@ -138,10 +139,11 @@ void tst_ZrSurveyRecording::navigationAlone()
     QVERIFY(!recording.HasSonar());
     QCOMPARE(recording.Series().Count(), std::size_t(50));
     ZrDatasetReader reader;
-    QCOMPARE(recording.ReadRecords(reader)->recs.size(), std::size_t(50));
+    QVERIFY(recording.IndexRecords(reader));
+    QCOMPARE(reader.Records()->Count(), std::size_t(50));
     reader.cancel = true;
     QVERIFY(QFile::remove(path + QStringLiteral(".zri")));
-    QVERIFY(!recording.ReadRecords(reader));
+    QVERIFY(!recording.IndexRecords(reader));
     QVERIFY(IsNear(recording.Times()->End() - recording.Times()->Begin(), 49.0, 1e-6));
     QVERIFY(std::isnan(recording.PingAt(recording.Times()->Begin())));
     QVERIFY(std::isnan(recording.TimeOfPing(0.0)));
@@ -218,7 +220,8 @@ void tst_ZrSurveyRecording::fixesAlone()
     QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
     QCOMPARE(recording.Series().Count(), std::size_t(20));
     ZrDatasetReader reader;
-    QCOMPARE(recording.ReadRecords(reader)->recs.size(), std::size_t(20));
+    QVERIFY(recording.IndexRecords(reader));
+    QCOMPARE(reader.Records()->Count(), std::size_t(20));
     QVERIFY(IsNear(recording.PositionAt(recording.Times()->Begin()).lat, 44.0, 1e-9));
 }
 
@@ -371,7 +374,7 @@ void tst_ZrSurveyRecording::events()
         QString error;
         QVERIFY2(recording.Events().Save(&error), qPrintable(error));
         ZrDatasetReader reader;
-        const std::unique_ptr<ZrSurveyDataset> records = recording.ReadRecords(reader);
+        const std::unique_ptr<ZrSurveyDataset> records = recording.IndexRecords(reader);
         QVERIFY(records);
         QCOMPARE(records->events.GetCount(), 1);
     }
@@ -449,7 +452,8 @@ void tst_ZrSurveyRecording::inAnotherThread()
     QVERIFY(worked != here);
     QCOMPARE(recording->Error(), QString());
     ZrDatasetReader reader;
-    QCOMPARE(recording->ReadRecords(reader)->recs.size(), std::size_t(100));
+    QVERIFY(recording->IndexRecords(reader));
+    QCOMPARE(reader.Records()->Count(), std::size_t(100));
 }
 
 /// No index can be put beside the log: it is told, and the recording is there.

@@ -54,10 +54,11 @@ bool ZrExportCsv::Write(QIODevice& out, const ZrTrackData& data)
     put(headerLine);
     for (const ZrTrackEvent& event : data.events)
         put(EventLine(event, text).toUtf8());
-    ZrTrackSegments segments(data.points, data.maxGap);
+    ZrTrackSegments segments(data);
+    ZrTrackReader points(data);
     for (int number = 1; ok && segments.Next(); ++number) {
-        for (const ZrTrackPoint& point : segments.Points())
-            put(PointLine(point, number, text).toUtf8());
+        for (std::size_t i = segments.First(); ok && i < segments.End(); ++i)
+            put(PointLine(points.At(i), number, text).toUtf8());
     }
-    return ok;
+    return ok && !segments.IsFailed() && !points.IsFailed();
 }

@@ -59,11 +59,12 @@ public:
         Put("{\"type\":\"FeatureCollection\",\"features\":[");
         for (const ZrTrackEvent& event : data.events)
             Event(event);
-        ZrTrackSegments segments(data.points, data.maxGap);
-        while (segments.Next())
-            Segment(segments.Points(), data.name);
+        ZrTrackSegments segments(data);
+        ZrTrackReader points(data);
+        while (m_ok && segments.Next())
+            Segment(points, segments, data.name);
         Put("\n]}\n");
-        return m_ok;
+        return m_ok && !segments.IsFailed() && !points.IsFailed();
     }
 
 private:
@@ -91,32 +92,42 @@ private:
             + ",\"text\":" + Quoted(event.text) + ",\"detail\":" + Quoted(event.detail) + "}}");
     }
 
-    void Segment(zr::span<const ZrTrackPoint> points, const QString& name)
+    void Segment(ZrTrackReader& points, const ZrTrackSegments& segment, const QString& name)
     {
         bool cut = false;
-        for (std::size_t i = 1; i < points.size(); ++i)
-            cut = cut || Crosses(points[i - 1], points[i]);
-        const char* const type = points.size() == 1 ? "Point" : cut ? "MultiLineString" : "LineString";
+        ZrTrackPoint last = points.At(segment.First());
+        for (std::size_t i = segment.First() + 1; i < segment.End() && !cut; ++i) {
+            const ZrTrackPoint point = points.At(i);
+            cut = Crosses(last, point);
+            last = point;
+        }
+        const char* const type = segment.End() - segment.First() == 1 ? "Point"
+            : cut                                                     ? "MultiLineString"
+                                                                      : "LineString";
         Feature();
         Put(QByteArray("{\"type\":\"") + type + "\",\"coordinates\":");
-        All(points, cut, &Writer::Coordinates);
+        All(points, segment, cut, &Writer::Coordinates);
         Put("},\"properties\":{\"kind\":\"track\",\"name\":" + Quoted(name) + ",\"times\":");
-        All(points, cut, &Writer::Time);
+        All(points, segment, cut, &Writer::Time);
         Put("}}");
     }
 
     /// What \p part makes of every point, nested as the geometry needs it.
-    void All(zr::span<const ZrTrackPoint> points, bool cut, Part part)
+    void All(ZrTrackReader& points, const ZrTrackSegments& segment, bool cut, Part part)
     {
-        if (points.size() == 1)
-            return Put((this->*part)(points[0]));
+        ZrTrackPoint last = points.At(segment.First());
+        if (segment.End() - segment.First() == 1)
+            return Put((this->*part)(last));
         Put(cut ? "[[" : "[");
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            if (i > 0 && Crosses(points[i - 1], points[i]))
-                Cut(points[i - 1], points[i], part);
-            else if (i > 0)
+        Put((this->*part)(last));
+        for (std::size_t i = segment.First() + 1; m_ok && i < segment.End() && !points.IsFailed(); ++i) {
+            const ZrTrackPoint point = points.At(i);
+            if (Crosses(last, point))
+                Cut(last, point, part);
+            else
                 Put(",");
-            Put((this->*part)(points[i]));
+            Put((this->*part)(point));
+            last = point;
         }
         Put(cut ? "]]" : "]");
     }

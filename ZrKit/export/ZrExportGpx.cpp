@@ -22,10 +22,11 @@ public:
             Waypoint(event);
         m_xml.writeStartElement(QStringLiteral("trk"));
         m_xml.Text("name", data.name);
-        ZrTrackSegments segments(data.points, data.maxGap);
-        while (segments.Next())
-            Segment(segments.Points());
-        return m_xml.End();
+        ZrTrackSegments segments(data);
+        ZrTrackReader points(data);
+        while (!m_xml.hasError() && segments.Next())
+            Segment(points, segments);
+        return m_xml.End() && !segments.IsFailed() && !points.IsFailed();
     }
 
 private:
@@ -49,10 +50,13 @@ private:
         m_xml.writeEndElement();
     }
 
-    void Segment(zr::span<const ZrTrackPoint> points)
+    void Segment(ZrTrackReader& points, const ZrTrackSegments& segment)
     {
         m_xml.writeStartElement(QStringLiteral("trkseg"));
-        for (const ZrTrackPoint& point : points) {
+        for (std::size_t i = segment.First(); i < segment.End() && !m_xml.hasError(); ++i) {
+            const ZrTrackPoint point = points.At(i);
+            if (points.IsFailed())
+                break;
             m_xml.writeStartElement(QStringLiteral("trkpt"));
             Position(point.latitude, point.longitude);
             m_xml.Text("ele", ZrTrackText::Elevation(point.depth));

@@ -4,8 +4,6 @@
 #include "ZrKit/export/ZrTrackText.h"
 #include "ZrKit/export/ZrTrackXml.h"
 
-#include <algorithm>
-
 namespace {
 
 class Writer
@@ -26,10 +24,11 @@ public:
             Event(event);
         m_xml.writeEndElement();
         Folder("Track");
-        ZrTrackSegments segments(data.points, data.maxGap);
-        for (int number = 1; segments.Next(); ++number)
-            Segment(segments.Points(), number);
-        return m_xml.End();
+        ZrTrackSegments segments(data);
+        ZrTrackReader points(data);
+        for (int number = 1; !m_xml.hasError() && segments.Next(); ++number)
+            Segment(points, segments, number);
+        return m_xml.End() && !segments.IsFailed() && !points.IsFailed();
     }
 
 private:
@@ -72,18 +71,19 @@ private:
         m_xml.writeEndElement();
     }
 
-    void Segment(zr::span<const ZrTrackPoint> points, int number)
+    void Segment(ZrTrackReader& points, const ZrTrackSegments& segment, int number)
     {
         m_xml.writeStartElement(QStringLiteral("Placemark"));
         m_xml.Text("name", QStringLiteral("Segment %1").arg(number));
-        const bool timed = std::all_of(points.begin(), points.end(),
-            [this](const ZrTrackPoint& point) { return !m_text.Time(point.time).isEmpty(); });
-        if (points.size() == 1)
-            SinglePoint(points[0]);
+        bool timed = true;
+        for (std::size_t i = segment.First(); i < segment.End() && timed; ++i)
+            timed = !m_text.Time(points.At(i).time).isEmpty();
+        if (segment.End() - segment.First() == 1)
+            SinglePoint(points.At(segment.First()));
         else if (timed)
-            Track(points);
+            Track(points, segment);
         else
-            LineString(points);
+            LineString(points, segment);
         m_xml.writeEndElement();
     }
 
@@ -96,26 +96,33 @@ private:
         m_xml.writeEndElement();
     }
 
-    void Track(zr::span<const ZrTrackPoint> points)
+    /// Whether point \p i of a segment is there to be written.
+    bool GoesOn(const ZrTrackReader& points, const ZrTrackSegments& segment, std::size_t i) const
+    {
+        return i < segment.End() && !m_xml.hasError() && !points.IsFailed();
+    }
+
+    void Track(ZrTrackReader& points, const ZrTrackSegments& segment)
     {
         m_xml.writeStartElement(m_gx, QStringLiteral("Track"));
         m_xml.Text("altitudeMode", QStringLiteral("absolute"));
-        for (const ZrTrackPoint& point : points)
-            m_xml.Text("when", m_text.Time(point.time));
-        for (const ZrTrackPoint& point : points)
-            m_xml.writeTextElement(m_gx, QStringLiteral("coord"), Coordinates(point, QLatin1Char(' ')));
+        for (std::size_t i = segment.First(); GoesOn(points, segment, i); ++i)
+            m_xml.Text("when", m_text.Time(points.At(i).time));
+        for (std::size_t i = segment.First(); GoesOn(points, segment, i); ++i)
+            m_xml.writeTextElement(
+                m_gx, QStringLiteral("coord"), Coordinates(points.At(i), QLatin1Char(' ')));
         m_xml.writeEndElement();
     }
 
-    void LineString(zr::span<const ZrTrackPoint> points)
+    void LineString(ZrTrackReader& points, const ZrTrackSegments& segment)
     {
         m_xml.writeStartElement(QStringLiteral("LineString"));
         m_xml.Text("altitudeMode", QStringLiteral("absolute"));
         m_xml.writeStartElement(QStringLiteral("coordinates"));
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            if (i > 0)
+        for (std::size_t i = segment.First(); GoesOn(points, segment, i); ++i) {
+            if (i > segment.First())
                 m_xml.writeCharacters(QStringLiteral(" "));
-            m_xml.writeCharacters(Coordinates(points[i], QLatin1Char(',')));
+            m_xml.writeCharacters(Coordinates(points.At(i), QLatin1Char(',')));
         }
         m_xml.writeEndElement();
         m_xml.writeEndElement();

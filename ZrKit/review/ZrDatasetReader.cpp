@@ -1,49 +1,68 @@
 #include "ZrKit/review/ZrDatasetReader.h"
 
+#include "ZrKit/review/ZrDatasetRecords.h"
 #include "ZrKit/review/ZrEventFile.h"
+#include "ZrKit/review/ZrIndexFile.h"
 #include "ZrKit/review/ZrLogScan.h"
 #include "ZrKit/review/ZrUnpack.h"
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrXmlStore.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <limits>
 #include <new>
 
 namespace {
 
 /// Whether an item of the index type stands where record \p i says.
-bool PointsAtItem(ZrLogScan& scan, const ZrDataset& dataset, std::size_t i)
+bool PointsAtItem(ZrLogScan& scan, ZrRecordSource& records, std::size_t i, CRecType idxType)
 {
     ZrLogItem item;
     u64 pos = 0;
-    return scan.SeekTo(dataset.recs[i].pos) && scan.Next(item, pos) && item.RecType() == dataset.idxType;
+    std::vector<ZrLogRec> record;
+    return records.Read(i, i + 1, record) && scan.SeekTo(record[0].pos) && scan.Next(item, pos)
+        && item.RecType() == idxType;
 }
 
-bool PointsAtItems(const QString& logPath, const ZrDataset& dataset)
+bool PointsAtItems(const QString& logPath, ZrRecordSource& records, CRecType idxType)
 {
     ZrLogScan scan;
-    const std::size_t count = dataset.recs.size();
-    return count > 0 && scan.Open(logPath) && PointsAtItem(scan, dataset, 0)
-        && PointsAtItem(scan, dataset, count / 2) && PointsAtItem(scan, dataset, count - 1);
-}
-
-/// Puts the file \p from in the place of \p to in one step.
-bool Replace(const QString& from, const QString& to)
-{
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    const std::size_t count = records.Count();
+    return count > 0 && scan.Open(logPath) && PointsAtItem(scan, records, 0, idxType)
+        && PointsAtItem(scan, records, count / 2, idxType) && PointsAtItem(scan, records, count - 1, idxType);
 }
 
 } // namespace
 
+ZrDatasetReader::ZrDatasetReader() = default;
+ZrDatasetReader::~ZrDatasetReader() = default;
+
 ZrDatasetReader::eResult ZrDatasetReader::Read(const QString& logPath, ZrDataset& dataset)
+{
+    m_keepsRecords = true;
+    const eResult result = Load(logPath, dataset);
+    m_records.reset();
+    if (result == FromIndex || result == Built) {
+        dataset.UpdateExtents();
+        if (dataset.recs.size() > 2) {
+            dataset.firstRec = 0;
+            dataset.lastRec = static_cast<i32>(dataset.recs.size() - 1);
+        }
+    }
+    return result;
+}
+
+ZrDatasetReader::eResult ZrDatasetReader::Index(const QString& logPath, ZrDataset& dataset)
+{
+    m_keepsRecords = false;
+    return Load(logPath, dataset);
+}
+
+ZrDatasetReader::eResult ZrDatasetReader::Load(const QString& logPath, ZrDataset& dataset)
 {
     m_reason.clear();
     m_writeError.clear();
@@ -51,6 +70,8 @@ ZrDatasetReader::eResult ZrDatasetReader::Read(const QString& logPath, ZrDataset
     m_events.clear();
     m_plan.clear();
     m_crdPos = {};
+    m_records.reset();
+    m_index.reset();
     dataset.fileName = logPath;
     dataset.ClearData();
     dataset.UpdateExtents();
@@ -64,6 +85,8 @@ ZrDatasetReader::eResult ZrDatasetReader::Read(const QString& logPath, ZrDataset
         result = Scan(logPath, dataset);
     if (result == Unreadable || result == Cancelled) {
         dataset.ClearData();
+        m_records.reset();
+        m_index.reset();
         return result;
     }
     if (result == Built) {
@@ -72,17 +95,27 @@ ZrDatasetReader::eResult ZrDatasetReader::Read(const QString& logPath, ZrDataset
             WriteIndex(logPath, dataset);
         if (restorePlan)
             WritePlan(logPath);
+        if (m_index)
+            m_records = std::move(m_index);
+        else
+            m_records = std::make_unique<ZrDatasetRecords>(dataset);
     }
-    dataset.UpdateExtents();
     events.Fill(dataset);
-    if (dataset.recs.size() > 2) {
-        dataset.firstRec = 0;
-        dataset.lastRec = static_cast<i32>(dataset.recs.size() - 1);
-    }
     return result;
 }
 
-/// Reads the index into \p dataset if it is up to date; else the reason why it is not, and no records.
+/// The table of an index file, which stays there or goes into \p dataset; null when it cannot be used.
+std::unique_ptr<ZrRecordSource> ZrDatasetReader::OpenTable(const QString& logPath, ZrDataset& dataset) const
+{
+    if (m_keepsRecords)
+        return dataset.ReadIndex(logPath) ? std::make_unique<ZrDatasetRecords>(dataset) : nullptr;
+    auto file = std::make_unique<ZrIndexFile>();
+    if (!file->Open(ZrIndexStamp::IndexPathOf(logPath), dataset))
+        return nullptr;
+    return file;
+}
+
+/// Takes up the index if it is up to date; else the reason why it is not, and no records.
 QString ZrDatasetReader::WhyOutdated(const QString& logPath, ZrDataset& dataset, const ZrEventFile& events)
 {
     ZrIndexStamp stamp;
@@ -99,15 +132,17 @@ QString ZrDatasetReader::WhyOutdated(const QString& logPath, ZrDataset& dataset,
         return QCoreApplication::translate("ZrDatasetReader", "the event file is damaged");
     if (events.State() == ZrEventFile::Missing && stamp.logEvents > 0)
         return QCoreApplication::translate("ZrDatasetReader", "the event file is missing");
-    if (!dataset.ReadIndex(logPath))
+    std::unique_ptr<ZrRecordSource> table = OpenTable(logPath, dataset);
+    if (!table)
         return QCoreApplication::translate(
             "ZrDatasetReader", "the index is damaged or of other record types");
-    if (stamp.records != dataset.recs.size() || stamp.tableDigest != ZrIndexStamp::DigestOfTable(dataset)
-        || !PointsAtItems(logPath, dataset)) {
+    if (stamp.records != table->Count() || stamp.tableDigest != ZrIndexStamp::DigestOfTable(*table)
+        || !PointsAtItems(logPath, *table, dataset.idxType)) {
         dataset.recs.clear();
         return QCoreApplication::translate("ZrDatasetReader", "the index does not fit the log");
     }
     m_stamp = stamp;
+    m_records = std::move(table);
     return QString();
 }
 
@@ -124,9 +159,13 @@ ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset
         m_stamp.logDigest = ZrIndexStamp::DigestOfLog(logPath, scan.FileSize());
         sound = payloads.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
+    if (sound && !m_keepsRecords)
+        BeginIndex(logPath, dataset);
     bool all = false;
     try {
         all = sound && TakeItems(scan, payloads, dataset);
+        if (sound && m_index && !PutAside(dataset, true))
+            return Unreadable;
     } catch (const std::bad_alloc&) {
         m_stamp.complete = false;
         m_stamp.error
@@ -143,10 +182,48 @@ ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset
     } else if (!sound) {
         m_stamp.error = payloads.errorString();
     }
-    m_stamp.records = static_cast<u32>(dataset.recs.size());
-    m_stamp.tableDigest = ZrIndexStamp::DigestOfTable(dataset);
+    if (!sound)
+        return Unreadable;
+    ZrDatasetRecords inMemory(dataset);
+    ZrRecordSource& records = m_index ? static_cast<ZrRecordSource&>(*m_index) : inMemory;
+    m_stamp.records = static_cast<u32>(records.Count());
+    m_stamp.tableDigest = ZrIndexStamp::DigestOfTable(records);
     m_stamp.logEvents = static_cast<int>(m_events.size());
-    return sound ? Built : Unreadable;
+    return Built;
+}
+
+/// A file that takes the records, beside the log if it may; without one they stay in memory.
+void ZrDatasetReader::BeginIndex(const QString& logPath, const ZrDataset& dataset)
+{
+    m_index = std::make_unique<ZrIndexFile>();
+    m_isIndexBeside = writeIndex && m_index->Create(QFileInfo(logPath).path(), dataset);
+    m_besideError = m_index->Error();
+    const QString elsewhere = QDir::tempPath(); // empty when there is none
+    if (!m_isIndexBeside && (elsewhere.isEmpty() || !m_index->Create(elsewhere, dataset)))
+        m_index.reset();
+}
+
+/// Hands the records to the index, the last one, which the next is filled from, only with \p isAll. A disk
+/// that is full sends them back into memory; false when they cannot be read there.
+bool ZrDatasetReader::PutAside(ZrDataset& dataset, bool isAll)
+{
+    std::vector<ZrLogRec>& recs = dataset.recs;
+    const std::size_t before = m_index->Count();
+    const std::size_t count = recs.size() - (isAll || recs.empty() ? 0 : 1);
+    if (m_index->Append(zr::span<const ZrLogRec>(recs.data(), count))) {
+        recs.erase(recs.begin(), recs.begin() + static_cast<std::ptrdiff_t>(count));
+        return true;
+    }
+    Note(ZrIndexStamp::IndexPathOf(dataset.fileName) + QLatin1String(": ") + m_index->Error());
+    std::vector<ZrLogRec> all;
+    if (!m_index->Read(0, before, all)) {
+        m_stamp.error = m_index->Error();
+        return false;
+    }
+    all.insert(all.end(), recs.begin(), recs.end());
+    recs = std::move(all);
+    m_index.reset();
+    return true;
 }
 
 /// Walks the log to its end or to the first item that cannot be read; false when that is a payload.
@@ -184,6 +261,8 @@ bool ZrDatasetReader::TakeItem(const ZrLogItem& item, u64 pos, QFile& payloads, 
         ZrLogRec rec(inf, pos, m_crdPos);
         dataset.FillRec(rec, inf, m_payload);
         dataset.recs.push_back(rec);
+        if (m_index && dataset.recs.size() > ZrRecordSource::AtOnce)
+            return PutAside(dataset, false);
     } else if (isPlan) {
         TakePlan(item);
     } else {
@@ -234,7 +313,7 @@ bool ZrDatasetReader::WriteEvents(const QString& logPath, ZrEventFile& events)
 
 void ZrDatasetReader::WriteIndex(const QString& logPath, const ZrDataset& dataset)
 {
-    if (!dataset.recs.empty()) {
+    if (m_stamp.records > 0) {
         WriteTable(logPath, dataset);
         return;
     }
@@ -247,26 +326,21 @@ void ZrDatasetReader::WriteIndex(const QString& logPath, const ZrDataset& datase
     }
 }
 
-/// The dataset writes its index straight to its place, so it is given a place of its own beside the log, from
-/// where the complete file is moved.
 void ZrDatasetReader::WriteTable(const QString& logPath, const ZrDataset& dataset)
 {
     const QString index = ZrIndexStamp::IndexPathOf(logPath);
-    const QTemporaryDir folder(QFileInfo(logPath).path() + QLatin1String("/.zri-XXXXXX"));
-    if (!folder.isValid()) {
-        Note(index + QLatin1String(": ") + folder.errorString());
-        return;
+    ZrIndexFile ofMemory;
+    ZrIndexFile* file = m_index.get();
+    if (!file) {
+        file = &ofMemory;
+        if (!file->Create(QFileInfo(logPath).path(), dataset) || !file->Append(dataset.recs))
+            return Note(index + QLatin1String(": ") + file->Error());
+    } else if (!m_isIndexBeside) {
+        return Note(index + QLatin1String(": ") + m_besideError);
     }
-    const QString temporary = folder.filePath(QStringLiteral("log"));
-    dataset.WriteIndex(temporary);
-    const QString written = ZrIndexStamp::IndexPathOf(temporary);
-    constexpr qint64 headerSize = 46;
-    const qint64 size = headerSize + static_cast<qint64>(dataset.recs.size() * sizeof(ZrLogRec));
     QString error;
-    if (QFileInfo(written).size() != size)
-        Note(index + QCoreApplication::translate("ZrDatasetReader", ": The index could not be written"));
-    else if (!Replace(written, index))
-        Note(index + QLatin1String(": ") + QString::fromLocal8Bit(std::strerror(errno)));
+    if (!file->MoveTo(index, logPath))
+        Note(index + QLatin1String(": ") + file->Error());
     else if (!m_stamp.Write(logPath, &error))
         Note(error);
 }

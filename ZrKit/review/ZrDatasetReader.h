@@ -7,15 +7,19 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
 #include <atomic>
+#include <memory>
 #include <vector>
 
 class IZrProgress;
 class QFile;
 class ZrDataset;
 class ZrEventFile;
+class ZrIndexFile;
 class ZrLogEvt;
 class ZrLogScan;
+class ZrRecordSource;
 struct ZrLogItem;
 
 /// Loads a dataset as `ZrDataset::ReadFile` does, but knows when an index is out of date, can be cancelled,
@@ -44,6 +48,9 @@ struct ZrLogItem;
 ///     qInfo() << reader.Error();
 /// \endcode
 ///
+/// A dataset takes 160 bytes for a record. `Index` leaves them in the file, from where `Records` reads them
+/// piece by piece: memory does not grow with the log.
+///
 /// One thread at a time; `cancel` may be set from another or by a signal handler.
 class ZR_KIT_EXPORT ZrDatasetReader
 {
@@ -62,8 +69,22 @@ public:
     bool writeIndex = true; ///< keep index and events beside the log
     bool restorePlan = true; ///< write a mission plan beside the log
 
+    ZrDatasetReader();
+    ~ZrDatasetReader();
+
     /// Replaces everything in \p dataset, whose record types decide what becomes a record.
     eResult Read(const QString& logPath, ZrDataset& dataset);
+
+    /// Does the same, but leaves the records of \p dataset in the index: the dataset holds types, name and
+    /// events (without the numbers of their records), no records and no extents; `Records` gives them.
+    /// `FillRec` may look at the last one of `recs`, not at those before. An index that cannot be kept beside
+    /// the log, or is not to be, is a temporary file that goes with the reader; when not even that can be
+    /// written, the records are in the dataset after all.
+    eResult Index(const QString& logPath, ZrDataset& dataset);
+
+    /// The records that `Index` has found, valid up to the next call and as long as its dataset; null unless
+    /// it was `FromIndex` or `Built`.
+    ZrRecordSource* Records() const { return m_records.get(); }
 
     /// Why the log was scanned, e.g. "there is no index yet"; empty when the index was used.
     QString Reason() const { return m_reason; }
@@ -78,7 +99,11 @@ public:
     QString WriteError() const { return m_writeError; }
 
 private:
+    eResult Load(const QString& logPath, ZrDataset& dataset);
     QString WhyOutdated(const QString& logPath, ZrDataset& dataset, const ZrEventFile& events);
+    std::unique_ptr<ZrRecordSource> OpenTable(const QString& logPath, ZrDataset& dataset) const;
+    void BeginIndex(const QString& logPath, const ZrDataset& dataset);
+    bool PutAside(ZrDataset& dataset, bool isAll);
     eResult Scan(const QString& logPath, ZrDataset& dataset);
     bool TakeItems(ZrLogScan& scan, QFile& payloads, ZrDataset& dataset);
     bool TakeItem(const ZrLogItem& item, u64 pos, QFile& payloads, ZrDataset& dataset);
@@ -97,4 +122,9 @@ private:
     QByteArray m_plan; ///< the last one in the log
     std::array<u64, 8> m_crdPos{}; ///< latest position of each coordinate type
     std::vector<u8> m_payload; ///< of the item at hand
+    bool m_keepsRecords = true; ///< in the dataset
+    std::unique_ptr<ZrIndexFile> m_index; ///< that takes the records meanwhile; null for none
+    bool m_isIndexBeside = false; ///< the log, so that it can be moved to its place
+    QString m_besideError; ///< why not
+    std::unique_ptr<ZrRecordSource> m_records;
 };

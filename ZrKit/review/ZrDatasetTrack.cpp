@@ -5,9 +5,7 @@
 
 #include <algorithm>
 
-namespace {
-
-ZrTrackPoint PointOf(const ZrLogRec& rec)
+ZrTrackPoint ZrDatasetTrack::Point(const ZrLogRec& rec)
 {
     ZrTrackPoint point;
     point.time = rec.time;
@@ -21,15 +19,13 @@ ZrTrackPoint PointOf(const ZrLogRec& rec)
     return point;
 }
 
-} // namespace
-
 std::vector<ZrTrackPoint> ZrDatasetTrack::Points(const ZrDataset& dataset, std::size_t first, std::size_t end)
 {
     const std::size_t last = std::min(end, dataset.recs.size());
     std::vector<ZrTrackPoint> points;
     points.reserve(last > first ? last - first : 0);
     for (std::size_t i = first; i < last; ++i)
-        points.push_back(PointOf(dataset.recs[i]));
+        points.push_back(Point(dataset.recs[i]));
     return points;
 }
 

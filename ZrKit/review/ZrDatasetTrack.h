@@ -9,6 +9,7 @@
 
 class ZrDataset;
 class ZrLogEvt;
+struct ZrLogRec;
 
 /// Records and events of a dataset as the exports of tracks take them.
 ///
@@ -23,6 +24,8 @@ public:
         const ZrLogEvt* event; ///< the dataset's
         std::size_t record; ///< the number of records when the event has no time, or there are none
     };
+
+    static ZrTrackPoint Point(const ZrLogRec& rec);
 
     static std::vector<ZrTrackPoint> Points(const ZrDataset& dataset, std::size_t first, std::size_t end);
 

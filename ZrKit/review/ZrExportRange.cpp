@@ -1,7 +1,9 @@
 #include "ZrKit/review/ZrExportRange.h"
 
 #include "ZrKit/export/ZrTrackExport.h"
+#include "ZrKit/export/ZrTrackPointSource.h"
 #include "ZrKit/export/ZrTrackText.h"
+#include "ZrKit/review/ZrDatasetRecords.h"
 #include "ZrKit/review/ZrDatasetTrack.h"
 #include "ZrKit/review/ZrEventTable.h"
 #include "ZrKit/review/ZrSteadyTime.h"
@@ -68,24 +70,77 @@ QByteArray RecordLine(const ZrTrackPoint& point, ZrTrackText& text)
 double ExpectedBytes(ZrTrackExport::eFormat format, const ZrTrackData& data)
 {
     constexpr std::size_t sampled = 200;
-    if (data.points.size() <= sampled)
+    if (data.source->Count() <= sampled)
         return 1.0; // done at once
+    std::vector<ZrTrackPoint> points;
+    data.source->Read(0, sampled, points);
     ZrTrackData part = data;
-    part.points = data.points.subspan(0, sampled);
+    part.source = nullptr;
+    part.points = points;
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     ZrTrackExport::WriteTo(buffer, format, part);
-    return static_cast<double>(buffer.size()) / sampled * static_cast<double>(data.points.size());
+    return static_cast<double>(buffer.size()) / sampled * static_cast<double>(data.source->Count());
 }
 
 } // namespace
 
+/// The records of the part as points of a track; counts those with a position.
+class ZrExportRange::Points final : public ZrTrackPointSource
+{
+public:
+    explicit Points(ZrExportRange& part)
+        : m_part(part)
+    {
+    }
+
+    std::size_t Count() const override { return m_part.m_end - m_part.m_first; }
+
+    u64 Placed() const { return m_placed; }
+
+    bool Read(std::size_t first, std::size_t end, std::vector<ZrTrackPoint>& points) override
+    {
+        points.clear();
+        if (m_part.cancel)
+            return false;
+        if (!m_part.m_records.Read(m_part.m_first + first, m_part.m_first + end, m_read)
+            || m_read.size() != end - first)
+            return m_part.FailReading();
+        points.reserve(m_read.size());
+        for (const ZrLogRec& rec : m_read)
+            points.push_back(ZrDatasetTrack::Point(rec));
+        // They are read several times.
+        for (; m_counted >= first && m_counted < end; ++m_counted)
+            m_placed += points[m_counted - first].HasPosition() ? 1 : 0;
+        return true;
+    }
+
+private:
+    ZrExportRange& m_part;
+    std::vector<ZrLogRec> m_read;
+    std::size_t m_counted = 0; ///< up to here
+    u64 m_placed = 0;
+};
+
 ZrExportRange::ZrExportRange(const ZrDataset& dataset, std::size_t first, std::size_t end)
     : m_dataset(dataset)
-    , m_first(std::min(first, dataset.recs.size()))
-    , m_end(std::max(m_first, std::min(end, dataset.recs.size())))
+    , m_ofDataset(std::make_unique<ZrDatasetRecords>(dataset))
+    , m_records(*m_ofDataset)
+    , m_first(std::min(first, m_records.Count()))
+    , m_end(std::max(m_first, std::min(end, m_records.Count())))
 {
 }
+
+ZrExportRange::ZrExportRange(
+    const ZrDataset& dataset, ZrRecordSource& records, std::size_t first, std::size_t end)
+    : m_dataset(dataset)
+    , m_records(records)
+    , m_first(std::min(first, m_records.Count()))
+    , m_end(std::max(m_first, std::min(end, m_records.Count())))
+{
+}
+
+ZrExportRange::~ZrExportRange() = default;
 
 std::size_t ZrExportRange::FirstFrom(const ZrSteadyTime& times, double begin)
 {
@@ -136,8 +191,9 @@ ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expec
     const auto fail = [&](const QString& reason) { return Fail(tr("Cannot write %1: %2").arg(out, reason)); };
     if (m_first == m_end)
         return Fail(tr("There is nothing to export"));
-    if (!IsWritable(out))
-        return Fail(m_error);
+    const QString refusal = Refusal(m_dataset.fileName, out);
+    if (!refusal.isEmpty())
+        return Fail(refusal);
     QSaveFile file(out);
     if (!file.open(QIODevice::WriteOnly))
         return fail(file.errorString());
@@ -147,7 +203,7 @@ ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expec
         return !cancel;
     });
     if (!fill(gate) || cancel || !file.flush() || !file.commit())
-        return fail(file.errorString());
+        return m_error.isEmpty() ? fail(file.errorString()) : Fail(m_error);
     Report(1.0);
     return Done;
 }
@@ -155,17 +211,19 @@ ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expec
 ZrExportRange::eResult ZrExportRange::WriteTrack(const QString& out)
 {
     Begin();
+    std::vector<ZrTrackEvent> events;
+    if (!TrackEvents(events))
+        return Fail(m_error);
     const ZrTrackExport::eFormat format = ZrTrackExport::FormatOf(out);
-    const std::vector<ZrTrackPoint> points = ZrDatasetTrack::Points(m_dataset, m_first, m_end);
-    const std::vector<ZrTrackEvent> events = ZrDatasetTrack::Events(m_dataset, m_first, m_end);
+    Points points(*this);
     ZrTrackData data;
     data.name = QFileInfo(m_dataset.fileName).completeBaseName();
-    data.points = points;
+    data.source = &points;
     data.events = events;
-    m_items = static_cast<u64>(std::count_if(
-        points.begin(), points.end(), [](const ZrTrackPoint& point) { return point.HasPosition(); }));
-    return WriteFile(out, ExpectedBytes(format, data),
+    const eResult result = WriteFile(out, ExpectedBytes(format, data),
         [&](QIODevice& device) { return ZrTrackExport::WriteTo(device, format, data); });
+    m_items = result == Done ? points.Placed() : 0;
+    return result;
 }
 
 ZrExportRange::eResult ZrExportRange::WriteRecords(const QString& out)
@@ -177,9 +235,12 @@ ZrExportRange::eResult ZrExportRange::WriteRecords(const QString& out)
     return WriteFile(out, bytesPerLine * static_cast<double>(m_items), [this](QIODevice& device) {
         ZrTrackText text;
         QByteArray lines = "time,latitude,longitude,depth,altitude,seabed,heading,pitch,roll\r\n";
-        for (std::size_t i = m_first; i < m_end; i += linesAtOnce) {
-            for (const ZrTrackPoint& point :
-                ZrDatasetTrack::Points(m_dataset, i, std::min(i + linesAtOnce, m_end)))
+        Points points(*this);
+        std::vector<ZrTrackPoint> read;
+        for (std::size_t i = 0; i < points.Count(); i += linesAtOnce) {
+            if (!points.Read(i, std::min(i + linesAtOnce, points.Count()), read))
+                return false;
+            for (const ZrTrackPoint& point : read)
                 lines += RecordLine(point, text);
             if (device.write(lines) != lines.size())
                 return false;
@@ -192,13 +253,14 @@ ZrExportRange::eResult ZrExportRange::WriteRecords(const QString& out)
 ZrExportRange::eResult ZrExportRange::WriteEvents(const QString& out)
 {
     Begin();
-    const std::vector<ZrDatasetTrack::PlacedEvent> events
-        = ZrDatasetTrack::EventsIn(m_dataset, m_first, m_end);
+    std::vector<PlacedEvent> events;
+    if (!FindEvents(events))
+        return Fail(m_error);
     constexpr double bytesPerLine = 100.0;
     m_items = events.size();
     return WriteFile(out, bytesPerLine * static_cast<double>(m_items + 1), [&events](QIODevice& device) {
         QByteArray lines = ZrEventTable::Heading();
-        for (const ZrDatasetTrack::PlacedEvent& placed : events)
+        for (const PlacedEvent& placed : events)
             lines += ZrEventTable::Line(*placed.event);
         return device.write(lines) == lines.size();
     });

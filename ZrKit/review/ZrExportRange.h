@@ -10,14 +10,20 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <vector>
 
 class IZrProgress;
 class QFile;
 class QIODevice;
 class ZrDataset;
+class ZrLogEvt;
 class ZrLogScan;
 class ZrLogWriter;
+class ZrRecordSource;
 class ZrSteadyTime;
+struct ZrLogRec;
+struct ZrTrackEvent;
 
 /// Writes a part of a recording into files: as a log of its own, as a track for other programs, as tables.
 ///
@@ -29,6 +35,17 @@ class ZrSteadyTime;
 /// part.progress = &progress;
 /// if (part.WriteLog(path) == ZrExportRange::Failed)
 ///     return part.Error();
+/// \endcode
+///
+/// Of a long log the records need not be in memory: they are read piece by piece from the index, and nothing
+/// of what lies outside the part, but for the records around events and what `WriteLog` tells.
+///
+/// \code
+/// ZrDatasetReader reader;
+/// if (reader.Index(path, dataset) == ZrDatasetReader::Unreadable)
+///     return reader.Error();
+/// ZrExportRange part(dataset, *reader.Records(), first, end);
+/// part.times = &steady;
 /// \endcode
 ///
 /// The dataset is only read; it must not change meanwhile. One thread at a time; `cancel` may be set from any
@@ -48,13 +65,29 @@ public:
     IZrProgress* progress = nullptr; ///< told each whole percent; may be null
     std::atomic<bool> cancel{false}; ///< ends the export soon; never cleared here
 
+    /// The times of all records, which tell where those around an event lie; null when they are not known:
+    /// then all records are gone through once, if there are events.
+    const ZrSteadyTime* times = nullptr;
+
     /// Records \p first ... \p end - 1, as far as there are any.
     ZrExportRange(const ZrDataset& dataset, std::size_t first, std::size_t end);
+
+    /// The same of \p records, which stand in for those of \p dataset: types, name and events are its own.
+    ZrExportRange(const ZrDataset& dataset, ZrRecordSource& records, std::size_t first, std::size_t end);
+
+    ~ZrExportRange();
 
     /// The first record at or behind the steady time \p begin, and the one behind the last at or before \p
     /// end.
     static std::size_t FirstFrom(const ZrSteadyTime& times, double begin);
     static std::size_t EndAt(const ZrSteadyTime& times, double end);
+
+    /// Why \p out may not be written for the recording \p log, a sentence: it is no possible name, no file or
+    /// one of the recording's own. Else empty.
+    static QString Refusal(const QString& log, const QString& out);
+
+    /// What is said of a file of its own.
+    static QString BelongsToRecording(const QString& out);
 
     /// The items from the first record of the part up to the one behind it, byte for byte; from the first
     /// record of the log on all items in front of it too, to its last one all behind it. In front stand, in
@@ -85,17 +118,30 @@ public:
 private:
     using Fill = std::function<bool(QIODevice& out)>;
 
+    struct PlacedEvent
+    {
+        const ZrLogEvt* event; ///< the dataset's
+        std::size_t record; ///< nearest to it in time; `Count` of the records when none is
+    };
+
+    class Points;
+
     void Begin();
+    bool ReadRecord(std::size_t record, ZrLogRec& rec);
+    bool FailReading();
+    bool FindEvents(std::vector<PlacedEvent>& events);
+    bool TrackEvents(std::vector<ZrTrackEvent>& events);
     eResult Fail(const QString& error);
     void Report(double share);
-    bool IsWritable(const QString& out);
     eResult WriteFile(const QString& out, double expectedBytes, const Fill& fill);
     bool CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log);
-    bool CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from);
+    bool CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, const ZrLogRec& first, u64 from);
     bool CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from, u64 to);
-    bool WriteEventFile(const QString& out);
+    bool WriteEventFile(const QString& out, const std::vector<PlacedEvent>& found);
 
     const ZrDataset& m_dataset;
+    std::unique_ptr<ZrRecordSource> m_ofDataset; ///< null when others stand in
+    ZrRecordSource& m_records;
     std::size_t m_first;
     std::size_t m_end;
     QByteArray m_item;

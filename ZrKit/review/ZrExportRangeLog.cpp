@@ -1,11 +1,11 @@
 // A part of a recording as a log of its own.
 
 #include "ZrKit/recording/ZrLogWriter.h"
-#include "ZrKit/review/ZrDatasetTrack.h"
 #include "ZrKit/review/ZrEventFile.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrIndexStamp.h"
 #include "ZrKit/review/ZrLogScan.h"
+#include "ZrKit/review/ZrRecordSource.h"
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrSameFile.h"
 
@@ -16,27 +16,24 @@
 #include <cmath>
 #include <cstring>
 
-/// Whether \p out may be written: not over the recording, nor over a file that belongs to it.
-bool ZrExportRange::IsWritable(const QString& out)
+QString ZrExportRange::BelongsToRecording(const QString& out)
 {
-    const QString& log = m_dataset.fileName;
-    if (!zr::is_possible_path(out)) {
-        m_error = tr("The export needs a name for its file");
-        return false;
-    }
+    return tr("%1 belongs to the recording itself; choose another name").arg(out);
+}
+
+QString ZrExportRange::Refusal(const QString& log, const QString& out)
+{
+    if (!zr::is_possible_path(out))
+        return tr("The export needs a name for its file");
     const QFileInfo info(out);
-    if (info.exists() && !info.isFile()) { // a rename would put a file in the place of a device
-        m_error = tr("%1 is no file").arg(out);
-        return false;
-    }
+    if (info.exists() && !info.isFile()) // a rename would put a file in the place of a device
+        return tr("%1 is no file").arg(out);
     for (const QString& own : {log, ZrEventFile::PathOf(log), ZrIndexStamp::IndexPathOf(log),
              ZrIndexStamp::PathOf(log), log + QLatin1String(".xml")}) {
-        if (zr::is_same_file(out, own)) {
-            m_error = tr("%1 belongs to the recording itself; choose another name").arg(out);
-            return false;
-        }
+        if (zr::is_same_file(out, own))
+            return BelongsToRecording(out);
     }
-    return true;
+    return QString();
 }
 
 /// Copies the item that \p scan gives next. False with `m_error` when that is not possible.
@@ -66,11 +63,10 @@ bool ZrExportRange::CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log)
 }
 
 /// The latest items of the coordinate types in front of the position \p from.
-bool ZrExportRange::CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from)
+bool ZrExportRange::CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, const ZrLogRec& first, u64 from)
 {
     std::array<u64, 8> positions; // records are packed, and hold theirs at odd places
-    std::memcpy(positions.data(),
-        reinterpret_cast<const char*>(&m_dataset.recs[m_first]) + offsetof(ZrLogRec, crdPos),
+    std::memcpy(positions.data(), reinterpret_cast<const char*>(&first) + offsetof(ZrLogRec, crdPos),
         sizeof positions);
     std::vector<u64> state;
     for (std::size_t i = 0; i < m_dataset.crdTypes.size(); ++i) {
@@ -109,11 +105,11 @@ bool ZrExportRange::CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 
     return true;
 }
 
-/// The events of the part beside \p out, in the place of those that lie there.
-bool ZrExportRange::WriteEventFile(const QString& out)
+/// \p found beside \p out, in the place of those that lie there.
+bool ZrExportRange::WriteEventFile(const QString& out, const std::vector<PlacedEvent>& found)
 {
     std::vector<ZrLogEvt> events;
-    for (const ZrDatasetTrack::PlacedEvent& placed : ZrDatasetTrack::EventsIn(m_dataset, m_first, m_end))
+    for (const PlacedEvent& placed : found)
         events.push_back(*placed.event);
     if (events.empty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
         return true;
@@ -131,24 +127,32 @@ ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
     Begin();
     if (m_first == m_end)
         return Fail(tr("There is nothing to export"));
-    if (!IsWritable(out))
-        return Fail(m_error);
+    const QString refusal = Refusal(m_dataset.fileName, out);
+    if (!refusal.isEmpty())
+        return Fail(refusal);
     ZrLogScan scan;
     QFile in(m_dataset.fileName);
     if (!scan.Open(m_dataset.fileName))
         return Fail(tr("Cannot read %1: %2").arg(m_dataset.fileName, scan.Error()));
     if (!in.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot read %1: %2").arg(m_dataset.fileName, in.errorString()));
-    const u64 from = m_first == 0 ? scan.Pos() : m_dataset.recs[m_first].pos;
-    const u64 to = m_end == m_dataset.recs.size() ? scan.FileSize() : m_dataset.recs[m_end].pos;
+    ZrLogRec first;
+    ZrLogRec behind;
+    if (!ReadRecord(m_first, first) || (m_end < m_records.Count() && !ReadRecord(m_end, behind)))
+        return Fail(m_error);
+    const u64 from = m_first == 0 ? scan.Pos() : first.pos;
+    const u64 to = m_end == m_records.Count() ? scan.FileSize() : behind.pos;
     if (from > to || to > scan.FileSize())
         return Fail(tr("%1 has changed since it was loaded").arg(m_dataset.fileName));
 
-    const double created = m_dataset.recs[m_first].time;
+    std::vector<PlacedEvent> events;
+    if (!FindEvents(events))
+        return Fail(m_error);
+    const double created = first.time;
     ZrLogWriter log;
     if (!log.Open(out, std::isfinite(created) ? created : 0.0))
         return Fail(log.Error());
-    if (!CopyState(scan, in, log, from) || !CopyItems(scan, in, log, from, to))
+    if (!CopyState(scan, in, log, first, from) || !CopyItems(scan, in, log, from, to))
         return Fail(
             m_error.isEmpty() ? tr("Cannot read %1: %2").arg(m_dataset.fileName, scan.Error()) : m_error);
     if (!log.Commit())
@@ -157,7 +161,7 @@ ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
     QFile::remove(ZrIndexStamp::IndexPathOf(out));
     QFile::remove(ZrIndexStamp::PathOf(out));
     const u64 items = m_items;
-    if (!WriteEventFile(out)) {
+    if (!WriteEventFile(out, events)) {
         m_error = tr("The log was written, but not its events: %1").arg(m_error);
         return Failed;
     }

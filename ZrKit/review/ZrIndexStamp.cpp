@@ -1,6 +1,8 @@
 #include "ZrKit/review/ZrIndexStamp.h"
 
 #include "ZrKit/files/ZrReplaceFile.h"
+#include "ZrKit/review/ZrDatasetRecords.h"
+#include "ZrKit/review/ZrIndexHeader.h"
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrEndian.h"
 
@@ -18,12 +20,6 @@ namespace {
 constexpr int stampVersion = 1;
 constexpr qint64 digestedBytes = 64 * 1024; ///< at each end of the log
 constexpr std::size_t digestedRecords = 64;
-
-// The header of an index file: magic, version, count, then nine record types, sub-type first.
-constexpr int indexHeaderSize = 46;
-constexpr u32 indexMagic = 0xAABBCCDD;
-constexpr u16 indexVersion = 2;
-constexpr std::size_t indexTypesAt = 10;
 
 void AddNumber(QCryptographicHash& hash, u64 number)
 {
@@ -84,13 +80,22 @@ QByteArray ZrIndexStamp::DigestOfLog(const QString& logPath, u64 size)
 
 QByteArray ZrIndexStamp::DigestOfTable(const ZrDataset& dataset)
 {
+    ZrDatasetRecords records(dataset);
+    return DigestOfTable(records);
+}
+
+QByteArray ZrIndexStamp::DigestOfTable(ZrRecordSource& records)
+{
     QCryptographicHash hash(QCryptographicHash::Sha1);
-    const std::size_t count = dataset.recs.size();
+    const std::size_t count = records.Count();
     AddNumber(hash, count);
     const std::size_t samples = std::min(count, digestedRecords);
+    std::vector<ZrLogRec> record;
     for (std::size_t i = 0; i < samples; ++i) {
         const std::size_t at = samples < 2 ? 0 : i * (count - 1) / (samples - 1);
-        hash.addData(reinterpret_cast<const char*>(&dataset.recs[at]), sizeof(ZrLogRec));
+        if (!records.Read(at, at + 1, record))
+            return QByteArray();
+        hash.addData(reinterpret_cast<const char*>(record.data()), sizeof(ZrLogRec));
     }
     return hash.result();
 }
@@ -153,17 +158,11 @@ bool ZrIndexStamp::TypesOf(const QString& logPath, CRecType& idxType, std::array
     QFile file(IndexPathOf(logPath));
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const QByteArray header = file.read(indexHeaderSize);
-    const u8* const bytes = reinterpret_cast<const u8*>(header.constData());
-    if (header.size() < indexHeaderSize || zr::load_le<u32>(bytes) != indexMagic
-        || zr::load_le<u16>(bytes + 4) != indexVersion)
+    const QByteArray bytes = file.read(static_cast<qint64>(ZrIndexHeader::Size));
+    ZrIndexHeader header;
+    if (!header.Decode(zr::bytes_of(bytes)))
         return false;
-    const auto type = [bytes](std::size_t number) {
-        const u8* const at = bytes + indexTypesAt + 4 * number;
-        return CRecType(zr::load_le<u16>(at), zr::load_le<u16>(at + 2));
-    };
-    idxType = type(0);
-    for (std::size_t slot = 0; slot < crdTypes.size(); ++slot)
-        crdTypes[slot] = type(slot + 1);
+    idxType = header.idxType;
+    crdTypes = header.crdTypes;
     return true;
 }

@@ -10,6 +10,7 @@
 #include <array>
 
 class ZrDataset;
+class ZrRecordSource;
 
 /// What an index file (log path + ".zri") was made from, kept beside it as log path + ".zri.json".
 ///
@@ -40,6 +41,9 @@ struct ZR_KIT_EXPORT ZrIndexStamp
     static QByteArray DigestOfLog(const QString& logPath, u64 size);
 
     static QByteArray DigestOfTable(const ZrDataset& dataset);
+
+    /// The same; empty when the records cannot be read.
+    static QByteArray DigestOfTable(ZrRecordSource& records);
 
     /// The class of \p dataset with the number that it gives its way of filling records, by
     /// Q_CLASSINFO("filler", "…").

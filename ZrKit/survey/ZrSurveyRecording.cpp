@@ -5,7 +5,9 @@
 #include "ZrKit/planning/ZrRouteFile.h"
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrKit/review/ZrDatasetReader.h"
+#include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrSurveySeriesReader.h"
+#include "ZrKit/review/ZrWorkStage.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrBottomTracker.h"
 #include "ZrKit/sonar/ZrSonarTrackSettings.h"
@@ -29,39 +31,7 @@ namespace {
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double mostBetween = 10.0; ///< seconds between rows that a position is taken between
 
-/// Hands on the percentages of a part of the work, and the wish to end it.
-class Stage final : public IZrProgress
-{
-public:
-    Stage(IZrProgress* all, std::atomic<bool>& cancel, std::atomic<bool>& partCancel, int from, int to)
-        : m_all(all)
-        , m_cancel(cancel)
-        , m_partCancel(partCancel)
-        , m_from(from)
-        , m_to(to)
-    {
-        UpdateProgress(0);
-    }
-
-    void UpdateProgress(int percent) override
-    {
-        m_percent = percent;
-        if (m_cancel)
-            m_partCancel = true;
-        if (m_all)
-            m_all->UpdateProgress(m_from + (m_to - m_from) * percent / 100);
-    }
-
-    int GetProgress() override { return m_percent; }
-
-private:
-    IZrProgress* m_all;
-    std::atomic<bool>& m_cancel;
-    std::atomic<bool>& m_partCancel;
-    int m_from;
-    int m_to;
-    int m_percent = 0;
-};
+using Stage = ZrWorkStage;
 
 /// Of what was read only tables are left, which grew piece by piece: the rest goes back to the system at
 /// once.
@@ -121,12 +91,12 @@ bool ZrSurveyRecording::LoadRecords()
         ZrDatasetReader reader;
         Stage stage(progress, cancel, reader.cancel, 0, 30);
         reader.progress = &stage;
-        const std::unique_ptr<ZrSurveyDataset> dataset = ReadRecords(reader);
+        const std::unique_ptr<ZrSurveyDataset> dataset = IndexRecords(reader);
         if (!dataset)
             return Fail(reader.Error());
         if (!reader.WriteError().isEmpty())
             m_remarks << reader.WriteError();
-        count = dataset->recs.size();
+        count = reader.Records()->Count();
         return true;
     };
     ZrSurveySeriesReader reader;
@@ -151,12 +121,12 @@ bool ZrSurveyRecording::LoadRecords()
     return !m_isOfFixes || index(count);
 }
 
-std::unique_ptr<ZrSurveyDataset> ZrSurveyRecording::ReadRecords(ZrDatasetReader& reader) const
+std::unique_ptr<ZrSurveyDataset> ZrSurveyRecording::IndexRecords(ZrDatasetReader& reader) const
 {
     auto dataset = m_isOfFixes
         ? std::make_unique<ZrSurveyDataset>(zr::rec_type(krtFix), ZrSurveyDataset::DefaultCrdTypes())
         : std::make_unique<ZrSurveyDataset>();
-    const ZrDatasetReader::eResult result = reader.Read(m_path, *dataset);
+    const ZrDatasetReader::eResult result = reader.Index(m_path, *dataset);
     if (result == ZrDatasetReader::Unreadable || result == ZrDatasetReader::Cancelled)
         return nullptr;
     return dataset;

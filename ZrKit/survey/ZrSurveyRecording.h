@@ -71,10 +71,10 @@ public:
     /// The time axis: of the records or, without any, of the pings.
     const std::shared_ptr<const ZrSteadyTime>& Times() const { return m_times; }
 
-    /// The records with the events that were saved, for exports: read anew, since those of a long recording
-    /// take much memory. Null, with the reason in the `Error` of \p reader, when they cannot be read or its
-    /// `cancel` was set. Any thread, also while the recording is in use.
-    std::unique_ptr<ZrSurveyDataset> ReadRecords(ZrDatasetReader& reader) const;
+    /// The events that were saved, and the record types, for exports; \p reader gives the records, which stay
+    /// in the index, see `ZrDatasetReader::Index`. Null, with the reason in its `Error`, when they cannot be
+    /// read or its `cancel` was set. Any thread, also while the recording is in use.
+    std::unique_ptr<ZrSurveyDataset> IndexRecords(ZrDatasetReader& reader) const;
 
     const ZrSurveySeries& Series() const { return m_series; }
 

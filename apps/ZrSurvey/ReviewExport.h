@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/review/ZrWorker.h"
+#include "ZrKit/survey/ZrSurveyExport.h"
 
 #include <QObject>
 
@@ -18,24 +19,12 @@ class ReviewExport : public QObject
     Q_OBJECT
 
 public:
-    enum eKind : int
-    {
-        segment,
-        track,
-        records,
-        events,
-        targets,
-        waterfall,
-        mosaic,
-        kindCount
-    };
-
     explicit ReviewExport(SurveyView& view);
 
     /// Asks what to export of the steady times \p from to \p to, and where to.
     void Ask(const std::shared_ptr<ZrSurveyRecording>& recording, double from, double to);
 
-    /// Writes it; false while another export is under way.
+    /// Writes it as a kind of `ZrSurveyExport`; false while another export is under way.
     bool Write(int kind, const QString& path);
 
     void SetPart(const std::shared_ptr<ZrSurveyRecording>& recording, double from, double to);
@@ -48,9 +37,8 @@ Q_SIGNALS:
     void Done(bool isWritten); ///< a message says what became of it
 
 private:
-    struct Job;
-
     void OnChosen(int kind);
+    QString What() const;
     void OnFinished();
 
     SurveyView& m_view;
@@ -60,7 +48,9 @@ private:
     std::shared_ptr<ZrSurveyRecording> m_recording;
     double m_from = 0.0;
     double m_to = 0.0;
-    int m_kind = segment;
-    std::shared_ptr<Job> m_job;
+    int m_kind = ZrSurveyExport::segment;
+    QString m_path; ///< that is written
+    std::shared_ptr<ZrSurveyExport> m_part; ///< being written
+    ZrSurveyExport::eResult m_result = ZrSurveyExport::Done; ///< the worker's until it has finished
     ZrWorker m_worker; ///< last: it ends before what it works on goes
 };

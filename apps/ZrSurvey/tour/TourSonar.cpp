@@ -287,7 +287,7 @@ void tour::exports(Tour& tour)
         hand.HideToast();
         hand.Press(QStringLiteral("export"));
         const auto& list = hand.FindAny<ZrTouchList>(&hand.FindAny<ZrChoicePanel>());
-        tour.Expect(list.Items().size(), ReviewExport::kindCount, QStringLiteral("kinds of export"));
+        tour.Expect(list.Items().size(), ZrSurveyExport::kindCount, QStringLiteral("kinds of export"));
     });
     tour.Station(QStringLiteral("exports"), [&] {
         hand.Key(Qt::Key_Escape);

@@ -1,0 +1,3 @@
+#include "ZrKit/export/ZrTrackPointSource.h"
+
+ZrTrackPointSource::~ZrTrackPointSource() = default;

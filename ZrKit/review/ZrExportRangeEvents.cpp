@@ -1,0 +1,84 @@
+// The events of a part of a recording, and where they lie.
+
+#include "ZrKit/export/ZrTrackEvent.h"
+#include "ZrKit/review/ZrExportRange.h"
+#include "ZrKit/review/ZrNearestRecords.h"
+#include "ZrKit/review/ZrRecordSource.h"
+#include "ZrKit/review/ZrRecordsAround.h"
+#include "ZrUtil/ZrDataset.h"
+
+#include <algorithm>
+
+bool ZrExportRange::FailReading()
+{
+    m_error = tr("Cannot read the index of %1: %2").arg(m_dataset.fileName, m_records.Error());
+    return false;
+}
+
+bool ZrExportRange::ReadRecord(std::size_t record, ZrLogRec& rec)
+{
+    std::vector<ZrLogRec> read;
+    if (!m_records.Read(record, record + 1, read) || read.empty())
+        return FailReading();
+    rec = read.front();
+    return true;
+}
+
+/// The events whose nearest record is one of the part; one without a time belongs to the whole log only.
+/// False when `cancel` was set or the records cannot be read.
+bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
+{
+    if (m_first == m_end)
+        return true;
+    const std::size_t count = m_records.Count();
+    const bool isWhole = m_first == 0 && m_end == count;
+    std::vector<PlacedEvent> all;
+    std::vector<double> at;
+    for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;) {
+        const ZrLogEvt* const event = m_dataset.events.GetNext(pos);
+        all.push_back({event, count});
+        at.push_back(event->time);
+    }
+    ZrNearestRecords nearest(at);
+    std::vector<ZrLogRec> records;
+    for (const ZrRecordsAround::Range& range : ZrRecordsAround::Of(times, count, at)) {
+        for (std::size_t i = range.first; i < range.end; i += ZrRecordSource::AtOnce) {
+            if (cancel)
+                return false;
+            if (!m_records.Read(i, std::min(i + ZrRecordSource::AtOnce, range.end), records))
+                return FailReading();
+            for (std::size_t k = 0; k < records.size(); ++k)
+                nearest.Add(i + k, records[k].time);
+        }
+    }
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        all[i].record = std::min(nearest.Of(i), count);
+        const bool isIn = all[i].record >= m_first && all[i].record < m_end;
+        if (all[i].record < count ? isIn : isWhole)
+            events.push_back(all[i]);
+    }
+    return true;
+}
+
+/// The same, where the vehicle was then.
+bool ZrExportRange::TrackEvents(std::vector<ZrTrackEvent>& events)
+{
+    std::vector<PlacedEvent> placed;
+    if (!FindEvents(placed))
+        return false;
+    for (const PlacedEvent& at : placed) {
+        ZrTrackEvent event;
+        event.time = at.event->time;
+        event.text = at.event->text;
+        event.detail = at.event->detail;
+        if (at.record < m_records.Count()) {
+            ZrLogRec rec;
+            if (cancel || !ReadRecord(at.record, rec))
+                return false;
+            event.latitude = rec.latitude;
+            event.longitude = rec.longitude;
+        }
+        events.push_back(event);
+    }
+    return true;
+}

@@ -1,0 +1,3 @@
+#include "ZrKit/review/ZrRecordSource.h"
+
+ZrRecordSource::~ZrRecordSource() = default;

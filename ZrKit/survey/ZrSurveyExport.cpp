@@ -1,0 +1,178 @@
+#include "ZrKit/survey/ZrSurveyExport.h"
+
+#include "ZrKit/review/ZrDatasetReader.h"
+#include "ZrKit/review/ZrExportRange.h"
+#include "ZrKit/review/ZrRecordSource.h"
+#include "ZrKit/review/ZrWorkStage.h"
+#include "ZrKit/sonar/ZrBottomFile.h"
+#include "ZrKit/survey/ZrSurveyRecording.h"
+#include "ZrUtil/ZrSameFile.h"
+
+#include <algorithm>
+#include <cmath>
+
+ZrSurveyExport::Step::Step(ZrSurveyExport& part, std::atomic<bool>& cancel)
+    : m_part(part)
+{
+    const std::lock_guard lock(m_part.m_stepGuard);
+    m_part.m_stepCancel = &cancel;
+    cancel = m_part.m_cancel.load();
+}
+
+ZrSurveyExport::Step::~Step()
+{
+    const std::lock_guard lock(m_part.m_stepGuard);
+    m_part.m_stepCancel = nullptr;
+}
+
+ZrSurveyExport::ZrSurveyExport(std::shared_ptr<const ZrSurveyRecording> recording, double from, double to)
+    : m_recording(std::move(recording))
+    , m_from(std::min(from, to))
+    , m_to(std::max(from, to))
+    , m_bottom(m_recording->Bottom())
+{
+    if (std::isnan(from) || std::isnan(to)) // neither is less
+        m_from = m_to = std::nan("");
+    for (const ZrSonarTarget& target : m_recording->Targets()) {
+        const double at = m_recording->Times()->FromLog(target.time);
+        if (at >= m_from && at <= m_to)
+            m_targets.push_back(target);
+    }
+    if (m_recording->HasSonar() && m_from <= m_to) {
+        m_firstPing = static_cast<std::size_t>(std::ceil(m_recording->PingAt(m_from)));
+        m_lastPing = std::max(m_firstPing, static_cast<std::size_t>(m_recording->PingAt(m_to)));
+    }
+}
+
+QStringList ZrSurveyExport::Suffixes(int kind)
+{
+    static const char* const suffixes[kindCount]
+        = {"log", "gpx kml geojson csv", "csv", "csv", "geojson csv", "png jpg", "png jpg tif"};
+    if (kind < 0 || kind >= kindCount)
+        return {};
+    return QString::fromLatin1(suffixes[kind]).split(QLatin1Char(' '));
+}
+
+QString ZrSurveyExport::Name(int kind)
+{
+    static const char* const names[kindCount]
+        = {"part", "track", "records", "events", "targets", "waterfall", "mosaic"};
+    return kind < 0 || kind >= kindCount ? QString() : QString::fromLatin1(names[kind]);
+}
+
+void ZrSurveyExport::Stop()
+{
+    const std::lock_guard lock(m_stepGuard);
+    m_cancel = true;
+    if (m_stepCancel)
+        *m_stepCancel = true;
+}
+
+bool ZrSurveyExport::Fail(const QString& error)
+{
+    m_error = error;
+    return false;
+}
+
+ZrSurveyExport::eResult ZrSurveyExport::Run(int kind, const QString& path, IZrProgress* progress)
+{
+    m_error.clear();
+    m_remark.clear();
+    m_items = 0;
+    if (!m_cancel && Write(kind, path, progress))
+        return Done;
+    m_remark.clear();
+    m_items = 0;
+    if (m_cancel) {
+        m_error.clear();
+        return Cancelled;
+    }
+    return Failed;
+}
+
+/// Why there is nothing to be written to \p path, a sentence; else empty.
+QString ZrSurveyExport::WhyNot(int kind, const QString& path) const
+{
+    const ZrSteadyTime& times = *m_recording->Times();
+    if (kind < 0 || kind >= kindCount)
+        return tr("There is no export of this kind");
+    if (kind >= targets && !m_recording->HasSonar())
+        return tr("The recording holds no side-scan sonar");
+    if (!(m_from <= times.End() && m_to >= times.Begin()))
+        return tr("There is nothing to export");
+    if (zr::is_same_file(path, ZrBottomFile(m_recording->Path()).Path()))
+        return ZrExportRange::BelongsToRecording(path);
+    return ZrExportRange::Refusal(m_recording->Path(), path);
+}
+
+bool ZrSurveyExport::Write(int kind, const QString& path, IZrProgress* progress)
+{
+    m_error = WhyNot(kind, path);
+    if (!m_error.isEmpty())
+        return false;
+    switch (kind) {
+    case targets:
+        return WriteTargets(path);
+    case waterfall:
+        return DrawWaterfall(path, progress);
+    case mosaic:
+        return DrawMosaic(path, progress);
+    default:
+        return WritePart(kind, path, progress);
+    }
+}
+
+/// The steady times of \p source: those of the recording, if they are of the same records.
+std::shared_ptr<const ZrSteadyTime> ZrSurveyExport::TimesOf(ZrRecordSource& source, bool isLogUnchanged)
+{
+    const std::shared_ptr<const ZrSteadyTime> known = m_recording->Series().times;
+    if (isLogUnchanged && known->Count() == source.Count())
+        return known;
+    auto times = std::make_shared<ZrSteadyTime>();
+    times->Reserve(source.Count());
+    std::vector<ZrLogRec> read;
+    for (std::size_t i = 0; i < source.Count(); i += ZrRecordSource::AtOnce) {
+        if (m_cancel || !source.Read(i, i + ZrRecordSource::AtOnce, read)) {
+            m_error = source.Error();
+            return nullptr;
+        }
+        for (const ZrLogRec& rec : read)
+            times->Append(rec.time);
+    }
+    return times;
+}
+
+bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progress)
+{
+    constexpr int scanPercent = 50; ///< of a log whose index is out of date, or cannot be kept
+    ZrDatasetReader reader;
+    reader.restorePlan = false; // it was when the recording was opened
+    std::unique_ptr<ZrSurveyDataset> dataset;
+    {
+        const Step step(*this, reader.cancel);
+        ZrWorkStage stage(progress, m_cancel, reader.cancel, 0, scanPercent);
+        reader.progress = &stage;
+        dataset = m_recording->IndexRecords(reader);
+        reader.progress = nullptr;
+    }
+    if (!dataset)
+        return Fail(reader.Error());
+    ZrRecordSource& source = *reader.Records();
+    const bool isFromIndex = reader.Reason().isEmpty();
+    const std::shared_ptr<const ZrSteadyTime> times = TimesOf(source, isFromIndex);
+    if (!times)
+        return false;
+    ZrExportRange part(
+        *dataset, source, ZrExportRange::FirstFrom(*times, m_from), ZrExportRange::EndAt(*times, m_to));
+    part.times = times.get();
+    const Step step(*this, part.cancel);
+    ZrWorkStage stage(progress, m_cancel, part.cancel, isFromIndex ? 0 : scanPercent, 100);
+    part.progress = &stage;
+    const ZrExportRange::eResult result = kind == segment ? part.WriteLog(path)
+        : kind == track                                   ? part.WriteTrack(path)
+        : kind == events                                  ? part.WriteEvents(path)
+                                                          : part.WriteRecords(path);
+    m_items = part.Items();
+    m_remark = part.Damage();
+    return result == ZrExportRange::Done || Fail(part.Error());
+}
