@@ -74,6 +74,7 @@ ZrForm* ZrFormMgr::SetToForm(QString name)
     found->OnFormDisplay();
     BuildImg();
     update();
+    Q_EMIT FormShown();
     return found;
 }
 
@@ -114,7 +115,7 @@ QRect ZrFormMgr::FormArea() const
 void ZrFormMgr::resizeEvent(QResizeEvent* /*event*/)
 {
     m_tabs = std::make_unique<QImage>(size(), QImage::Format_ARGB32);
-    m_tabWidth = ZrTheme::DpI(80);
+    m_tabWidth = ZrTheme::DpI(m_hasTabNames ? 216 : 80);
     m_tabHeight = ZrTheme::DpI(50);
     grip = QRect(m_tabWidth, 0, width() - m_tabWidth, m_tabHeight);
     m_close->setGeometry(width() - ZrTheme::DpI(45), ZrTheme::DpI(5), ZrTheme::DpI(40), ZrTheme::DpI(40));
@@ -167,6 +168,8 @@ void ZrFormMgr::DrawLeft(QPainter& painter)
     painter.setPen(QPen(ZrTheme::formBdr, line));
     painter.setBrush(ZrTheme::formBack);
     painter.drawRoundedRect(panel, ZrTheme::rxy, ZrTheme::rxy);
+    if (m_hasTabNames)
+        DrawColumn(painter);
 
     const int current = CurrentPosition();
     const int step = ZrTheme::DpI(80);
@@ -175,7 +178,10 @@ void ZrFormMgr::DrawLeft(QPainter& painter)
         if (form->m_isTiered)
             continue;
         form->m_tab = QRect(0, m_tabHeight + position * step, m_tabWidth, step);
-        DrawTab(painter, *form, position == current);
+        if (m_hasTabNames)
+            DrawNamedTab(painter, *form, position == current);
+        else
+            DrawTab(painter, *form, position == current);
         ++position;
     }
     // Below the caption, on the grid of the forms.
@@ -227,6 +233,59 @@ void ZrFormMgr::DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent)
         return;
     m_tabImg = ZrTheme::ColourImg(form.m_icon, isCurrent ? ZrTheme::ctrlCol : ZrTheme::bodyCol);
     painter.drawImage(icon, m_tabImg);
+}
+
+/// The surface of tabs with names: together with the panel one sheet, with a line between them.
+void ZrFormMgr::DrawColumn(QPainter& painter) const
+{
+    const int line = std::max(1, ZrTheme::DpI(2));
+    const QRectF column = QRectF(0, 0, m_tabWidth + line, height());
+    painter.save();
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.setClipRect(column);
+    painter.setPen(QPen(ZrTheme::formBdr, line));
+    painter.setBrush(ZrTheme::formBack);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(line / 2.0, line / 2.0, -line / 2.0, -line / 2.0),
+        ZrTheme::rxy, ZrTheme::rxy);
+    painter.restore();
+    const int thin = std::max(1, ZrTheme::DpI(1));
+    painter.fillRect(QRectF(m_tabWidth, line, thin, height() - 2 * line), ZrTheme::gridCol);
+    QFont font = ZrTheme::fontLarge;
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(ZrTheme::titleCol);
+    const int left = ZrTheme::DpI(20);
+    ZrCtrlLook::PaintText(painter, QRect(left, 0, m_tabWidth - left - ZrTheme::DpI(8), m_tabHeight),
+        tr("Settings"), Qt::AlignLeft);
+}
+
+/// The one that is current is filled, and has a bar at the outer edge: its state is not told by colour alone.
+void ZrFormMgr::DrawNamedTab(QPainter& painter, const ZrForm& form, bool isCurrent)
+{
+    const int gap = ZrTheme::DpI(8);
+    const QRect tab = form.m_tab.adjusted(gap, gap / 2, -gap, -gap / 2);
+    painter.setPen(Qt::NoPen);
+    if (isCurrent) {
+        painter.setBrush(ZrTheme::formMgr);
+        painter.drawRoundedRect(tab, ZrTheme::rxy, ZrTheme::rxy);
+        QColor bar = ZrTheme::ctrlCheckCol;
+        bar.setAlpha(255);
+        painter.setBrush(bar);
+        const double wide = std::max(2, ZrTheme::DpI(5));
+        painter.drawRoundedRect(
+            QRectF(tab.left(), tab.top() + tab.height() / 4, wide, tab.height() / 2), wide / 2, wide / 2);
+    }
+    const QColor ink = isCurrent ? ZrTheme::ctrlCol : ZrTheme::bodyCol;
+    const int side = ZrTheme::DpI(32);
+    const QRect icon(tab.left() + ZrTheme::DpI(12), tab.center().y() - side / 2, side, side);
+    if (!form.m_icon.isNull()) {
+        m_tabImg = ZrTheme::ColourImg(form.m_icon, ink);
+        painter.drawImage(icon, m_tabImg);
+    }
+    painter.setFont(ZrTheme::fontLarge);
+    painter.setPen(ink);
+    const QRect name = tab.adjusted(icon.right() - tab.left() + ZrTheme::DpI(12), 0, -gap / 2, 0);
+    painter.drawText(name, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, form.m_name);
 }
 
 void ZrFormMgr::DrawTop(QPainter& /*painter*/) { }

@@ -44,6 +44,10 @@ public:
     int m_tabWidth = 0; ///< real pixels
     int m_tabHeight = 0;
 
+    /// The tabs show the names of their forms beside the icons, on a surface of their own, and are wider for
+    /// it. Set before the panel is shown.
+    bool m_hasTabNames = false;
+
     explicit ZrFormMgr(QWidget* parent);
     ~ZrFormMgr() override;
 
@@ -73,6 +77,9 @@ public:
 public Q_SLOTS:
     void OnClose(); ///< hides the panel
 
+Q_SIGNALS:
+    void FormShown(); ///< `m_form`, by `SetToForm`
+
 protected:
     bool event(QEvent* event) override; ///< tool tips of the tabs
     void paintEvent(QPaintEvent* event) override;
@@ -86,6 +93,8 @@ protected:
 
 private:
     void DrawTab(QPainter& painter, const ZrForm& form, bool isCurrent);
+    void DrawNamedTab(QPainter& painter, const ZrForm& form, bool isCurrent);
+    void DrawColumn(QPainter& painter) const;
     QRect FormArea() const;
     QRect CloseArea() const; ///< where a tap closes
 

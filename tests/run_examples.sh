@@ -100,6 +100,47 @@ status=0
 status=0
 "$bin/ex_record_survey" /proc/none 5 2>"$dir/errors" >/dev/null || status=$?
 [ "$status" -eq 2 ] && [ -s "$dir/errors" ] || { echo "a folder that cannot be made gave exit code $status"; exit 1; }
+# Sentences are recorded from each source; each log begins with the plan.
+fix() { printf '$GPGGA,1200%02d.00,4828.800,N,06830.900,W,1,08,1.0,0.0,M,0.0,M,,' "$1"; }
+sentence() {
+    local body sum=0 i
+    body=$(fix "$1")
+    for ((i = 1; i < ${#body}; ++i)); do sum=$((sum ^ $(printf '%d' "'${body:i:1}"))); done
+    printf '%s*%02X\r\n' "$body" "$sum"
+}
+for second in 0 1 2 3 4; do sentence "$second"; done >"$dir/boat.nmea"
+mkdir "$dir/nmea"
+"$bin/ex_record_nmea" "$dir/nmea" "file:$dir/boat.nmea" >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }
+grep -qE 'nmea_[0-9]{8}_[0-9]{6}\.log: 5 lines, 5 positions, 11 items$' "$dir/out" || { cat "$dir/out"; exit 1; }
+LC_ALL=C grep -qaP 'W\x00a\x00y\x00p\x00o\x00i\x00n\x00t\x00s|Waypoints' "$dir"/nmea/*.log || { echo "no plan in the log"; exit 1; }
+mkdir "$dir/again"
+"$bin/ex_record_nmea" "$dir/again" "log:$(ls "$dir"/nmea/*.log)" >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }
+grep -qE ': [0-9]+ lines, 5 positions, 1[0-9] items$' "$dir/out" || { cat "$dir/out"; exit 1; }
+# A server, found by the port that it tells; a port that is not there is waited for; one that no port has is refused.
+mkdir "$dir/tcp" "$dir/udp" "$dir/serial"
+python3 - "$dir/boat.nmea" "$dir/port" <<'END' &
+import os, socket, sys
+server = socket.create_server(("127.0.0.1", 0))
+open(sys.argv[2] + ".part", "w").write(str(server.getsockname()[1]))
+os.rename(sys.argv[2] + ".part", sys.argv[2])
+server.settimeout(30)
+client, _ = server.accept()
+client.sendall(open(sys.argv[1], "rb").read())
+client.settimeout(30)
+client.recv(1)
+END
+server=$!
+for ((i = 0; i < 300; ++i)); do [ -e "$dir/port" ] && break; sleep 0.1; done
+"$bin/ex_record_nmea" "$dir/tcp" "tcp:127.0.0.1:$(cat "$dir/port")" 3 >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }
+wait "$server"
+grep -qE ': 5 lines, 5 positions, 11 items$' "$dir/out" || { cat "$dir/out"; exit 1; }
+"$bin/ex_record_nmea" "$dir/serial" serial:/dev/no-such-port:4800 1.5 >"$dir/out" 2>"$dir/errors" || { cat "$dir/errors"; exit 1; }
+grep -q 'No such file' "$dir/out" || { echo "the missing port is not told"; cat "$dir/out"; exit 1; }
+status=0
+"$bin/ex_record_nmea" "$dir/serial" serial:/dev/no-such-port:4801 1 >/dev/null 2>"$dir/errors" || status=$?
+[ "$status" -eq 2 ] && [ -s "$dir/errors" ] || { echo "a speed that no port has gave exit code $status"; exit 1; }
+"$bin/ex_record_nmea" "$dir/udp" udp:0 1 >/dev/null 2>"$dir/errors" && { echo "port 0 is no port"; exit 1; }
+grep -q '^Usage: ' "$dir/errors"
 # A plan left unsaved is taken up from its draft, which is gone once it is saved.
 "$bin/ex_plan_draft" "$dir/draft.json" >"$dir/out"
 grep -qx 'Not saved, the draft remains' "$dir/out"

@@ -11,6 +11,8 @@
 #include "apps/ZrSurvey/FormDisplay.h"
 #include "apps/ZrSurvey/FormRecording.h"
 #include "apps/ZrSurvey/FormSonar.h"
+#include "apps/ZrSurvey/FormSources.h"
+#include "apps/ZrSurvey/SurveySource.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -31,6 +33,7 @@ private Q_SLOTS:
     void badPrefix();
     void events();
     void sonar();
+    void changedElsewhere();
     void about();
     void folder();
     void savedAtOnce();
@@ -66,9 +69,9 @@ void tst_SurveyForms::recording()
     Type(Input(*form, QStringLiteral("Name")), QStringLiteral("nord"));
     QCOMPARE(Settings().recordPrefix, QStringLiteral("nord"));
     QVERIFY(changed.count() > 0);
-    Type(Input(*form, QStringLiteral("New file after, MB")), QStringLiteral("650"));
-    Type(Input(*form, QStringLiteral("New file after, minutes")), QStringLiteral("45"));
-    Type(Input(*form, QStringLiteral("Stop below, MB")), QStringLiteral("900"));
+    Type(Input(*form, QStringLiteral("Largest file, MB")), QStringLiteral("650"));
+    Type(Input(*form, QStringLiteral("Longest file, min")), QStringLiteral("45"));
+    Type(Input(*form, QStringLiteral("Keep free, MB")), QStringLiteral("900"));
     QCOMPARE(Settings().splitMegabytes, 650);
     QCOMPARE(Settings().splitMinutes, 45);
     QCOMPARE(Settings().stopBelowMegabytes, 900);
@@ -78,14 +81,14 @@ void tst_SurveyForms::recording()
     QCOMPARE(Settings().splitMinutes, 45);
     QCOMPARE(Settings().stopBelowMegabytes, 900);
     form = Shown<FormRecording>();
-    QCOMPARE(Input(*form, QStringLiteral("Stop below, MB"))->QLineEdit::text(), QStringLiteral("900"));
+    QCOMPARE(Input(*form, QStringLiteral("Keep free, MB"))->QLineEdit::text(), QStringLiteral("900"));
     QCOMPARE(Input(*form, QStringLiteral("Name"))->QLineEdit::text(), QStringLiteral("nord"));
 }
 
 void tst_SurveyForms::outOfRange()
 {
     auto* form = Shown<FormRecording>();
-    ZrInput* input = Input(*form, QStringLiteral("Stop below, MB"));
+    ZrInput* input = Input(*form, QStringLiteral("Keep free, MB"));
     Type(input, QStringLiteral("12"));
     QCOMPARE(Settings().stopBelowMegabytes, 500);
     QVERIFY(RowWithProblem(*form).contains(QStringLiteral("50")));
@@ -159,6 +162,32 @@ void tst_SurveyForms::sonar()
     form = Shown<FormSonar>();
     QCOMPARE(form->findChildren<ZrSlider*>()[1]->Value(), 4.0);
     QVERIFY(form->findChildren<ZrPaletteBtn*>()[4]->on);
+}
+
+/// An open form shows what an Undo, a shortcut or another window has changed; what is being typed stays.
+void tst_SurveyForms::changedElsewhere()
+{
+    auto* sources = Shown<FormSources>();
+    Settings().source = SurveySource::udp;
+    Settings().udpPort = 4711;
+    m_view->SettingsEdited();
+    Settle();
+    QVERIFY(Button(*sources, SurveySource::Name(SurveySource::udp))->on);
+    QVERIFY(!Button(*sources, SurveySource::Name(SurveySource::simulator))->on);
+    ZrInput* port = Input(*sources, QStringLiteral("Port"));
+    QCOMPARE(port->QLineEdit::text(), QStringLiteral("4711"));
+    Type(port, QStringLiteral("123"));
+    QCOMPARE(Settings().udpPort, 123);
+    QCOMPARE(port->cursorPosition(), 3);
+    Type(port, QStringLiteral("99999"));
+    QCOMPARE(port->QLineEdit::text(), QStringLiteral("99999"));
+    QVERIFY(!RowWithProblem(*sources).isEmpty());
+
+    auto* sonar = Shown<FormSonar>();
+    auto* gain = sonar->findChild<ZrSlider*>();
+    Settings().gain = 6.0;
+    m_view->SettingsEdited();
+    QCOMPARE(gain->Value(), 6.0);
 }
 
 void tst_SurveyForms::about()

@@ -2,7 +2,10 @@
 
 #include "SurveyFormsWindow.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrFormFrame.h"
+#include "apps/ZrSurvey/FormDisplay.h"
 #include "apps/ZrSurvey/FormRecording.h"
+#include "apps/ZrSurvey/FormSonar.h"
 #include "apps/ZrSurvey/FormSources.h"
 #include "apps/ZrSurvey/SurveySource.h"
 
@@ -23,6 +26,9 @@ private Q_SLOTS:
     void layout();
     void inputsAreReadable_data();
     void inputsAreReadable();
+    void namesFit_data();
+    void namesFit();
+    void pageBehind();
     void scrolls();
 };
 
@@ -96,7 +102,7 @@ void tst_SurveyFormsScreen::inputsAreReadable()
     QFETCH(int, scheme);
     m_view->SetColours(scheme);
     auto* form = Shown<FormRecording>();
-    ZrInput* input = Input(*form, QStringLiteral("Stop below, MB"));
+    ZrInput* input = Input(*form, QStringLiteral("Keep free, MB"));
     const auto contrast = [input] {
         input->clearFocus();
         Settle();
@@ -117,6 +123,55 @@ void tst_SurveyFormsScreen::inputsAreReadable()
     Type(input, QStringLiteral("8888x"));
     const double wrong = contrast();
     QVERIFY2(wrong >= 4.5, qPrintable(QString::number(wrong)));
+}
+
+void tst_SurveyFormsScreen::namesFit_data()
+{
+    layout_data();
+}
+
+/// The forms lie within the window with room around them, and no name of a tab is cut.
+void tst_SurveyFormsScreen::namesFit()
+{
+    QFETCH(int, scale);
+    QFETCH(QSize, size);
+    SetScale(scale);
+    m_view->resize(size);
+    Settle();
+    m_view->ShowSettings(QString());
+    const ZrFormMgr& forms = m_view->forms();
+    const QRect free = m_view->rect().adjusted(8, 44, -8, -8);
+    QVERIFY(free.contains(forms.geometry()));
+    const QFontMetrics metrics(ZrTheme::fontLarge);
+    QVERIFY(ZrTheme::fontLarge.pixelSize() >= 14);
+    for (const ZrForm* form : forms.m_forms) {
+        if (form->m_isTiered)
+            continue;
+        const QRect room = form->m_tab.adjusted(ZrTheme::DpI(64), 0, -ZrTheme::DpI(12), 0);
+        const QRect name
+            = metrics.boundingRect(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, form->m_name);
+        QVERIFY2(room.contains(name), qPrintable(form->m_name));
+    }
+}
+
+/// Dark behind forms that want to be read, as it is behind those whose effect it shows.
+void tst_SurveyFormsScreen::pageBehind()
+{
+    auto* frame = m_view->findChild<ZrFormFrame*>();
+    QVERIFY(frame->isHidden());
+    for (ZrForm* form : qAsConst(m_view->forms().m_forms)) {
+        m_view->ShowSettings(form->m_name);
+        Settle();
+        QVERIFY(frame->isVisible());
+        QCOMPARE(frame->geometry(), m_view->rect());
+        const bool isLive = qobject_cast<FormSonar*>(form) || qobject_cast<FormDisplay*>(form);
+        QVERIFY2(frame->IsDark() != isLive, qPrintable(form->m_name));
+    }
+    m_view->ShowSettings(Form<FormRecording>()->m_name);
+    QTest::mouseClick(
+        frame, Qt::LeftButton, Qt::NoModifier, QPoint(m_view->width() - 4, m_view->height() - 4));
+    QVERIFY(m_view->forms().isHidden());
+    QVERIFY(frame->isHidden());
 }
 
 void tst_SurveyFormsScreen::scrolls()

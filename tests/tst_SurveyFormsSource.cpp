@@ -38,8 +38,8 @@ void tst_SurveyFormsSource::sources()
         }
         return captions.join(QLatin1Char(','));
     };
-    QCOMPARE(inputs(), QStringLiteral("Speed of time,Current,Set"));
-    Type(Input(*form, QStringLiteral("Set")), QStringLiteral("275"));
+    QCOMPARE(inputs(), QStringLiteral("Speed of time, \u00d7,Current, m/s,Set, \u00b0"));
+    Type(Input(*form, QStringLiteral("Set, \u00b0")), QStringLiteral("275"));
     Click(Button(*form, SurveySource::Name(SurveySource::udp)));
     QCOMPARE(Settings().source, int(SurveySource::udp));
     QCOMPARE(inputs(), QStringLiteral("Port"));
@@ -136,20 +136,21 @@ void tst_SurveyFormsSource::wordsOfTheState_data()
     QTest::addColumn<int>("bad");
     QTest::addColumn<QString>("text");
     const double unknown = std::nan("");
-    QTest::newRow("just begun") << int(SurveyFeed::receiving) << unknown << true << 0 << "receiving";
-    QTest::newRow("few") << int(SurveyFeed::receiving) << 0.96 << true << 0 << "receiving 1.0 sentences/s";
-    QTest::newRow("some") << int(SurveyFeed::receiving) << 9.96 << true << 0 << "receiving 10 sentences/s";
-    QTest::newRow("many") << int(SurveyFeed::receiving) << 1234.4 << false << 0 << "receiving 1234 records/s";
-    QTest::newRow("damaged") << int(SurveyFeed::receiving) << 5.0 << true << 7
+    QTest::newRow("just begun") << int(ZrSourceFacts::receiving) << unknown << true << 0 << "receiving";
+    QTest::newRow("few") << int(ZrSourceFacts::receiving) << 0.96 << true << 0 << "receiving 1.0 sentences/s";
+    QTest::newRow("some") << int(ZrSourceFacts::receiving) << 9.96 << true << 0 << "receiving 10 sentences/s";
+    QTest::newRow("many") << int(ZrSourceFacts::receiving) << 1234.4 << false << 0
+                          << "receiving 1234 records/s";
+    QTest::newRow("damaged") << int(ZrSourceFacts::receiving) << 5.0 << true << 7
                              << "receiving 5.0 sentences/s, 7 bad lines";
-    QTest::newRow("silent") << int(SurveyFeed::silent) << 5.0 << true << 0 << "silent for 12 s";
-    QTest::newRow("unreadable") << int(SurveyFeed::unreadable) << 0.0 << true << 9
+    QTest::newRow("silent") << int(ZrSourceFacts::silent) << 5.0 << true << 0 << "silent for 12 s";
+    QTest::newRow("unreadable") << int(ZrSourceFacts::unreadable) << 0.0 << true << 9
                                 << "unreadable: no NMEA sentence in 9 lines";
-    QTest::newRow("waiting") << int(SurveyFeed::waiting) << unknown << false << 0 << "waiting for data";
-    QTest::newRow("failed") << int(SurveyFeed::failed) << unknown << false << 0 << "Broken";
-    QTest::newRow("troubled") << int(SurveyFeed::troubled) << unknown << false << 3 << "Broken";
-    QTest::newRow("finished") << int(SurveyFeed::finished) << unknown << false << 0 << "at its end";
-    QTest::newRow("none") << int(SurveyFeed::none) << unknown << false << 0 << "no source";
+    QTest::newRow("waiting") << int(ZrSourceFacts::waiting) << unknown << false << 0 << "waiting for data";
+    QTest::newRow("failed") << int(ZrSourceFacts::failed) << unknown << false << 0 << "Broken";
+    QTest::newRow("troubled") << int(ZrSourceFacts::troubled) << unknown << false << 3 << "Broken";
+    QTest::newRow("finished") << int(ZrSourceFacts::finished) << unknown << false << 0 << "at its end";
+    QTest::newRow("none") << int(ZrSourceFacts::none) << unknown << false << 0 << "no source";
 }
 
 void tst_SurveyFormsSource::wordsOfTheState()
@@ -158,8 +159,8 @@ void tst_SurveyFormsSource::wordsOfTheState()
     QFETCH(double, rate);
     QFETCH(bool, isText);
     QFETCH(int, bad);
-    SurveyFeed::Facts facts;
-    facts.state = static_cast<SurveyFeed::eState>(state);
+    ZrSourceFacts facts;
+    facts.state = static_cast<ZrSourceFacts::eState>(state);
     facts.perSecond = rate;
     facts.isText = isText;
     facts.badLines = static_cast<quint64>(bad);
@@ -172,18 +173,19 @@ void tst_SurveyFormsSource::unitOfTheCurrent()
 {
     Settings().simCurrent = 1.0;
     auto* form = Shown<FormSources>();
-    QCOMPARE(Input(*form, QStringLiteral("Current"))->QLineEdit::text(), QStringLiteral("1.00"));
+    QCOMPARE(Input(*form, QStringLiteral("Current, m/s"))->QLineEdit::text(), QStringLiteral("1.00"));
     Form<ZrFmApp>()->OnUom(1);
-    QCOMPARE(Input(*form, QStringLiteral("Current"))->QLineEdit::text(), QStringLiteral("1.94"));
+    const QString caption = QStringLiteral("Current, ") + ZrUnits::GetSpeedUnits();
+    QCOMPARE(Input(*form, caption)->QLineEdit::text(), QStringLiteral("1.94"));
     QCOMPARE(Settings().simCurrent, 1.0);
-    Type(Input(*form, QStringLiteral("Current")), QStringLiteral("3.88"));
+    Type(Input(*form, caption), QStringLiteral("3.88"));
     QVERIFY(std::abs(Settings().simCurrent - 2.0) < 0.01);
     Shown<FormDisplay>();
     Shown<FormSources>();
-    QStringList helps;
+    QStringList units;
     for (int row = 0; row < form->RowCount(); ++row)
-        helps.append(form->Help(row));
-    QVERIFY(helps.join(QLatin1Char('|')).contains(ZrUnits::GetSpeedUnits()));
+        units.append(form->Unit(row));
+    QVERIFY(units.contains(ZrUnits::GetSpeedUnits()));
 }
 
 GL_TEST_MAIN(tst_SurveyFormsSource)

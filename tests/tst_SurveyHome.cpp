@@ -342,13 +342,13 @@ void tst_SurveyHome::tilesFollow()
     QCOMPARE(Tile(2)->Value(), S("Off"));
     QVERIFY(Tile(3)->Note().startsWith(S("About ")) || Tile(3)->Note() == S("For more than a year"));
 
-    SurveyFeed::Facts facts;
-    facts.state = SurveyFeed::troubled;
+    ZrSourceFacts facts;
+    facts.state = ZrSourceFacts::troubled;
     facts.reason = S("Host not found");
     m_view->Model().feed.Set(S("2 boat:1"), facts);
     QCOMPARE(Tile(1)->Note(), S("Host not found"));
     QCOMPARE(Tile(1)->State(), ZrValueTile::error);
-    facts.state = SurveyFeed::receiving;
+    facts.state = ZrSourceFacts::receiving;
     m_view->Model().feed.Set(S("2 boat:1"), facts);
     QCOMPARE(Tile(1)->Value(), S("Receiving"));
 }

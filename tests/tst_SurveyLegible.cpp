@@ -360,7 +360,7 @@ void tst_SurveyLegible::keysInEveryColour()
     Settle();
     ZrInput* least = nullptr;
     for (ZrInput* input : Form<FormRecording>()->findChildren<ZrInput*>())
-        least = input->caption == S("Stop below, MB") ? input : least;
+        least = input->caption == S("Keep free, MB") ? input : least;
     QVERIFY(least);
     Click(least);
     auto* keys = m_view->findChild<ZrInputDlg*>();

@@ -1,7 +1,6 @@
 // What the page "Record" says when a recording ends or goes wrong, for how long there is room, and where its
 // map has things.
 
-#include "MarkTranslator.h"
 #include "SmallFiles.h"
 #include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapGesture.h"
@@ -18,7 +17,6 @@
 #include "apps/ZrSurvey/SurveySource.h"
 
 #include <QSignalSpy>
-#include <QTcpServer>
 
 class tst_SurveyRecordTrouble : public SurveyRecordWindow
 {
@@ -32,7 +30,6 @@ private Q_SLOTS:
     void diskThatFails();
     void onOtherPages();
     void sourceThatEnds();
-    void connectionInAnotherLanguage();
     void timeLeftOfAges();
     void timeLeftOfTheSource();
     void timeLeftOfAnEarlierRecording();
@@ -254,30 +251,6 @@ void tst_SurveyRecordTrouble::sourceThatEnds()
     QVERIFY(!Banner()->isVisible());
 }
 
-/// Before anything is recorded, by what comes; the recording then says the same but for what varies.
-/// Whatever the translators call it, a connection that stands is no trouble any more.
-void tst_SurveyRecordTrouble::connectionInAnotherLanguage()
-{
-    const MarkTranslator marks;
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    const quint16 port = server.serverPort();
-    server.close();
-    SurveySettings& settings = m_view->Model().settings;
-    settings.source = SurveySource::tcp;
-    settings.tcpHost = QStringLiteral("127.0.0.1");
-    settings.tcpPort = port;
-    Open();
-    SurveyFeed& feed = m_view->Model().feed;
-    QTRY_COMPARE(feed.State(), SurveyFeed::troubled);
-    // The reason alone.
-    QVERIFY2(!feed.Text().isEmpty() && !feed.Text().contains(QStringLiteral("127.0.0.1"))
-            && !feed.Text().contains(QStringLiteral("again")),
-        qPrintable(feed.Text()));
-    QVERIFY(server.listen(QHostAddress::LocalHost, port));
-    QTRY_COMPARE_WITH_TIMEOUT(feed.State(), SurveyFeed::waiting, 15000);
-}
-
 void tst_SurveyRecordTrouble::timeLeftOfAges()
 {
     m_view->Model().settings.source = SurveySource::udp;
@@ -288,6 +261,7 @@ void tst_SurveyRecordTrouble::timeLeftOfAges()
         Tile(QStringLiteral("Free space"))->Note(), QStringLiteral("> 1 year left"), 15000);
 }
 
+/// Before anything is recorded, by what comes; the recording then says the same but for what varies.
 void tst_SurveyRecordTrouble::timeLeftOfTheSource()
 {
     m_view->Model().settings.simSpeed = 1.0;

@@ -41,6 +41,9 @@ private Q_SLOTS:
     void tabsAreDrawn();
     void currentTabIsHighlighted();
     void parentsTabIsHighlighted();
+    void tabsWithNames();
+    void namesAreDrawn();
+    void tellsOfTheFormShown();
     void imageWithoutSize();
     void formsAreDeleted();
     void formThatGoesByItself();
@@ -324,6 +327,67 @@ void tst_ZrFormMgr::parentsTabIsHighlighted()
     const QImage image = Shown();
     QVERIFY(!HasColour(image.copy(a->m_tab), bar));
     QVERIFY(HasColour(image.copy(b->m_tab), bar));
+}
+
+/// Wider, and the forms right of them; all else is as without.
+void tst_ZrFormMgr::tabsWithNames()
+{
+    m_mgr->m_hasTabNames = true;
+    ZrFormPage* a = Add(QStringLiteral("A"));
+    ZrFormPage* b = Add(QStringLiteral("B"));
+    m_mgr->resize(700, 460);
+    Shown();
+    const int wide = ZrTheme::DpI(216);
+    QCOMPARE(m_mgr->m_tabWidth, wide);
+    QCOMPARE(m_mgr->m_tabHeight, ZrTheme::DpI(50));
+    QCOMPARE(m_mgr->grip, QRect(wide, 0, 700 - wide, ZrTheme::DpI(50)));
+    QCOMPARE(a->m_tab, QRect(0, ZrTheme::DpI(50), wide, ZrTheme::DpI(80)));
+    QCOMPARE(b->m_tab, a->m_tab.translated(0, ZrTheme::DpI(80)));
+    const int margin = ZrTheme::DpI(20);
+    QCOMPARE(a->geometry(),
+        QRect(wide + margin, ZrTheme::DpI(50), 700 - 2 * margin - wide, 460 - margin - ZrTheme::DpI(50)));
+    QTest::mouseClick(m_mgr, Qt::LeftButton, Qt::NoModifier, b->m_tab.center() + QPoint(wide / 3, 0));
+    QCOMPARE(m_mgr->m_form, b);
+}
+
+void tst_ZrFormMgr::namesAreDrawn()
+{
+    m_mgr->m_hasTabNames = true;
+    ZrFormPage* a = Add(QStringLiteral("IIIII"));
+    ZrFormPage* b = Add(QStringLiteral("Long name of two lines"));
+    m_mgr->resize(700, 460);
+    QColor bar = ZrTheme::ctrlCheckCol;
+    bar.setAlpha(255);
+    const QImage image = Shown();
+    const int left = ZrTheme::DpI(60); // of the names
+    const QRect name = a->m_tab.adjusted(left, 0, 0, 0);
+    QVERIFY(HasColour(image.copy(name), ZrTheme::ctrlCol));
+    const int edge = ZrTheme::DpI(4); // of the panel
+    QVERIFY(!HasColour(image.copy(b->m_tab.adjusted(edge, 0, -edge, 0)), ZrTheme::ctrlCol));
+    QVERIFY(HasColour(image.copy(b->m_tab.adjusted(left, 0, 0, 0)), ZrTheme::bodyCol));
+    QVERIFY(HasColour(image.copy(a->m_tab), bar));
+    QVERIFY(!HasColour(image.copy(b->m_tab), bar));
+    // On one surface with the forms; the name of another one is another picture.
+    QCOMPARE(image.pixelColor(b->m_tab.right() - 4, b->m_tab.bottom() + ZrTheme::DpI(60)).rgb(),
+        ZrTheme::formBack.rgb());
+    a->m_name = QStringLiteral("WWWWW");
+    QVERIFY(Painted(*m_mgr).copy(name) != image.copy(name));
+}
+
+void tst_ZrFormMgr::tellsOfTheFormShown()
+{
+    Add(QStringLiteral("A"));
+    ZrFormPage* b = Add(QStringLiteral("B"));
+    ZrForm* shown = nullptr;
+    int count = 0;
+    connect(m_mgr, &ZrFormMgr::FormShown, this, [&] {
+        shown = m_mgr->m_form;
+        ++count;
+    });
+    m_mgr->SetToForm(QStringLiteral("B"));
+    QCOMPARE(shown, b);
+    m_mgr->SetToForm(QStringLiteral("none"));
+    QCOMPARE(count, 1);
 }
 
 void tst_ZrFormMgr::imageWithoutSize()

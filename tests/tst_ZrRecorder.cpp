@@ -19,6 +19,15 @@ ZrRecorder::Options In(const QTemporaryDir& dir)
     return options;
 }
 
+/// On a volume that has \p freeBytes, whatever that is when it is asked; it must outlive the recorder.
+ZrRecorder::Options On(const QTemporaryDir& dir, const qint64& freeBytes, qint64 stopBelow)
+{
+    ZrRecorder::Options options = In(dir);
+    options.stopBelow = stopBelow;
+    options.freeSpace = [&freeBytes] { return freeBytes; };
+    return options;
+}
+
 } // namespace
 
 class tst_ZrRecorder : public QObject
@@ -174,10 +183,7 @@ void tst_ZrRecorder::stopsBeforeTheDiskIsFull()
 {
     const QTemporaryDir dir;
     qint64 freeBytes = 10000;
-    ZrRecorder::Options options = In(dir);
-    options.stopBelow = 5000;
-    options.freeSpace = [&freeBytes] { return freeBytes; };
-    ZrRecorder recorder(options, nullptr);
+    ZrRecorder recorder(On(dir, freeBytes, 5000), nullptr);
     QSignalSpy failed(&recorder, &ZrRecorder::Failed);
     QString error;
     QVERIFY(recorder.Start(&error));
@@ -300,11 +306,8 @@ void tst_ZrRecorder::recordsKeepTheirTime()
 void tst_ZrRecorder::recordsCountForTheDisk()
 {
     const QTemporaryDir dir;
-    ZrRecorder::Options options = In(dir);
     qint64 freeBytes = 1000000;
-    options.stopBelow = 1000;
-    options.freeSpace = [&freeBytes] { return freeBytes; };
-    ZrRecorder recorder(options, nullptr);
+    ZrRecorder recorder(On(dir, freeBytes, 1000), nullptr);
     QSignalSpy failed(&recorder, &ZrRecorder::Failed);
     QString error;
     QVERIFY(recorder.Start(&error));
@@ -319,9 +322,7 @@ void tst_ZrRecorder::whyItEnded()
 {
     const QTemporaryDir dir;
     qint64 freeBytes = 10000;
-    ZrRecorder::Options options = In(dir);
-    options.stopBelow = 5000;
-    options.freeSpace = [&freeBytes] { return freeBytes; };
+    ZrRecorder::Options options = On(dir, freeBytes, 5000);
     ZrRecorder recorder(options, nullptr);
     QCOMPARE(recorder.Failure(), ZrRecorder::failureNone);
     QVERIFY(!recorder.AddEvent(ZrLogEvt(1.0, esUser, QStringLiteral("before"))));

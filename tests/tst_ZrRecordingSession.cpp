@@ -84,6 +84,7 @@ private Q_SLOTS:
     void liveWithoutRecording();
     void recordsWhatComes();
     void plansAndStateComeFirst();
+    void planIsMadeOnItsThread();
     void eventsHaveTimeAndPosition();
     void eventsOfASourceWithItsOwnTime();
     void eventsWithoutPosition();
@@ -226,6 +227,40 @@ void tst_ZrRecordingSession::recordsWhatComes()
     QCOMPARE(m_session->Status().damagedLines, u64(1));
     QCOMPARE(m_session->Status().bytes, u64(QFileInfo(file).size()));
     QVERIFY(!m_session->News().isRecording);
+}
+
+/// A long plan takes its time, and the caller does not wait; what is stopped meanwhile ends all the same.
+void tst_ZrRecordingSession::planIsMadeOnItsThread()
+{
+    const QTemporaryDir dir;
+    ZrRecordingSession session;
+    ZrRecorder::Options options;
+    options.dir = dir.path();
+    options.stopBelow = 0;
+    options.plan = "none of this";
+    QSemaphore mayGoOn;
+    std::atomic<QThread*> maker{nullptr};
+    const auto make = [&] {
+        maker = QThread::currentThread();
+        mayGoOn.acquire();
+        return QByteArray("made");
+    };
+    session.Start(options, make);
+    QCOMPARE(session.Recording(), ZrRecordingSession::recordingStarting);
+    QTRY_VERIFY(maker.load());
+    QVERIFY(maker.load() != thread());
+    QCOMPARE(session.Recording(), ZrRecordingSession::recordingStarting);
+    mayGoOn.release();
+    QTRY_COMPARE(session.Recording(), ZrRecordingSession::recordingOn);
+    session.Stop();
+    QTRY_COMPARE(session.Recording(), ZrRecordingSession::recordingOff);
+    QCOMPARE(ReadLog(session.Status().file).front().payload, QByteArray("made"));
+
+    session.Start(options, make);
+    session.Stop();
+    mayGoOn.release();
+    QTRY_COMPARE(session.Recording(), ZrRecordingSession::recordingOff);
+    QCOMPARE(ReadLog(session.Status().file).front().payload, QByteArray("made"));
 }
 
 void tst_ZrRecordingSession::plansAndStateComeFirst()

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void columns();
     void hiddenRows();
     void problems();
+    void units();
     void longHelp();
     void rowsThatAreNone();
     void valuesAreShown();
@@ -204,6 +205,41 @@ void tst_ZrRowForm::problems()
 }
 
 /// A text that needs more lines moves what is below.
+/// In the input's right end, clear of its text, and in the words of the keyboard on the screen.
+void tst_ZrRowForm::units()
+{
+    auto* input = new ZrInput(m_form->Body());
+    const int row = m_form->AddRow(S("Size"), S("Help"), {input}, ZrRowForm::beside);
+    QCOMPARE(input->caption, S("Size"));
+    QCOMPARE(m_form->Unit(row), QString());
+    const int before = input->textMargins().right();
+    m_form->SetUnit(row, S("MB"));
+    QCOMPARE(m_form->Unit(row), S("MB"));
+    QCOMPARE(input->caption, S("Size, MB"));
+    const int small = input->textMargins().right();
+    QVERIFY(small > before);
+    QWidget* sign = input->findChildren<QWidget*>().last();
+    QCOMPARE(sign->geometry(), QRect(input->width() - small, 0, small, input->height()));
+    const QImage with = input->grab().toImage();
+    m_form->SetUnit(row, S("nautical miles"));
+    QVERIFY(input->textMargins().right() > small);
+    QVERIFY(input->grab().toImage() != with);
+    // A touch goes to the input.
+    QVERIFY(sign->testAttribute(Qt::WA_TransparentForMouseEvents));
+    m_form->resize(m_form->width() + 100, m_form->height());
+    QCOMPARE(sign->geometry().right(), input->width() - 1);
+    m_form->SetUnit(row, QString());
+    QCOMPARE(input->caption, S("Size"));
+    QCOMPARE(input->textMargins().right(), before);
+    // A row without an input has none.
+    const int other = m_form->AddRow(S("Other"), S("Help"), {m_form->Button("B")}, ZrRowForm::beside);
+    m_form->SetUnit(other, S("MB"));
+    m_form->SetUnit(-1, S("MB"));
+    m_form->SetUnit(99, S("MB"));
+    QCOMPARE(m_form->Unit(other), QString());
+    QCOMPARE(m_form->Unit(99), QString());
+}
+
 void tst_ZrRowForm::longHelp()
 {
     m_form->show();

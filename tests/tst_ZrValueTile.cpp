@@ -49,6 +49,9 @@ private Q_SLOTS:
     void longValueFits();
     void longCaptionAndNoteFit();
     void noteMakesRoom();
+    void lowTileIsOneLine_data();
+    void lowTileIsOneLine();
+    void noteWithoutRoom();
     void repaintsOnlyForChanges();
     void clicks();
     void noRoom();
@@ -246,6 +249,53 @@ void tst_ZrValueTile::noteMakesRoom()
     QCOMPARE(InkBox(Painted(tile)), alone);
     tile.SetNoteRoom(true);
     QCOMPARE(InkBox(Painted(tile)), above);
+}
+
+void tst_ZrValueTile::lowTileIsOneLine_data()
+{
+    QTest::addColumn<int>("height");
+    for (const int height : {28, 32, 40, 46})
+        QTest::addRow("%d", height) << height;
+}
+
+/// Nothing is cut: the caption at the left, the value as large as there is room at the right.
+void tst_ZrValueTile::lowTileIsOneLine()
+{
+    QFETCH(int, height);
+    ZrValueTile tile(nullptr, S("Heading"));
+    tile.resize(160, height);
+    tile.Set(S("336.5"), S("°"));
+    const QVector<DrawnText> texts = TextDevice::Of(tile);
+    QCOMPARE(texts.size(), 2);
+    QCOMPARE(texts[0].text, S("Heading"));
+    QCOMPARE(texts[1].text, S("336.5°"));
+    QVERIFY(texts[1].ink.left() > texts[0].ink.right());
+    for (const DrawnText& text : texts) {
+        QVERIFY2(QRectF(tile.rect()).contains(text.ink), qPrintable(text.text));
+        QVERIFY(std::abs(text.ink.center().y() - height / 2.0) < 4.0);
+        QVERIFY(text.pixels >= 14);
+    }
+    tile.Set(S("0"), S("s"));
+    for (const DrawnText& text : TextDevice::Of(tile))
+        QVERIFY2(QRectF(tile.rect()).contains(text.ink), qPrintable(text.text));
+}
+
+/// It is left out before the value is cut for it.
+void tst_ZrValueTile::noteWithoutRoom()
+{
+    ZrValueTile tile(nullptr, S("Depth"));
+    tile.Set(S("17.8"), S("m"));
+    tile.resize(160, 62);
+    const QImage without = Painted(tile);
+    tile.SetNote(S("12 s ago"));
+    QCOMPARE(Painted(tile), without);
+    tile.resize(160, 80);
+    QStringList said;
+    for (const DrawnText& text : TextDevice::Of(tile)) {
+        said.append(text.text);
+        QVERIFY2(QRectF(tile.rect()).contains(text.ink), qPrintable(text.text));
+    }
+    QVERIFY2(said.contains(S("12 s ago")), qPrintable(said.join(QLatin1Char('|'))));
 }
 
 void tst_ZrValueTile::repaintsOnlyForChanges()

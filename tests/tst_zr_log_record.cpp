@@ -119,7 +119,9 @@ private Q_SLOTS:
     void udp();
     void tcp();
     void replayedFile();
+    void stopsWhenTheDiskIsNearlyFull_data();
     void stopsWhenTheDiskIsNearlyFull();
+    void unitsAreTold();
     void refusals_data();
     void refusals();
     void takenPortLeavesNoLog();
@@ -249,15 +251,44 @@ void tst_zr_log_record::replayedFile()
     QCOMPARE(ReadLog(result.value(QStringLiteral("path")).toString()).size(), std::size_t(100));
 }
 
+/// More than any volume of a test machine has free; told as it was given.
+void tst_zr_log_record::stopsWhenTheDiskIsNearlyFull_data()
+{
+    QTest::addColumn<QString>("least");
+    QTest::addColumn<QByteArray>("told");
+    QTest::newRow("megabytes") << QStringLiteral("1e9") << QByteArray("1000 TB");
+    QTest::newRow("a unit") << QStringLiteral("900TB") << QByteArray("900 TB");
+    QTest::newRow("in 1024s") << QStringLiteral("800TiB") << QByteArray("880 TB");
+    QTest::newRow("with a blank, small letters") << QStringLiteral("900000 gb") << QByteArray("900 TB");
+    QTest::newRow("bytes") << QStringLiteral("9e14B") << QByteArray("900 TB");
+}
+
 void tst_zr_log_record::stopsWhenTheDiskIsNearlyFull()
 {
+    QFETCH(QString, least);
+    QFETCH(QByteArray, told);
     const QTemporaryDir dir;
-    // Close to a pebibyte, which no volume of a test machine has free.
-    Recording recording(
-        {dir.path(), QStringLiteral("--stdin"), QStringLiteral("--min-free"), QStringLiteral("1e9")});
+    Recording recording({dir.path(), QStringLiteral("--stdin"), QStringLiteral("--min-free"), least});
     QCOMPARE(recording.Finish(), 3);
-    QVERIFY2(recording.Messages().contains("recording needs at least"), recording.Messages());
+    QVERIFY2(recording.Messages().contains("recording needs at least " + told), recording.Messages());
     QCOMPARE(LogsIn(dir), QStringList());
+}
+
+void tst_zr_log_record::unitsAreTold()
+{
+    const QTemporaryDir dir;
+    Recording help({QStringLiteral("--help")});
+    QCOMPARE(help.Finish(), 0);
+    const QByteArray text = help.Output();
+    QVERIFY2(text.contains("less than M MB are free (100)"), text);
+    QVERIFY2(text.contains("a million bytes, given and told"), text);
+    Recording recording(
+        {dir.path(), QStringLiteral("--stdin"), QStringLiteral("--min-free"), QStringLiteral("0")});
+    recording.Feed(QByteArray(1955, 'x') + "\n");
+    recording.EndInput();
+    QCOMPARE(recording.Finish(), 0);
+    const QByteArray result = recording.Output();
+    QVERIFY2(result.contains("Size        2.04 kB (2044 bytes)\n"), result);
 }
 
 void tst_zr_log_record::refusals_data()
@@ -280,6 +311,11 @@ void tst_zr_log_record::refusals_data()
     QTest::newRow("speed without file")
         << QStringList({dir, QStringLiteral("--stdin"), QStringLiteral("--speed"), QStringLiteral("2")}) << 1
         << QByteArray("--nmea-file");
+    for (const char* least : {"-1", "1e10", "1001TB", "2 XB", "MB", "nan", "1  GB", "1GBB", "0x10MB", ""}) {
+        QTest::addRow("least free space \"%s\"", least) << QStringList(
+            {dir, QStringLiteral("--stdin"), QStringLiteral("--min-free"), QLatin1String(least)})
+                                                        << 1 << QByteArray("--min-free");
+    }
     QTest::newRow("missing file") << QStringList(
         {dir, QStringLiteral("--nmea-file"), QStringLiteral("/nonexistent/boat.nmea")})
                                   << 2 << QByteArray("Cannot read /nonexistent/boat.nmea");

@@ -9,6 +9,10 @@
 ///
 /// UTM values are those of the zone of the position; the projection of the process stays as it is.
 /// User-interface thread only.
+///
+/// \code
+/// tile->Set(ZrPositionShown::Text(state.latitude.value, state.longitude.value), QString());
+/// \endcode
 class ZR_KIT_EXPORT ZrPositionShown
 {
 public:

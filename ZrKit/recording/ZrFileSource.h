@@ -12,6 +12,10 @@ class QTimer;
 ///
 /// A line is delivered when the time that the sentences have told so far is due. A step backwards in time, or
 /// one forward of more than `MaxGap` seconds, is not waited for.
+///
+/// \code
+/// session.Open([path] { return new ZrFileSource(path, 10.0, nullptr); }); // ten times as fast
+/// \endcode
 class ZR_KIT_EXPORT ZrFileSource : public ZrLineSource
 {
     Q_OBJECT

@@ -14,6 +14,10 @@ class QTimer;
 /// Every item is given as a record with its own time, texts, plans and events too; compressed payloads are
 /// unpacked. A step backwards in time, or one forward of more than `MaxGap` seconds, is not waited for. A log
 /// that is damaged is given up to there; `Trouble` says so before `Finished`.
+///
+/// \code
+/// session.Open([path] { return new ZrLogSource(path, 1.0, nullptr); });
+/// \endcode
 class ZR_KIT_EXPORT ZrLogSource : public ZrLineSource
 {
     Q_OBJECT

@@ -124,6 +124,11 @@ void ZrRecordingSession::Close()
 
 void ZrRecordingSession::Start(const ZrRecorder::Options& options)
 {
+    Start(options, {});
+}
+
+void ZrRecordingSession::Start(const ZrRecorder::Options& options, const MakePlan& makePlan)
+{
     if (m_recording != recordingOff)
         return;
     m_failure = ZrRecorder::failureNone;
@@ -131,7 +136,7 @@ void ZrRecordingSession::Start(const ZrRecorder::Options& options)
     ZrRecorder::Options complete = options;
     complete.writesHead = true;
     complete.logsReason = true;
-    Do([complete](ZrRecordingWorker& worker) { worker.Start(complete); });
+    Do([complete, makePlan](ZrRecordingWorker& worker) { worker.Start(complete, makePlan); });
 }
 
 void ZrRecordingSession::Stop()

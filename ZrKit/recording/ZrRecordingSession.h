@@ -25,6 +25,7 @@ class ZrRecordingWorker;
 /// session.AddEvent(tr("Target"));
 /// session.Stop();
 /// \endcode
+/// `ex_record_survey` records a simulated vehicle with it, `ex_record_nmea` all other sources.
 ///
 /// A recording goes on over changes and failures of its source; it ends by `Stop`, or by itself before the
 /// disk is full. Logs begin with the plan and the latest records (`ZrRecorder::Options::writesHead`), and
@@ -58,6 +59,9 @@ public:
     /// Makes the source, on the session's own thread, where it lives and ends. Null for none.
     using MakeSource = std::function<ZrLineSource*()>;
 
+    /// Makes the plan of a recording likewise, in the line form of a settings store: it may take its time.
+    using MakePlan = std::function<QByteArray()>;
+
     explicit ZrRecordingSession(QObject* parent = nullptr);
 
     /// \p clock gives seconds that never go back, for ages of values; called on both threads.
@@ -88,6 +92,9 @@ public:
     /// `Options::writesHead` and `logsReason` are always set.
     /// @{
     void Start(const ZrRecorder::Options& options);
+
+    /// \param makePlan gives `Options::plan`
+    void Start(const ZrRecorder::Options& options, const MakePlan& makePlan);
     void Stop();
 
     eRecording Recording() const { return m_recording; }

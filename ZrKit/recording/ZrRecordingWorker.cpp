@@ -102,13 +102,15 @@ void ZrRecordingWorker::Close()
         m_tick->stop();
 }
 
-void ZrRecordingWorker::Start(const ZrRecorder::Options& options)
+void ZrRecordingWorker::Start(ZrRecorder::Options options, const MakePlan& makePlan)
 {
     if (m_recorder && m_recorder->IsRecording()) {
         Q_EMIT StartFailed(QCoreApplication::translate("ZrRecordingWorker", "A recording is going on"),
             ZrRecorder::failureNone);
         return;
     }
+    if (makePlan)
+        options.plan = makePlan();
     m_recorder = std::make_unique<ZrRecorder>(options, nullptr);
     connect(m_recorder.get(), &ZrRecorder::Warning, this, &ZrRecordingWorker::Trouble);
     connect(m_recorder.get(), &ZrRecorder::Failed, this, &ZrRecordingWorker::End);

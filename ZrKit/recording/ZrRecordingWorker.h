@@ -22,13 +22,14 @@ class ZrRecordingWorker : public QObject
 
 public:
     using MakeSource = std::function<ZrLineSource*()>;
+    using MakePlan = std::function<QByteArray()>;
 
     explicit ZrRecordingWorker(std::function<double()> clock);
     ~ZrRecordingWorker() override;
 
     void Open(const MakeSource& make);
     void Close();
-    void Start(const ZrRecorder::Options& options);
+    void Start(ZrRecorder::Options options, const MakePlan& makePlan); ///< the latter may be empty
     void Stop();
 
     void MeasureSpace(const QString& dir);

@@ -12,6 +12,11 @@ class QTimer;
 ///
 /// A port that is not there, or goes away, is told by `Lost` once and tried again every `RetryMs` until it
 /// can be opened: adapters are plugged in late, and pulled out. Not available under Windows.
+///
+/// \code
+/// const QString port = ZrSerialSource::Ports().value(0); // adapters first; empty when there is none
+/// session.Open([port] { return new ZrSerialSource(port, 4800, nullptr); });
+/// \endcode
 class ZR_KIT_EXPORT ZrSerialSource : public ZrLineSource
 {
     Q_OBJECT

@@ -7,6 +7,10 @@ class QTimer;
 
 /// Lines from a TCP server. A connection that fails or breaks is told by `Lost` once and tried again every
 /// `RetryMs` until it stands.
+///
+/// \code
+/// session.Open([] { return new ZrTcpSource(QStringLiteral("192.168.1.20"), 10110, nullptr); });
+/// \endcode
 class ZR_KIT_EXPORT ZrTcpSource : public ZrLineSource
 {
     Q_OBJECT

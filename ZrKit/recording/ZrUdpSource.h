@@ -5,6 +5,10 @@
 class QUdpSocket;
 
 /// Lines from the datagrams that arrive at a UDP port of any address. The end of a datagram ends a line.
+///
+/// \code
+/// session.Open([] { return new ZrUdpSource(10110, nullptr); });
+/// \endcode
 class ZR_KIT_EXPORT ZrUdpSource : public ZrLineSource
 {
     Q_OBJECT

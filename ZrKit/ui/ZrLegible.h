@@ -8,6 +8,11 @@
 ///
 /// Design sizes become real ones through `ZrTheme`; in a small window they would fall below what an arm's
 /// length allows. Real pixels are Qt's logical pixels. User-interface thread only.
+///
+/// \code
+/// painter.setFont(ZrLegible::Font(15)); // 15 design pixels, and never under 14 real ones
+/// painter.drawText(area, Qt::AlignLeft, caption);
+/// \endcode
 class ZR_KIT_EXPORT ZrLegible
 {
 public:
@@ -24,12 +29,13 @@ public:
     /// While it lives, the design of the theme is no larger than a window of \p w × \p h real pixels shows
     /// with `LeastScale`. For the time in which the view scales the theme:
     ///
-    ///     void View::resizeGL(int w, int h)
-    ///     {
-    ///         const ZrLegible::Scale scale(w, h);
-    ///         ZrAppView::resizeGL(w, h);
-    ///     }
-    ///
+    /// \code
+    /// void View::resizeGL(int w, int h)
+    /// {
+    ///     const ZrLegible::Scale scale(w, h);
+    ///     ZrAppView::resizeGL(w, h);
+    /// }
+    /// \endcode
     /// The design that the user has chosen is back in force afterwards.
     class ZR_KIT_EXPORT Scale
     {

@@ -1,5 +1,6 @@
 #include "ZrKit/ui/ZrRowForm.h"
 
+#include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrCtrlLook.h"
 #include "ZrUtil/ZrInput.h"
@@ -60,6 +61,51 @@ private:
     ZrRowForm& m_form;
     int m_pressY = 0;
     int m_pressValue = 0;
+};
+
+/// In the right end of an input, which keeps its text clear of it.
+class ZrRowForm::UnitSign : public QWidget
+{
+public:
+    explicit UnitSign(ZrInput& input)
+        : QWidget(&input)
+        , m_input(input)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        show();
+    }
+
+    const QString& Text() const { return m_text; }
+
+    void SetText(const QString& text)
+    {
+        m_text = text;
+        // As who cannot see it reads it with the value.
+        m_input.setAccessibleDescription(text);
+        Place();
+    }
+
+    void Place()
+    {
+        const int wide
+            = m_text.isEmpty() ? 0 : QFontMetrics(ZrLegible::Font(18)).horizontalAdvance(m_text) + 3 * Gap();
+        m_input.setTextMargins(0, 0, wide, 0);
+        setGeometry(m_input.width() - wide, 0, wide, m_input.height());
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setFont(ZrLegible::Font(18));
+        painter.setPen(ZrTheme::bodyCol);
+        painter.drawText(rect().adjusted(0, 0, -2 * Gap(), 0), Qt::AlignRight | Qt::AlignVCenter, m_text);
+    }
+
+private:
+    ZrInput& m_input;
+    QString m_text;
 };
 
 ZrRowForm::ZrRowForm(QWidget* parent)
@@ -129,6 +175,26 @@ void ZrRowForm::SetHelp(int row, const QString& help)
 QString ZrRowForm::Help(int row) const
 {
     return m_rows.value(row).help;
+}
+
+void ZrRowForm::SetUnit(int row, const QString& unit)
+{
+    if (row < 0 || row >= m_rows.size() || Unit(row) == unit)
+        return;
+    auto* input = qobject_cast<ZrInput*>(m_rows[row].controls.value(0));
+    if (!input)
+        return;
+    if (!m_rows[row].unit)
+        m_rows[row].unit = new UnitSign(*input);
+    m_rows[row].unit->SetText(unit);
+    const QString& title = m_rows[row].title;
+    input->caption = unit.isEmpty() ? title : QStringLiteral("%1, %2").arg(title, unit);
+}
+
+QString ZrRowForm::Unit(int row) const
+{
+    const QPointer<UnitSign> unit = m_rows.value(row).unit;
+    return unit ? unit->Text() : QString();
 }
 
 void ZrRowForm::SetProblem(int row, const QString& problem)
@@ -261,6 +327,8 @@ void ZrRowForm::PlaceControls(const Row& row, const QRect& area, int each) const
         const int y = area.y() + i / row.columns * (each + gap);
         row.controls[i]->setGeometry(edge(column), y, edge(column + 1) - edge(column) - gap, each);
     }
+    if (row.unit)
+        row.unit->Place();
 }
 
 void ZrRowForm::PaintRows(QPainter& painter) const

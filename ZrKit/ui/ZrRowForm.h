@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrUtil/ZrForm.h"
 
+#include <QPointer>
 #include <QVector>
 
 class QScrollArea;
@@ -56,6 +57,11 @@ public:
     void SetHelp(int row, const QString& help);
     QString Help(int row) const;
 
+    /// The unit of the row's input, shown in its right end, and behind its title where that is its caption:
+    /// "MB"; empty for none.
+    void SetUnit(int row, const QString& unit);
+    QString Unit(int row) const;
+
     /// Says in place of the help text, in the colour of errors, what is wrong; empty for nothing.
     void SetProblem(int row, const QString& problem);
     QString Problem(int row) const;
@@ -72,6 +78,7 @@ protected:
 
 private:
     class Panel;
+    class UnitSign;
 
     struct Row
     {
@@ -79,6 +86,7 @@ private:
         QString help;
         QString problem;
         QVector<QWidget*> controls;
+        QPointer<UnitSign> unit; ///< of an input; null for none
         ePlace place;
         int columns;
         bool isShown = true;

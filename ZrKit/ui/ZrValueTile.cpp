@@ -30,6 +30,23 @@ QColor ColourOf(ZrValueTile::eState state)
     return ZrTheme::ctrlCol;
 }
 
+int CaptionHeight()
+{
+    return QFontMetrics(ZrLegible::Font(15)).height();
+}
+
+/// Too low for a value that is larger than its caption below it: they stand beside one another.
+bool IsFlat(const QRect& area)
+{
+    return area.height() < CaptionHeight() + ZrLegible::LeastText * 5 / 3;
+}
+
+/// And for the value, as well.
+bool HasNoteRoom(const QRect& area)
+{
+    return area.height() >= 2 * CaptionHeight() + ZrLegible::LeastText * 3 / 2;
+}
+
 } // namespace
 
 ZrValueTile::ZrValueTile(QWidget* parent, const QString& caption)
@@ -142,12 +159,18 @@ QRect ZrValueTile::Area() const
     return rect().adjusted(margin, ZrTheme::DpI(6), -margin, -ZrTheme::DpI(6));
 }
 
-/// Between caption and note.
+/// Between caption and note, or right of the caption in a flat one.
 QRect ZrValueTile::ValueArea() const
 {
     const QRect area = Area();
-    const int line = QFontMetrics(ZrLegible::Font(15)).height();
-    const int bottom = area.bottom() - (m_hasNoteRoom || !m_note.isEmpty() ? line : 0);
+    if (IsFlat(area)) {
+        // Digits reach no further than their line: the margins above and below may be smaller.
+        const int caption = QFontMetrics(ZrLegible::Font(15)).horizontalAdvance(m_caption);
+        return area.adjusted(caption + ZrTheme::DpI(8), -ZrTheme::DpI(3), 0, ZrTheme::DpI(3));
+    }
+    const int line = CaptionHeight();
+    const bool hasNote = m_hasNoteRoom || (!m_note.isEmpty() && HasNoteRoom(area));
+    const int bottom = area.bottom() - (hasNote ? line : 0);
     return {area.x(), area.y() + line, area.width(), std::max(bottom - area.y() - line, 1)};
 }
 
@@ -196,9 +219,10 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
     const QFontMetrics smallSize = painter.fontMetrics();
-    painter.drawText(
-        area, Qt::AlignLeft | Qt::AlignTop, smallSize.elidedText(m_caption, Qt::ElideRight, area.width()));
-    if (!m_note.isEmpty()) {
+    const bool isFlat = IsFlat(area);
+    painter.drawText(area, Qt::AlignLeft | (isFlat ? Qt::AlignVCenter : Qt::AlignTop),
+        smallSize.elidedText(m_caption, Qt::ElideRight, area.width()));
+    if (!m_note.isEmpty() && !isFlat && (m_hasNoteRoom || HasNoteRoom(area))) {
         painter.drawText(area, Qt::AlignLeft | Qt::AlignBottom,
             smallSize.elidedText(m_note, Qt::ElideRight, area.width()));
     }
@@ -211,14 +235,18 @@ void ZrValueTile::paintEvent(QPaintEvent* /*event*/)
     painter.setFont(large);
     // What is not known draws no eyes.
     painter.setPen(value == dash && m_state == normal ? ZrTheme::bodyCol : colour);
-    painter.drawText(middle, Qt::AlignLeft | Qt::AlignVCenter, value);
     const QFontMetrics largeSize = painter.fontMetrics();
+    const int unitWidth = unit.isEmpty() ? 0 : smallSize.horizontalAdvance(unit) + ZrTheme::DpI(6);
+    const int wide = largeSize.horizontalAdvance(value);
+    const int x = isFlat ? std::max(middle.right() + 1 - wide - unitWidth, middle.x()) : middle.x();
+    painter.drawText(
+        QRect(x, middle.y(), wide + 1, middle.height()), Qt::AlignLeft | Qt::AlignVCenter, value);
     if (unit.isEmpty())
         return;
     const int baseline = middle.center().y() + (largeSize.ascent() - largeSize.descent()) / 2 + 1;
     painter.setFont(small);
     painter.setPen(ZrTheme::bodyCol);
-    painter.drawText(middle.x() + largeSize.horizontalAdvance(value) + ZrTheme::DpI(6), baseline, unit);
+    painter.drawText(x + wide + ZrTheme::DpI(6), baseline, unit);
 }
 
 void ZrValueTile::mousePressEvent(QMouseEvent* event)

@@ -9,4 +9,6 @@ class FormDisplay : public SurveyForm
 
 public:
     explicit FormDisplay(SurveyView& view);
+
+    bool IsLive() const override { return true; }
 };

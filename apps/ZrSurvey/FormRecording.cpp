@@ -18,13 +18,16 @@ FormRecording::FormRecording(SurveyView& view)
     AddFolder();
     AddText(tr("Name"), tr("Begins the name of every recording; date and time follow."),
         &SurveySettings::recordPrefix, &SurveySettings::PrefixProblem);
-    AddInteger(tr("New file after, MB"), tr("Megabytes after which a new file begins; 0 for one file."),
-        &SurveySettings::splitMegabytes, 0, SurveySettings::MostSplitMegabytes);
-    AddInteger(tr("New file after, minutes"), tr("Minutes after which a new file begins; 0 for one file."),
-        &SurveySettings::splitMinutes, 0, SurveySettings::MostSplitMinutes);
-    AddInteger(tr("Stop below, MB"),
-        tr("Recording ends cleanly when fewer megabytes are free on the volume of the folder."),
-        &SurveySettings::stopBelowMegabytes, SurveySettings::LeastStopBelow, SurveySettings::MostStopBelow);
+    SetUnit(AddInteger(tr("Largest file"), tr("A new file begins when one has this size; 0 for no limit."),
+                &SurveySettings::splitMegabytes, 0, SurveySettings::MostSplitMegabytes),
+        tr("MB"));
+    SetUnit(AddInteger(tr("Longest file"), tr("A new file begins when one is this old; 0 for no limit."),
+                &SurveySettings::splitMinutes, 0, SurveySettings::MostSplitMinutes),
+        tr("min"));
+    SetUnit(AddInteger(tr("Keep free"), tr("Recording ends cleanly when the disk has less free space."),
+                &SurveySettings::stopBelowMegabytes, SurveySettings::LeastStopBelow,
+                SurveySettings::MostStopBelow),
+        tr("MB"));
     AddLabels();
 }
 

@@ -9,4 +9,6 @@ class FormSonar : public SurveyForm
 
 public:
     explicit FormSonar(SurveyView& view);
+
+    bool IsLive() const override { return true; }
 };

@@ -43,16 +43,23 @@ FormSources::FormSources(SurveyView& view)
 
     const auto notEmpty
         = [](const QString& text) { return text.trimmed().isEmpty() ? tr("A name") : QString(); };
-    m_fields.append({SurveySource::simulator,
-        AddNumber(tr("Speed of time"), tr("The simulator's time runs so many times as fast."),
-            &SurveySettings::simSpeed, ZrInput::kindDouble, 1, SurveySettings::LeastSimSpeed,
-            SurveySettings::MostSimSpeed)});
-    m_currentRow = AddNumber(tr("Current"), QString(), &SurveySettings::simCurrent, ZrInput::kindSpeed, 2,
-        0.0, SurveySettings::MostSimCurrent);
-    m_fields.append({SurveySource::simulator, m_currentRow});
-    m_fields.append({SurveySource::simulator,
-        AddNumber(tr("Set"), tr("Degrees true, to where the current runs."), &SurveySettings::simSet,
-            ZrInput::kindDouble, 0, 0.0, 360.0)});
+    const int pace = AddNumber(tr("Speed of time"), tr("The simulator's time runs so many times as fast."),
+        &SurveySettings::simSpeed, ZrInput::kindDouble, 1, SurveySettings::LeastSimSpeed,
+        SurveySettings::MostSimSpeed);
+    SetUnit(pace, QChar(0x00D7)); // "×"
+    m_currentRow = AddNumber(tr("Current"), tr("Speed of the water over the ground."),
+        &SurveySettings::simCurrent, ZrInput::kindSpeed, 2, 0.0, SurveySettings::MostSimCurrent);
+    // Other units make another text of it.
+    for (ZrInput* input : Body()->findChildren<ZrInput*>()) {
+        if (input->kind == ZrInput::kindSpeed)
+            connect(input, &ZrInput::textChanged, this,
+                [this] { SetUnit(m_currentRow, ZrUnits::GetSpeedUnits()); });
+    }
+    const int set = AddNumber(tr("Set"), tr("True direction in which the current runs."),
+        &SurveySettings::simSet, ZrInput::kindDouble, 0, 0.0, 360.0);
+    SetUnit(set, ZrUnits::degrees);
+    for (const int row : {pace, m_currentRow, set})
+        m_fields.append({SurveySource::simulator, row});
     m_fields.append({SurveySource::udp,
         AddInteger(tr("Port"), tr("The UDP port on which NMEA sentences arrive."), &SurveySettings::udpPort,
             1, SurveySettings::MostPort)});
@@ -79,8 +86,7 @@ int FormSources::AddPorts()
     connect(choose, &ZrBtn::Clicked, this, &FormSources::ChoosePort);
     connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
         Settings().serialPort = m_ports->Items()[row].title;
-        ShowValues();
-        View().SettingsEdited();
+        View().SettingsEdited(); // which shows it, too
     });
     return AddRow(tr("Ports of this computer"), QString(), {choose}, beside);
 }
@@ -139,7 +145,7 @@ void FormSources::OnEdited()
     ShowRow(m_fileRow, kind == SurveySource::nmeaFile || kind == SurveySource::replay);
     const QString& file = Settings().sourceFile;
     SetHelp(m_fileRow, file.isEmpty() ? tr("No file is chosen yet.") : file);
-    SetHelp(m_currentRow, tr("Speed of the current, %1.").arg(ZrUnits::GetSpeedUnits()));
+    SetUnit(m_currentRow, ZrUnits::GetSpeedUnits());
     if (kind == SurveySource::serial) {
         const int count = ZrSerialSource::Ports().size();
         SetHelp(m_portsRow,
@@ -152,11 +158,11 @@ void FormSources::OnEdited()
 void FormSources::ShowFeed()
 {
     const SurveyFeed& feed = View().Model().feed;
-    const bool isTested = feed.Key() == SourceMaker::Key(Settings()) && feed.State() != SurveyFeed::none;
+    const bool isTested = feed.Key() == SourceMaker::Key(Settings()) && feed.State() != ZrSourceFacts::none;
     QString text = feed.Text();
     if (!text.isEmpty())
         text[0] = text[0].toUpper();
-    const bool isBad = isTested && SurveyFeed::IsBad(feed.State());
+    const bool isBad = isTested && feed.Facts().IsBad();
     SetProblem(m_stateRow, isBad ? text : QString());
     SetHelp(m_stateRow, isTested ? text : tr("Not opened yet."));
 }

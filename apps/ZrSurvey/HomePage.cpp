@@ -181,9 +181,9 @@ void HomePage::ShowState()
     const ZrRecorder::Status& status = recording.Status();
     const bool isOn = recording.IsOn();
     ::Show(*m_position, HomeState::Position(vehicle.Current(), vehicle.IsLive(), Age(m_fixClock)));
-    const SurveyFeed::eState feed = model.feed.State();
-    const bool isSilent = feed == SurveyFeed::silent; // the tile tells its age itself
-    const QString problem = SurveyFeed::IsBad(feed) && !isSilent ? model.feed.Text() : QString();
+    const ZrSourceFacts& feed = model.feed.Facts();
+    const bool isSilent = feed.state == ZrSourceFacts::silent; // the tile tells its age itself
+    const QString problem = feed.IsBad() && !isSilent ? model.feed.Text() : QString();
     ::Show(*m_data,
         HomeState::Data(SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock), problem));
     m_data->setToolTip(problem);

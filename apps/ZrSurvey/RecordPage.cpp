@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -72,6 +73,7 @@ RecordPage::RecordPage(SurveyView& view)
 {
     m_hasBackground = false;
     ZrValueTile::SetRow(m_figures);
+    ZrValueTile::SetRow(m_instruments);
     m_sonar.m_layers = {&m_sonarLayer};
     m_sonarLayer.SetRing(&m_waterfall.Ring());
     m_sonarLayer.m_isSmooth = true;
@@ -130,8 +132,12 @@ RecordPage::RecordPage(SurveyView& view)
     });
     connect(&m_session, &ZrRecordingSession::SourceLost, this, &RecordPage::OnTrouble);
     connect(&m_session, &ZrRecordingSession::SourceBack, this, [this] { OnTrouble(QString()); });
-    connect(&m_session, &ZrRecordingSession::Trouble, this,
-        [this](const QString& message) { View().Tell(message); });
+    connect(&m_session, &ZrRecordingSession::Trouble, this, [this](const QString& message) {
+        // The banner says that already, and stays.
+        const QString reason = View().Model().feed.Facts().reason;
+        if (!m_isLossTold || reason.isEmpty() || !message.contains(reason))
+            View().Tell(message);
+    });
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, [this] {
         ShowPlan();
         if (isVisible())
@@ -274,8 +280,9 @@ void RecordPage::ToggleRecording()
     options.warnBelow = 2 * options.stopBelow;
     options.splitBytes = settings.splitMegabytes * megabyte;
     options.splitSeconds = 60.0 * settings.splitMinutes;
-    options.plan = ZrPlanRecord::Encode(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
-    m_session.Start(options);
+    const auto plan
+        = std::make_shared<const ZrWpts>(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
+    m_session.Start(options, [plan] { return ZrPlanRecord::Encode(*plan); });
 }
 
 void RecordPage::OnRecording()
@@ -309,13 +316,6 @@ void RecordPage::EnableEvents()
     for (ZrBtn* button : qAsConst(m_events))
         button->setEnabled(isOn);
     m_addNote->setEnabled(isOn);
-}
-
-/// \p reason why the source has no connection; empty when it is back.
-void RecordPage::OnTrouble(const QString& reason)
-{
-    m_trouble = reason;
-    ShowSource();
 }
 
 void RecordPage::ToggleFollow()

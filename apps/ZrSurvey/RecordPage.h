@@ -3,8 +3,8 @@
 #include "ZrKit/map/ZrLiveWaterfall.h"
 #include "ZrKit/map/ZrMapSurface.h"
 #include "ZrKit/map/ZrWaterfallLayer.h"
-#include "ZrKit/recording/ZrArrivalRate.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
+#include "ZrKit/recording/ZrSourceWatch.h"
 #include "apps/ZrSurvey/LiveMap.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 #include "apps/ZrSurvey/SurveySettings.h"
@@ -94,6 +94,7 @@ private:
     void ShowSpaceLeft(qint64 freeBytes);
     void ShowSource();
     void TellFeed();
+    void TellLoss(const ZrSourceFacts& facts);
     void ShowSonar();
 
     ZrRecordingSession m_session;
@@ -137,10 +138,9 @@ private:
     QString m_openKey; ///< of the source that was opened
     SurveySettings m_opened; ///< its settings
     int m_fileKind = 0; ///< of the source that `m_files` asks for, a `SurveySource::eKind`
-    QByteArray m_openPlan; ///< that it runs
-    QString m_trouble; ///< of the source, while it is tried again; else empty
-    ZrArrivalRate m_arrivals;
-    ZrArrivalRate m_bytes; ///< that a recording would take
+    QByteArray m_openPlan; ///< that it runs, see `ZrRouteKey`
+    ZrSourceWatch m_watch;
+    bool m_isLossTold = false; ///< that nothing comes while it is recorded
     u64 m_sourceNumber = 0;
     double m_toldData = 0.0; ///< when the data came that the others were told of, of the session's clock
     double m_toldFix = 0.0; ///< likewise the position

@@ -126,12 +126,11 @@ void RecordPage::PlaceInstruments(const QRect& area)
 {
     const int gap = Gap();
     const int count = m_instruments.size();
-    const int room = area.height() - (count - 1) * gap;
-    int y = area.y();
+    // All of one height, for their values to be alike: what is over goes between them.
+    const int height = (area.height() - (count - 1) * gap) / count;
     for (int i = 0; i < count; ++i) {
-        const int height = room * (i + 1) / count - room * i / count;
+        const int y = area.y() + (area.height() - height) * i / (count - 1);
         m_instruments[i]->setGeometry(area.x(), y, area.width(), height);
-        y += height + gap;
     }
 }
 

@@ -1,30 +1,21 @@
-// What the page "Record" shows of its session, and where its data come from.
+// What the page "Record" shows of its session.
 
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPalettes.h"
-#include "ZrKit/recording/ZrSerialSource.h"
-#include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrByteText.h"
-#include "ZrKit/ui/ZrChoicePanel.h"
-#include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrNumberText.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
-#include "ZrUtil/ZrWpts.h"
 #include "apps/ZrSurvey/HomeState.h"
 #include "apps/ZrSurvey/RecordPage.h"
-#include "apps/ZrSurvey/SourceMaker.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
-#include <QByteArray>
 #include <QCoreApplication>
-#include <QDataStream>
-#include <QDateTime>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -36,7 +27,6 @@ namespace {
 constexpr double gainStep = 2.0; // dB
 constexpr int spaceTicks = 10; // free space is looked at so often
 constexpr qint64 megabyte = 1000000;
-constexpr double flowing = 1.0; // seconds without data, at most, while they flow
 constexpr double littleTime = 600.0; // seconds of recording left
 constexpr double lostAfter = 30.0; // seconds without a fix
 
@@ -51,78 +41,26 @@ QString FixName(double quality)
     return index < std::size(names) ? QCoreApplication::translate("RecordPage", names[index]) : QString();
 }
 
-QString TimeNow()
+QString AgeText(double seconds)
 {
-    const double now = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) * 1e-3;
-    return QCoreApplication::translate("RecordPage", "%1 UTC").arg(ZrTimeText::Clock(now));
+    const bool isLong = seconds >= 60.0;
+    const int whole = static_cast<int>(std::min(isLong ? seconds / 60.0 : seconds, 9999.0));
+    return isLong ? QCoreApplication::translate("RecordPage", "%1 min ago").arg(whole)
+                  : QCoreApplication::translate("RecordPage", "%1 s ago").arg(whole);
 }
 
-/// What the way along a plan depends on. Another key means another way; the form that plans are recorded in
-/// would tell as much, but takes seconds for a long one.
-QByteArray PlanKey(const ZrWpts& plan)
-{
-    QByteArray key;
-    QDataStream out(&key, QIODevice::WriteOnly);
-    out << plan.linked << plan.closed << plan.speedType << plan.speed << ZrWpts::s_msSlow
-        << ZrWpts::s_msMedium << ZrWpts::s_msFast;
-    for (ZrListPos* pos = plan.GetHeadPos(); pos;) {
-        const ZrWpt& wpt = *plan.GetNext(pos);
-        out << wpt.name << wpt.lat << wpt.lng << wpt.r << wpt.z << wpt.zType << wpt.alt << wpt.speed
-            << wpt.spdType << wpt.time << wpt.head << wpt.headType;
-    }
-    return key;
-}
-
-/// Shows \p text, dimmed when \p value is old.
+/// Shows \p text, dimmed and with its age when \p value is old.
 void ShowValue(
     ZrValueTile* tile, const ZrLiveValue& value, double now, const QString& text, const QString& unit)
 {
     tile->Set(value.IsKnown() ? text : QString(), unit);
-    tile->SetState(value.IsKnown() && !value.IsFresh(now) ? ZrValueTile::stale : ZrValueTile::normal);
+    const bool isOld = value.IsKnown() && !value.IsFresh(now);
+    tile->SetState(isOld ? ZrValueTile::stale : ZrValueTile::normal);
+    tile->SetNote(isOld ? AgeText(value.Age(now)) : QString());
+    tile->setToolTip(tile->Note());
 }
 
 } // namespace
-
-void RecordPage::OpenSource()
-{
-    const SurveySettings& settings = View().Model().settings;
-    const QString key = SourceMaker::Key(settings);
-    if (m_session.IsRecording() && key != m_openKey) {
-        View().Tell(tr("The recording goes on with another source: %1").arg(SurveySource::Describe(settings)),
-            tr("Undo"), [this, before = m_opened] { SetSource(before); });
-    }
-    m_opened = settings;
-    m_openKey = key;
-    m_openPlan = PlanKey(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
-    m_trouble.clear();
-    m_arrivals.Clear();
-    m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
-    ShowPlan();
-}
-
-bool RecordPage::IsPlanNew() const
-{
-    const SurveySettings& settings = View().Model().settings;
-    return settings.source == SurveySource::simulator && m_openKey == SourceMaker::Key(settings)
-        && m_openPlan != PlanKey(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
-}
-
-/// The simulated vehicle begins anew, unless its way is being recorded.
-void RecordPage::UsePlan()
-{
-    if (!IsPlanNew())
-        return;
-    if (m_session.Recording() == ZrRecordingSession::recordingOff)
-        OpenSource();
-    else
-        View().Tell(tr("The simulator runs the changed plan when the recording has ended"));
-}
-
-/// The vehicle's plan, or that which the simulated one runs.
-void RecordPage::ShowPlan()
-{
-    m_map.SetPlan(SourceMaker::PlanOf(View().Model().settings, View().Model().plan.Route()));
-}
 
 void RecordPage::MeasureSpace()
 {
@@ -130,110 +68,10 @@ void RecordPage::MeasureSpace()
         m_session.MeasureSpace(View().Model().settings.recordDir);
 }
 
-void RecordPage::ChooseSource()
-{
-    if (!m_sources) {
-        m_sources = new ZrChoicePanel(&View(), tr("Source of data"));
-        connect(m_sources, &ZrChoicePanel::Chosen, this, &RecordPage::UseSource);
-    }
-    SurveySettings settings = View().Model().settings;
-    QVector<ZrListItem> items;
-    for (int kind = 0; kind < SurveySource::Count; ++kind) {
-        settings.source = kind;
-        ZrListItem item;
-        item.title = SurveySource::Name(kind);
-        const QString what = SurveySource::Describe(settings);
-        item.subtitle = what == item.title ? tr("Runs the plan, or one of its own") : what;
-        items.append(item);
-    }
-    m_sources->SetItems(items, View().Model().settings.source);
-    m_sources->Open();
-}
-
-/// A port or a file is asked for first: until then, and when none is chosen, all stays as it is.
-void RecordPage::UseSource(int kind)
-{
-    if (kind == SurveySource::serial) {
-        ChoosePort();
-        return;
-    }
-    if (kind == SurveySource::nmeaFile || kind == SurveySource::replay) {
-        ChooseFile(kind);
-        return;
-    }
-    SurveySettings settings = View().Model().settings;
-    settings.source = kind;
-    SetSource(settings);
-}
-
-void RecordPage::SetSource(const SurveySettings& settings)
-{
-    View().Model().settings.TakeSource(settings);
-    View().SettingsEdited();
-    OpenSource();
-}
-
-/// The source that the settings name now, wherever they were changed; not one without a port or file while
-/// data are recorded, whose choice is not complete.
-void RecordPage::FollowSettings()
-{
-    const SurveySettings& settings = View().Model().settings;
-    if (m_openKey != SourceMaker::Key(settings) && (settings.HasSource() || !m_session.IsRecording()))
-        OpenSource();
-}
-
-void RecordPage::ChoosePort()
-{
-    const QString& known = View().Model().settings.serialPort;
-    QStringList ports = ZrSerialSource::Ports();
-    if (!known.isEmpty() && !ports.contains(known))
-        ports.append(known); // typed in the settings
-    if (ports.isEmpty()) {
-        View().Warn(tr("This computer has no serial port"));
-        return;
-    }
-    if (!m_ports) {
-        m_ports = new ZrChoicePanel(&View(), tr("Serial port"));
-        connect(m_ports, &ZrChoicePanel::Chosen, this, [this](int row) {
-            SurveySettings settings = View().Model().settings;
-            settings.source = SurveySource::serial;
-            settings.serialPort = m_ports->Items()[row].title;
-            SetSource(settings);
-        });
-    }
-    QVector<ZrListItem> items;
-    for (const QString& port : qAsConst(ports))
-        items.append({port, QString(), QString(), QImage(), false, QColor(), QVariant()});
-    m_ports->SetItems(items, ports.indexOf(known));
-    m_ports->Open();
-}
-
-void RecordPage::ChooseFile(int kind)
-{
-    m_fileKind = kind;
-    if (!m_files) {
-        m_files = new ZrFilePanel(&View(), tr("File to replay"));
-        m_files->SetMode(ZrFilePanel::openFile);
-        connect(m_files, &ZrFilePanel::FileChosen, this, [this](const QString& path) {
-            SurveySettings settings = View().Model().settings;
-            settings.source = m_fileKind;
-            settings.sourceFile = path;
-            SetSource(settings);
-        });
-    }
-    const SurveySettings& settings = View().Model().settings;
-    const bool isLog = kind == SurveySource::replay;
-    m_files->SetSuffixes(isLog ? QStringList{QStringLiteral("log")} : QStringList());
-    m_files->SetFolder(
-        settings.sourceFile.isEmpty() ? settings.recordDir : QFileInfo(settings.sourceFile).path());
-    m_files->Open();
-}
-
 void RecordPage::OnNews(const ZrRecordingNews& news)
 {
     if (news.source != m_sourceNumber) {
         m_sourceNumber = news.source;
-        m_bytes.Clear();
         View().Model().recording.SetSourceRate(0.0);
         m_map.m_way.Clear();
         m_waterfall.Clear();
@@ -372,72 +210,12 @@ void RecordPage::ShowSpaceLeft(qint64 freeBytes)
     m_free->SetState(left.seconds < littleTime ? ZrValueTile::warning : ZrValueTile::normal);
 }
 
-void RecordPage::TellFeed()
-{
-    const ZrRecordingNews& news = m_session.News();
-    const double now = m_session.Now();
-    const double age = now - news.state.lastData;
-    SurveyFeed::Facts facts;
-    facts.isText = news.lineCount > 0;
-    facts.badLines = news.damagedLines + news.droppedLines;
-    m_arrivals.Look(now, facts.isText ? news.lineCount - news.damagedLines : news.recordCount);
-    facts.perSecond = m_arrivals.PerSecond(now);
-    facts.age = age;
-    m_bytes.Look(now, news.byteCount);
-    const double rate = m_bytes.PerSecond(now);
-    if (age <= flowing && rate > 0.0) // what fades out is no rate
-        View().Model().recording.SetSourceRate(rate);
-    if (age <= ZrLiveValue::StaleAfter)
-        m_trouble.clear();
-    switch (m_session.Source()) {
-    case ZrRecordingSession::sourceNone:
-        facts.state = SurveyFeed::none;
-        break;
-    case ZrRecordingSession::sourceOpening:
-        facts.state = SurveyFeed::opening;
-        break;
-    case ZrRecordingSession::sourceFailed:
-        facts.state = SurveyFeed::failed;
-        facts.reason = m_session.SourceText();
-        break;
-    case ZrRecordingSession::sourceFinished:
-        facts.state = SurveyFeed::finished;
-        break;
-    case ZrRecordingSession::sourceOpen:
-        facts.reason = m_trouble;
-        facts.state = !m_trouble.isEmpty()                           ? SurveyFeed::troubled
-            : std::isfinite(age) && age > ZrLiveValue::StaleAfter    ? SurveyFeed::silent
-            : std::isfinite(age)                                     ? SurveyFeed::receiving
-            : facts.badLines > 2 && facts.badLines >= news.lineCount ? SurveyFeed::unreadable
-                                                                     : SurveyFeed::waiting;
-        break;
-    }
-    View().Model().feed.Set(m_openKey, facts);
-}
-
-/// A recording goes on when its source has ended; that should be known.
-void RecordPage::OnSource()
-{
-    SurveyRecording& recording = View().Model().recording;
-    const bool isEnded = m_session.Source() == ZrRecordingSession::sourceFinished
-        || m_session.Source() == ZrRecordingSession::sourceFailed;
-    if (isEnded && m_session.IsRecording()) {
-        SurveyRecording::Notice notice;
-        notice.text = tr("%1: the source has ended. The recording goes on without data.").arg(TimeNow());
-        notice.advice = tr("Stop the recording, or choose another source.");
-        recording.Tell(notice);
-    } else if (m_session.Source() == ZrRecordingSession::sourceOpen && !recording.Told().isOver) {
-        recording.Dismiss();
-    }
-    ShowSource();
-}
-
 /// The recording could not begin, or has ended without being asked.
 void RecordPage::OnFailed(const QString& message)
 {
     SurveyRecording::Notice notice;
     notice.isOver = true;
-    notice.text = QStringLiteral("%1: %2").arg(TimeNow(), message);
+    notice.text = QStringLiteral("%1: %2").arg(SurveyRecording::TimeNow(), message);
     notice.log = m_hasLog ? m_session.Status().file : QString();
     const QString folder = tr("choose another folder in Settings, Recording");
     switch (m_session.Failure()) {
@@ -464,17 +242,6 @@ void RecordPage::OnFailed(const QString& message)
 void RecordPage::OnEventsLost(const std::vector<ZrLogEvt>& events)
 {
     View().Model().unsaved.Add(m_session.Status().file, events, tr("the disk did not take them"));
-}
-
-void RecordPage::ShowSource()
-{
-    TellFeed();
-    const QString text = SurveySource::Describe(View().Model().settings) + QChar(QChar::LineSeparator)
-        + View().Model().feed.Text();
-    if (m_source->text == text)
-        return;
-    m_source->text = text;
-    m_source->Changed();
 }
 
 void RecordPage::ShowSonar()

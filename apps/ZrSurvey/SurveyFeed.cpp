@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-void SurveyFeed::Set(const QString& key, const Facts& facts)
+void SurveyFeed::Set(const QString& key, const ZrSourceFacts& facts)
 {
     const bool isSame = key == m_key && facts.state == m_facts.state && TextOf(facts) == Text();
     m_key = key;
@@ -11,33 +11,28 @@ void SurveyFeed::Set(const QString& key, const Facts& facts)
         Q_EMIT Changed();
 }
 
-bool SurveyFeed::IsBad(eState state)
-{
-    return state == silent || state == unreadable || state == troubled || state == failed;
-}
-
-QString SurveyFeed::TextOf(const Facts& facts)
+QString SurveyFeed::TextOf(const ZrSourceFacts& facts)
 {
     QString text;
     switch (facts.state) {
-    case none:
+    case ZrSourceFacts::none:
         return tr("no source");
-    case opening:
+    case ZrSourceFacts::opening:
         return tr("opening …");
-    case waiting:
+    case ZrSourceFacts::waiting:
         return tr("waiting for data");
-    case finished:
+    case ZrSourceFacts::finished:
         return tr("at its end");
-    case unreadable:
+    case ZrSourceFacts::unreadable:
         return facts.isText ? tr("unreadable: no NMEA sentence in %1 lines").arg(facts.badLines)
                             : tr("unreadable");
-    case troubled:
-    case failed:
+    case ZrSourceFacts::troubled:
+    case ZrSourceFacts::failed:
         return facts.reason;
-    case silent:
+    case ZrSourceFacts::silent:
         text = tr("silent for %1 s").arg(facts.age, 0, 'f', 0);
         break;
-    case receiving:
+    case ZrSourceFacts::receiving:
         if (!std::isfinite(facts.perSecond))
             text = tr("receiving");
         else if (facts.isText)

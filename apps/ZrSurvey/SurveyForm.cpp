@@ -12,6 +12,11 @@ SurveyForm::SurveyForm(SurveyView& view)
     : ZrRowForm(&view.forms())
     , m_survey(view)
 {
+    // An Undo, a shortcut or another form.
+    connect(&view, &SurveyView::SettingsChanged, this, [this] {
+        if (isVisible() && !m_isTelling)
+            ShowValues();
+    });
 }
 
 SurveySettings& SurveyForm::Settings() const
@@ -23,7 +28,10 @@ void SurveyForm::Edited()
 {
     if (m_isShowing)
         return;
+    // What is being typed stays as it is.
+    m_isTelling = true;
     View().SettingsEdited();
+    m_isTelling = false;
     OnEdited();
 }
 

@@ -18,6 +18,8 @@ class SurveyForm : public ZrRowForm
 public:
     explicit SurveyForm(SurveyView& view);
 
+    virtual bool IsLive() const { return false; } ///< the page behind shows at once what is set
+
 protected:
     SurveyView& View() const { return m_survey; }
 
@@ -58,4 +60,5 @@ private:
     SurveyView& m_survey;
     QVector<std::function<void()>> m_shows;
     bool m_isShowing = false;
+    bool m_isTelling = false; ///< of its own change
 };

@@ -1,5 +1,9 @@
 #include "apps/ZrSurvey/SurveyRecording.h"
 
+#include "ZrKit/review/ZrTimeText.h"
+
+#include <QDateTime>
+
 #include <algorithm>
 #include <cmath>
 
@@ -40,6 +44,12 @@ QString SurveyRecording::ElapsedText() const
         .arg(seconds / 3600)
         .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+QString SurveyRecording::TimeNow()
+{
+    const double now = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) * 1e-3;
+    return tr("%1 UTC").arg(ZrTimeText::Clock(now));
 }
 
 void SurveyRecording::Tell(const Notice& notice)

@@ -36,6 +36,8 @@ public:
     /// \name Notice
     /// Stays until it is dismissed or the next recording begins.
     /// @{
+    static QString TimeNow(); ///< that notices begin with: "13:04:18 UTC"
+
     const Notice& Told() const { return m_notice; }
 
     void Tell(const Notice& notice);

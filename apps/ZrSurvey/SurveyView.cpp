@@ -3,6 +3,7 @@
 #include "ZrKit/review/ZrLogScan.h"
 #include "ZrKit/settings/ZrAppSettings.h"
 #include "ZrKit/ui/ZrColourScheme.h"
+#include "ZrKit/ui/ZrFormFrame.h"
 #include "ZrKit/ui/ZrInputColours.h"
 #include "ZrKit/ui/ZrLegible.h"
 #include "ZrKit/ui/ZrNotice.h"
@@ -66,7 +67,13 @@ SurveyView::SurveyView(const QString& dataDir)
     m_save->setInterval(saveDelay);
     connect(m_save, &QTimer::timeout, this, &SurveyView::SaveSettings);
     m_forms = &forms();
+    m_forms->m_hasTabNames = true;
     m_forms->installEventFilter(this);
+    m_formFrame = new ZrFormFrame(*this, *m_forms);
+    m_formFrame->m_isLive = [](const ZrForm& form) {
+        const auto* own = qobject_cast<const SurveyForm*>(&form);
+        return own && own->IsLive();
+    };
     AddForms();
     AddPage(QStringLiteral("Home"), new HomePage(*this), true);
     AddLater<PlanPage>(QStringLiteral("Plan"));
@@ -194,6 +201,15 @@ void SurveyView::Warn(const QString& text)
 {
     PlaceToast();
     m_toast->Show(ZrToast::error, text);
+}
+
+/// At the left: forms whose effect the page shows leave it the rest of the window.
+void SurveyView::PlaceForms()
+{
+    const int margin = ZrTheme::DpI(24);
+    const int top = m_forms->y(); // below the band of the title
+    const int wide = std::min(ZrTheme::DpI(960), width() - 2 * margin);
+    m_forms->setGeometry(margin, top, wide, height() - top - margin);
 }
 
 /// The log of the library has no tab: with one more the tabs would not fit into the smallest window.
@@ -354,6 +370,7 @@ void SurveyView::resizeGL(int w, int h)
         const ZrLegible::Scale scale(w, h);
         ZrAppView::resizeGL(w, h);
     }
+    PlaceForms();
     // The library has set its standard style anew.
     ApplyColours();
 }

@@ -10,6 +10,7 @@ class SurveyClosing;
 class SurveyImport;
 class SurveyPage;
 class ZrFmLogging;
+class ZrFormFrame;
 class ZrFormMgr;
 class ZrRowForm;
 class ZrToast;
@@ -100,6 +101,7 @@ private:
     void LoadSettings();
     void ApplyColours();
     void PlaceToast();
+    void PlaceForms();
 
     std::unique_ptr<SurveyModel> m_model;
     ZrToast* m_toast;
@@ -110,6 +112,7 @@ private:
     ZrFormMgr* m_forms = nullptr; ///< the settings
     QVector<ZrRowForm*> m_rowForms;
     ZrFmLogging* m_logging = nullptr;
+    ZrFormFrame* m_formFrame = nullptr;
     QVector<Part> m_unbuilt;
     bool m_isFramed = false; ///< the first frame was on the screen
     bool m_isComplete = false;

@@ -17,6 +17,35 @@ std::optional<double> Parse(const std::string& text)
     return value;
 }
 
+/// In megabytes unless a unit follows.
+std::optional<double> ParseBytes(const std::string& text)
+{
+    struct Unit
+    {
+        const char* name;
+        double bytes;
+    };
+
+    static constexpr Unit units[] = {{"KiB", 0x1p10}, {"MiB", 0x1p20}, {"GiB", 0x1p30}, {"TiB", 0x1p40},
+        {"kB", 1e3}, {"MB", 1e6}, {"GB", 1e9}, {"TB", 1e12}, {"B", 1.0}};
+    QString number = QString::fromStdString(text);
+    double factor = 1e6;
+    for (const Unit& unit : units) {
+        const QLatin1String name(unit.name);
+        if (!number.endsWith(name, Qt::CaseInsensitive))
+            continue;
+        number.chop(name.size());
+        if (number.endsWith(QLatin1Char(' ')))
+            number.chop(1);
+        factor = unit.bytes;
+        break;
+    }
+    const std::optional<double> value = Parse(number.toStdString());
+    if (!value || !(*value >= 0.0) || *value * factor > cli::MostBytes)
+        return {};
+    return *value * factor;
+}
+
 } // namespace
 
 double cli::number(const std::string& text, double otherwise)
@@ -48,6 +77,21 @@ std::string cli::check_spacing(const std::string& text)
 std::string cli::check_heading(const std::string& text)
 {
     return check_number(text, -360.0, 360.0, "degrees");
+}
+
+double cli::bytes(const std::string& text)
+{
+    return ParseBytes(text).value_or(0.0);
+}
+
+std::string cli::check_bytes(const std::string& text)
+{
+    if (ParseBytes(text))
+        return {};
+    return QStringLiteral(
+        "\"%1\" is no number of megabytes, nor one with a unit such as GB or MiB, from 0 to 1000 TB")
+        .arg(QString::fromStdString(text))
+        .toStdString();
 }
 
 QString cli::metres_text(double metres)

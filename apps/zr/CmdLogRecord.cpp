@@ -5,6 +5,7 @@
 #include "CliExit.h"
 #include "CliHelp.h"
 #include "CliMessages.h"
+#include "CliNumber.h"
 #include "CliOutput.h"
 #include "CliSignals.h"
 #include "CliText.h"
@@ -13,6 +14,7 @@
 #include "ZrKit/recording/ZrStdinSource.h"
 #include "ZrKit/recording/ZrTcpSource.h"
 #include "ZrKit/recording/ZrUdpSource.h"
+#include "ZrKit/ui/ZrByteText.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,6 +31,7 @@ namespace {
 constexpr int signalCheckMs = 50;
 
 constexpr u16 highestPort = 65535;
+constexpr qint64 gigabyte = 1000000000;
 
 struct Options
 {
@@ -40,7 +43,7 @@ struct Options
     std::string file;
     double speed = 1.0;
     int source = 1;
-    double minFreeMib = 100.0;
+    std::string minFree = "100"; ///< see `cli::bytes`
     bool json = false;
 };
 
@@ -77,6 +80,12 @@ std::unique_ptr<ZrLineSource> MakeSource(const Options& options)
     return std::make_unique<ZrTcpSource>(host, port, nullptr);
 }
 
+/// In thousands, as the recorder's messages are and the limit is given.
+QString SizeText(u64 bytes)
+{
+    return ZrByteText::Of(static_cast<double>(bytes)).Text();
+}
+
 /// The line that a terminal shows while recording.
 class StatusLine
 {
@@ -86,11 +95,11 @@ public:
         if (!m_terminal)
             return;
         QString text = QStringLiteral("\r\033[K%1  %2  %3/s  %4 items/s")
-                           .arg(cli::count_text(status.items, "item", "items"), cli::size_text(status.bytes),
-                               cli::size_text(static_cast<u64>(status.bytesPerSecond)),
+                           .arg(cli::count_text(status.items, "item", "items"), SizeText(status.bytes),
+                               SizeText(static_cast<u64>(status.bytesPerSecond)),
                                QString::number(status.itemsPerSecond, 'f', 1));
         if (status.freeBytes >= 0)
-            text += QStringLiteral("  %1 free").arg(cli::size_text(static_cast<u64>(status.freeBytes)));
+            text += QStringLiteral("  %1 free").arg(SizeText(static_cast<u64>(status.freeBytes)));
         if (status.secondsLeft >= 0.0)
             text += QStringLiteral(" (%1 h)").arg(status.secondsLeft / 3600.0, 0, 'f', 1);
         Write(text);
@@ -138,7 +147,7 @@ void PrintResult(const Options& options, const ZrRecorder::Status& status, u64 d
         CliOutput::Get().Line(QString::fromLatin1(name).leftJustified(12) + value);
     };
     field("Log", status.file);
-    field("Size", cli::size_text_both(status.bytes));
+    field("Size", QStringLiteral("%1 (%2 bytes)").arg(SizeText(status.bytes)).arg(status.bytes));
     field("Items", QString::number(status.items));
     field("Lines",
         QStringLiteral("%1 (%2 no sound NMEA sentence, %3 too long and dropped)")
@@ -206,8 +215,8 @@ int Run(const Options& options)
     settings.dir = dir;
     settings.prefix = QString::fromStdString(options.prefix);
     settings.source = static_cast<u16>(options.source);
-    settings.stopBelow = static_cast<qint64>(options.minFreeMib * 1024.0 * 1024.0);
-    settings.warnBelow = settings.stopBelow + 1024LL * 1024 * 1024;
+    settings.stopBelow = static_cast<qint64>(cli::bytes(options.minFree));
+    settings.warnBelow = settings.stopBelow + gigabyte;
     ZrRecorder recorder(settings, nullptr);
     QString error;
     // The source first: a port that is taken must not leave an empty log behind.
@@ -232,7 +241,8 @@ void AddLogRecord(CLI::App& log, CliRun& run)
         "sentence is followed by the records decoded from it (position, depth, motion,\n"
         "environment). The log is named by the local time. Ctrl-C or SIGTERM ends the\n"
         "recording cleanly; killing the program loses no line that was logged.",
-        "Units: sizes in MiB (1024 x 1024 bytes).\n"
+        "Units: sizes in MB, a million bytes, given and told. M may name another one: kB, GB, TB, or\n"
+        "KiB, MiB, GiB, TiB, which count in 1024s: --min-free 2GB.\n"
         "\n"
         "Examples:\n"
         "  zr log record /data/logs --udp 10110 --prefix dive\n"
@@ -261,10 +271,9 @@ void AddLogRecord(CLI::App& log, CliRun& run)
     verb->add_option("--source", options->source, "Source identifier of every item, 0 to 65535 (1)")
         ->option_text("N")
         ->check(CLI::Range(0, 65535));
-    verb->add_option(
-            "--min-free", options->minFreeMib, "End the recording when less than M MiB are free (100)")
+    verb->add_option("--min-free", options->minFree, "End the recording when less than M MB are free (100)")
         ->option_text("M")
-        ->check(CLI::Range(0.0, 1e9));
+        ->check(cli::check_bytes);
     verb->add_flag("--json", options->json, "Print the result as one JSON object");
     verb->callback([&run, options] { run.action = [options] { return Run(*options); }; });
 }

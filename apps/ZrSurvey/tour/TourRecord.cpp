@@ -93,7 +93,7 @@ void tour::record(Tour& tour)
         hand.OpenForm(QStringLiteral("Source of data"));
         QWidget& form = *tour.View().forms().m_form;
         hand.Tap(hand.Button(QStringLiteral("Simulator"), &form));
-        hand.Fill(hand.Field(QStringLiteral("Speed of time"), &form), QString::number(speedOfTime));
+        hand.Fill(hand.Field(QStringLiteral("Speed of time, \u00d7"), &form), QString::number(speedOfTime));
         tour.Expect(tour.Model().settings.source, SurveySource::simulator, QStringLiteral("the simulator"));
         tour.ExpectWithin(
             tour.Model().settings.simSpeed, speedOfTime, speedOfTime, QStringLiteral("speed of time"));

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#include <limits>
+
+/// What a source gives, and what keeps it from giving any. A plain value; see `ZrSourceWatch`.
+struct ZrSourceFacts
+{
+    enum eState : int
+    {
+        none = 0,
+        opening = 1,
+        waiting = 2, ///< open, and nothing has come yet
+        receiving = 3,
+        silent = 4, ///< nothing for too long
+        unreadable = 5, ///< what comes is no data
+        troubled = 6, ///< is tried again and again
+        finished = 7,
+        failed = 8
+    };
+
+    eState state = none;
+    double perSecond = std::numeric_limits<double>::quiet_NaN(); ///< sentences or records; NaN not known
+    double bytesPerSecond
+        = std::numeric_limits<double>::quiet_NaN(); ///< that a recording of it takes, likewise
+    double age = std::numeric_limits<double>::infinity(); ///< seconds since the last of them came
+    bool isText = false; ///< sentences come, not records
+    quint64 badLines = 0;
+    QString reason; ///< of a failure or a trouble, a sentence
+
+    /// Something is wrong that a person could put right.
+    bool IsBad() const
+    {
+        return state == silent || state == unreadable || state == troubled || state == failed;
+    }
+};
