@@ -5,12 +5,14 @@
 #include "JsonLeaks.h"
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrPlanReader.h"
+#include "ZrUtil/ZrWpt.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 
 namespace {
 
@@ -60,13 +62,26 @@ void Use(ZrPlanDocument& plan)
     Require(again.State().ToDraft() == state);
 }
 
-/// Takes \p outcome of reading into \p plan, which was \p before.
-void Take(bool outcome, ZrPlanDocument& plan, const QByteArray& before)
+/// Has \p read read into \p plan; whether it was taken.
+bool Take(ZrPlanDocument& plan, const std::function<bool()>& read)
 {
-    if (outcome)
+    // With the speeds of the process, which every plan that was taken has set.
+    const QByteArray before = plan.State().ToDraft();
+    const bool isTaken = read();
+    if (isTaken)
         Use(plan);
     else
         Require(plan.State().ToDraft() == before);
+    return isTaken;
+}
+
+/// Waypoints that have no UUID of their own get another one each time they are read.
+void TakeNames(ZrWpts& route, const ZrWpts& from)
+{
+    Require(route.GetCount() == from.GetCount());
+    ZrListPos* pos = from.GetHeadPos();
+    for (ZrListPos* own = route.GetHeadPos(); own;)
+        route.GetNext(own)->uuid = from.GetNext(pos)->uuid;
 }
 
 } // namespace
@@ -78,15 +93,14 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size)
     ZrPlanDocument draft(path);
     ZrPlanDocument state((QString()));
     ZrPlanDocument file((QString()));
-    const QByteArray empty = state.State().ToDraft();
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
 
-    const bool isState
-        = FromDraft(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)), state);
-    Take(isState, state, empty);
-    Take(file.Open(SettingsFile(path)), file, empty);
-    const bool isDraft = draft.RestoreDraft();
-    Take(isDraft, draft, empty);
-    Require(isDraft == isState && draft.State().ToDraft() == state.State().ToDraft());
+    const bool isState = Take(state, [&] { return FromDraft(bytes, state); });
+    Take(file, [&] { return file.Open(SettingsFile(path)); });
+    const bool isDraft = Take(draft, [&] { return draft.RestoreDraft(); });
+    Require(isDraft == isState);
+    TakeNames(draft.Route(), state.Route());
+    Require(draft.State().ToDraft() == state.State().ToDraft());
     Require(isDraft == draft.AsidePath().isEmpty());
     if (!isDraft)
         Require(QFile::rename(draft.AsidePath(), path)); // which is the file of the next bytes as well

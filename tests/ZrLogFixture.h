@@ -3,6 +3,7 @@
 // What the tests of the data log share. Logs are assembled here byte by byte from the file layout, with none
 // of the library's own writers, so that writer and reader are each held against the same third party.
 
+#include "ZrSanitizer.h"
 #include "ZrUtil/IZrProgress.h"
 #include "ZrUtil/ZrPlayer.h"
 
@@ -24,12 +25,6 @@
 #ifdef Q_OS_UNIX
 #include <sys/wait.h>
 #include <unistd.h>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool underSanitizer = true;
-#else
-constexpr bool underSanitizer = false;
 #endif
 
 /// Collects the lines of the Qt debug stream, of all threads, while it lives.

@@ -159,9 +159,9 @@ void tst_SurveyPlan::reorder()
 {
     AddRoute();
     auto* list = m_page->findChild<PlanListPanel*>();
-    QTRY_COMPARE(list->List()->Items().size(), 3);
-    QCOMPARE(list->List()->Items()[0].title, QStringLiteral("A"));
-    QVERIFY(list->List()->Items()[1].detail.endsWith(QLatin1String(" m")));
+    QTRY_COMPARE(list->List()->Count(), 3);
+    QCOMPARE(list->List()->Item(0).title, QStringLiteral("A"));
+    QVERIFY(list->List()->Item(1).detail.endsWith(QLatin1String(" m")));
     Tap(PixelOf(0));
     QTRY_COMPARE(list->List()->Current(), 0);
     const auto buttons = list->findChildren<ZrBtn*>(QString(), Qt::FindDirectChildrenOnly);
@@ -270,8 +270,8 @@ void tst_SurveyPlan::unitsAtOnce()
     QTRY_VERIFY(tile->Unit() == QLatin1String("ft") || tile->Unit() == QLatin1String("mi"));
     QVERIFY(tile->Value() != value);
     auto* list = m_page->findChild<PlanListPanel*>()->List();
-    QVERIFY(list->Items()[1].detail.endsWith(tile->Unit())
-        || list->Items()[1].detail.endsWith(QLatin1String("ft")));
+    QVERIFY(
+        list->Item(1).detail.endsWith(tile->Unit()) || list->Item(1).detail.endsWith(QLatin1String("ft")));
 }
 
 void tst_SurveyPlan::zoomKeys_data()

@@ -146,7 +146,7 @@ void tst_SurveyPlanAreas::planNotBegun()
     QCOMPARE(Button("tab_warning")->badge, 0);
     Click("tab_warning");
     ZrTouchList* checks = m_page->findChildren<ZrTouchList*>(QString(), Qt::FindDirectChildrenOnly).last();
-    QVERIFY(checks->isVisible() && checks->Items().isEmpty());
+    QVERIFY(checks->isVisible() && checks->Count() == 0);
     QCOMPARE(checks->m_empty, QStringLiteral("Add a waypoint or draw an area"));
     // Two waypoints are a way.
     AddRoute();
@@ -276,11 +276,11 @@ void tst_SurveyPlanAreas::findingShowsThePlace()
     ZrTouchList* checks = nullptr;
     for (ZrTouchList* list : m_page->findChildren<ZrTouchList*>(QString(), Qt::FindDirectChildrenOnly))
         checks = list;
-    QVERIFY(checks && checks->isVisible() && !checks->Items().isEmpty());
+    QVERIFY(checks && checks->isVisible() && checks->Count() > 0);
     int row = 0;
-    while (row < checks->Items().size() && checks->Items()[row].subtitle != QLatin1String("Waypoint 2"))
+    while (row < checks->Count() && checks->Item(row).title != QLatin1String("Turn longer than its leg"))
         ++row;
-    QVERIFY(row < checks->Items().size());
+    QVERIFY(row < checks->Count());
     checks->scrollTo(checks->model()->index(row, 0));
     const QPoint at = checks->visualRect(checks->model()->index(row, 0)).center();
     QVERIFY(!m_panel->rect().contains(PixelOf(1)));

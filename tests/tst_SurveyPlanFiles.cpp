@@ -17,6 +17,7 @@ private Q_SLOTS:
     void unsavedPlanIsUnderMore();
     void openAtTheStartKeepsTheDraft();
     void undoOfNewKeepsTheNext();
+    void editedWhileTheDraftIsRead();
     void damagedDraftIsSetAside();
     void planStaysWhereItCannotBeKept();
 };
@@ -225,6 +226,30 @@ void tst_SurveyPlanFiles::undoOfNewKeepsTheNext()
     QCOMPARE(Plan().Route().GetCount(), 0);
     Plan().FlushDraft();
     QCOMPARE(Plan().Kept()->List().size(), std::size_t(1));
+}
+
+/// The draft is the plan, and what was edited is put away, each once.
+void tst_SurveyPlanFiles::editedWhileTheDraftIsRead()
+{
+    AddRoute();
+    Plan().FlushDraft();
+    m_view.reset();
+    m_view = std::make_unique<SurveyView>(m_dir->path());
+    m_view->resize(1280, 800);
+    m_view->Show(QStringLiteral("Plan"));
+    m_page = static_cast<PlanPage*>(m_view->Page());
+    // Whether or not its thread has read it: the page has not seen it yet.
+    QVERIFY(m_page->findChild<PlanFiles*>()->IsRestoring());
+    Plan().History().Add(50.0, -4.0, eZrWptBlue, ZrWpts::eAddTail);
+    Plan().Edited();
+    m_view->show();
+    QTRY_VERIFY(!m_page->findChild<PlanFiles*>()->IsRestoring());
+    QCOMPARE(Names(), QStringList({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}));
+    QVERIFY(Plan().IsDirty());
+    Plan().FlushDraft();
+    const auto kept = Plan().Kept()->List();
+    QCOMPARE(kept.size(), std::size_t(1));
+    QCOMPARE(kept[0].waypoints, 1);
 }
 
 void tst_SurveyPlanFiles::damagedDraftIsSetAside()

@@ -82,6 +82,7 @@ private Q_SLOTS:
     void sameAsTheSurface();
     void sizeFollowsTheTheme();
     void turnsWithTheMap();
+    void standsBesideItsPlace();
     void largeCoordinates();
     void laterCoversEarlier();
     void halo();
@@ -244,6 +245,31 @@ void tst_ZrMarkerLayer::turnsWithTheMap()
     QVERIFY(Share(turned, upright) > 0.1);
 }
 
+/// By as many pixels of the screen, whichever way the map is turned; with it where it turns itself.
+void tst_ZrMarkerLayer::standsBesideItsPlace()
+{
+    ZrMarkerLayer layer;
+    for (const double rotation : {0.0, 90.0}) {
+        const ZrMapView view = map::ViewOf(size, origin, 1, rotation);
+        ZrMapMarker marker = Marker(origin);
+        marker.offset = {10.0, 30.0};
+        layer.SetMarkers({marker});
+        const QImage beside = Painted(layer, view);
+        layer.SetMarkers({Marker(view.ToWorld(view.ToPixel(origin) + QPointF(10.0, -30.0)))});
+        QVERIFY(Share(beside, Painted(layer, view)) < 0.01);
+        layer.SetMarkers({Marker(origin)});
+        QVERIFY(Share(beside, Painted(layer, view)) > 0.01);
+        marker.isTurning = true;
+        layer.SetMarkers({marker});
+        const QPointF turned = rotation == 0.0 ? QPointF(10.0, -30.0) : QPointF(-30.0, -10.0);
+        const QImage turning = Painted(layer, view);
+        ZrMapMarker there = Marker(view.ToWorld(view.ToPixel(origin) + turned));
+        there.isTurning = true;
+        layer.SetMarkers({there});
+        QVERIFY(Share(turning, Painted(layer, view)) < 0.01);
+    }
+}
+
 void tst_ZrMarkerLayer::largeCoordinates()
 {
     for (const double scale : {0.01, 1.0, 50000.0}) {
@@ -385,6 +411,10 @@ void tst_ZrMarkerLayer::notDrawn()
         markers.push_back(Marker(origin, 2, bad));
         markers.push_back(Marker(origin));
         markers.back().angle = bad;
+        markers.push_back(Marker(origin));
+        markers.back().offset = {bad, 0.0};
+        markers.push_back(Marker(origin));
+        markers.back().offset = {0.0, bad};
     }
     markers.push_back(Marker({1e300, 0}));
     for (const int image : {-1, 15, 16, 1000000})

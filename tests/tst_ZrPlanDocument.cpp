@@ -1,9 +1,9 @@
 // A plan, its file and its draft.
 
-#include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrPlanReader.h"
 #include "ZrKit/planning/ZrSurveyPattern.h"
 #include "ZrKit/planning/ZrSurveyPatternSettings.h"
+#include "ZrPlanFixture.h"
 #include "ZrUtil/ZrUnits.h"
 #include "ZrUtil/ZrWpt.h"
 
@@ -18,27 +18,6 @@
 #include <limits>
 #include <thread>
 #include <utility>
-
-namespace {
-
-const ZrArea harbour{
-    QStringLiteral("Häfen 港"), {{50.0, -4.0}, {50.01, -4.0}, {50.01, -3.99}, {50.0, -3.99}}};
-
-void AddThree(ZrPlanDocument& plan)
-{
-    for (int i = 0; i < 3; ++i) {
-        plan.History().Add(50.0 + 0.01 * i, -4.0 + (i == 1 ? 0.01 : 0.0), eZrWptBlue, ZrWpts::eAddTail);
-        plan.Edited();
-    }
-}
-
-bool Write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-} // namespace
 
 class tst_ZrPlanDocument : public QObject
 {
@@ -121,10 +100,10 @@ void tst_ZrPlanDocument::undoToTheFileIsClean()
 void tst_ZrPlanDocument::areasMakeItDirty()
 {
     ZrPlanDocument plan(At("draft"));
-    plan.SetAreas({harbour});
+    plan.SetAreas({Harbour()});
     QVERIFY(plan.IsDirty());
     ZrPlanDocument other(At("draft2"));
-    other.SetNoGo({harbour});
+    other.SetNoGo({Harbour()});
     QVERIFY(other.IsDirty());
     ZrPlanDocument third(At("draft3"));
     third.SetMargin(std::numeric_limits<double>::quiet_NaN());
@@ -156,7 +135,7 @@ void tst_ZrPlanDocument::findingsFollowAreas()
         return false;
     };
     QVERIFY(!has(ZrRouteFinding::eInNoGo));
-    plan.SetNoGo({harbour});
+    plan.SetNoGo({Harbour()});
     QVERIFY(has(ZrRouteFinding::eInNoGo));
 }
 
@@ -166,7 +145,7 @@ void tst_ZrPlanDocument::countsLines()
     ZrSurveyPattern pattern;
     ZrSurveyPatternSettings settings;
     settings.lineSpacing = 100;
-    QVERIFY(pattern.Make(harbour, settings));
+    QVERIFY(pattern.Make(Harbour(), settings));
     pattern.Plan().AppendTo(plan.Route());
     plan.History().Record(QStringLiteral("Survey"));
     plan.Edited();
@@ -205,15 +184,15 @@ void tst_ZrPlanDocument::otherFormsLoseTheAreasOnly()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetAreas({harbour});
-    plan.SetNoGo({harbour, harbour});
+    plan.SetAreas({Harbour()});
+    plan.SetNoGo({Harbour(), Harbour()});
     plan.SetMargin(12.5);
     QVERIFY(plan.Save(At("a.json")));
     ZrPlanDocument other(At("draft2"));
     QVERIFY(other.Open(At("a.json")));
     QCOMPARE(other.Areas().size(), std::size_t(1));
-    QCOMPARE(other.Areas()[0].name, harbour.name);
-    QVERIFY(other.Areas()[0].ring == harbour.ring);
+    QCOMPARE(other.Areas()[0].name, Harbour().name);
+    QVERIFY(other.Areas()[0].ring == Harbour().ring);
     QCOMPARE(other.NoGo().size(), std::size_t(2));
     QCOMPARE(other.Margin(), 12.5);
     QVERIFY(plan.Save(At("a.gpx")));
@@ -234,7 +213,7 @@ void tst_ZrPlanDocument::whatAFormLeavesOutIsNotSaved()
     QFETCH(QString, name);
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetNoGo({harbour});
+    plan.SetNoGo({Harbour()});
     plan.SetMargin(12.5);
     QVERIFY(plan.Save(m_dir->filePath(name)));
     QCOMPARE(plan.NotHeld(), QStringList(QStringLiteral("1 no-go area, the distance to no-go areas")));
@@ -348,7 +327,7 @@ void tst_ZrPlanDocument::lossesAreFoundElsewhere()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetNoGo({harbour});
+    plan.SetNoGo({Harbour()});
     const ZrPlanState state = plan.State();
     const QByteArray before = state.ToDraft();
     ZrUnits::CalcUTM(10.0, 100.0); // another zone than that of the plan
@@ -380,7 +359,7 @@ void tst_ZrPlanDocument::readElsewhere()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetAreas({harbour});
+    plan.SetAreas({Harbour()});
     QVERIFY(plan.Save(At("a.json")));
     for (const char* name : {"a.json", "a.gpx", "a.xml", "a.txt", "a.kml", "a.geojson"}) {
         QVERIFY(plan.Export(At("copy")) && plan.Save(At(name)));
@@ -419,7 +398,7 @@ void tst_ZrPlanDocument::stateComesBack()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetAreas({harbour});
+    plan.SetAreas({Harbour()});
     const ZrPlanState state = plan.State();
     const float slow = ZrWpts::s_msSlow;
     plan.New();
@@ -484,7 +463,7 @@ void tst_ZrPlanDocument::newForgetsAll()
 {
     ZrPlanDocument plan(At("draft"));
     AddThree(plan);
-    plan.SetAreas({harbour});
+    plan.SetAreas({Harbour()});
     plan.New();
     QVERIFY(!plan.IsDirty() && !plan.HasDraft() && plan.Areas().empty() && plan.FilePath().isEmpty());
     QCOMPARE(plan.Route().GetCount(), 0);

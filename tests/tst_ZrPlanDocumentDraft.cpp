@@ -1,8 +1,7 @@
 // The draft of a plan.
 
-#include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrPlanReader.h"
-#include "ZrUtil/ZrWpt.h"
+#include "ZrPlanFixture.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -14,33 +13,6 @@
 
 #include <memory>
 #include <thread>
-
-namespace {
-
-const ZrArea harbour{
-    QStringLiteral("Häfen 港"), {{50.0, -4.0}, {50.01, -4.0}, {50.01, -3.99}, {50.0, -3.99}}};
-
-void AddThree(ZrPlanDocument& plan)
-{
-    for (int i = 0; i < 3; ++i) {
-        plan.History().Add(50.0 + 0.01 * i, -4.0 + (i == 1 ? 0.01 : 0.0), eZrWptBlue, ZrWpts::eAddTail);
-        plan.Edited();
-    }
-}
-
-QByteArray Content(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool Write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-} // namespace
 
 class tst_ZrPlanDocumentDraft : public QObject
 {
@@ -129,7 +101,7 @@ void tst_ZrPlanDocumentDraft::draftIsRestored()
         ZrPlanDocument plan(At("draft"));
         AddThree(plan);
         QVERIFY(plan.Save(At("a.json")));
-        plan.SetAreas({harbour});
+        plan.SetAreas({Harbour()});
         plan.SetMargin(3);
         plan.History().Reverse();
         plan.Edited();
@@ -152,7 +124,7 @@ void tst_ZrPlanDocumentDraft::draftOfAreasAlone()
 {
     {
         ZrPlanDocument plan(At("draft"));
-        plan.SetAreas({harbour});
+        plan.SetAreas({Harbour()});
     }
     ZrPlanDocument plan(At("draft"));
     QVERIFY2(plan.RestoreDraft(), qPrintable(plan.Error()));

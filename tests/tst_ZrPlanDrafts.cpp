@@ -1,9 +1,8 @@
 // Plans that were not saved, and where they are kept.
 
-#include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrPlanDrafts.h"
 #include "ZrKit/planning/ZrPlanReader.h"
-#include "ZrUtil/ZrWpt.h"
+#include "ZrPlanFixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,14 +12,10 @@
 #include <QtTest>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
-#include <thread>
 #include <utility>
 
 namespace {
-
-const ZrArea harbour{QStringLiteral("Häfen"), {{50.0, -4.0}, {50.01, -4.0}, {50.01, -3.99}}};
 
 /// A plan of one waypoint, at a place of its own.
 QByteArray StateOf(int number)
@@ -28,37 +23,6 @@ QByteArray StateOf(int number)
     ZrPlanDocument plan((QString()));
     plan.History().Add(50.0 + 0.001 * number, -4.0, eZrWptBlue, ZrWpts::eAddTail);
     return plan.State().ToDraft();
-}
-
-QByteArray Content(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool Write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-void AddOne(ZrPlanDocument& plan, int number = 0)
-{
-    plan.History().Add(50.0 + 0.001 * number, -4.0, eZrWptBlue, ZrWpts::eAddTail);
-    plan.Edited();
-}
-
-bool TakeState(ZrPlanDocument& plan, const QByteArray& state)
-{
-    ZrPlanReader reader;
-    reader.FromDraft(state, QStringLiteral("State"));
-    return plan.Take(reader);
-}
-
-bool IsNumber(const ZrPlanDocument& plan, int number)
-{
-    const ZrWpt* first = plan.Route().GetHead();
-    return first && std::fabs(first->lat - 50.0 - 0.001 * number) < 1e-7;
 }
 
 } // namespace
@@ -91,10 +55,7 @@ private Q_SLOTS:
     void refusedPlanChangesNothing();
     void restoreKeepsTheUnsaved();
     void keptPathIsNotUsedAgain();
-    void readElsewhere();
-    void editedWhileTheDraftIsRead();
     void keptAsTheDraftIsWritten();
-    void unseenDraftIsKept();
     void nothingIsLostByKill();
 
 private:
@@ -171,7 +132,7 @@ void tst_ZrPlanDrafts::entriesInWords()
     AddOne(plan);
     AddOne(plan, 1);
     QVERIFY(plan.Save(At("Mündung.json")));
-    plan.SetAreas({harbour});
+    plan.SetAreas({Harbour()});
     plan.SetSketch({{{50.0, -4.0}}, false, -1, false});
     const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
     QVERIFY(plan.New());
@@ -305,8 +266,8 @@ void tst_ZrPlanDrafts::restoreKept()
         ZrPlanDocument plan(At("draft"), At("plans"));
         AddOne(plan, 3);
         QVERIFY(plan.Save(At("a.json")));
-        plan.SetAreas({harbour});
-        plan.SetSketch({harbour.ring, true, -1, false});
+        plan.SetAreas({Harbour()});
+        plan.SetSketch({Harbour().ring, true, -1, false});
         QVERIFY(plan.New());
         AddOne(plan, 4);
         QVERIFY(plan.Save(At("b.json")));
@@ -317,7 +278,7 @@ void tst_ZrPlanDrafts::restoreKept()
     QVERIFY(IsNumber(plan, 3));
     QCOMPARE(plan.FilePath(), At("a.json"));
     QCOMPARE(plan.Areas().size(), std::size_t(1));
-    QVERIFY(plan.Sketch().ring == harbour.ring && plan.Sketch().isNoGo);
+    QVERIFY(plan.Sketch().ring == Harbour().ring && plan.Sketch().isNoGo);
     QVERIFY(plan.IsDirty());
     // Now it is the draft.
     QVERIFY(!QFile::exists(path));
@@ -480,44 +441,6 @@ void tst_ZrPlanDrafts::keptPathIsNotUsedAgain()
     QCOMPARE(plan.Kept()->List().size(), std::size_t(1));
 }
 
-/// The event loop waits neither for the plan nor for its going from where it was kept.
-void tst_ZrPlanDrafts::readElsewhere()
-{
-    ZrPlanDocument plan(At("draft"), At("plans"));
-    AddOne(plan, 1);
-    QVERIFY(plan.New());
-    const QString kept = plan.KeptPath();
-    ZrPlanReader reader;
-    std::thread other([&] { reader.LoadDraft(kept); });
-    other.join();
-    QVERIFY2(plan.Take(reader), qPrintable(plan.Error()));
-    QVERIFY(IsNumber(plan, 1));
-    QTRY_VERIFY(!QFile::exists(kept));
-    QCOMPARE(Content(At("draft")), plan.State().ToDraft());
-}
-
-void tst_ZrPlanDrafts::editedWhileTheDraftIsRead()
-{
-    {
-        ZrPlanDocument plan(At("draft"), At("plans"));
-        AddOne(plan, 3);
-    }
-    ZrPlanDocument plan(At("draft"), At("plans"));
-    ZrPlanReader reader;
-    QVERIFY(reader.LoadDraft(At("draft")));
-    AddOne(plan, 7); // replaces the draft, which is kept
-    QCOMPARE(plan.Kept()->List().size(), std::size_t(1));
-    QVERIFY(plan.Take(reader));
-    QVERIFY(IsNumber(plan, 3));
-    ZrPlanDocument edited((QString()));
-    QVERIFY(TakeState(edited, ZrPlanDrafts(At("plans")).Read(plan.KeptPath())));
-    QVERIFY(IsNumber(edited, 7));
-    plan.FlushDraft();
-    ZrPlanDocument after(At("draft"), At("plans"));
-    QVERIFY(after.RestoreDraft());
-    QVERIFY(IsNumber(after, 3));
-}
-
 /// Of edits that the draft does not have yet nothing is missing, whether it can be written or not.
 void tst_ZrPlanDrafts::keptAsTheDraftIsWritten()
 {
@@ -531,35 +454,6 @@ void tst_ZrPlanDrafts::keptAsTheDraftIsWritten()
         QCOMPARE(ZrPlanDrafts(At("plans")).Read(plan.KeptPath()), state);
         QVERIFY(!plan.HasDraft());
     }
-}
-
-/// A program that begins with another plan, before it has looked at what the last run has left.
-void tst_ZrPlanDrafts::unseenDraftIsKept()
-{
-    {
-        ZrPlanDocument plan(At("draft"), At("plans"));
-        AddOne(plan, 3);
-        ZrPlanDocument other((QString()));
-        AddOne(other, 1);
-        QVERIFY(other.Save(At("other.json")));
-    }
-    {
-        ZrPlanDocument plan(At("draft"), At("plans"));
-        QVERIFY(plan.Open(At("other.json")));
-        QCOMPARE(plan.Kept()->List().size(), std::size_t(1));
-        QVERIFY(plan.RestoreKept(plan.Kept()->List()[0].path));
-        QVERIFY(IsNumber(plan, 3));
-    }
-    {
-        ZrPlanDocument plan(At("draft"), At("plans"));
-        AddOne(plan, 7); // replaces the draft
-        QCOMPARE(plan.Kept()->List().size(), std::size_t(1));
-    }
-    QVERIFY(Write(At("draft"), "garbage"));
-    ZrPlanDocument plan(At("draft"), At("plans"));
-    AddOne(plan, 8);
-    QCOMPARE(Content(At("draft.damaged")), QByteArray("garbage"));
-    QVERIFY(plan.HasDraft());
 }
 
 /// Run with an argument the program draws, plans and begins anew until it is killed.

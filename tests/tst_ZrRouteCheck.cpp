@@ -472,13 +472,21 @@ void tst_ZrRouteCheck::projectionOfTheProcessStays()
 void tst_ZrRouteCheck::codeNamesAreUnique()
 {
     std::set<QString> names;
+    std::set<QString> titles;
     Finding finding;
     for (int code = Finding::eEmpty; code <= Finding::eNearNoGo; ++code) {
         finding.code = static_cast<Finding::eCode>(code);
         QVERIFY(!finding.CodeName().isEmpty());
         names.insert(finding.CodeName());
+        QVERIFY(!finding.Title().isEmpty());
+        titles.insert(finding.Title());
     }
     QCOMPARE(names.size(), std::size_t{Finding::eNearNoGo + 1});
+    QCOMPARE(titles.size(), names.size());
+    finding.code = Finding::eTurnBeyondLeg;
+    QCOMPARE(finding.Title(), QStringLiteral("Turn longer than its leg"));
+    finding.code = Finding::eNearNoGo;
+    QCOMPARE(finding.Title(), QStringLiteral("Close to a no-go area"));
     finding.code = Finding::eDoublesBack;
     QCOMPARE(finding.CodeName(), QStringLiteral("doubles-back"));
     finding.code = Finding::eZoneCrossed;

@@ -59,6 +59,8 @@ private Q_SLOTS:
     void linesInTheMiddle_data();
     void linesInTheMiddle();
     void manyRows();
+    void rowsAreMadeWhenSeen();
+    void rowsInsteadOfItems();
     void accessibleText();
 };
 
@@ -333,6 +335,58 @@ void tst_ZrTouchList::manyRows()
     list.show();
     list.SetCurrent(99999);
     QVERIFY(list.viewport()->rect().intersects(RowRect(list, 99999)));
+}
+
+/// A row is made for its painting and no other: also where the list shows its end, and where it is replaced.
+void tst_ZrTouchList::rowsAreMadeWhenSeen()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    int made = 0;
+    const auto make = [&made](int row) {
+        ++made;
+        ZrListItem item;
+        item.title = QStringLiteral("Row %1").arg(row);
+        return item;
+    };
+    list.SetRows(100000, make);
+    list.show();
+    list.SetCurrent(99999);
+    QVERIFY(list.viewport()->rect().intersects(RowRect(list, 99999)));
+    Painted(list);
+    QVERIFY2(made > 5 && made < 100, qPrintable(QString::number(made)));
+    made = 0;
+    list.SetRows(99999, make);
+    QCOMPARE(list.Current(), 99998);
+    Painted(list);
+    QVERIFY2(made < 100, qPrintable(QString::number(made)));
+    QCOMPARE(list.Count(), 99999);
+    QCOMPARE(list.Item(4711).title, QStringLiteral("Row 4711"));
+    QCOMPARE(list.Item(99999).title, QString());
+    QCOMPARE(list.Item(-1).title, QString());
+    QCOMPARE(list.model()->index(7, 0).data(Qt::AccessibleTextRole).toString(), QStringLiteral("Row 7"));
+    list.SetRows(-1, make);
+    QCOMPARE(list.Count(), 0);
+    QCOMPARE(list.Current(), -1);
+}
+
+void tst_ZrTouchList::rowsInsteadOfItems()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(3, true));
+    const int tall = RowRect(list, 0).height();
+    list.SetRows(2, [](int) { return ZrListItem(); });
+    QVERIFY(list.Items().isEmpty());
+    QCOMPARE(list.Count(), 2);
+    QVERIFY(RowRect(list, 0).height() < tall);
+    // Those that are made are nobody's to set.
+    list.SetItem(0, Items(1).front());
+    QCOMPARE(list.Item(0).title, QString());
+    list.SetItems(Items(3, true));
+    QCOMPARE(list.Count(), 3);
+    QCOMPARE(list.Item(2).title, list.Items()[2].title);
+    QCOMPARE(RowRect(list, 0).height(), tall);
 }
 
 void tst_ZrTouchList::accessibleText()

@@ -24,6 +24,9 @@ enum eImage : int
     imagePin = 7
 };
 
+constexpr double pinSize = 18.0; ///< half its side, design pixels
+constexpr double pinPoint = 11.0 / 12.0; ///< of that its point is below its middle
+
 bool IsFinite(const QPointF& p)
 {
     return std::isfinite(p.x()) && std::isfinite(p.y());
@@ -87,6 +90,12 @@ ZrGeoPoint ZrPlanChart::ToGeo(const QPointF& world) const
 
 void ZrPlanChart::SetRoute(const ZrWpts& route, const ZrRoutePath& path)
 {
+    SetWaypoints(route);
+    SetWay(path);
+}
+
+void ZrPlanChart::SetWaypoints(const ZrWpts& route)
+{
     m_waypoints.clear();
     m_points.clear();
     for (ZrListPos* pos = route.GetHeadPos(); pos;) {
@@ -100,19 +109,22 @@ void ZrPlanChart::SetRoute(const ZrWpts& route, const ZrRoutePath& path)
         m_waypoints.push_back(std::move(waypoint));
         m_points.push_back(ToWorld({wpt.lat, wpt.lng}));
     }
+    m_areLinesDue = m_areMarksDue = true;
+}
+
+void ZrPlanChart::SetWay(const ZrRoutePath& path)
+{
     m_legs.assign(path.Legs().size(), {});
-    m_isLine.assign(path.Legs().size(), false);
+    m_legFrom.clear();
     const auto lines = path.LegLines();
     for (std::size_t i = 0; i < lines.size(); ++i) {
+        m_legs[i].reserve(lines[i].size());
         for (const ZrGeoPoint& place : lines[i])
             m_legs[i].push_back(ToWorld(place));
     }
-    for (std::size_t i = 0; i < m_legs.size(); ++i) {
-        const auto from = static_cast<std::size_t>(path.Legs()[i].from);
-        m_isLine[i] = from < m_waypoints.size() && !m_waypoints[from].line.isEmpty();
-    }
-    BuildLines();
-    BuildMarks();
+    for (const ZrRouteLeg& leg : path.Legs())
+        m_legFrom.push_back(leg.from);
+    m_areLinesDue = m_areMarksDue = true;
 }
 
 void ZrPlanChart::SetAreas(const std::vector<ZrArea>& areas, const std::vector<ZrArea>& noGo)
@@ -130,8 +142,7 @@ void ZrPlanChart::SetAreas(const std::vector<ZrArea>& areas, const std::vector<Z
     };
     take(areas, m_areas, m_areaNames);
     take(noGo, m_noGo, m_noGoNames);
-    BuildAreas();
-    BuildMarks();
+    m_areAreasDue = m_areMarksDue = true;
 }
 
 void ZrPlanChart::SetFindings(const std::vector<ZrRouteFinding>& findings)
@@ -142,12 +153,14 @@ void ZrPlanChart::SetFindings(const std::vector<ZrRouteFinding>& findings)
             continue;
         ZrMapMarker marker;
         marker.position = ToWorld(finding.place);
-        marker.size = 18.0;
+        // Its point is where it belongs, and leaves the waypoint there to be seen.
+        marker.size = pinSize;
+        marker.offset = {0.0, pinSize * pinPoint};
         marker.image = imagePin;
         marker.colour = finding.severity == ZrRouteFinding::eError ? ZrTheme::errorCol : ZrTheme::warnCol;
         m_findings.push_back(marker);
     }
-    BuildMarks();
+    m_areMarksDue = true;
 }
 
 void ZrPlanChart::SetSelected(int waypoint, int leg)
@@ -156,8 +169,7 @@ void ZrPlanChart::SetSelected(int waypoint, int leg)
         return;
     m_waypoint = waypoint;
     m_leg = leg;
-    BuildLines();
-    BuildMarks();
+    m_areLinesDue = m_areMarksDue = true;
 }
 
 void ZrPlanChart::SetFaint(bool isFaint)
@@ -165,18 +177,23 @@ void ZrPlanChart::SetFaint(bool isFaint)
     if (isFaint == m_isFaint)
         return;
     m_isFaint = isFaint;
-    BuildLines();
-    BuildMarks();
+    m_areLinesDue = m_areMarksDue = true;
 }
 
 void ZrPlanChart::Match(const ZrMapView& view)
 {
     const double perPixel = view.Scale() * static_cast<double>(ZrTheme::dp);
     const double scale = std::exp2(std::round(2.0 * std::log2(perPixel)) / 2.0);
-    if (scale == m_scale || !(scale > 0.0))
-        return;
-    m_scale = scale;
-    BuildMarks();
+    if (scale != m_scale && scale > 0.0) {
+        m_scale = scale;
+        m_areMarksDue = true;
+    }
+    if (std::exchange(m_areAreasDue, false))
+        BuildAreas();
+    if (std::exchange(m_areLinesDue, false))
+        BuildLines();
+    if (std::exchange(m_areMarksDue, false))
+        BuildMarks();
 }
 
 void ZrPlanChart::BuildAreas()
@@ -198,13 +215,22 @@ void ZrPlanChart::BuildLines()
     // The ways between lines recede behind these.
     QColor way = ZrTheme::route;
     way.setAlpha(m_isFaint ? 60 : 150);
-    const bool hasLines = std::find(m_isLine.begin(), m_isLine.end(), true) != m_isLine.end();
+    bool hasLines = false;
+    for (std::size_t i = 0; i < m_legs.size() && !hasLines; ++i)
+        hasLines = IsLine(i);
     for (std::size_t i = 0; i < m_legs.size(); ++i) {
-        const bool isMain = !m_isFaint && (m_isLine[i] || !hasLines);
+        const bool isMain = !m_isFaint && (!hasLines || IsLine(i));
         m_lineLayer.AddLine(m_legs[i], isMain ? 3.0 : 2.0, isMain ? ZrTheme::route : way);
     }
     if (m_leg >= 0 && m_leg < static_cast<int>(m_legs.size()))
         m_lineLayer.AddLine(m_legs[static_cast<std::size_t>(m_leg)], 6.0, ZrTheme::ctrlHighlightCol);
+}
+
+/// Whether the leg is a survey line.
+bool ZrPlanChart::IsLine(std::size_t leg) const
+{
+    const auto from = static_cast<std::size_t>(m_legFrom[leg]);
+    return from < m_waypoints.size() && !m_waypoints[from].line.isEmpty();
 }
 
 bool ZrPlanChart::IsShown(std::size_t waypoint) const

@@ -24,11 +24,14 @@ class ZrWpts;
 /// chart.SetOrigin({50.3, -4.1});
 /// map.m_layers = chart.Layers();
 /// chart.SetRoute(plan.Route(), plan.Path());
+/// chart.Match(map.m_camera); // before each frame
 /// const int index = chart.WaypointAt(map.m_camera, pixel, 24.0);
 /// \endcode
 ///
-/// World positions are metres of the UTM zone of the origin, also beyond its borders. Colours are those of
-/// the theme when things are set. Indices count waypoints and legs from 0; −1 is none. GUI thread only.
+/// World positions are metres of the UTM zone of the origin, also beyond its borders. What is drawn is made
+/// by the next `Match`, once for all that was set before it, in the colours that the theme has then; after a
+/// change of these something is to be set. Indices count waypoints and legs from 0; −1 is none. GUI thread
+/// only.
 class ZR_KIT_EXPORT ZrPlanChart
 {
 public:
@@ -49,12 +52,21 @@ public:
     ZrGeoPoint ToGeo(const QPointF& world) const;
 
     void SetRoute(const ZrWpts& route, const ZrRoutePath& path);
+
+    /// \name The two halves of `SetRoute`
+    /// Where the other one stays as it was; the way may be of a route before this one.
+    /// @{
+    void SetWaypoints(const ZrWpts& route);
+    void SetWay(const ZrRoutePath& path);
+    /// @}
+
     void SetAreas(const std::vector<ZrArea>& areas, const std::vector<ZrArea>& noGo);
     void SetFindings(const std::vector<ZrRouteFinding>& findings);
     void SetSelected(int waypoint, int leg);
     void SetFaint(bool isFaint); ///< behind something else that is drawn: pale lines, no arrows, no names
 
-    /// Chooses what of the details the scale has room for. Before a frame; costs nothing while that stays.
+    /// Makes what has changed, and chooses what of the details the scale has room for. Before a frame; costs
+    /// nothing while all stays.
     void Match(const ZrMapView& view);
 
     QRectF Bounds() const; ///< of waypoints and areas, world; null without any
@@ -84,6 +96,7 @@ private:
     void AddFindings(std::vector<ZrMapMarker>& markers) const;
     void BuildAreas();
     bool IsShown(std::size_t waypoint) const;
+    bool IsLine(std::size_t leg) const;
 
     ZrGridBatch m_grid;
     ZrShapeLayer m_areaLayer;
@@ -93,7 +106,7 @@ private:
     std::vector<Waypoint> m_waypoints;
     std::vector<QPointF> m_points;
     std::vector<std::vector<QPointF>> m_legs; ///< the way along each
-    std::vector<bool> m_isLine; ///< the leg is a survey line
+    std::vector<int> m_legFrom; ///< waypoint that each begins at
     std::vector<std::vector<QPointF>> m_areas;
     std::vector<QString> m_areaNames;
     std::vector<std::vector<QPointF>> m_noGo;
@@ -102,5 +115,8 @@ private:
     int m_waypoint = -1; ///< selected
     int m_leg = -1;
     bool m_isFaint = false;
+    bool m_areAreasDue = false; ///< to be made anew
+    bool m_areLinesDue = false;
+    bool m_areMarksDue = false;
     double m_scale = 0.0; ///< metres per design pixel, a power of the square root of 2
 };

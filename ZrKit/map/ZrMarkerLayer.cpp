@@ -35,7 +35,8 @@ constexpr double widest = 10000.0; ///< design pixels
 bool IsDrawn(const ZrMapMarker& m)
 {
     return std::isfinite(m.position.x()) && std::isfinite(m.position.y()) && std::abs(m.position.x()) < 1e12
-        && std::abs(m.position.y()) < 1e12 && std::isfinite(m.angle) && m.size > 0.0 && m.size <= widest
+        && std::abs(m.position.y()) < 1e12 && std::isfinite(m.offset.x()) && std::isfinite(m.offset.y())
+        && std::isfinite(m.angle) && m.size > 0.0 && m.size <= widest
         && !ZrMarkerAtlas::CellOf(m.image).isNull();
 }
 
@@ -48,6 +49,7 @@ void WriteMarker(const ZrMapMarker& m, Vertex* vertices)
     const double angle = isDrawn ? qDegreesToRadians(m.angle) : 0.0;
     const double c = std::cos(angle) * half;
     const double s = std::sin(angle) * half;
+    const QPointF middle = isDrawn ? m.offset : QPointF();
     const QRectF cell = ZrMarkerAtlas::CellOf(m.image);
     Vertex vertex{};
     if (isDrawn)
@@ -63,8 +65,8 @@ void WriteMarker(const ZrMapMarker& m, Vertex* vertices)
     for (int i = 0; i < corners; ++i) {
         const double x = i < 2 ? -1.0 : 1.0;
         const double y = i % 2 ? 1.0 : -1.0;
-        vertex.corner[0] = static_cast<float>(x * c - y * s);
-        vertex.corner[1] = static_cast<float>(x * s + y * c);
+        vertex.corner[0] = static_cast<float>(middle.x() + x * c - y * s);
+        vertex.corner[1] = static_cast<float>(middle.y() + x * s + y * c);
         vertex.texture[0] = static_cast<float>(i < 2 ? cell.left() : cell.right());
         vertex.texture[1] = static_cast<float>(i % 2 ? cell.bottom() : cell.top());
         vertices[i] = vertex;

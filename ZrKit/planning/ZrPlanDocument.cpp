@@ -222,6 +222,9 @@ bool ZrPlanDocument::Take(ZrPlanReader& reader)
 {
     m_error.clear();
     m_warnings = reader.Warnings();
+    const QString moved = reader.m_isDraft && reader.m_path == m_foreignPath
+        ? std::exchange(m_foreignPath, QString())
+        : QString();
     // It is there as it was read, and need not be written.
     const bool isDrafted
         = reader.m_isDraft && reader.m_path == m_draft.Path() && std::exchange(m_isForeign, false);
@@ -233,6 +236,7 @@ bool ZrPlanDocument::Take(ZrPlanReader& reader)
     }
     if (!KeepUnsaved(reader.m_path)) {
         m_isForeign = isDrafted;
+        m_foreignPath = moved.isEmpty() ? m_foreignPath : moved;
         reader.m_isLoaded = true;
         return false;
     }

@@ -180,6 +180,12 @@ public:
 
     bool HasDraft() const; ///< left by a program that ended without saving, or of this plan
 
+    /// Where the draft of a run before is that nobody has looked at: `DraftPath`, until an edit needs that
+    /// place, then a path of `Kept`, or `AsidePath` where that cannot keep it. Empty for none, and once it
+    /// was taken or discarded. Who reads it in another thread asks again then, and reads once more what
+    /// moved.
+    QString ForeignPath() const { return m_isForeign ? m_draft.Path() : m_foreignPath; }
+
     /// False, with the reason in `Error`, when it cannot be read; it is set aside then, see `AsidePath`.
     bool RestoreDraft();
 
@@ -240,6 +246,7 @@ private:
     QElapsedTimer m_draftWait; ///< since the first edit that is not in the draft
     bool m_isDraftDue = false;
     bool m_isForeign = false; ///< the draft is of a run before, and was not looked at
+    QString m_foreignPath; ///< where it went before it was looked at
     bool m_isStuck = false; ///< the draft is damaged and cannot be set aside
     bool m_hasDraftFailed = false;
     int m_plan = 0; ///< counted: `New`, `Take` and `Restore` begin another one

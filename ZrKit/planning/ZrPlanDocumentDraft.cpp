@@ -44,6 +44,7 @@ bool ZrPlanDocument::PutAside()
 void ZrPlanDocument::DiscardDraft()
 {
     m_isForeign = false;
+    m_foreignPath.clear();
     RemoveDraft();
 }
 
@@ -103,8 +104,9 @@ void ZrPlanDocument::SecureForeign()
     QFile file(m_draft.Path());
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     file.close();
-    if (m_kept->Keep(bytes).isEmpty())
-        PutAside();
+    m_foreignPath = m_kept->Keep(bytes);
+    if (m_foreignPath.isEmpty() && PutAside())
+        m_foreignPath = m_asidePath;
 }
 
 /// Before another plan takes the place of this one. False, with the reason in `Error`, when what is not saved

@@ -32,6 +32,9 @@ public:
 
     bool IsCurrent() const { return m_seen == m_wanted; } ///< what it says is of the plan as it is now
 
+    /// Which state of the plan the findings and the path are of, counted; -1 before the first `Ready`.
+    int Seen() const { return m_seen; }
+
     const std::vector<ZrRouteFinding>& Findings() const { return m_findings; }
 
     const ZrRoutePath* Path() const { return m_path.get(); } ///< null before the first `Ready`

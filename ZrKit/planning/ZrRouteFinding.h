@@ -50,6 +50,9 @@ struct ZR_KIT_EXPORT ZrRouteFinding
     QString text; ///< sentences with names, numbers and units
     ZrGeoPoint place; ///< where to look; of a stretch where it begins; not valid if there is none
 
+    /// What it is in three or four words, for a line of a list: "Turn longer than its leg".
+    QString Title() const;
+
     /// The code in words for files and scripts: "turn-beyond-leg".
     QString CodeName() const;
 

@@ -18,17 +18,25 @@ class ZrTouchList::Model : public QAbstractListModel
 {
 public:
     QVector<ZrListItem> items;
+    std::function<ZrListItem(int)> make; ///< instead of the items; empty for these
 
     using QAbstractListModel::QAbstractListModel;
 
-    int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : items.size(); }
+    int Count() const { return make ? m_made : items.size(); }
+
+    ZrListItem Item(int row) const
+    {
+        if (row < 0 || row >= Count())
+            return {};
+        return make ? make(row) : items[row];
+    }
+
+    int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : Count(); }
 
     QVariant data(const QModelIndex& index, int role) const override
     {
-        if (index.row() < 0 || index.row() >= items.size())
-            return {};
-        const ZrListItem& item = items[index.row()];
         if (role == Qt::AccessibleTextRole || role == Qt::DisplayRole) {
+            const ZrListItem item = Item(index.row());
             QStringList parts{item.title, item.subtitle, item.detail};
             parts.removeAll(QString());
             return parts.join(QStringLiteral(", "));
@@ -36,14 +44,19 @@ public:
         return {};
     }
 
-    void Replace(const QVector<ZrListItem>& others)
+    void Replace(const QVector<ZrListItem>& others, int count, const std::function<ZrListItem(int)>& maker)
     {
         beginResetModel();
         items = others;
+        make = maker;
+        m_made = count;
         endResetModel();
     }
 
     void Tell(int row) { Q_EMIT dataChanged(index(row), index(row)); }
+
+private:
+    int m_made = 0; ///< rows that are made
 };
 
 class ZrTouchList::Delegate : public QStyledItemDelegate
@@ -57,13 +70,13 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& index) const override
     {
-        const bool isTall = !m_list.Items().value(index.row()).subtitle.isEmpty();
+        const bool isTall = !m_list.Item(index.row()).subtitle.isEmpty();
         return {ZrTheme::DpI(100), std::max(ZrTheme::DpI(isTall ? RowHeight : 56), 44)};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
     {
-        ZrListItem item = m_list.Items().value(index.row());
+        ZrListItem item = m_list.Item(index.row());
         if (item.isPicture && item.image.isNull() && m_list.m_picture)
             item.image = m_list.m_picture(index.row());
         const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
@@ -176,13 +189,36 @@ const QVector<ZrListItem>& ZrTouchList::Items() const
 
 void ZrTouchList::SetItems(const QVector<ZrListItem>& items)
 {
+    Replace(items, 0, {});
+}
+
+void ZrTouchList::SetRows(int count, const std::function<ZrListItem(int row)>& make)
+{
+    Replace({}, std::max(count, 0), make);
+}
+
+void ZrTouchList::Replace(
+    const QVector<ZrListItem>& items, int count, const std::function<ZrListItem(int row)>& make)
+{
     const int current = Current();
     const int position = verticalScrollBar()->value();
     m_isSetting = true;
-    m_model->Replace(items);
+    // Else each row would be made for its height.
+    setUniformItemSizes(static_cast<bool>(make));
+    m_model->Replace(items, count, make);
     m_isSetting = false;
-    SetCurrent(std::min(current, items.size() - 1));
+    SetCurrent(std::min(current, Count() - 1));
     verticalScrollBar()->setValue(position);
+}
+
+int ZrTouchList::Count() const
+{
+    return m_model->Count();
+}
+
+ZrListItem ZrTouchList::Item(int row) const
+{
+    return m_model->Item(row);
 }
 
 void ZrTouchList::SetItem(int row, const ZrListItem& item)
@@ -201,7 +237,7 @@ int ZrTouchList::Current() const
 void ZrTouchList::SetCurrent(int row)
 {
     m_isSetting = true;
-    if (row < 0 || row >= m_model->items.size())
+    if (row < 0 || row >= Count())
         clearSelection();
     setCurrentIndex(row < 0 ? QModelIndex() : m_model->index(row));
     m_isSetting = false;
@@ -217,7 +253,7 @@ void ZrTouchList::currentChanged(const QModelIndex& current, const QModelIndex& 
 void ZrTouchList::paintEvent(QPaintEvent* event)
 {
     QListView::paintEvent(event);
-    if (!m_model->items.isEmpty() || m_empty.isEmpty())
+    if (Count() > 0 || m_empty.isEmpty())
         return;
     QPainter painter(viewport());
     painter.setFont(ZrLegible::Font(18));

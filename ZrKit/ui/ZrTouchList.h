@@ -16,7 +16,8 @@
 /// \endcode
 ///
 /// A tap makes a row the current one and chooses it; Return chooses the current one; a finger held on a row
-/// tells `Held`. Rows are painted from the items in view alone, so that lists may be long. GUI thread only.
+/// tells `Held`. Rows are painted from the items in view alone, so that lists may be long; those of very long
+/// ones are not even made before they are seen, see `SetRows`. GUI thread only.
 class ZR_KIT_EXPORT ZrTouchList : public QListView
 {
     Q_OBJECT
@@ -38,7 +39,16 @@ public:
     void SetItems(const QVector<ZrListItem>& items);
     void SetItem(int row, const ZrListItem& item); ///< nothing for a row that is none
 
-    const QVector<ZrListItem>& Items() const;
+    const QVector<ZrListItem>& Items() const; ///< of `SetItems`; empty for rows that are made
+
+    /// Replaces all rows by \p count that \p make makes each time they are painted or asked for, likewise.
+    /// All are as high as the first one. \p make is not called for a row that is none, and may be called as
+    /// long as the list has these rows.
+    void SetRows(int count, const std::function<ZrListItem(int row)>& make);
+
+    int Count() const; ///< of rows, whichever way they came
+
+    ZrListItem Item(int row) const; ///< likewise; empty for a row that is none
 
     int Current() const; ///< -1 for none
     void SetCurrent(int row); ///< shows it; -1 for none; tells nobody
@@ -60,6 +70,8 @@ protected:
 private:
     class Model;
     class Delegate;
+
+    void Replace(const QVector<ZrListItem>& items, int count, const std::function<ZrListItem(int row)>& make);
 
     Model* m_model;
     bool m_isSetting = false;

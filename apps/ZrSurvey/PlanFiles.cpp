@@ -135,54 +135,51 @@ void PlanFiles::Take(const QString& path)
     }
 }
 
+/// The plan as it is now, on its way into a file.
+struct PlanFiles::Writing
+{
+    ZrPlanState plan;
+    bool isDone = false;
+    QString error;
+    QStringList warnings;
+    QStringList notHeld;
+};
+
+/// \param work in the worker's thread
+/// \param then when it is done; a failure is told
+void PlanFiles::Write(
+    const std::function<void(Writing&)>& work, const std::function<void(const Writing&)>& then)
+{
+    auto writing = std::make_shared<Writing>();
+    writing->plan = m_view.Model().plan.State();
+    Run([work, writing] { work(*writing); },
+        [this, then, writing] {
+            if (writing->isDone)
+                then(*writing);
+            else
+                m_view.Warn(writing->error);
+        });
+}
+
 void PlanFiles::Export(const QString& path)
 {
-    struct Export
-    {
-        ZrPlanState plan;
-        bool isDone = false;
-        QString error;
-        QStringList warnings;
-    };
-
-    auto job = std::make_shared<Export>();
-    job->plan = m_view.Model().plan.State();
-    Run([job, path] { job->isDone = job->plan.Export(path, job->error, job->warnings); },
-        [this, job, path] {
-            if (!job->isDone)
-                m_view.Warn(job->error);
-            else if (!job->warnings.isEmpty())
-                m_view.Tell(job->warnings.front());
-            else
-                m_view.Tell(tr("Exported to %1").arg(QFileInfo(path).fileName()));
-        });
+    const auto write = [path](Writing& out) { out.isDone = out.plan.Export(path, out.error, out.warnings); };
+    Write(write, [this, path](const Writing& out) {
+        m_view.Tell(out.warnings.isEmpty() ? tr("Exported to %1").arg(QFileInfo(path).fileName())
+                                           : out.warnings.front());
+    });
 }
 
 void PlanFiles::SaveTo(const QString& path)
 {
-    struct Save
-    {
-        ZrPlanState plan;
-        bool isDone = false;
-        QString error;
-        QStringList warnings;
-        QStringList notHeld;
+    const auto write = [path](Writing& out) {
+        out.isDone = out.plan.Save(path, out.error, out.warnings);
+        if (out.isDone)
+            out.notHeld = out.plan.NotHeld(path);
     };
-
-    auto job = std::make_shared<Save>();
-    job->plan = m_view.Model().plan.State();
-    const auto save = [job, path] {
-        job->isDone = job->plan.Save(path, job->error, job->warnings);
-        if (job->isDone)
-            job->notHeld = job->plan.NotHeld(path);
-    };
-    Run(save, [this, job, path] {
-        if (!job->isDone) {
-            m_view.Warn(job->error);
-            return;
-        }
-        const bool isPlan = m_view.Model().plan.SetSaved(path, job->plan, job->notHeld);
-        TellSaved(path, isPlan, job->notHeld, job->warnings);
+    Write(write, [this, path](const Writing& out) {
+        const bool isPlan = m_view.Model().plan.SetSaved(path, out.plan, out.notHeld);
+        TellSaved(path, isPlan, out.notHeld, out.warnings);
     });
 }
 
@@ -342,27 +339,52 @@ void PlanFiles::Open(const QString& path)
 
 void PlanFiles::RestoreDraft()
 {
-    ZrPlanDocument& plan = m_view.Model().plan;
-    if (!plan.HasDraft())
+    const QString path = m_view.Model().plan.ForeignPath();
+    if (path.isEmpty())
         return;
     m_isRestoring = true;
+    ReadDraft(path);
+}
+
+void PlanFiles::ReadDraft(const QString& path)
+{
     auto reader = std::make_shared<ZrPlanReader>();
-    Run([reader, path = plan.DraftPath()] { reader->LoadDraft(path); },
-        [this, reader, &plan] {
-            m_isRestoring = false;
-            const auto before = Unsaved(); // it was edited while the draft was read
-            m_hasRestored = plan.Take(*reader);
-            if (!m_hasRestored)
-                TellUnread(reader->Error());
-            else if (before)
-                Q_EMIT Opened();
+    // Before what was asked for meanwhile: a file that is opened stays open.
+    m_jobs.prepend({[reader, path] { reader->LoadDraft(path); },
+        [this, reader, path] {
+            // An edit may have needed its place, before it was read or after.
+            const QString now = m_view.Model().plan.ForeignPath();
+            if (now == path)
+                TakeDraft(*reader);
+            else if (!now.isEmpty())
+                ReadDraft(now);
             else
-                Q_EMIT Restored();
-            if (m_hasRestored && before)
-                TellLost(tr("The draft was restored"), before);
-            if (std::exchange(m_isTellingDue, false))
-                TellDraft();
-        });
+                EndRestoring();
+        }});
+    StartNext();
+}
+
+void PlanFiles::TakeDraft(ZrPlanReader& reader)
+{
+    m_isRestoring = false;
+    const auto before = Unsaved(); // it was edited while the draft was read
+    m_hasRestored = m_view.Model().plan.Take(reader);
+    if (!m_hasRestored)
+        TellUnread(reader.Error());
+    else if (before)
+        Q_EMIT Opened();
+    else
+        Q_EMIT Restored();
+    if (m_hasRestored && before)
+        TellLost(tr("The draft was restored"), before);
+    EndRestoring();
+}
+
+void PlanFiles::EndRestoring()
+{
+    m_isRestoring = false;
+    if (std::exchange(m_isTellingDue, false))
+        TellDraft();
 }
 
 /// \param error of the reader; empty when the plan that is there could not be kept

@@ -16,6 +16,7 @@
 class SurveyView;
 class ZrChoicePanel;
 class ZrFilePanel;
+class ZrPlanReader;
 
 /// Where plans come from and go to: new, open, save, export, and the draft of a plan that was not saved.
 /// Nothing asks whether it is meant: what goes can be brought back.
@@ -64,13 +65,19 @@ private:
         taskAreas
     };
 
+    struct Writing;
+
     void Show(eTask task, const QString& title, bool isSaving, const QStringList& suffixes);
     void Take(const QString& path);
     void SaveTo(const QString& path);
     void Export(const QString& path);
+    void Write(const std::function<void(Writing&)>& work, const std::function<void(const Writing&)>& then);
     void ReadAreas(const QString& path);
     void ChooseKept(const std::vector<ZrPlanDrafts::Entry>& entries);
     void RestoreKept(const QString& path);
+    void ReadDraft(const QString& path);
+    void TakeDraft(ZrPlanReader& reader);
+    void EndRestoring();
     void TellUnread(const QString& error);
     void TellLost(const QString& text, const std::shared_ptr<const ZrPlanState>& before);
     std::shared_ptr<const ZrPlanState> Unsaved() const;

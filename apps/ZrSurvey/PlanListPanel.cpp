@@ -9,8 +9,10 @@
 
 #include <cmath>
 
-PlanListPanel::PlanListPanel(SurveyView& view, QWidget* parent)
+PlanListPanel::PlanListPanel(
+    SurveyView& view, QWidget* parent, const std::function<const ZrRoutePath&()>& path)
     : PlanPanel(view, parent)
+    , m_path(path)
     , m_list(new ZrTouchList(this))
 {
     m_list->m_empty = tr("Add a waypoint or draw an area");
@@ -28,29 +30,33 @@ PlanListPanel::PlanListPanel(SurveyView& view, QWidget* parent)
     };
 }
 
-void PlanListPanel::Show(int current, const ZrRoutePath& path)
+ZrListItem PlanListPanel::Row(int waypoint) const
 {
-    ZrPlanDocument& plan = View().Model().plan;
-    QVector<ZrListItem> items;
-    int index = 0;
-    for (ZrListPos* pos = plan.Route().GetHeadPos(); pos; ++index) {
-        const ZrWpt& wpt = *plan.Route().GetNext(pos);
-        ZrListItem item;
-        item.title = wpt.Name();
-        if (index > 0 && static_cast<std::size_t>(index) <= path.Legs().size()) {
-            const ZrRouteLeg& leg = path.Legs()[static_cast<std::size_t>(index) - 1];
-            if (std::isfinite(leg.length))
-                item.detail = ZrUnits::GetLengthString(leg.length, 1, false) + QLatin1Char(' ')
-                    + ZrUnits::GetLengthUnits(leg.length);
-        }
-        items.append(item);
+    ZrListItem item;
+    const ZrWpts& route = View().Model().plan.Route();
+    const ZrWpt* wpt = route.GetAt(route.FindIndex(waypoint));
+    if (!wpt)
+        return item;
+    item.title = wpt->Name();
+    const std::vector<ZrRouteLeg>& legs = m_path().Legs();
+    if (waypoint > 0 && static_cast<std::size_t>(waypoint) <= legs.size()) {
+        const double length = legs[static_cast<std::size_t>(waypoint) - 1].length;
+        if (std::isfinite(length))
+            item.detail = ZrUnits::GetLengthString(length, 1, false) + QLatin1Char(' ')
+                + ZrUnits::GetLengthUnits(length);
     }
-    m_list->SetItems(items);
+    return item;
+}
+
+void PlanListPanel::Show(int current)
+{
+    const int count = View().Model().plan.Route().GetCount();
+    m_list->SetRows(count, [this](int row) { return Row(row); });
     if (m_list->Current() != current)
         m_list->SetCurrent(current);
     m_buttons[0]->setEnabled(current > 0);
-    m_buttons[1]->setEnabled(current >= 0 && current + 1 < items.size());
-    m_buttons[2]->setEnabled(items.size() > 1);
+    m_buttons[1]->setEnabled(current >= 0 && current + 1 < count);
+    m_buttons[2]->setEnabled(count > 1);
     m_buttons[3]->setEnabled(current >= 0);
 }
 

@@ -4,6 +4,7 @@
 
 class ZrRoutePath;
 class ZrTouchList;
+struct ZrListItem;
 
 /// The waypoints in their order, with the legs to them.
 class PlanListPanel : public PlanPanel
@@ -11,10 +12,10 @@ class PlanListPanel : public PlanPanel
     Q_OBJECT
 
 public:
-    PlanListPanel(SurveyView& view, QWidget* parent);
+    /// \param path called for the lengths of the legs when rows are painted
+    PlanListPanel(SurveyView& view, QWidget* parent, const std::function<const ZrRoutePath&()>& path);
 
-    /// The plan as it is now, with the lengths of \p path.
-    void Show(int current, const ZrRoutePath& path);
+    void Show(int current); ///< the plan as it is now
 
     ZrTouchList* List() const { return m_list; }
 
@@ -30,6 +31,9 @@ protected:
     void Place() override;
 
 private:
+    ZrListItem Row(int waypoint) const;
+
+    std::function<const ZrRoutePath&()> m_path;
     ZrTouchList* m_list;
     QVector<ZrBtn*> m_buttons;
 };

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -28,6 +29,9 @@ constexpr int mostAtOnce = 2000;
 
 /// From which on work with a file is told.
 constexpr int busyMs = 300;
+
+/// Right of a plan that is shown whole, design pixels: most names have room in it and the border.
+constexpr float nameRoom = 64.0F;
 
 /// Metres per pixel at which an empty plan begins.
 constexpr double firstScale = 1.0;
@@ -55,7 +59,7 @@ PlanPage::PlanPage(SurveyView& view)
     , m_review(view.Model().plan)
     , m_panel(new ZrMapPanel(this, m_map))
     , m_files(new PlanFiles(view, this))
-    , m_list(new PlanListPanel(view, this))
+    , m_list(new PlanListPanel(view, this, [this]() -> const ZrRoutePath& { return Path(); }))
     , m_point(new PlanPointPanel(view, this))
     , m_pattern(new PlanPatternPanel(view, this))
     , m_margin(new PlanMarginPanel(view, this))
@@ -278,6 +282,7 @@ void PlanPage::OnColours()
     m_more->Restyle();
     m_files->Restyle();
     m_drawing.Build(m_keepClear->on);
+    m_isChartDue = true;
     SurveyPage::OnColours();
     Later();
 }
@@ -319,6 +324,7 @@ void PlanPage::MatchOrigin()
     const bool isFirst = !m_origin.IsValid();
     const ZrGeoPoint centre = isFirst ? origin : m_chart.ToGeo(m_map.m_camera.Centre());
     m_origin = origin;
+    m_isChartDue = true;
     m_chart.SetOrigin(origin);
     m_grid.SetProjection(ZrUnits::wgs84, m_chart.Grid().Projection());
     m_map.m_camera.SetCentre(m_chart.ToWorld(centre));
@@ -368,10 +374,7 @@ void PlanPage::Refresh()
     const auto areas = static_cast<int>((m_isNoGo ? Plan().NoGo() : Plan().Areas()).size());
     if (m_area >= areas)
         m_area = -1;
-    const ZrRoutePath& path = Path();
-    m_chart.SetAreas(Plan().Areas(), Plan().NoGo());
-    m_chart.SetRoute(Plan().Route(), path);
-    m_chart.SetFindings(m_review.Findings());
+    MatchChart();
     m_chart.SetSelected(m_selected, m_leg);
     if (m_isFitDue && isVisible() && !m_files->IsRestoring())
         Fit();
@@ -380,24 +383,43 @@ void PlanPage::Refresh()
     ShowState();
 }
 
+void PlanPage::MatchChart()
+{
+    const bool isDue = std::exchange(m_isChartDue, false);
+    const int plan = Plan().Revision();
+    const int review = m_review.Seen();
+    const bool isMeasuredHere = Plan().Route().GetCount() <= mostAtOnce;
+    const int way = isMeasuredHere ? plan : -2 - review;
+    if (std::exchange(m_chartPlan, plan) != plan || isDue) {
+        m_chart.SetAreas(Plan().Areas(), Plan().NoGo());
+        m_chart.SetWaypoints(Plan().Route());
+    }
+    if (std::exchange(m_chartWay, way) != way || isDue)
+        m_chart.SetWay(Path());
+    if (std::exchange(m_chartReview, review) != review || isDue)
+        m_chart.SetFindings(m_review.Findings());
+}
+
 void PlanPage::Fit()
 {
     m_isFitDue = false;
     const QRectF bounds = m_chart.Bounds();
     if (bounds.isNull() && Plan().Route().IsEmpty() && Plan().Areas().empty())
         return;
-    // The tools to the left and the tiles below cover a part of the map.
+    // The tools to the left and the tiles below cover a part of the map; names stand to the right of their
+    // waypoints.
     const double ratio = devicePixelRatioF();
     const double left = m_tools.front()->geometry().right() * ratio;
+    const double right = static_cast<double>(ZrTheme::DpF(nameRoom)) * ratio;
     const double below = (m_panel->geometry().bottom() - m_length->y()) * ratio
         + static_cast<double>(ZrTheme::DpF(56.0F)) * ratio;
     ZrMapView& camera = m_map.m_camera;
     ZrMapView free = camera;
-    free.SetSize(qRound(camera.Width() - left), qRound(camera.Height() - below));
+    free.SetSize(qRound(camera.Width() - left - right), qRound(camera.Height() - below));
     free.Fit(bounds, static_cast<double>(ZrTheme::DpF(56.0F)) * ratio);
     camera.SetScale(free.Scale());
     camera.SetCentre(free.Centre());
-    camera.Pan({left / 2.0, -below / 2.0});
+    camera.Pan({(left - right) / 2.0, -below / 2.0});
     m_panel->Moved();
 }
 
@@ -436,22 +458,27 @@ void PlanPage::ShowChecks()
         : Plan().Areas().empty() ? tr("Add a waypoint or draw an area")
                                  : tr("Add a waypoint, or survey lines over the area");
     m_checks->viewport()->update();
-    QVector<ZrListItem> items;
-    for (const ZrRouteFinding& finding : m_review.Findings()) {
-        if (!isBegun)
-            break;
-        ZrListItem item;
-        item.title = finding.text;
-        item.subtitle = finding.index >= 0 ? tr("Waypoint %1").arg(finding.index + 1) : tr("The whole plan");
-        const bool isError = finding.severity == ZrRouteFinding::eError;
-        const bool isInfo = finding.severity == ZrRouteFinding::eInfo;
-        item.image = QImage(isError ? QStringLiteral(":/icons/error.png")
-                : isInfo            ? QStringLiteral(":/icons/info.png")
-                                    : QStringLiteral(":/icons/warning.png"));
-        item.edge = isError ? ZrTheme::errorCol : isInfo ? ZrTheme::ctrlOutlineCol : ZrTheme::warnCol;
-        items.append(item);
-    }
-    m_checks->SetItems(items);
+    m_checks->SetRows(isBegun ? static_cast<int>(m_review.Findings().size()) : 0,
+        [this](int row) { return CheckRow(row); });
+}
+
+ZrListItem PlanPage::CheckRow(int row) const
+{
+    // The list may be of a state before.
+    const auto& findings = m_review.Findings();
+    if (row >= static_cast<int>(findings.size()))
+        return {};
+    const ZrRouteFinding& finding = findings[static_cast<std::size_t>(row)];
+    ZrListItem item;
+    item.title = finding.Title();
+    item.subtitle = finding.text;
+    const bool isError = finding.severity == ZrRouteFinding::eError;
+    const bool isInfo = finding.severity == ZrRouteFinding::eInfo;
+    item.image = QImage(isError ? QStringLiteral(":/icons/error.png")
+            : isInfo            ? QStringLiteral(":/icons/info.png")
+                                : QStringLiteral(":/icons/warning.png"));
+    item.edge = isError ? ZrTheme::errorCol : isInfo ? ZrTheme::ctrlOutlineCol : ZrTheme::warnCol;
+    return item;
 }
 
 void PlanPage::ShowSide(eSide side)

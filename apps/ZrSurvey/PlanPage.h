@@ -23,6 +23,7 @@ class ZrPlanDocument;
 class ZrTouchList;
 class ZrValueTile;
 class ZrWpt;
+struct ZrListItem;
 
 /// The page on which surveys are planned: the map with the plan, tools to its left, lists to its right, what
 /// the plan comes to below.
@@ -52,6 +53,11 @@ public:
     ZrMapSurface& Map() { return m_map; }
 
     const ZrPlanChart& Chart() const { return m_chart; }
+
+    const ZrGridLayer& Grid() const { return m_grid; }
+
+    /// Behind the buttons of the mode and their hint, at the upper edge of the map; empty without any.
+    QRect Strip() const { return m_barRect; }
 
     void Fit(); ///< shows all of the plan
 
@@ -88,15 +94,18 @@ private:
     void PlaceBar(const QRect& map);
     void PlaceSide(const QRect& side);
     void PlaceTiles(const QRect& map);
+    void PlaceFurniture(const QRect& map); ///< of the map itself: clear of all the rest
 
     // What the page shows.
     void Later();
     void Refresh();
     void MatchOrigin();
+    void MatchChart(); ///< gives the chart what is new of the plan
     void RestoreCamera();
     void KeepCamera();
     void ShowTotals();
     void ShowChecks();
+    ZrListItem CheckRow(int row) const;
     void ShowState();
     void ShowSide(eSide side);
     const ZrRoutePath& Path();
@@ -184,6 +193,10 @@ private:
     eMode m_mode = modeBrowse;
     eSide m_side = sideList;
     ZrGeoPoint m_origin; ///< of the chart
+    bool m_isChartDue = true; ///< whatever it shows, it is to be set anew
+    int m_chartPlan = -1; ///< revision that it shows
+    int m_chartWay = -1; ///< likewise, of the way
+    int m_chartReview = -1; ///< state of the review whose findings it shows
     bool m_isFitDue = true;
     bool m_isCameraDue = true; ///< the map is to be where it was left, unless a plan is opened
     bool m_isOpened = false; ///< has been shown once

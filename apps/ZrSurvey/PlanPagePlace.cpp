@@ -57,7 +57,6 @@ void PlanPage::Place()
     m_sideRect = QRect(map.right() + 1, area.y(), side, area.height());
     m_map.m_pixelFactor = qRound(devicePixelRatioF());
     m_panel->setGeometry(map);
-    const double ratio = devicePixelRatioF();
     const int y0 = 2 * Gap();
     const int tool = Side(toolSide);
     int y = map.y() + y0;
@@ -66,12 +65,11 @@ void PlanPage::Place()
         button->Changed();
         y += tool + Gap() / 2;
     }
-    m_grid.SetMargins(
-        QMarginsF((tool + 3 * Gap()) * ratio, 0.0, 0.0, (ZrTheme::DpI(tileHeight) + 3 * Gap()) * ratio));
     PlaceBand();
     PlaceTiles(map);
     PlaceSide(m_sideRect);
     PlaceBar(map);
+    PlaceFurniture(map);
 }
 
 void PlanPage::PlaceBand()
@@ -102,6 +100,14 @@ void PlanPage::PlaceTiles(const QRect& map)
         tile->setGeometry(x, map.bottom() - height - 2 * Gap(), width, height);
         x += width + Gap();
     }
+}
+
+void PlanPage::PlaceFurniture(const QRect& map)
+{
+    const int left = m_tools.front()->geometry().right() + 1 - map.x() + Gap();
+    const int top = m_barRect.isEmpty() ? 0 : m_barRect.bottom() + 1 - map.y();
+    const int bottom = map.bottom() - m_length->y() + Gap();
+    m_grid.SetMargins(QMarginsF(left, top, 0.0, bottom) * devicePixelRatioF());
 }
 
 void PlanPage::PlaceSide(const QRect& side)
@@ -175,7 +181,7 @@ void PlanPage::ShowState()
         SetSubtitle(tr("%1 • reading or writing …").arg(Plan().Name()));
     else
         SetSubtitle(Plan().IsDirty() ? tr("%1 • not saved").arg(Plan().Name()) : Plan().Name());
-    m_list->Show(m_selected, Path());
+    m_list->Show(m_selected);
     m_point->Show(Waypoint(m_selected), m_chart.Grid());
     m_addTool->on = m_mode == modeAdd;
     m_areaTool->on = m_mode == modeArea;
@@ -213,6 +219,7 @@ void PlanPage::ShowState()
     }
     m_drawing.Build(m_keepClear->on);
     PlaceBar(m_panel->geometry());
+    PlaceFurniture(m_panel->geometry());
     Changed();
 }
 

@@ -1,0 +1,194 @@
+// Very long plans on the page "Plan": its lists, and what an edit costs the thread that the fingers wait for.
+
+#include "SurveyPlanWindow.h"
+#include "ZrSanitizer.h"
+
+#include <algorithm>
+#include <ctime>
+#include <functional>
+
+namespace {
+
+constexpr double mostMs = 50.0; ///< of a step on a plan of 10,000 waypoints
+
+/// Of this thread alone, milliseconds: what else the machine does is no part of it.
+double CpuMs()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return 1e3 * static_cast<double>(now.tv_sec) + 1e-6 * static_cast<double>(now.tv_nsec);
+}
+
+double CpuMsOf(const std::function<void()>& act)
+{
+    const double begin = CpuMs();
+    act();
+    return CpuMs() - begin;
+}
+
+} // namespace
+
+class tst_SurveyPlanLong : public SurveyPlanWindow
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lists_data();
+    void lists();
+    void chartFollowsTheReview();
+    void stepsCost_data();
+    void stepsCost();
+
+private:
+    void Fill(int count);
+    double RestMs();
+
+    ZrTouchList* List() { return m_page->findChild<PlanListPanel*>()->List(); }
+
+    ZrTouchList* Checks()
+    {
+        return m_page->findChildren<ZrTouchList*>(QString(), Qt::FindDirectChildrenOnly).last();
+    }
+};
+
+/// Lines of a hundred waypoints to and fro.
+void tst_SurveyPlanLong::Fill(int count)
+{
+    ZrWpts route;
+    for (int i = 0; i < count; ++i) {
+        const int line = i / 100;
+        auto wpt = std::make_unique<ZrWpt>();
+        wpt->lat = 48.4 + 1e-4 * line;
+        wpt->lng = -68.8 + 1e-3 * (line % 2 == 0 ? i % 100 : 99 - i % 100);
+        route.AddTail(wpt.release());
+    }
+    route.linked = true;
+    route.UpdatePseudo();
+    route.Recalc(true);
+    Plan().Route() = route;
+    Plan().History().Reset();
+    Plan().Edited();
+    QTRY_COMPARE_WITH_TIMEOUT(List()->Count(), count, 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(static_cast<int>(m_page->Chart().Points().size()), count, 60000);
+}
+
+void tst_SurveyPlanLong::lists_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("isReviewed"); // that of the longest one takes long
+    QTest::newRow("10000") << 10000 << true;
+    QTest::newRow("the most") << int(ZrSurveyPlanner::MostWaypoints) << false;
+}
+
+/// Rows are those of the plan, and made when they are looked at: none is kept.
+void tst_SurveyPlanLong::lists()
+{
+    QFETCH(int, count);
+    QFETCH(bool, isReviewed);
+    Fill(count);
+    QVERIFY(List()->Items().isEmpty());
+    QCOMPARE(List()->Item(0).title, Wpt(0)->Name());
+    QCOMPARE(List()->Item(0).detail, QString());
+    QCOMPARE(List()->Item(count - 1).title, Wpt(count - 1)->Name());
+    if (isReviewed)
+        QTRY_VERIFY_WITH_TIMEOUT(List()->Item(count - 1).detail.endsWith(QLatin1String(" m")), 60000);
+    // To its end, as a hand goes there.
+    QTest::keyClick(List(), Qt::Key_Home);
+    QTRY_COMPARE(List()->Current(), 0);
+    QTest::keyClick(List(), Qt::Key_End);
+    QTRY_COMPARE(List()->Current(), count - 1);
+    const QRect row = List()->visualRect(List()->model()->index(count - 1, 0));
+    QVERIFY(List()->viewport()->rect().intersects(row));
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QTRY_COMPARE(List()->Count(), count - 1);
+    QCOMPARE(Plan().Route().GetCount(), count - 1);
+    if (!isReviewed)
+        return;
+    // As many findings as there are waypoints.
+    Plan().SetNoGo({{QStringLiteral("All"), {{48.0, -69.0}, {48.0, -68.0}, {50.0, -68.0}, {50.0, -69.0}}}});
+    QTRY_VERIFY_WITH_TIMEOUT(Checks()->Count() > 0, 120000);
+    QVERIFY(Checks()->Items().isEmpty());
+    QVERIFY(!Checks()->Item(Checks()->Count() - 1).title.isEmpty());
+}
+
+/// The way and the findings of the review come to the map whenever they come.
+void tst_SurveyPlanLong::chartFollowsTheReview()
+{
+    Fill(3000);
+    const ZrMapView& camera = m_page->Map().m_camera;
+    const auto legAt
+        = [&](const QPointF& world) { return m_page->Chart().LegAt(camera, camera.ToPixel(world), 2.0); };
+    const auto middle = [&](std::size_t a) {
+        return (m_page->Chart().Points()[a] + m_page->Chart().Points()[a + 1]) / 2.0;
+    };
+    QTRY_COMPARE(legAt(middle(50)), 50);
+    const ZrWpt* wpt = Wpt(51);
+    Plan().History().Move(Wpt(51), wpt->lat + 5e-5, wpt->lng);
+    Plan().Edited();
+    QTRY_COMPARE(legAt(middle(50)), 50);
+    QTRY_COMPARE(legAt(middle(51)), 51);
+    Plan().History().Undo();
+    Plan().Edited();
+    QTRY_COMPARE(legAt(middle(51)), 51);
+}
+
+void tst_SurveyPlanLong::stepsCost_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    const auto add = [](const char* name, Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QTest::newRow(name) << int(key) << int(modifiers);
+    };
+    add("delete", Qt::Key_Delete, Qt::NoModifier);
+    add("reorder", Qt::Key_Up, Qt::ControlModifier);
+    add("reverse", Qt::Key_R, Qt::ControlModifier);
+    add("mode", Qt::Key_A, Qt::NoModifier);
+}
+
+/// What the event loop does until all has followed the edit: the longest turn. Frames are not counted.
+double tst_SurveyPlanLong::RestMs()
+{
+    double longest = 0.0;
+    QElapsedTimer quiet;
+    quiet.start();
+    while (quiet.elapsed() < 300) {
+        const double turn = CpuMsOf([] { QCoreApplication::processEvents(); });
+        longest = std::max(longest, turn);
+        if (turn > 1.0)
+            quiet.start();
+        QThread::msleep(1);
+    }
+    return longest;
+}
+
+/// The least of some: a machine in use makes a step longer, none makes it shorter.
+void tst_SurveyPlanLong::stepsCost()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    Fill(10000);
+    m_view->setUpdatesEnabled(false);
+    Q_EMIT m_page->findChild<PlanListPanel*>()->Chosen(5000);
+    RestMs();
+    double step = 1e9;
+    double undo = 1e9;
+    const int runs = 4;
+    for (int i = 0; i < runs; ++i) {
+        const double now = CpuMsOf([&] {
+            QTest::keyClick(
+                m_view.get(), static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
+        });
+        step = std::min(step, std::max(now, RestMs()));
+        const double back
+            = CpuMsOf([this] { QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier); });
+        undo = std::min(undo, std::max(back, RestMs()));
+    }
+    QVERIFY(step > 0.0 && undo > 0.0);
+    // Whatever a sanitizer adds is no part of it.
+    QVERIFY2(underSanitizer || step < mostMs, qPrintable(QString::number(step)));
+    QVERIFY2(underSanitizer || undo < mostMs, qPrintable(QString::number(undo)));
+    qInfo("%.1f ms, undo %.1f ms", step, undo);
+}
+
+GL_TEST_MAIN(tst_SurveyPlanLong)
+#include "tst_SurveyPlanLong.moc"
