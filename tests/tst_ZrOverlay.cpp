@@ -1,15 +1,13 @@
-// Panels over the window: choices, files, messages.
+// Panels over the window: choices and messages.
 
 #include "ZrKit/ui/ZrChoicePanel.h"
-#include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrBtn.h"
-#include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <QLineEdit>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -31,12 +29,6 @@ protected:
     bool OnAccept() override { return m_isRight; }
 };
 
-bool Write(const QString& path, const QByteArray& bytes = "x")
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 ZrBtn* ButtonOf(QWidget& widget, const QString& text)
 {
     const auto buttons = widget.findChildren<ZrBtn*>();
@@ -45,14 +37,6 @@ ZrBtn* ButtonOf(QWidget& widget, const QString& text)
             return button;
     }
     return nullptr;
-}
-
-QStringList Titles(const ZrTouchList& list)
-{
-    QStringList titles;
-    for (const ZrListItem& item : list.Items())
-        titles.append(item.title);
-    return titles;
 }
 
 } // namespace
@@ -76,17 +60,7 @@ private Q_SLOTS:
     void problemIsShown();
     void choiceByTap();
     void choiceByKeys();
-    void filesOfTheFolder();
-    void opensAFolder();
-    void opensAFile();
-    void savesUnderAName();
-    void savingOverAFileIsSaid();
-    void badNames_data();
-    void badNames();
-    void choosesAFolder();
-    void missingFolderIsTheOneAbove();
-    void goesUp();
-    void tooManyFilesAreTold();
+    void choiceBeginsAtItsTop();
     void toastShowsAndGoes();
     void toastActs();
     void toastReplaces();
@@ -95,7 +69,6 @@ private Q_SLOTS:
 
 private:
     std::unique_ptr<QWidget> m_window;
-    std::unique_ptr<QTemporaryDir> m_dir;
 };
 
 void tst_ZrOverlay::init()
@@ -105,8 +78,6 @@ void tst_ZrOverlay::init()
     m_window = std::make_unique<QWidget>();
     m_window->resize(1000, 750);
     m_window->show();
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
 }
 
 void tst_ZrOverlay::startsHidden()
@@ -284,155 +255,29 @@ void tst_ZrOverlay::choiceByKeys()
     QCOMPARE(chosen.count(), 1);
 }
 
-void tst_ZrOverlay::filesOfTheFolder()
+/// Wherever it was scrolled to the last time; the current one is in view where there is one.
+void tst_ZrOverlay::choiceBeginsAtItsTop()
 {
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("Ordner 港")));
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("a.log"))));
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("b.txt"))));
-    QVERIFY(Write(m_dir->filePath(QStringLiteral(".hidden.log"))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetSuffixes({QStringLiteral("log")});
-    files.SetFolder(m_dir->path());
-    files.Open();
-    auto* list = files.findChildren<ZrTouchList*>()[1];
-    QCOMPARE(Titles(*list), QStringList({QStringLiteral("Ordner 港"), QStringLiteral("a.log")}));
-    // What it is for, and where one is.
-    const QString folder = QDir(m_dir->path()).dirName();
-    QCOMPARE(files.accessibleName(), QStringLiteral("Open – ") + folder);
-    files.SetPurpose(QStringLiteral("Import"));
-    QCOMPARE(files.accessibleName(), QStringLiteral("Import – ") + folder);
-    files.SetPurpose(QString());
-    QCOMPARE(files.accessibleName(), folder);
-}
-
-void tst_ZrOverlay::opensAFolder()
-{
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("sub")));
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("sub/c.log"))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetFolder(m_dir->path());
-    files.Open();
-    auto* list = files.findChildren<ZrTouchList*>()[1];
-    Q_EMIT list->Chosen(0);
-    QCOMPARE(files.Folder(), m_dir->filePath(QStringLiteral("sub")));
-    QCOMPARE(Titles(*list), QStringList(QStringLiteral("c.log")));
-    QVERIFY(files.isVisible());
-}
-
-void tst_ZrOverlay::opensAFile()
-{
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("c.log"))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetFolder(m_dir->path());
-    QSignalSpy chosen(&files, &ZrFilePanel::FileChosen);
-    files.Open();
-    files.Accept();
-    QVERIFY(files.isVisible());
-    QVERIFY(!files.Problem().isEmpty());
-    auto* list = files.findChildren<ZrTouchList*>()[1];
-    QTest::mouseClick(
-        list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
-    QTRY_COMPARE(chosen.count(), 1);
-    QCOMPARE(chosen[0][0].toString(), m_dir->filePath(QStringLiteral("c.log")));
-    QVERIFY(!files.isVisible());
-}
-
-void tst_ZrOverlay::savesUnderAName()
-{
-    ZrFilePanel files(m_window.get(), QStringLiteral("Save"));
-    files.SetMode(ZrFilePanel::saveFile);
-    files.SetSuffixes({QStringLiteral("gpx"), QStringLiteral("kml")});
-    files.SetFolder(m_dir->path());
-    files.SetFileName(QStringLiteral("Plan ä"));
-    QSignalSpy chosen(&files, &ZrFilePanel::FileChosen);
-    files.Open();
-    files.Accept();
-    QCOMPARE(chosen.count(), 1);
-    QCOMPARE(chosen[0][0].toString(), m_dir->filePath(QStringLiteral("Plan ä.gpx")));
-    files.SetFileName(QStringLiteral("b.KML"));
-    files.Open();
-    files.Accept();
-    QCOMPARE(chosen[1][0].toString(), m_dir->filePath(QStringLiteral("b.KML")));
-}
-
-void tst_ZrOverlay::savingOverAFileIsSaid()
-{
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("a.gpx"))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Save"));
-    files.SetMode(ZrFilePanel::saveFile);
-    files.SetSuffixes({QStringLiteral("gpx")});
-    files.SetFolder(m_dir->path());
-    files.Open();
-    files.SetFileName(QStringLiteral("a"));
-    QCOMPARE(files.Problem(), QStringLiteral("a.gpx will be replaced"));
-    files.SetFileName(QStringLiteral("b"));
-    QVERIFY(files.Problem().isEmpty());
-}
-
-void tst_ZrOverlay::badNames_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"", "   ", "a/b.gpx", "..", "."})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
-void tst_ZrOverlay::badNames()
-{
-    QFETCH(QString, name);
-    ZrFilePanel files(m_window.get(), QStringLiteral("Save"));
-    files.SetMode(ZrFilePanel::saveFile);
-    files.SetFolder(m_dir->path());
-    QSignalSpy chosen(&files, &ZrFilePanel::FileChosen);
-    files.Open();
-    files.SetFileName(name);
-    QVERIFY(!files.Problem().isEmpty());
-    files.Accept();
-    QCOMPARE(chosen.count(), 0);
-    QVERIFY(files.isVisible());
-}
-
-void tst_ZrOverlay::choosesAFolder()
-{
-    QVERIFY(Write(m_dir->filePath(QStringLiteral("a.gpx"))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Folder"));
-    files.SetMode(ZrFilePanel::chooseFolder);
-    files.SetFolder(m_dir->path());
-    QSignalSpy chosen(&files, &ZrFilePanel::FileChosen);
-    files.Open();
-    QVERIFY(files.findChildren<ZrTouchList*>()[1]->Items().isEmpty());
-    files.Accept();
-    QCOMPARE(chosen[0][0].toString(), m_dir->path());
-}
-
-void tst_ZrOverlay::missingFolderIsTheOneAbove()
-{
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetFolder(m_dir->filePath(QStringLiteral("no/such/folder")));
-    QCOMPARE(files.Folder(), m_dir->path());
-    files.SetFolder(QString());
-    QCOMPARE(files.Folder(), QDir::homePath());
-}
-
-void tst_ZrOverlay::goesUp()
-{
-    QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("sub")));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetFolder(m_dir->filePath(QStringLiteral("sub")));
-    files.Open();
-    QTest::keyClick(&files, Qt::Key_Up, Qt::AltModifier);
-    QCOMPARE(files.Folder(), m_dir->path());
-    QCOMPARE(files.findChildren<ZrTouchList*>()[1]->Current(), 0);
-}
-
-void tst_ZrOverlay::tooManyFilesAreTold()
-{
-    for (int i = 0; i < ZrFilePanel::MaxEntries + 3; ++i)
-        QVERIFY(Write(m_dir->filePath(QString::number(i))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
-    files.SetFolder(m_dir->path());
-    files.Open();
-    QCOMPARE(files.findChildren<ZrTouchList*>()[1]->Items().size(), ZrFilePanel::MaxEntries);
-    QCOMPARE(files.Problem(), QStringLiteral("3 entries are not shown"));
+    ZrChoicePanel choice(m_window.get(), QStringLiteral("Export"));
+    QVector<ZrListItem> items(30);
+    for (int i = 0; i < items.size(); ++i)
+        items[i].title = QString::number(i);
+    choice.SetItems(items, -1);
+    choice.Open();
+    auto* list = choice.findChild<ZrTouchList*>();
+    const auto isInView = [list](int row) {
+        return list->viewport()->rect().contains(list->visualRect(list->model()->index(row, 0)).center());
+    };
+    list->scrollToBottom();
+    QVERIFY(!isInView(0));
+    choice.Cancel();
+    choice.SetItems(items, -1);
+    choice.Open();
+    QVERIFY(isInView(0));
+    choice.Cancel();
+    choice.SetItems(items, 25);
+    choice.Open();
+    QVERIFY(isInView(25));
 }
 
 void tst_ZrOverlay::toastShowsAndGoes()

@@ -5,8 +5,11 @@
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
+#include <QScroller>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -36,6 +39,20 @@ void Tap(ZrTouchList& list, int row)
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, RowRect(list, row).center());
 }
 
+/// A finger that goes from one point to another and is lifted.
+void Stroke(ZrTouchList& list, const QPoint& from, const QPoint& to, int steps = 4)
+{
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, from);
+    for (int i = 1; i <= steps; ++i) {
+        const QPointF at = QPointF(from) + QPointF(to - from) * i / steps;
+        QMouseEvent move(QEvent::MouseMove, at, list.viewport()->mapToGlobal(at.toPoint()), Qt::NoButton,
+            Qt::LeftButton, {});
+        QTest::qWait(10); // a speed needs a time
+        QCoreApplication::sendEvent(list.viewport(), &move);
+    }
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, to);
+}
+
 } // namespace
 
 class tst_ZrTouchList : public QObject
@@ -45,6 +62,14 @@ class tst_ZrTouchList : public QObject
 private Q_SLOTS:
     void init();
     void tapChooses();
+    void tapUnderAnotherWindow();
+    void tapNearTheEdgeOfARow();
+    void dragScrolls();
+    void tapStopsCoasting();
+    void doubleTapChoosesOnce();
+    void otherRowsUnderTheFinger();
+    void hiddenUnderTheFinger();
+    void heldChoosesNothing();
     void keysChoose();
     void shortcutsPass();
     void setCurrentTellsNobody();
@@ -83,6 +108,163 @@ void tst_ZrTouchList::tapChooses()
     QCOMPARE(chosen[0][0].toInt(), 3);
     QCOMPARE(list.Current(), 3);
     QCOMPARE(changed.count(), 1);
+}
+
+/// Of another program, or one that lets taps through, such as a message or one that dims the screen. Rows
+/// that do not fit are those that a finger might scroll.
+void tst_ZrTouchList::tapUnderAnotherWindow()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(50));
+    list.show();
+    QWidget other;
+    other.setGeometry(list.geometry());
+    other.show();
+    other.raise();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    QVERIFY(QApplication::widgetAt(list.viewport()->mapToGlobal(RowRect(list, 3).center())) == &other);
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    Tap(list, 3);
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen[0][0].toInt(), 3);
+    QCOMPARE(list.Current(), 3);
+}
+
+/// A finger rolls a little; one that goes to another row chooses none.
+void tst_ZrTouchList::tapNearTheEdgeOfARow()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(50));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    const QPoint edge(100, RowRect(list, 2).bottom() - 1);
+    Stroke(list, edge, edge + QPoint(1, 6));
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen[0][0].toInt(), 2);
+    // None of these could be scrolled.
+    list.SetItems(Items(4));
+    Stroke(list, RowRect(list, 0).center(), RowRect(list, 2).center());
+    Stroke(list, RowRect(list, 3).center(), QPoint(100, 400));
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, QPoint(100, 400));
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(list.Current(), 2);
+}
+
+void tst_ZrTouchList::dragScrolls()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(200));
+    list.show();
+    list.SetCurrent(1);
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    QSignalSpy changed(&list, &ZrTouchList::CurrentChanged);
+    Stroke(list, QPoint(100, 400), QPoint(100, 100));
+    QTRY_VERIFY(list.verticalScrollBar()->value() > 150);
+    QCOMPARE(chosen.count(), 0);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(list.Current(), 1);
+}
+
+/// A finger on a list that coasts on stops it, and means no row.
+void tst_ZrTouchList::tapStopsCoasting()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(2000));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    QScroller& scroller = *QScroller::scroller(list.viewport());
+    for (int i = 0; i < 3; ++i)
+        Stroke(list, QPoint(100, 450), QPoint(100, 50), 8);
+    QTRY_VERIFY(scroller.state() == QScroller::Scrolling && scroller.velocity().y() != 0.0);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, QPoint(100, 200));
+    QVERIFY(scroller.state() != QScroller::Scrolling);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, QPoint(100, 200));
+    QCOMPARE(chosen.count(), 0);
+    QTRY_COMPARE(scroller.state(), QScroller::Inactive);
+    Tap(list, list.indexAt(QPoint(100, 250)).row());
+    QCOMPARE(chosen.count(), 1);
+}
+
+/// What the first tap has opened may lie under the second.
+void tst_ZrTouchList::doubleTapChoosesOnce()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(50));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    const QPoint at = RowRect(list, 2).center();
+    Tap(list, 2);
+    list.SetItems(Items(20));
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+}
+
+/// Rows are replaced while a finger is down: it has meant what was there, where that is still there.
+void tst_ZrTouchList::otherRowsUnderTheFinger()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(5));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    const QPoint at = RowRect(list, 1).center();
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    QVector<ZrListItem> items = Items(5);
+    items[1].detail = QStringLiteral("17 m");
+    list.SetItems(items);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+    QCOMPARE(chosen[0][0].toInt(), 1);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    items.prepend(Items(7).last());
+    list.SetItems(items);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    list.SetItems({});
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+}
+
+void tst_ZrTouchList::hiddenUnderTheFinger()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(50));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    const QPoint at = RowRect(list, 1).center();
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    list.hide();
+    list.show();
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 0);
+    QCOMPARE(QScroller::scroller(list.viewport())->state(), QScroller::Inactive);
+    Tap(list, 1);
+    QCOMPARE(chosen.count(), 1);
+}
+
+void tst_ZrTouchList::heldChoosesNothing()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    list.SetItems(Items(50));
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    QSignalSpy held(&list, &ZrTouchList::Held);
+    const QPoint at = RowRect(list, 1).center();
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    QTRY_COMPARE(held.count(), 1);
+    QCOMPARE(held[0][0].toInt(), 1);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 0);
+    Tap(list, 1);
+    QCOMPARE(chosen.count(), 1);
 }
 
 void tst_ZrTouchList::keysChoose()

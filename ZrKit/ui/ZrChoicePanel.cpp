@@ -22,6 +22,9 @@ void ZrChoicePanel::SetItems(const QVector<ZrListItem>& items, int current)
 {
     m_list->SetItems(items);
     m_list->SetCurrent(current);
+    // Not where the one before was left.
+    if (current < 0)
+        m_list->scrollToTop();
     Restyle();
 }
 

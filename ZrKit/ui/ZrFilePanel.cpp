@@ -1,5 +1,7 @@
 #include "ZrKit/ui/ZrFilePanel.h"
 
+#include "ZrKit/review/ZrWorker.h"
+#include "ZrKit/ui/ZrFolderReader.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrInput.h"
@@ -12,8 +14,10 @@
 #include <QLocale>
 #include <QStandardPaths>
 #include <QStorageInfo>
+#include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -24,6 +28,34 @@ QImage Icon(const char* name)
 
 } // namespace
 
+/// Of a folder under way: the worker's, but for `reader.cancel`.
+struct ZrFilePanel::Reading
+{
+    void Run(const QString& folder, const QStringList& suffixes)
+    {
+        if (!reader.Read(folder, suffixes))
+            return;
+        const QLocale locale;
+        const QImage folderIcon = Icon("folder");
+        const QImage fileIcon = Icon("file");
+        for (const ZrFolderReader::Entry& entry : reader.Entries()) {
+            ZrListItem item;
+            item.title = QFileInfo(entry.path).fileName();
+            item.image = entry.isFolder ? folderIcon : fileIcon;
+            item.data = entry.path;
+            if (!entry.isFolder) {
+                item.subtitle
+                    = locale.toString(QDateTime::fromMSecsSinceEpoch(entry.time), QLocale::ShortFormat);
+                item.detail = locale.formattedDataSize(entry.bytes, 1, QLocale::DataSizeSIFormat);
+            }
+            items.append(item);
+        }
+    }
+
+    ZrFolderReader reader;
+    QVector<ZrListItem> items;
+};
+
 ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& purpose)
     : ZrOverlay(parent, purpose)
     , m_purpose(purpose)
@@ -32,6 +64,7 @@ ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& purpose)
     , m_list(new ZrTouchList(this))
     , m_name(new ZrInput(this))
     , m_up(new ZrBtn(this, ZrBtn::typeTool))
+    , m_slow(new QTimer(this))
 {
     m_name->kind = ZrInput::kindText;
     m_name->caption = tr("File name");
@@ -41,12 +74,36 @@ ZrFilePanel::ZrFilePanel(QWidget* parent, const QString& purpose)
     m_list->setObjectName(QStringLiteral("files"));
     m_up->setToolTip(tr("Folder above (Alt+Up)"));
     m_up->setAccessibleName(tr("Folder above"));
-    m_list->m_empty = tr("Nothing here that could be opened");
+    m_slow->setSingleShot(true);
+    m_slow->setInterval(DelayMilliseconds);
+    connect(m_slow, &QTimer::timeout, this, [this] {
+        m_list->m_empty = tr("Reading…");
+        m_list->viewport()->update();
+    });
     connect(m_up, &ZrBtn::Clicked, this, &ZrFilePanel::GoUp);
     connect(m_list, &ZrTouchList::Chosen, this, &ZrFilePanel::ChooseRow);
     connect(m_places, &ZrTouchList::Chosen, this, [this](int row) { SetFolder(m_placePaths.value(row)); });
     connect(m_name, &QLineEdit::textChanged, this, &ZrFilePanel::ShowState);
     SetMode(openFile);
+}
+
+ZrFilePanel::~ZrFilePanel()
+{
+    StopReading();
+}
+
+/// Those that are plugged in, and drives of a network.
+QVector<ZrFilePanel::Volume> ZrFilePanel::Volumes()
+{
+    QVector<Volume> found;
+    const auto volumes = QStorageInfo::mountedVolumes();
+    for (const QStorageInfo& volume : volumes) {
+        const QString root = volume.rootPath();
+        if (volume.isReady()
+            && (root.startsWith(QLatin1String("/media")) || root.startsWith(QLatin1String("/mnt"))))
+            found.append({volume.displayName(), root});
+    }
+    return found;
 }
 
 void ZrFilePanel::SetMode(eMode mode)
@@ -85,73 +142,115 @@ void ZrFilePanel::SetFileName(const QString& name)
 void ZrFilePanel::showEvent(QShowEvent* event)
 {
     ZrOverlay::showEvent(event);
+    FillPlaces();
+    Fill();
+}
+
+void ZrFilePanel::hideEvent(QHideEvent* event)
+{
+    StopReading();
+    ZrOverlay::hideEvent(event);
+}
+
+/// Each piece has a worker of its own: one that a drive holds up must not hold up the next.
+void ZrFilePanel::Work(
+    const std::function<void()>& work, const std::function<void()>& stop, const std::function<void()>& then)
+{
+    auto* worker = new ZrWorker(this);
+    connect(worker, &ZrWorker::Finished, this, [worker, then] {
+        worker->deleteLater();
+        then();
+    });
+    worker->Start([work](IZrProgress& /*progress*/) { work(); }, stop);
+}
+
+void ZrFilePanel::FillPlaces()
+{
+    ShowPlaces();
+    if (std::exchange(m_isLooking, true))
+        return;
+    const auto found = std::make_shared<QVector<Volume>>();
+    Work([found] { *found = Volumes(); }, {},
+        [this, found] {
+            m_isLooking = false;
+            m_volumes = *found;
+            ShowPlaces();
+        });
+}
+
+void ZrFilePanel::ShowPlaces()
+{
     QVector<ZrListItem> items;
-    m_placePaths.clear();
+    QStringList paths;
     const auto add = [&](const QString& name, const QString& path, const char* icon) {
-        if (path.isEmpty() || m_placePaths.contains(path))
+        if (path.isEmpty() || paths.contains(path))
             return;
-        m_placePaths.append(path);
+        paths.append(path);
         items.append({name, QString(), QString(), Icon(icon), false, QColor(), path});
     };
     add(tr("Home"), QDir::homePath(), "home");
     add(tr("Documents"), QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), "folder");
-    const auto volumes = QStorageInfo::mountedVolumes();
-    for (const QStorageInfo& volume : volumes) {
-        const QString root = volume.rootPath();
-        if (volume.isReady()
-            && (root.startsWith(QLatin1String("/media")) || root.startsWith(QLatin1String("/mnt"))))
-            add(volume.displayName(), root, "save");
-    }
+    for (const Volume& volume : qAsConst(m_volumes))
+        add(volume.name, volume.path, "save");
     add(tr("Computer"), QDir::rootPath(), "folder");
+    if (paths == m_placePaths)
+        return;
+    m_placePaths = paths;
     m_places->SetItems(items);
-    Fill();
 }
 
-void ZrFilePanel::AddEntry(const QFileInfo& info)
+void ZrFilePanel::StopReading()
 {
-    m_entries.append({info.absoluteFilePath(), info.isDir()});
+    m_slow->stop();
+    if (m_reading)
+        m_reading->reader.cancel = true;
+    m_reading.reset();
 }
 
 void ZrFilePanel::Fill()
 {
+    StopReading();
     m_entries.clear();
+    m_error.clear();
     SetProblem(QString());
-    m_folder.refresh();
-    const auto folders = m_folder.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Readable,
-        QDir::Name | QDir::IgnoreCase | QDir::LocaleAware);
-    for (const QFileInfo& info : folders)
-        AddEntry(info);
-    if (m_mode != chooseFolder) {
-        QStringList filters;
-        for (const QString& suffix : qAsConst(m_suffixes))
-            filters.append(QStringLiteral("*.") + suffix);
-        const auto files = m_folder.entryInfoList(filters, QDir::Files | QDir::Readable, QDir::Time);
-        for (const QFileInfo& info : files)
-            AddEntry(info);
-    }
-    if (m_entries.size() > MaxEntries) {
-        SetProblem(tr("%1 entries are not shown").arg(m_entries.size() - MaxEntries));
-        m_entries.resize(MaxEntries);
-    }
-    QVector<ZrListItem> items;
-    const QLocale locale;
-    for (const Entry& entry : qAsConst(m_entries)) {
-        const QFileInfo info(entry.path);
-        ZrListItem item;
-        item.title = info.fileName();
-        item.image = Icon(entry.isFolder ? "folder" : "file");
-        if (!entry.isFolder) {
-            item.subtitle = locale.toString(info.lastModified(), QLocale::ShortFormat);
-            item.detail = locale.formattedDataSize(info.size(), 1, QLocale::DataSizeSIFormat);
-        }
-        items.append(item);
-    }
-    m_list->SetItems(items);
-    m_list->SetCurrent(-1);
-    m_list->scrollToTop();
+    m_list->m_empty.clear();
+    m_list->SetItems({});
     ShowTitle();
     setToolTip(QString());
     ShowState();
+    m_reading = std::make_shared<Reading>();
+    m_reading->reader.m_most = MaxEntries;
+    m_reading->reader.m_hasFiles = m_mode != chooseFolder;
+    m_slow->start();
+    Work([reading = m_reading, folder = Folder(), suffixes = m_suffixes] { reading->Run(folder, suffixes); },
+        [reading = m_reading] { reading->reader.cancel = true; },
+        [this, reading = m_reading] {
+            // Otherwise another folder is read by now, or none is shown.
+            if (reading == m_reading)
+                Show(*reading);
+        });
+}
+
+void ZrFilePanel::Show(const Reading& reading)
+{
+    m_slow->stop();
+    for (const ZrFolderReader::Entry& entry : reading.reader.Entries())
+        m_entries.append({entry.path, entry.isFolder});
+    m_error = reading.reader.Error();
+    m_list->m_empty = m_error.isEmpty() ? tr("Nothing here that could be opened") : m_error;
+    m_list->SetItems(reading.items);
+    m_list->SetCurrent(-1);
+    m_list->scrollToTop();
+    for (int row = 0; row < m_entries.size(); ++row) {
+        if (m_entries[row].path == m_from)
+            m_list->SetCurrent(row);
+    }
+    m_from.clear();
+    if (reading.reader.Left() > 0)
+        SetProblem(tr("%1 entries are not shown").arg(reading.reader.Left()));
+    ShowState();
+    m_reading.reset();
+    Q_EMIT FolderRead(Folder());
 }
 
 void ZrFilePanel::SetPurpose(const QString& purpose)
@@ -168,14 +267,10 @@ void ZrFilePanel::ShowTitle()
 
 void ZrFilePanel::GoUp()
 {
-    const QString from = m_folder.absolutePath();
-    if (!m_folder.cdUp())
+    if (m_folder.isRoot())
         return;
-    Fill();
-    for (int row = 0; row < m_entries.size(); ++row) {
-        if (m_entries[row].path == from)
-            m_list->SetCurrent(row);
-    }
+    m_from = m_folder.absolutePath();
+    SetFolder(QFileInfo(m_from).path());
 }
 
 void ZrFilePanel::ChooseRow(int row)
@@ -218,7 +313,11 @@ QString ZrFilePanel::Chosen() const
 
 void ZrFilePanel::ShowState()
 {
-    SetAcceptEnabled(m_mode == openFile || !Chosen().isEmpty());
+    SetAcceptEnabled(m_error.isEmpty() && (m_mode == openFile || !Chosen().isEmpty()));
+    if (!m_error.isEmpty()) {
+        SetProblem(m_error);
+        return;
+    }
     if (m_mode != saveFile)
         return;
     const QString path = Chosen();

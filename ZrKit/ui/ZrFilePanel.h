@@ -7,6 +7,10 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
+#include <memory>
+
+class QTimer;
 class ZrInput;
 class ZrTouchList;
 
@@ -22,7 +26,12 @@ class ZrTouchList;
 /// \endcode
 ///
 /// Folders come first, then files, the newest first; hidden ones are not shown. The name of a file to write
-/// gets the first suffix when it has none of them; that a file is replaced is said before. GUI thread only.
+/// gets the first suffix when it has none of them; that a file is replaced is said before.
+///
+/// A folder is read by a worker, so that a slow or large one holds up nothing: the list is empty meanwhile,
+/// and says so when it takes longer than `DelayMilliseconds`. Another folder ends the reading of the one
+/// before. The drives at the left are looked for by a worker too. The destructor waits for what does not
+/// answer. GUI thread only.
 class ZR_KIT_EXPORT ZrFilePanel : public ZrOverlay
 {
     Q_OBJECT
@@ -36,9 +45,11 @@ public:
     };
 
     static constexpr int MaxEntries = 2000; ///< of a folder; what is more is told, and not shown
+    static constexpr int DelayMilliseconds = 200;
 
     /// \param purpose begins the title, the folder follows it: "Open a plan – surveys"; empty for that alone
     ZrFilePanel(QWidget* parent, const QString& purpose);
+    ~ZrFilePanel() override;
 
     void SetPurpose(const QString& purpose);
     void SetMode(eMode mode);
@@ -48,7 +59,10 @@ public:
 
     QString Folder() const { return m_folder.absolutePath(); }
 
+    bool IsReading() const { return m_reading != nullptr; } ///< the list is not complete yet
+
 Q_SIGNALS:
+    void FolderRead(const QString& folder); ///< the list shows it, or why it cannot be read
     void FileChosen(const QString& path);
 
 protected:
@@ -57,6 +71,7 @@ protected:
     bool OnAccept() override;
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     struct Entry
@@ -65,9 +80,23 @@ private:
         bool isFolder;
     };
 
+    struct Volume
+    {
+        QString name;
+        QString path;
+    };
+
+    struct Reading;
+
+    void Work(const std::function<void()>& work, const std::function<void()>& stop,
+        const std::function<void()>& then);
+    static QVector<Volume> Volumes();
     void Fill();
+    void Show(const Reading& reading);
+    void StopReading();
+    void FillPlaces();
+    void ShowPlaces();
     void ShowTitle();
-    void AddEntry(const QFileInfo& info);
     void ChooseRow(int row);
     void ShowState();
     void GoUp();
@@ -83,5 +112,11 @@ private:
     ZrTouchList* m_list;
     ZrInput* m_name;
     ZrBtn* m_up;
+    QVector<Volume> m_volumes;
+    bool m_isLooking = false; ///< for volumes
     QStringList m_placePaths;
+    std::shared_ptr<Reading> m_reading; ///< null unless it is under way
+    QString m_error; ///< why the folder cannot be read
+    QString m_from; ///< the folder that one has come up from, made the current row
+    QTimer* m_slow; ///< until it is said that it is read
 };

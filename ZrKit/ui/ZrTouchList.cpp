@@ -7,12 +7,14 @@
 #include <QContextMenuEvent>
 #include <QGestureEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QScroller>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
+#include <utility>
 
 class ZrTouchList::Model : public QAbstractListModel
 {
@@ -79,7 +81,8 @@ public:
         ZrListItem item = m_list.Item(index.row());
         if (item.isPicture && item.image.isNull() && m_list.m_picture)
             item.image = m_list.m_picture(index.row());
-        const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
+        const bool isCurrent
+            = option.state.testFlag(QStyle::State_Selected) || index.row() == m_list.m_pressed;
         const QRect row = option.rect;
         painter->save();
         if (isCurrent)
@@ -163,13 +166,8 @@ ZrTouchList::ZrTouchList(QWidget* parent)
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFrameShape(NoFrame);
-    QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);
     viewport()->grabGesture(Qt::TapAndHoldGesture);
-    connect(this, &QListView::clicked, this, [this](const QModelIndex& index) {
-        if (!m_isHeld)
-            Q_EMIT Chosen(index.row());
-        m_isHeld = false;
-    });
+    m_clock.start();
     Restyle();
 }
 
@@ -202,10 +200,16 @@ void ZrTouchList::Replace(
 {
     const int current = Current();
     const int position = verticalScrollBar()->value();
+    const ZrListItem was = m_pressed >= 0 ? Item(m_pressed) : ZrListItem();
     m_isSetting = true;
     // Else each row would be made for its height.
     setUniformItemSizes(static_cast<bool>(make));
     m_model->Replace(items, count, make);
+    if (m_pressed >= 0) {
+        const ZrListItem is = m_pressed < Count() ? Item(m_pressed) : ZrListItem();
+        if (m_pressed >= Count() || is.title != was.title || is.data != was.data)
+            m_pressed = -1;
+    }
     m_isSetting = false;
     SetCurrent(std::min(current, Count() - 1));
     verticalScrollBar()->setValue(position);
@@ -289,18 +293,76 @@ void ZrTouchList::contextMenuEvent(QContextMenuEvent* event)
         Q_EMIT Held(at.row());
 }
 
+void ZrTouchList::hideEvent(QHideEvent* event)
+{
+    // The release goes elsewhere.
+    QScroller::scroller(viewport())->stop();
+    SetPressed(-1);
+    QListView::hideEvent(event);
+}
+
+void ZrTouchList::SetPressed(int row)
+{
+    if (row == m_pressed)
+        return;
+    for (const int each : {std::exchange(m_pressed, row), row}) {
+        if (each >= 0)
+            update(m_model->index(each));
+    }
+}
+
+/// \returns whether it is dealt with, as do the others of the finger
+bool ZrTouchList::FingerDown(const QPoint& at, bool isAgain)
+{
+    QScroller& scroller = *QScroller::scroller(viewport());
+    const bool isCoasting = scroller.state() == QScroller::Scrolling;
+    scroller.handleInput(QScroller::InputPress, at, m_clock.elapsed());
+    // It stops the list, or it has chosen already.
+    SetPressed(isCoasting || isAgain ? -1 : indexAt(at).row());
+    return true;
+}
+
+bool ZrTouchList::FingerMoves(const QPoint& at)
+{
+    QScroller& scroller = *QScroller::scroller(viewport());
+    scroller.handleInput(QScroller::InputMove, at, m_clock.elapsed());
+    if (scroller.state() == QScroller::Dragging)
+        SetPressed(-1);
+    return true;
+}
+
+bool ZrTouchList::FingerUp(const QPoint& at)
+{
+    QScroller::scroller(viewport())->handleInput(QScroller::InputRelease, at, m_clock.elapsed());
+    const QModelIndex index = m_model->index(m_pressed);
+    SetPressed(-1);
+    // A finger rolls while it is lifted.
+    const int slack = ZrTheme::DpI(12);
+    if (!index.isValid() || !visualRect(index).adjusted(0, -slack, 0, slack).contains(at))
+        return true;
+    setCurrentIndex(index);
+    Q_EMIT Chosen(index.row());
+    return true;
+}
+
 bool ZrTouchList::viewportEvent(QEvent* event)
 {
-    if (event->type() == QEvent::MouseButtonPress)
-        m_isHeld = false;
+    const auto* mouse = dynamic_cast<QMouseEvent*>(event);
+    if (mouse && mouse->button() == Qt::LeftButton) {
+        if (event->type() == QEvent::MouseButtonRelease)
+            return FingerUp(mouse->pos());
+        return FingerDown(mouse->pos(), event->type() == QEvent::MouseButtonDblClick);
+    }
+    if (mouse && mouse->buttons() == Qt::LeftButton)
+        return FingerMoves(mouse->pos());
     if (event->type() == QEvent::Gesture) {
         auto* gesture = static_cast<QTapAndHoldGesture*>(
             static_cast<QGestureEvent*>(event)->gesture(Qt::TapAndHoldGesture));
         if (gesture && gesture->state() == Qt::GestureFinished) {
-            const QModelIndex at = indexAt(viewport()->mapFromGlobal(gesture->position().toPoint()));
-            m_isHeld = at.isValid();
-            if (at.isValid())
-                Q_EMIT Held(at.row());
+            const int row = m_pressed;
+            SetPressed(-1);
+            if (row >= 0)
+                Q_EMIT Held(row);
             return true;
         }
     }

@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/ui/ZrListItem.h"
 
+#include <QElapsedTimer>
 #include <QListView>
 #include <QVector>
 
@@ -15,9 +16,14 @@
 /// connect(list, &ZrTouchList::Chosen, this, [this](int row) { Open(row); });
 /// \endcode
 ///
-/// A tap makes a row the current one and chooses it; Return chooses the current one; a finger held on a row
-/// tells `Held`. Rows are painted from the items in view alone, so that lists may be long; those of very long
-/// ones are not even made before they are seen, see `SetRows`. GUI thread only.
+/// A tap makes a row the current one and chooses it, unless the row is replaced by another one meanwhile; the
+/// second tap of a double one chooses nothing. Return chooses the current row; a finger held on a row tells
+/// `Held`. Rows are painted from the items in view alone, so that lists may be long; those of very long ones
+/// are not even made before they are seen, see `SetRows`. GUI thread only.
+///
+/// The list hands presses to its scroller itself: the gesture of `QScroller` holds them back, and gives them
+/// afterwards to what the display says lies under the point, which is another window where one that lets taps
+/// through, such as a message or one that dims the screen, covers the list.
 class ZR_KIT_EXPORT ZrTouchList : public QListView
 {
     Q_OBJECT
@@ -64,6 +70,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
@@ -72,8 +79,13 @@ private:
     class Delegate;
 
     void Replace(const QVector<ZrListItem>& items, int count, const std::function<ZrListItem(int row)>& make);
+    bool FingerDown(const QPoint& at, bool isAgain);
+    bool FingerMoves(const QPoint& at);
+    bool FingerUp(const QPoint& at);
+    void SetPressed(int row);
 
     Model* m_model;
     bool m_isSetting = false;
-    bool m_isHeld = false; ///< the press was told as `Held`: its release chooses nothing
+    int m_pressed = -1; ///< row that the finger is on, and chooses when it goes; -1 for none
+    QElapsedTimer m_clock; ///< for the speed of the finger
 };

@@ -8,6 +8,9 @@ class FormAbout : public SurveyForm
     Q_OBJECT
 
 public:
+    static constexpr int LibrariesRow = 1; ///< what the machine brings along
+    static constexpr int FolderRow = 2; ///< where the data is
+
     QString m_logForm; ///< name of the form about the debug log
 
     explicit FormAbout(SurveyView& view);

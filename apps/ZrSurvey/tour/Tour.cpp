@@ -63,7 +63,8 @@ bool Tour::Prepare()
     QFile report(dir.filePath(QString::fromLatin1(reportName)));
     if (!report.open(QIODevice::WriteOnly))
         return fail(tr("The folder %1 cannot be written to. %2").arg(m_folder, report.errorString()));
-    const auto pictures = dir.entryList({QStringLiteral("*.png")}, QDir::Files);
+    const auto pictures
+        = dir.entryList({QStringLiteral("*.png"), QStringLiteral("[0-9][0-9]-*.json")}, QDir::Files);
     for (const QString& picture : pictures)
         dir.remove(picture);
     for (const QString& part : {DataDir(), Exports()}) {
@@ -102,6 +103,7 @@ int Tour::Run(SurveyView& view)
     clock.start();
     m_view = &view;
     m_hand = std::make_unique<TourHand>(view);
+    m_picture = std::make_unique<TourPicture>(view);
     // Pictures do not depend on when they are taken.
     QApplication::setCursorFlashTime(0);
     m_log.Start(DataDir() + QStringLiteral("/log"));
@@ -135,12 +137,6 @@ void Tour::Say(const QString& line)
     std::fflush(stdout);
 }
 
-QString Tour::Save(const QString& name) const
-{
-    const QString path = QStringLiteral("%1/%2.png").arg(m_folder, name);
-    return m_view->grab().save(path) ? QString() : path;
-}
-
 void Tour::Station(const QString& name, const std::function<void()>& what)
 {
     if (m_isOver)
@@ -149,6 +145,7 @@ void Tour::Station(const QString& name, const std::function<void()>& what)
     QElapsedTimer clock;
     clock.start();
     m_flaws.clear();
+    m_picture->Clear();
     try {
         what();
         m_hand->Settle();
@@ -159,7 +156,7 @@ void Tour::Station(const QString& name, const std::function<void()>& what)
     const bool isGood = m_flaws.isEmpty();
     const QString picture
         = number + QLatin1Char('-') + name + (isGood ? QString() : QStringLiteral("-failed"));
-    const QString unsaved = Save(picture);
+    const QString unsaved = m_picture->Save(m_folder + QLatin1Char('/') + picture);
     if (!unsaved.isEmpty())
         Expect(false, QStringLiteral("a picture in %1").arg(unsaved), QStringLiteral("it cannot be written"));
     const double seconds = static_cast<double>(clock.elapsed()) / 1000.0;

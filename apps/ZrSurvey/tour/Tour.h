@@ -2,6 +2,7 @@
 
 #include "apps/ZrSurvey/tour/TourHand.h"
 #include "apps/ZrSurvey/tour/TourLog.h"
+#include "apps/ZrSurvey/tour/TourPicture.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -23,8 +24,9 @@ struct SurveyModel;
 /// return tour.Run(view); // 0, or 2 when anything was not as expected
 /// \endcode
 ///
-/// The folder gets a picture of each station, "exports", "data" (settings, draft, recordings) and "tour.txt",
-/// what was printed. A folder that holds anything else is refused: what an earlier tour has left is removed.
+/// The folder gets a picture of each station with its notes, "exports", "data" (settings, draft, recordings)
+/// and "tour.txt", what was printed. A folder that holds anything else is refused: what an earlier tour has
+/// left is removed.
 class Tour : public QObject
 {
     Q_OBJECT
@@ -63,6 +65,9 @@ public:
     /// Does \p what, under a number and \p name, and takes the picture of it.
     void Station(const QString& name, const std::function<void()>& what);
 
+    /// What is not the same every time in the picture of this station; see `TourPicture`.
+    void Changes(const QWidget& widget, const QRect& part = QRect()) { m_picture->Changes(widget, part); }
+
     /// Notes what is not so; the station goes on.
     void Expect(bool isSo, const QString& expected, const QString& found);
     void Expect(qint64 found, qint64 expected, const QString& what);
@@ -77,13 +82,13 @@ private:
     void Watch();
     void Say(const QString& line);
     void LookAround();
-    QString Save(const QString& name) const;
 
     QString m_folder;
     QString m_line;
     QString m_error;
     SurveyView* m_view = nullptr;
     std::unique_ptr<TourHand> m_hand;
+    std::unique_ptr<TourPicture> m_picture;
     TourLog m_log;
     int m_number = 0;
     bool m_isOver = false; ///< a station was not as expected

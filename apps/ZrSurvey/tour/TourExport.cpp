@@ -13,6 +13,7 @@
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
+#include "apps/ZrSurvey/tour/TourChanging.h"
 #include "apps/ZrSurvey/tour/TourStations.h"
 
 #include <QDateTime>
@@ -351,6 +352,7 @@ void tour::recording_exports(Tour& tour)
         check_part(at);
         check_pictures(at);
         at.hand.HideToast();
+        recorded_changes(tour);
     });
     tour.Station(QStringLiteral("recording-exports"), [&] {
         RecordingTour at(tour);
@@ -365,5 +367,6 @@ void tour::recording_exports(Tour& tour)
         check_tracks(at);
         check_tables(at);
         at.hand.HideToast();
+        recorded_changes(tour);
     });
 }

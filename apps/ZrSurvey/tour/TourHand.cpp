@@ -345,6 +345,9 @@ void TourHand::ChooseRow(ZrTouchList& list, const QString& title)
 void TourHand::GoToFolder(ZrFilePanel& panel, const QString& folder)
 {
     const QString wanted = QDir(folder).absolutePath();
+    const auto await_list = [this, &panel] {
+        Await(QStringLiteral("the folder is read"), [&panel] { return !panel.IsReading(); });
+    };
     const auto isAbove = [&panel, &wanted] {
         const QString now = panel.Folder();
         return wanted == now
@@ -353,6 +356,7 @@ void TourHand::GoToFolder(ZrFilePanel& panel, const QString& folder)
     // Folders that are not listed are typed elsewhere: the panel begins in them.
     if (wanted.contains(QLatin1String("/."))) {
         panel.SetFolder(wanted);
+        await_list();
         return;
     }
     auto& up = static_cast<ZrBtn&>(
@@ -369,6 +373,7 @@ void TourHand::GoToFolder(ZrFilePanel& panel, const QString& folder)
         if (panel.Folder() == now)
             throw TourFailure{QStringLiteral("the folder %1").arg(wanted), now};
     }
+    await_list();
 }
 
 void TourHand::SaveAs(const QString& folder, const QString& name)

@@ -15,6 +15,7 @@
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
+#include "apps/ZrSurvey/tour/TourChanging.h"
 #include "apps/ZrSurvey/tour/TourStations.h"
 
 #include <QApplication>
@@ -38,6 +39,7 @@ void tour::home(Tour& tour)
         const auto& space = hand.Tile(QStringLiteral("Free space"));
         hand.Await(
             QStringLiteral("free space is known"), [&space] { return space.Value().toDouble() > 0.0; });
+        home_changes(tour);
     });
 }
 
@@ -56,6 +58,9 @@ void tour::line(Tour& tour)
             isListed = isListed || item.title == QFileInfo(tour.Line()).fileName();
         tour.Expect(isListed, QStringLiteral("%1 is listed").arg(QFileInfo(tour.Line()).fileName()),
             QStringLiteral("%1 others").arg(items.size()));
+        // The drives of the machine; when the line was put there.
+        for (const ZrTouchList* list : panel.findChildren<ZrTouchList*>())
+            tour.Changes(*list);
     });
     tour.Station(QStringLiteral("line"), [&] {
         hand.OpenFile(tour.Line());
@@ -86,6 +91,7 @@ void tour::line(Tour& tour)
         tour.Expect(file.Read(tour.Exports() + QStringLiteral("/line-track.gpx"), route),
             QStringLiteral("the track can be read"), file.Error());
         tour.ExpectWithin(route.GetCount(), 250, linePings, QStringLiteral("points of the track"));
+        hand.HideToast();
     });
 }
 
@@ -110,6 +116,12 @@ void tour::home_again(Tour& tour)
             const ZrListItem item = list.Items()[row];
             hand.Await(QStringLiteral("a preview of %1").arg(item.title), [&] { return hasPreview(row); });
             tour.Expect(item.detail.isEmpty(), QStringLiteral("%1 is sound").arg(item.title), item.detail);
+            // That of the simulator is named by the time of its begin.
+            if (item.title != QFileInfo(tour.Line()).completeBaseName())
+                tour.Changes(*list.viewport(), list.visualRect(list.model()->index(row, 0)));
         }
+        home_changes(tour);
+        for (const char* since : {"Position", "Vehicle data"})
+            tour.Changes(hand.Tile(QString::fromLatin1(since), &page));
     });
 }

@@ -22,6 +22,7 @@
 #include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
+#include "apps/ZrSurvey/tour/TourChanging.h"
 #include "apps/ZrSurvey/tour/TourStations.h"
 
 #include <QFileInfo>
@@ -31,7 +32,8 @@
 namespace {
 
 constexpr double speedOfTime = 20.0;
-constexpr int surveyMs = 240000; ///< that the survey takes at most
+constexpr int beginMs = 240000; ///< that the first line takes at most
+constexpr int pauseMs = 60000; ///< between two records, on a machine that is busy with much else
 const char note[] = "Rope on the bottom";
 
 /// Plays the log to its end, as a program that reads it does.
@@ -69,6 +71,18 @@ void check_log(Tour& tour, const QString& path, u64 events)
     tour.ExpectWithin(count(krtDepth), 20, many, QStringLiteral("soundings"));
     tour.ExpectWithin(
         count(rtEvent), static_cast<double>(events), static_cast<double>(events), QStringLiteral("events"));
+}
+
+/// Until the simulator has run the plan: it may be slow, but has to go on.
+void await_end(const TourHand& hand, ZrRecordingSession& session)
+{
+    const auto hasEnded = [&session] { return session.Source() == ZrRecordingSession::sourceFinished; };
+    while (!hasEnded()) {
+        const auto items = session.Status().items;
+        hand.Await(
+            QStringLiteral("the simulator goes on"),
+            [&] { return hasEnded() || session.Status().items > items; }, pauseMs);
+    }
 }
 
 void check_instruments(Tour& tour)
@@ -117,16 +131,14 @@ void tour::record(Tour& tour)
         hand.Press(QStringLiteral("event"));
         hand.Await(
             QStringLiteral("a trail and echoes are shown"),
-            [&page] { return page.Map().TrailCount() > 50 && page.Waterfall().Ring().End() > 200; },
-            surveyMs);
+            [&page] { return page.Map().TrailCount() > 50 && page.Waterfall().Ring().End() > 200; }, beginMs);
         check_instruments(tour);
         const double size = hand.Tile(QStringLiteral("Size")).Value().toDouble();
         tour.ExpectWithin(size, 0.001, 1000.0, QStringLiteral("size told"));
+        record_changes(tour, true);
     });
     tour.Station(QStringLiteral("recorded"), [&] {
-        hand.Await(
-            QStringLiteral("the simulator has run the plan"),
-            [&session] { return session.Source() == ZrRecordingSession::sourceFinished; }, surveyMs);
+        await_end(hand, session);
         const QString file = session.Status().file;
         hand.Press(QStringLiteral("record"));
         hand.Await(QStringLiteral("the recording has ended"),
@@ -134,6 +146,7 @@ void tour::record(Tour& tour)
         tour.ExpectToast(QStringLiteral("Recording stopped"));
         const auto events = static_cast<u64>(tour.Model().settings.eventLabels.mid(0, 2).size() + 1);
         check_log(tour, file, events);
+        record_changes(tour, false);
     });
 }
 
@@ -176,6 +189,8 @@ void tour::review(Tour& tour)
         tour.ExpectWithin(bar.XOf(now()) / bar.width(), 0.45, 0.55, QStringLiteral("place of the cursor"));
         hand.Await(QStringLiteral("the waterfall is shown"),
             [&page] { return page.Sonar().Loader() && !page.Sonar().Loader()->IsLoading(); });
+        show_same_place(tour);
+        recorded_changes(tour);
     });
     tour.Station(QStringLiteral("review-play"), [&] {
         double before = now();
@@ -216,5 +231,8 @@ void tour::review(Tour& tour)
         for (int i = 0; i < 3; ++i)
             act(ReviewTransport::slower);
         act(ReviewTransport::nextEvent);
+        show_same_place(tour);
+        hand.HideToast();
+        recorded_changes(tour);
     });
 }

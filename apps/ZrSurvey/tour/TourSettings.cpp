@@ -10,6 +10,7 @@
 #include "ZrUtil/ZrRadio.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
+#include "apps/ZrSurvey/FormAbout.h"
 #include "apps/ZrSurvey/ReviewPage.h"
 #include "apps/ZrSurvey/ReviewSonar.h"
 #include "apps/ZrSurvey/ScenePage.h"
@@ -124,7 +125,12 @@ void tour::settings(Tour& tour)
             await_sonar(tour);
         });
     }
-    tour.Station(QStringLiteral("about"), [&] { hand.OpenForm(QStringLiteral("About")); });
+    tour.Station(QStringLiteral("about"), [&] {
+        hand.OpenForm(QStringLiteral("About"));
+        const auto& form = hand.FindAny<FormAbout>(&tour.View().forms());
+        for (const int row : {int(FormAbout::LibrariesRow), int(FormAbout::FolderRow)})
+            tour.Changes(*form.Body(), form.TextRect(row));
+    });
     tour.Station(QStringLiteral("settings-closed"), [&] {
         hand.CloseForms();
         tour.ExpectPage("Review");
