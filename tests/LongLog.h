@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ctime>
 
 namespace long_log {
 
@@ -93,7 +94,19 @@ inline qint64 BytesRead()
     return OfProcess("/proc/self/io", "rchar:");
 }
 
-/// Counts turns of the event loop, and the longest time without one.
+/// Milliseconds that the calling thread has had a processor: what others do with the machine is no part of
+/// it.
+inline double ThreadMs()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+/// Milliseconds of work between two turns of the event loop that are felt as a pause.
+constexpr double mostWork = 200.0;
+
+/// Counts turns of the event loop, the longest time without one, and the most work of the thread in between.
 class Turns : public QObject
 {
 public:
@@ -108,6 +121,9 @@ public:
                 m_longestEnd = now;
             }
             m_last = now;
+            const double busy = ThreadMs();
+            m_busiest = std::max(m_busiest, busy - m_lastBusy);
+            m_lastBusy = busy;
         });
     }
 
@@ -115,6 +131,8 @@ public:
     {
         m_count = 0;
         m_longest = m_longestEnd = m_last = 0;
+        m_busiest = 0.0;
+        m_lastBusy = ThreadMs();
         m_clock.start();
         m_timer.start(5);
     }
@@ -127,6 +145,10 @@ public:
 
     qint64 LongestEnd() const { return m_longestEnd; } ///< when that was over, milliseconds from `Begin`
 
+    /// Milliseconds of processor that the thread took between two turns, at most: what would freeze the
+    /// screen on a machine with nothing else to do.
+    double Busiest() const { return m_busiest; }
+
 private:
     QTimer m_timer;
     QElapsedTimer m_clock;
@@ -134,6 +156,8 @@ private:
     qint64 m_longest = 0;
     qint64 m_longestEnd = 0;
     qint64 m_last = 0;
+    double m_busiest = 0.0;
+    double m_lastBusy = 0.0;
 };
 
 } // namespace long_log

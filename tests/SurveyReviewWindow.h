@@ -115,7 +115,7 @@ inline void SurveyReviewWindow::WaitForLines() const
 
 inline QPoint SurveyReviewWindow::PixelOf(const ZrSonarSpot& spot) const
 {
-    const ZrSonarChannel& channel = Rec().Pings()[spot.ping].sides[spot.side];
+    const ZrSonarChannel channel = Rec().Pings().Side(spot.ping, spot.side);
     const ZrWaterfallPanel& panel = Page().Sonar().Panel();
     const QPointF at = panel.Layout().ToPixel(
         static_cast<double>(spot.ping), spot.side, (spot.sample + 0.5) * channel.SampleLength());

@@ -40,7 +40,7 @@ private:
 void tst_SurveyReviewSonar::Draw(std::size_t from, std::size_t to, double altitude)
 {
     const auto place = [&](std::size_t line) {
-        const ZrSonarChannel& channel = Rec().Pings()[line].sides[sideStarboard];
+        const ZrSonarChannel channel = Rec().Pings().Side(line, sideStarboard);
         return PixelOf({line, sideStarboard, altitude / channel.SampleLength() - 0.5});
     };
     Drag(Page().Sonar().Panel(), place(from), place(to));

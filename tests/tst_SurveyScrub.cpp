@@ -69,9 +69,12 @@ void tst_SurveyScrub::Scrub(qint64 records, Taken& taken)
     turns.Begin();
     view.OpenLog(log);
     QTRY_VERIFY_WITH_TIMEOUT(!page.IsLoading(), patience);
+    QTRY_VERIFY(page.IsDrawn());
     turns.End();
-    qInfo("%lld records: %d turns of the event loop while they are opened, at most %lld ms without one",
-        records, turns.Count(), turns.Longest());
+    qInfo("%lld records: %d turns of the event loop while they are opened, at most %lld ms without one, %.0f "
+          "ms of work",
+        records, turns.Count(), turns.Longest(), turns.Busiest());
+    QVERIFY2(turns.Busiest() < long_log::mostWork, qPrintable(QString::number(turns.Busiest())));
     QVERIFY(page.Recording());
     QCOMPARE(page.Recording()->Series().Count(), static_cast<std::size_t>(shape.lines));
     if (records > 500000)
@@ -87,8 +90,8 @@ void tst_SurveyScrub::Scrub(qint64 records, Taken& taken)
     for (int i = 0; i < steps; ++i) {
         // 7 and 10 share no divisor: every tenth of the log once, in no order.
         const qint64 tile = (2 * ((7 * i + 3) % steps) + 1) * tiles / (2 * steps);
-        const auto ping = static_cast<double>(tile * ZrWaterfallTiles::TileLines)
-            + ZrWaterfallTiles::TileLines / 2.0;
+        const auto ping
+            = static_cast<double>(tile * ZrWaterfallTiles::TileLines) + ZrWaterfallTiles::TileLines / 2.0;
         page.GoTo(page.Recording()->TimeOfPing(ping));
         QTRY_VERIFY_WITH_TIMEOUT(!loader.IsLoading(), patience);
     }
@@ -97,8 +100,9 @@ void tst_SurveyScrub::Scrub(qint64 records, Taken& taken)
     taken.bytes = long_log::BytesRead() - bytesBefore;
     const qint64 useful = taken.lines * 2 * shape.PingBytes();
     qInfo("%lld records: %lld lines decoded and %lld bytes read in %d steps, %lld of them of these lines; at "
-          "most %lld ms without a turn",
-        records, taken.lines, taken.bytes, steps, useful, turns.Longest());
+          "most %lld ms without a turn, %.0f ms of work",
+        records, taken.lines, taken.bytes, steps, useful, turns.Longest(), turns.Busiest());
+    QVERIFY2(turns.Busiest() < long_log::mostWork, qPrintable(QString::number(turns.Busiest())));
     QVERIFY(taken.lines >= steps * ZrWaterfallTiles::TileLines);
     QVERIFY2(taken.lines <= steps * mostTiles * ZrWaterfallTiles::TileLines,
         qPrintable(QString::number(taken.lines)));

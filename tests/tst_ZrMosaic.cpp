@@ -315,7 +315,7 @@ void tst_ZrMosaic::realLineIsTrue()
     for (std::size_t ping = 20; ping < 290; ping += 9) {
         for (const eSonarSide side : {sidePort, sideStarboard}) {
             QVERIFY(line->log.ReadSamples(ping, side, samples));
-            const ZrSonarChannel& channel = line->log.Pings()[ping].sides[side];
+            const ZrSonarChannel channel = line->log.Pings().Side(ping, side);
             const double altitude = line->bottom.Altitude(ping);
             for (std::size_t s = 500; s < 1000; s += 60) {
                 // Far from the nadir a sample is as long on the ground as in slant range: 0.029 m.

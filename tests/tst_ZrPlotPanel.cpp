@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -54,6 +55,7 @@ private Q_SLOTS:
     void asManyPlotsAsHaveRoom();
     void looksDoNotGrowWithTheLog();
     void paintsOnlyChanges();
+    void curvesAreKept();
     void nothingToShow();
     void unitsArePainted();
     void everyAxisHasNumbers_data();
@@ -211,6 +213,44 @@ void tst_ZrPlotPanel::paintsOnlyChanges()
     QCOMPARE(paints.Take(), 1);
     m_panel->SetCursor(start + 1.0);
     QCOMPARE(paints.Take(), 0);
+}
+
+/// While the cursor alone moves nothing is looked at; with anything else the curves are what they are in a
+/// panel that paints them for the first time.
+void tst_ZrPlotPanel::curvesAreKept()
+{
+    const auto isAsNew = [this] {
+        const QImage kept = Painted(*m_panel);
+        const QVector<ZrPlotPanel::Plot> plots = m_panel->Plots();
+        m_panel->SetPlots(plots);
+        return kept == Painted(*m_panel);
+    };
+    Painted(*m_panel);
+    QVERIFY(isAsNew());
+    QVERIFY(m_panel->Looks() > 0);
+    m_panel->SetCursor(start + 7.0);
+    Painted(*m_panel);
+    QCOMPARE(m_panel->Looks(), std::size_t(0));
+    QVERIFY(isAsNew());
+    const std::function<void()> changes[] = {
+        [this] { m_data->line.Show(start + 20.0, start + 60.0); },
+        [this] { m_data->line.SetLongestStep(0.5); },
+        [this] { m_data->depth.Append(80.0F); },
+        [this] { m_panel->resize(500, 380); },
+        [] { ZrTheme::ctrlHighlightCol = QColor(1, 2, 3); },
+        [] { ZrUnits::SetToImperial(); },
+    };
+    const ZrUnitsState units;
+    ZrUnits::SetToMetric();
+    m_data->times->Append(start + 100.0); // which has no value yet
+    m_data->line.ShowAll();
+    for (const std::function<void()>& change : changes) {
+        Painted(*m_panel);
+        change();
+        Painted(*m_panel);
+        QVERIFY(m_panel->Looks() > 0);
+        QVERIFY2(isAsNew(), qPrintable(QString::number(&change - changes)));
+    }
 }
 
 void tst_ZrPlotPanel::nothingToShow()

@@ -317,7 +317,7 @@ void tst_ZrSonarMeasure::refusalsOfPlaces()
     QVERIFY(!measure.Place({0, sidePort, 0.0}, target));
     QCOMPARE(measure.Error(), QStringLiteral("There are no side-scan lines"));
 
-    std::vector<ZrSonarPing> lost = scene.log.Pings();
+    std::vector<ZrSonarPing> lost(scene.log.Pings().begin(), scene.log.Pings().end());
     for (ZrSonarPing& ping : lost)
         ping.pose = ZrSonarPose();
     const ZrSonarTrack nowhere(lost, {});

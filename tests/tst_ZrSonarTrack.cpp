@@ -412,7 +412,7 @@ void tst_ZrSonarTrack::smoothingIsTheMeanOfTheWindow()
     const auto uniform = [&random] { return static_cast<double>(random() % 1000) / 1000.0; };
     Pings pings;
     double time = start;
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 7000; ++i) { // more than are made at a time
         // Now and then the sonar rests.
         time += random() % 25 == 0 ? 3.0 * uniform() : 0.02 + 0.2 * uniform();
         pings.push_back(Ping(time, {44.6 + uniform() * 1e-4, -63.5 + uniform() * 1e-4}, uniform() * 360.0));

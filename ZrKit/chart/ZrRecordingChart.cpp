@@ -106,6 +106,7 @@ void ZrRecordingChart::Build(const ZrSurveyRecording& recording, Result& result)
         result.grid = ZrGridBatch::UtmAt(planned->lat, planned->lng);
     if (!result.grid)
         return;
+    result.way.Reserve(static_cast<i64>(way.size()));
     for (std::size_t i = 0; i < way.size(); ++i) {
         if (i % batch == 0 && result.cancel)
             return;

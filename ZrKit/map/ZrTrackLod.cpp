@@ -48,6 +48,12 @@ int ZrTrackLod::LevelOf(double tolerance)
     return static_cast<int>(above - all.begin()) - 1;
 }
 
+void ZrTrackLod::Reserve(i64 count)
+{
+    m_points.reserve(static_cast<std::size_t>(count));
+    m_levels.reserve(static_cast<std::size_t>(count));
+}
+
 void ZrTrackLod::Append(double x, double y)
 {
     if (IsPosition(x, y)) {
@@ -178,6 +184,11 @@ QRectF ZrTrackLod::Bounds() const
     if (m_parts.empty())
         return {};
     return {m_bounds.left, m_bounds.bottom, m_bounds.right - m_bounds.left, m_bounds.top - m_bounds.bottom};
+}
+
+u64 ZrTrackLod::Bytes() const
+{
+    return m_points.capacity() * sizeof(QPointF) + m_levels.capacity() + m_parts.capacity() * sizeof(Part);
 }
 
 std::vector<ZrTrackLod::Range> ZrTrackLod::Select(const QRectF& box) const

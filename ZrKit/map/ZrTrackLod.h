@@ -59,6 +59,8 @@ public:
     /// The highest level whose tolerance is at most \p tolerance; 0 for what is not above 0.
     static int LevelOf(double tolerance);
 
+    void Reserve(i64 count); ///< makes room for so many positions
+
     void Append(double x, double y);
     void Append(zr::span<const QPointF> positions);
     void Clear();
@@ -72,6 +74,8 @@ public:
     bool IsBreak(i64 index) const; ///< true outside 0 to `Count` - 1
 
     QRectF Bounds() const; ///< of all positions; null without any
+
+    u64 Bytes() const; ///< memory
 
     int ClearCount() const { return m_clearCount; } ///< how often it was cleared
 

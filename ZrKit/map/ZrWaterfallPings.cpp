@@ -73,7 +73,7 @@ bool ZrWaterfallPings::Learn()
             if (!Report(ping + static_cast<std::size_t>(pass) * count, 2 * count))
                 return false;
             for (const eSonarSide side : {sidePort, sideStarboard}) {
-                const double range = m_log.Pings()[ping].sides[side].slantRange;
+                const double range = m_log.Pings().Side(ping, side).slantRange;
                 if (!m_log.ReadSamples(ping, side, m_samples))
                     continue;
                 const double height = altitude(ping);
@@ -101,8 +101,7 @@ void ZrWaterfallPings::Make(std::size_t ping, ZrWaterfallLine& line)
     line = ZrWaterfallLine();
     if (ping >= Count())
         return;
-    const ZrSonarPing& from = m_log.Pings()[ping];
-    line.time = from.time;
+    line.time = m_log.Pings().Time(ping);
     const std::shared_ptr<const ZrSonarGeo> geo = Geo();
     const double altitude = geo->KnowsAltitudes() ? geo->Altitude(ping) : line.altitude;
     if (altitude > 0.0)
@@ -110,7 +109,7 @@ void ZrWaterfallPings::Make(std::size_t ping, ZrWaterfallLine& line)
     line.along = geo->Track().Distance(ping);
     for (const eSonarSide side : {sidePort, sideStarboard}) {
         const auto at = static_cast<std::size_t>(side);
-        const double range = from.sides[side].slantRange;
+        const double range = m_log.Pings().Side(ping, side).slantRange;
         if (!m_log.ReadSamples(ping, side, m_samples))
             continue;
         ZrSonarBlanking::Apply(m_blanking, m_samples, range, line.altitude);

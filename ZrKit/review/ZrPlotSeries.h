@@ -59,6 +59,8 @@ public:
 
     float Value(std::size_t i) const { return m_values[i]; }
 
+    const std::vector<float>& Values() const { return m_values; }
+
     /// The value of the last record at or before \p steady: NaN in front of the first, for NaN, and where it
     /// is not known.
     float ValueAt(double steady) const;

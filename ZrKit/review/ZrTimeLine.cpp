@@ -16,6 +16,7 @@ void ZrTimeLine::SetLog(std::shared_ptr<const ZrSteadyTime> log)
     const double begin = VisibleBegin();
     const double end = VisibleEnd();
     m_log = log && !log->IsEmpty() ? std::move(log) : nullptr;
+    FindGaps();
     Remake();
     if (!all)
         Show(begin, end);
@@ -29,6 +30,7 @@ void ZrTimeLine::SetLongestStep(double seconds)
     const double begin = VisibleBegin();
     const double end = VisibleEnd();
     m_longest = seconds;
+    FindGaps();
     Remake();
     if (!all)
         Show(begin, end);
@@ -45,10 +47,15 @@ void ZrTimeLine::SetGapsCut(bool cut)
         Show(begin, end);
 }
 
-/// Everything that follows from log, threshold and cut; all is visible then.
-void ZrTimeLine::Remake()
+/// Looks at every record.
+void ZrTimeLine::FindGaps()
 {
     m_gaps = m_log ? ZrGaps(m_log->Times(), m_longest) : ZrGaps();
+}
+
+/// Everything that follows from log, gaps and cut; all is visible then.
+void ZrTimeLine::Remake()
+{
     m_length = 0.0;
     if (m_log)
         m_length = std::max(ToAxis(m_log->End()), 0.0);

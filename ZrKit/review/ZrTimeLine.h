@@ -129,6 +129,7 @@ private:
     double ToAxis(double steady) const;
     double FromAxis(double seconds) const;
     void SetVisible(double first, double last);
+    void FindGaps();
     void Remake();
 
     std::shared_ptr<const ZrSteadyTime> m_log;

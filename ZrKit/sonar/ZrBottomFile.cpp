@@ -2,7 +2,6 @@
 
 #include "ZrKit/files/ZrReplaceFile.h"
 #include "ZrKit/sonar/ZrBottomLine.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -23,7 +22,7 @@ QLatin1String FormatName()
     return QLatin1String("ZrBottomLine");
 }
 
-QJsonObject LogOf(const std::vector<ZrSonarPing>& pings)
+QJsonObject LogOf(const ZrSonarPings& pings)
 {
     QJsonObject log;
     log.insert(QStringLiteral("pings"), static_cast<qint64>(pings.size()));
@@ -146,7 +145,7 @@ QByteArray ZrBottomFile::ReadAll()
     return bytes;
 }
 
-bool ZrBottomFile::Load(const std::vector<ZrSonarPing>& pings, ZrBottomLine& line)
+bool ZrBottomFile::Load(const ZrSonarPings& pings, ZrBottomLine& line)
 {
     m_state = Idle;
     m_error.clear();
@@ -212,7 +211,7 @@ bool ZrBottomFile::Keep()
     return true;
 }
 
-bool ZrBottomFile::Save(const std::vector<ZrSonarPing>& pings, const ZrBottomLine& line)
+bool ZrBottomFile::Save(const ZrSonarPings& pings, const ZrBottomLine& line)
 {
     if (line.Count() != pings.size()) {
         m_keptPath.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 
 #include <QByteArray>
 #include <QString>
@@ -8,7 +9,6 @@
 #include <vector>
 
 class ZrBottomLine;
-struct ZrSonarPing;
 
 /// The bottom line of a log in a file beside it, LOG.bottom.json: what was found and what was set by hand.
 ///
@@ -60,11 +60,11 @@ public:
 
     /// Replaces \p line. False, and \p line as it was, with the reason in `Error` when there is no file or it
     /// cannot be used.
-    bool Load(const std::vector<ZrSonarPing>& pings, ZrBottomLine& line);
+    bool Load(const ZrSonarPings& pings, ZrBottomLine& line);
 
     /// Replaces the file by \p line. False with the reason in `Error`, and what was there as it was, when it
     /// cannot be written or read, would exceed `MaxSize`, or \p line has another number of pings.
-    bool Save(const std::vector<ZrSonarPing>& pings, const ZrBottomLine& line);
+    bool Save(const ZrSonarPings& pings, const ZrBottomLine& line);
 
     eState State() const { return m_state; } ///< how the last call ended
 

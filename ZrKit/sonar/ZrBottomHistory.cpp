@@ -90,10 +90,13 @@ i64 ZrBottomHistory::Bytes() const
 /// What was set by hand in \p count pings from \p first on, fewer at the end of the line.
 std::vector<double> ZrBottomHistory::Edits(std::size_t first, std::size_t count) const
 {
-    const std::vector<double>& all = m_line.Edited();
-    const std::size_t from = std::min(first, all.size());
-    const std::size_t end = from + std::min(count, all.size() - from);
-    return {all.begin() + static_cast<std::ptrdiff_t>(from), all.begin() + static_cast<std::ptrdiff_t>(end)};
+    const std::size_t from = std::min(first, m_line.Count());
+    const std::size_t end = from + std::min(count, m_line.Count() - from);
+    std::vector<double> edits;
+    edits.reserve(end - from);
+    for (std::size_t i = from; i < end; ++i)
+        edits.push_back(m_line.EditedAltitude(i));
+    return edits;
 }
 
 bool ZrBottomHistory::Draw(std::size_t first, double from, std::size_t last, double to)

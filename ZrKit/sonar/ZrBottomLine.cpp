@@ -17,31 +17,47 @@ bool IsAltitude(double metres)
 } // namespace
 
 ZrBottomLine::ZrBottomLine(std::size_t pings)
-    : m_found(pings, unknown)
-    , m_edited(pings, unknown)
+    : m_found(std::make_shared<const std::vector<double>>(pings, unknown))
 {
 }
 
 double ZrBottomLine::Altitude(std::size_t ping) const
 {
-    if (ping >= m_found.size())
+    if (ping >= m_found->size())
         return unknown;
-    return IsEdited(ping) ? m_edited[ping] : m_found[ping];
+    return IsEdited(ping) ? m_edited[ping] : (*m_found)[ping];
 }
 
 bool ZrBottomLine::IsEdited(std::size_t ping) const
 {
-    return ping < m_edited.size() && !std::isnan(m_edited[ping]);
+    return !std::isnan(EditedAltitude(ping));
+}
+
+double ZrBottomLine::EditedAltitude(std::size_t ping) const
+{
+    return ping < m_edited.size() ? m_edited[ping] : unknown;
+}
+
+std::vector<double> ZrBottomLine::Edited() const
+{
+    return m_edited.empty() ? std::vector<double>(Count(), unknown) : m_edited;
+}
+
+void ZrBottomLine::MakeEdits()
+{
+    if (m_edited.empty())
+        m_edited.resize(Count(), unknown);
 }
 
 void ZrBottomLine::SetFound(std::vector<double> altitudes)
 {
-    m_found = std::move(altitudes);
-    for (double& altitude : m_found) {
+    for (double& altitude : altitudes) {
         if (!IsAltitude(altitude))
             altitude = unknown;
     }
-    m_edited.resize(m_found.size(), unknown);
+    m_found = std::make_shared<const std::vector<double>>(std::move(altitudes));
+    if (!m_edited.empty())
+        m_edited.resize(Count(), unknown);
 }
 
 bool ZrBottomLine::Draw(std::size_t first, double from, std::size_t last, double to)
@@ -50,8 +66,9 @@ bool ZrBottomLine::Draw(std::size_t first, double from, std::size_t last, double
         std::swap(first, last);
         std::swap(from, to);
     }
-    if (!IsAltitude(from) || !IsAltitude(to) || first >= m_edited.size())
+    if (!IsAltitude(from) || !IsAltitude(to) || first >= Count())
         return false;
+    MakeEdits();
     const double steps = static_cast<double>(last - first);
     for (std::size_t i = first; i <= std::min(last, m_edited.size() - 1); ++i) {
         const double share = last == first ? 0.0 : static_cast<double>(i - first) / steps;
@@ -70,8 +87,10 @@ void ZrBottomLine::Clear(std::size_t first, std::size_t last)
 
 void ZrBottomLine::SetEdited(std::size_t first, zr::span<const double> altitudes)
 {
-    if (first >= m_edited.size())
+    const auto isSet = [](double altitude) { return IsAltitude(altitude); };
+    if (first >= Count() || (m_edited.empty() && std::none_of(altitudes.begin(), altitudes.end(), isSet)))
         return;
+    MakeEdits();
     const std::size_t count = std::min(altitudes.size(), m_edited.size() - first);
     for (std::size_t i = 0; i < count; ++i)
         m_edited[first + i] = IsAltitude(altitudes[i]) ? altitudes[i] : unknown;

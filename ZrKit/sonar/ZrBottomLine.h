@@ -4,6 +4,7 @@
 #include "ZrUtil/ZrSpan.h"
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 /// How high the sonar was above the seabed at each ping: the slant range at which the first echo of the
@@ -11,6 +12,8 @@
 ///
 /// What was found and what a person has set are kept apart: a hand-made stretch survives another detection,
 /// and clearing it brings the detected values back.
+///
+/// Memory is 8 bytes for each ping, which copies share, and as much once anything was set by hand.
 ///
 /// A plain value; pings beyond its end, and changes to them, are ignored.
 class ZR_KIT_EXPORT ZrBottomLine
@@ -21,7 +24,7 @@ public:
     /// A line of as many pings, none of them known.
     explicit ZrBottomLine(std::size_t pings);
 
-    std::size_t Count() const { return m_found.size(); }
+    std::size_t Count() const { return m_found->size(); }
 
     /// Metres above the seabed: what was set by hand, else what was found; NaN when neither is known.
     double Altitude(std::size_t ping) const;
@@ -29,9 +32,16 @@ public:
     /// Whether the altitude of a ping was set by hand.
     bool IsEdited(std::size_t ping) const;
 
-    const std::vector<double>& Found() const { return m_found; } ///< ping by ping, NaN where nothing was
+    const std::vector<double>& Found() const { return *m_found; } ///< ping by ping, NaN where nothing was
 
-    const std::vector<double>& Edited() const { return m_edited; } ///< likewise what was set by hand
+    std::vector<double> Edited() const; ///< likewise what was set by hand
+
+    double EditedAltitude(std::size_t ping) const; ///< of one ping, NaN where nothing was
+
+    bool HasEdits() const { return !m_edited.empty(); } ///< false when nothing was ever set by hand
+
+    /// What `Found` gives now, for longer: another detection makes another list.
+    const std::shared_ptr<const std::vector<double>>& SharedFound() const { return m_found; }
 
     /// Takes over what a detection found, NaN where nothing; the number of pings becomes that of \p
     /// altitudes.
@@ -50,6 +60,8 @@ public:
     void SetEdited(std::size_t first, zr::span<const double> altitudes);
 
 private:
-    std::vector<double> m_found;
-    std::vector<double> m_edited; ///< NaN where nothing was set
+    void MakeEdits();
+
+    std::shared_ptr<const std::vector<double>> m_found = std::make_shared<const std::vector<double>>();
+    std::vector<double> m_edited; ///< NaN where nothing was set; empty before the first time
 };

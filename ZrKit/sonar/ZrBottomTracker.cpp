@@ -122,7 +122,7 @@ bool ZrBottomTracker::Choose(ZrSonarLog& log, const Part& part, std::vector<ZrBo
         if (progress && percent != told)
             progress->UpdateProgress(percent);
         told = percent;
-        const ZrSonarPing& ping = log.Pings()[first + i];
+        const ZrSonarPing ping = log.Pings()[first + i];
         ZrBottomEchoes::Side sides[2];
         for (const eSonarSide side : {sidePort, sideStarboard}) {
             if (part.sides[side] && log.ReadSamples(first + i, side, samples[side]))

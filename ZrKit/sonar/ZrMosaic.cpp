@@ -277,8 +277,8 @@ void ZrMosaic::PlaceSide(Line& line, int side)
 
 bool ZrMosaic::AreJoined(const Line& line, const ZrMosaicPing& a, const ZrMosaicPing& b, double maxTurn) const
 {
-    const std::vector<ZrSonarPing>& pings = line.log.Pings();
-    return std::fabs(pings[b.index].time - pings[a.index].time) <= m_settings.maxTime
+    const ZrSonarPings& pings = line.log.Pings();
+    return std::fabs(pings.Time(b.index) - pings.Time(a.index)) <= m_settings.maxTime
         && std::hypot(b.at.x - a.at.x, b.at.y - a.at.y) <= m_settings.maxStep
         && Turn(line.track.Heading(a.index), line.track.Heading(b.index)) <= maxTurn;
 }
@@ -296,7 +296,8 @@ double ZrMosaic::AutomaticResolution() const
                     continue;
                 steps.push_back(
                     std::hypot(pings[k + 1].at.x - pings[k].at.x, pings[k + 1].at.y - pings[k].at.y));
-                samples.push_back(line->log.Pings()[pings[k].index].sides[side].SampleLength());
+                samples.push_back(
+                    line->log.Pings().Side(pings[k].index, static_cast<eSonarSide>(side)).SampleLength());
             }
         }
     }
@@ -380,7 +381,7 @@ bool ZrMosaic::LearnGain()
             for (const eSonarSide side : {sidePort, sideStarboard}) {
                 if (line->log.ReadSamples(i, side, samples))
                     m_work->gain.Learn(
-                        samples, side, line->log.Pings()[i].sides[side].slantRange, line->geo.Altitude(i));
+                        samples, side, line->log.Pings().Side(i, side).slantRange, line->geo.Altitude(i));
             }
             const double share = static_cast<double>(i - line->first) / static_cast<double>(count);
             if (!Report((done + share) / static_cast<double>(m_lines.size()) * learntAt))

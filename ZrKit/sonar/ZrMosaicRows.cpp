@@ -33,7 +33,7 @@ void ZrMosaicRows::Load(std::size_t ping, Row& row)
     row.sums.clear();
     if (!m_log.ReadSamples(ping, m_side, m_samples) || m_samples.empty())
         return;
-    const ZrSonarChannel& channel = m_log.Pings()[ping].sides[m_side];
+    const ZrSonarChannel channel = m_log.Pings().Side(ping, m_side);
     row.altitude = m_geo.Altitude(ping);
     m_gain.Apply(m_samples, m_side, channel.slantRange, row.altitude);
     row.perMetre = 1.0 / channel.SampleLength();

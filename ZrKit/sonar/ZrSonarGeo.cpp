@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -34,55 +36,66 @@ bool Bridge(std::vector<double>& values)
 
 } // namespace
 
-ZrSonarGeo::ZrSonarGeo(
-    const std::vector<ZrSonarPing>& pings, const ZrSonarTrack& track, const ZrBottomLine& bottom)
-    : m_pings(pings)
+ZrSonarGeo::ZrSonarGeo(ZrSonarPings pings, const ZrSonarTrack& track, const ZrBottomLine& bottom)
+    : m_pings(std::move(pings))
     , m_track(track)
 {
-    m_altitudes.reserve(pings.size());
-    for (std::size_t i = 0; i < pings.size(); ++i)
-        m_altitudes.push_back(bottom.Altitude(i));
-    m_knowsAltitudes = Bridge(m_altitudes);
+    const std::vector<double>& found = bottom.Found();
+    const bool isWhole = !found.empty() && found.size() == m_pings.size() && !bottom.HasEdits()
+        && std::all_of(found.begin(), found.end(), [](double altitude) { return std::isfinite(altitude); });
+    if (isWhole) {
+        m_altitudes = bottom.SharedFound();
+        m_knowsAltitudes = true;
+        return;
+    }
+    auto altitudes = std::make_shared<std::vector<double>>();
+    altitudes->reserve(m_pings.size());
+    for (std::size_t i = 0; i < m_pings.size(); ++i)
+        altitudes->push_back(bottom.Altitude(i));
+    m_knowsAltitudes = Bridge(*altitudes);
+    m_altitudes = std::move(altitudes);
 }
 
-const ZrSonarChannel* ZrSonarGeo::Channel(std::size_t ping, eSonarSide side) const
+/// The side of a ping; false when it has recorded nothing.
+bool ZrSonarGeo::Channel(std::size_t ping, eSonarSide side, ZrSonarChannel& channel) const
 {
     if (ping >= m_pings.size() || (side != sidePort && side != sideStarboard))
-        return nullptr;
-    const ZrSonarChannel& channel = m_pings[ping].sides[side];
-    return channel.IsThere() && channel.SampleLength() > 0.0 ? &channel : nullptr;
+        return false;
+    channel = m_pings.Side(ping, side);
+    return channel.IsThere() && channel.SampleLength() > 0.0;
 }
 
 bool ZrSonarGeo::Holds(const ZrSonarSpot& spot) const
 {
-    const ZrSonarChannel* const channel = Channel(spot.ping, spot.side);
-    return channel && spot.sample >= -0.5 && spot.sample <= channel->sampleCount - 0.5;
+    ZrSonarChannel channel;
+    return Channel(spot.ping, spot.side, channel) && spot.sample >= -0.5
+        && spot.sample <= channel.sampleCount - 0.5;
 }
 
 double ZrSonarGeo::SlantRange(const ZrSonarSpot& spot) const
 {
-    const ZrSonarChannel* const channel = Channel(spot.ping, spot.side);
-    return channel ? (spot.sample + 0.5) * channel->SampleLength() : unknown;
+    ZrSonarChannel channel;
+    return Channel(spot.ping, spot.side, channel) ? (spot.sample + 0.5) * channel.SampleLength() : unknown;
 }
 
 double ZrSonarGeo::GroundRange(const ZrSonarSpot& spot) const
 {
     const double slant = SlantRange(spot);
-    return std::isnan(slant) ? slant : ZrSlantRange::Ground(slant, m_altitudes[spot.ping]);
+    return std::isnan(slant) ? slant : ZrSlantRange::Ground(slant, Altitude(spot.ping));
 }
 
 bool ZrSonarGeo::IsInWater(const ZrSonarSpot& spot) const
 {
     const double slant = SlantRange(spot);
-    return !std::isnan(slant) && slant < m_altitudes[spot.ping];
+    return !std::isnan(slant) && slant < Altitude(spot.ping);
 }
 
 double ZrSonarGeo::Sample(std::size_t ping, eSonarSide side, double groundRange) const
 {
-    const ZrSonarChannel* const channel = Channel(ping, side);
-    if (!channel)
+    ZrSonarChannel channel;
+    if (!Channel(ping, side, channel))
         return unknown;
-    return ZrSlantRange::Slant(groundRange, m_altitudes[ping]) / channel->SampleLength() - 0.5;
+    return ZrSlantRange::Slant(groundRange, Altitude(ping)) / channel.SampleLength() - 0.5;
 }
 
 ZrGeoPoint ZrSonarGeo::Position(const ZrSonarSpot& spot) const
@@ -105,10 +118,10 @@ bool ZrSonarGeo::Find(ZrGeoPoint at, ZrSonarSpot& spot, double* away) const
         const double along
             = (place.x - sonar.x) * (right.y - sonar.y) - (place.y - sonar.y) * (right.x - sonar.x);
         const eSonarSide side = across < 0.0 ? sidePort : sideStarboard;
-        const ZrSonarChannel* const channel = Channel(i, side);
-        if (!channel || !std::isfinite(along))
+        ZrSonarChannel channel;
+        if (!Channel(i, side, channel) || !std::isfinite(along))
             continue;
-        const double furthest = channel->sampleCount - 0.5;
+        const double furthest = channel.sampleCount - 0.5;
         const double sample = std::clamp(Sample(i, side, std::fabs(across)), -0.5, furthest);
         const double ground = GroundRange({i, side, sample});
         const double distance = std::hypot(along, std::fabs(across) - ground);

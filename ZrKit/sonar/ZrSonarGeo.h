@@ -2,10 +2,11 @@
 
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/planning/ZrGeoPoint.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 #include "ZrKit/sonar/ZrSonarSpot.h"
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 class ZrBottomLine;
@@ -28,20 +29,20 @@ class ZrSonarTrack;
 /// the first and behind the last; where it knows nothing at all they count as 0, as in
 /// `ZrSlantRange::Correct`, so that ground range is slant range.
 ///
-/// Metres and degrees. Pings and track must outlive the object; it never changes: any number of threads.
+/// Metres and degrees. The track must outlive the object; it never changes: any number of threads.
 class ZR_KIT_EXPORT ZrSonarGeo
 {
 public:
-    ZrSonarGeo(const std::vector<ZrSonarPing>& pings, const ZrSonarTrack& track, const ZrBottomLine& bottom);
+    ZrSonarGeo(ZrSonarPings pings, const ZrSonarTrack& track, const ZrBottomLine& bottom);
 
     const ZrSonarTrack& Track() const { return m_track; }
 
-    const std::vector<ZrSonarPing>& Pings() const { return m_pings; }
+    const ZrSonarPings& Pings() const { return m_pings; }
 
     /// Whether any altitude is known.
     bool KnowsAltitudes() const { return m_knowsAltitudes; }
 
-    double Altitude(std::size_t ping) const { return m_altitudes[ping]; }
+    double Altitude(std::size_t ping) const { return (*m_altitudes)[ping]; }
 
     /// Whether the spot lies on a sample that was recorded.
     bool Holds(const ZrSonarSpot& spot) const;
@@ -70,10 +71,10 @@ public:
     bool Find(ZrGeoPoint at, ZrSonarSpot& spot, double* away = nullptr) const;
 
 private:
-    const ZrSonarChannel* Channel(std::size_t ping, eSonarSide side) const;
+    bool Channel(std::size_t ping, eSonarSide side, ZrSonarChannel& channel) const;
 
-    const std::vector<ZrSonarPing>& m_pings;
+    ZrSonarPings m_pings;
     const ZrSonarTrack& m_track;
-    std::vector<double> m_altitudes;
+    std::shared_ptr<const std::vector<double>> m_altitudes; ///< those of the bottom line where it has no gap
     bool m_knowsAltitudes = false;
 };

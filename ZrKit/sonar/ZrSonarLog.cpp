@@ -3,7 +3,6 @@
 #include "ZrKit/records/ZrPingRecord.h"
 #include "ZrKit/review/ZrLogScan.h"
 #include "ZrKit/review/ZrUnpack.h"
-#include "ZrKit/sonar/ZrSonarNav.h"
 #include "ZrUtil/IZrProgress.h"
 #include "ZrUtil/ZrEndian.h"
 #include "ZrUtil/ZrLogItem.h"
@@ -68,7 +67,7 @@ bool ZrSonarLog::Open(const QString& path)
     m_path = path;
     m_file.close();
     m_fileSize = 0;
-    m_pings = std::vector<ZrSonarPing>();
+    Clear();
     m_skipped = 0;
     m_error.clear();
     m_damage.clear();
@@ -83,21 +82,34 @@ bool ZrSonarLog::Open(const QString& path)
     m_file.setFileName(path);
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return Fail(m_file.errorString());
-    ZrSonarNav nav;
-    if (!ReadTable(scan, nav))
+    m_table = std::make_shared<ZrSonarPingTable>();
+    m_nav = std::make_shared<ZrSonarNav>();
+    if (!ReadTable(scan))
         return Fail(QStringLiteral("Cancelled"));
     if (scan.State() == ZrLogScan::Damaged) {
         m_damage = scan.Error();
         m_damagePos = scan.ErrorPos();
     }
-    nav.Prepare();
-    ZrSonarNav::Place place;
-    for (ZrSonarPing& ping : m_pings) {
-        if (cancel)
-            return Fail(QStringLiteral("Cancelled"));
-        ping.pose = nav.At(ping.time, place);
-    }
+    m_table->Squeeze();
+    m_nav->Prepare();
+    if (cancel)
+        return Fail(QStringLiteral("Cancelled"));
+    m_waiting.clear();
+    m_pings = ZrSonarPings(m_table, m_nav);
     return true;
+}
+
+void ZrSonarLog::ShareNavigation(std::shared_ptr<const ZrSurveySeries> series)
+{
+    if (m_nav)
+        m_nav->Share(std::move(series));
+}
+
+void ZrSonarLog::Clear()
+{
+    m_pings = ZrSonarPings();
+    m_table.reset();
+    m_nav.reset();
 }
 
 bool ZrSonarLog::OpenAs(const ZrSonarLog& other)
@@ -110,7 +122,7 @@ bool ZrSonarLog::OpenAs(const ZrSonarLog& other)
     m_error.clear();
     m_damage = other.m_damage;
     m_damagePos = other.m_damagePos;
-    m_waiting.clear();
+    Clear();
     m_file.setFileName(m_path);
     if (!other.m_file.isOpen())
         return Fail(QStringLiteral("No log is open"));
@@ -124,14 +136,14 @@ bool ZrSonarLog::OpenAs(const ZrSonarLog& other)
 bool ZrSonarLog::Fail(const QString& error)
 {
     m_error = error;
-    m_pings = std::vector<ZrSonarPing>();
+    Clear();
     m_skipped = 0;
     m_file.close();
     return false;
 }
 
 /// All items up to the end or to damage; false when `cancel` was set.
-bool ZrSonarLog::ReadTable(ZrLogScan& scan, ZrSonarNav& nav)
+bool ZrSonarLog::ReadTable(ZrLogScan& scan)
 {
     ZrLogItem item;
     u64 pos = 0;
@@ -141,7 +153,7 @@ bool ZrSonarLog::ReadTable(ZrLogScan& scan, ZrSonarNav& nav)
         if (IsPing(item))
             AddPing(scan, item, pos);
         else if (IsNav(item))
-            AddNav(scan, item, nav);
+            AddNav(scan, item);
         scan.cancel = cancel.load();
     }
     return scan.State() != ZrLogScan::Cancelled;
@@ -155,14 +167,14 @@ bool ZrSonarLog::ReadStart(ZrLogScan& scan, const ZrLogItem& item, u32 most, QBy
     return zr::unpack_start(item, stored, most, &start, &reason);
 }
 
-void ZrSonarLog::AddNav(ZrLogScan& scan, const ZrLogItem& item, ZrSonarNav& nav)
+void ZrSonarLog::AddNav(ZrLogScan& scan, const ZrLogItem& item)
 {
     QByteArray payload;
     ZrNavRecord record;
     if (item.format == ZrNavRecord::Format && std::isfinite(item.time)
         && ReadStart(scan, item, ZrNavRecord::Size, payload)
         && ZrNavRecord::Decode(zr::bytes_of(payload), record))
-        nav.Add(item.time, record);
+        m_nav->Add(item.time, record);
     else
         ++m_skipped;
 }
@@ -185,10 +197,8 @@ void ZrSonarLog::AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos)
     channel.sampleCount = record.sampleCount;
     channel.frequency = Known(record.frequency);
     channel.soundSpeed = Known(record.soundSpeed);
-    if (ZrSonarPing* ping = Awaiting(record.pingNumber, item)) {
-        ping->sides[item.sub] = channel;
+    if (Complete(record.pingNumber, item, channel))
         return;
-    }
     ZrSonarPing ping;
     ping.time = item.time;
     ping.number = record.pingNumber;
@@ -196,37 +206,23 @@ void ZrSonarLog::AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos)
     ping.sides[item.sub] = channel;
     if (m_waiting.size() == mostWaiting)
         m_waiting.erase(m_waiting.begin());
-    m_waiting.push_back(m_pings.size());
-    MakeRoom(pos);
-    m_pings.push_back(ping);
+    m_waiting.push_back(m_table->Count());
+    m_table->Append(ping);
 }
 
-/// The latest ping that \p item completes; it waits no longer. Null when there is none.
-ZrSonarPing* ZrSonarLog::Awaiting(u32 number, const ZrLogItem& item)
+/// Gives \p channel to the latest ping that misses it; that waits no longer. False when there is none.
+bool ZrSonarLog::Complete(u32 number, const ZrLogItem& item, const ZrSonarChannel& channel)
 {
     for (auto it = m_waiting.rbegin(); it != m_waiting.rend(); ++it) {
-        ZrSonarPing& ping = m_pings[*it];
-        if (ping.number == number && ping.source == item.source && !ping.sides[item.sub].IsThere()
-            && std::fabs(ping.time - item.time) < pairWithin) {
-            m_waiting.erase(std::next(it).base());
-            return &ping;
-        }
+        const ZrSonarPing ping = m_table->At(*it);
+        if (ping.number != number || ping.source != item.source || ping.sides[item.sub].IsThere()
+            || !(std::fabs(ping.time - item.time) < pairWithin))
+            continue;
+        m_table->SetSide(*it, static_cast<eSonarSide>(item.sub), channel);
+        m_waiting.erase(std::next(it).base());
+        return true;
     }
-    return nullptr;
-}
-
-/// Room for the next ping, and for as many more as the log promises where it goes on as up to \p pos:
-/// doubling would hold the table up to three times at its end.
-void ZrSonarLog::MakeRoom(u64 pos)
-{
-    const std::size_t count = m_pings.size();
-    if (count < m_pings.capacity())
-        return;
-    const double promised = 1.02 * static_cast<double>(count) * static_cast<double>(m_fileSize)
-        / static_cast<double>(std::max<u64>(pos, 1));
-    const double least = static_cast<double>(count) * 1.5 + 256.0;
-    const double most = static_cast<double>(count) * 4.0 + 256.0;
-    m_pings.reserve(static_cast<std::size_t>(std::clamp(promised, least, most)));
+    return false;
 }
 
 QString ZrSonarLog::Damage() const
@@ -260,13 +256,13 @@ bool ZrSonarLog::ReadSamples(std::size_t ping, eSonarSide side, std::vector<u16>
     samples.clear();
     if (ping >= m_pings.size() || (side != sidePort && side != sideStarboard))
         return false;
-    const ZrSonarChannel& channel = m_pings[ping].sides[side];
+    const ZrSonarChannel channel = m_pings.Side(ping, side);
     ZrLogItem item;
     QByteArray payload;
     ZrPingRecord record;
     if (!channel.IsThere() || !ReadItem(channel.pos, item, payload) || !IsPing(item) || item.sub != side
         || item.format != ZrPingRecord::Format || !ZrPingRecord::Decode(zr::bytes_of(payload), record)
-        || record.pingNumber != m_pings[ping].number || record.sampleCount != channel.sampleCount)
+        || record.pingNumber != m_pings.Number(ping) || record.sampleCount != channel.sampleCount)
         return false;
     samples.resize(record.sampleCount);
     Widen(record.samples, record.sampleWidth, samples);

@@ -1,18 +1,18 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 
 #include <QFile>
 #include <QString>
 
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 class IZrProgress;
 class ZrLogScan;
-class ZrSonarNav;
 struct ZrLogItem;
 
 /// The side-scan pings of a data log: a table of lines with their navigation, and the samples on demand.
@@ -26,13 +26,13 @@ struct ZrLogItem;
 ///     if (log.ReadSamples(i, sidePort, samples)) { … }
 /// \endcode
 ///
-/// Opening walks the log once, in less than twice the time of a `ZrLogScan`, and keeps about 150 bytes for a
-/// ping; of compressed pings only the first fields are decompressed, some microseconds each. All
-/// samples stay in the file. A port and a starboard item make one ping when they have the same source, equal
-/// ping numbers and times less than half a second apart, whichever comes first; up to 64 pings may be waiting
-/// for their other side. Lines are in the order of the log, as they were recorded; the time of a line is that
-/// of its first item, its pose comes from the navigation records of the whole log by time. The side is told
-/// by the sub-type of the item.
+/// Opening walks the log once, in less than twice the time of a `ZrLogScan`, and keeps some 17 bytes for a
+/// ping and 44 for a navigation record (`ZrSonarPings`); of compressed pings only the first fields are
+/// decompressed, some microseconds each. All samples stay in the file. A port and a starboard item make one
+/// ping when they have the same source, equal ping numbers and times less than half a second apart, whichever
+/// comes first; up to 64 pings may be waiting for their other side. Lines are in the order of the log, as
+/// they were recorded; the time of a line is that of its first item, its pose comes from the navigation
+/// records of the whole log by time. The side is told by the sub-type of the item.
 ///
 /// A log that is damaged somewhere gives the pings before the damage: `Open` is true, and `Damage` says where
 /// it ends. Items whose first fields are damaged or not usable (no finite time, no slant range from 0.1 m to
@@ -60,7 +60,11 @@ public:
 
     const QString& Path() const { return m_path; }
 
-    const std::vector<ZrSonarPing>& Pings() const { return m_pings; }
+    const ZrSonarPings& Pings() const { return m_pings; }
+
+    /// Gives up what \p series, read from the same log, holds of the navigation: see `ZrSonarNav::Share`.
+    /// Before `Pings` are given to others.
+    void ShareNavigation(std::shared_ptr<const ZrSurveySeries> series);
 
     /// The samples of one side of a ping, nearest first, as 16 bits: 8-bit samples times 257, of 32-bit ones
     /// the upper half. False, and \p samples empty, when that side recorded nothing, its samples are damaged,
@@ -83,18 +87,20 @@ public:
 
 private:
     bool Fail(const QString& error);
-    bool ReadTable(ZrLogScan& scan, ZrSonarNav& nav);
+    void Clear();
+    bool ReadTable(ZrLogScan& scan);
     bool ReadStart(ZrLogScan& scan, const ZrLogItem& item, u32 most, QByteArray& start) const;
-    void AddNav(ZrLogScan& scan, const ZrLogItem& item, ZrSonarNav& nav);
+    void AddNav(ZrLogScan& scan, const ZrLogItem& item);
     void AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos);
-    ZrSonarPing* Awaiting(u32 number, const ZrLogItem& item);
-    void MakeRoom(u64 pos);
+    bool Complete(u32 number, const ZrLogItem& item, const ZrSonarChannel& channel);
     bool ReadItem(u64 pos, ZrLogItem& item, QByteArray& payload);
 
     QString m_path;
     QFile m_file;
     u64 m_fileSize = 0;
-    std::vector<ZrSonarPing> m_pings;
+    ZrSonarPings m_pings;
+    std::shared_ptr<ZrSonarPingTable> m_table; ///< of `m_pings`; null before they are there
+    std::shared_ptr<ZrSonarNav> m_nav; ///< likewise
     std::vector<std::size_t> m_waiting; ///< pings that may still get their other side, oldest first
     std::size_t m_skipped = 0;
     QString m_error;

@@ -35,7 +35,7 @@ bool ZrSonarMeasure::Check(const ZrSonarSpot& spot)
         return Fail(tr("Line %1 has no sample %2; the last one is %3")
                         .arg(spot.ping)
                         .arg(spot.sample)
-                        .arg(m_geo.Pings()[spot.ping].sides[spot.side].sampleCount - 1));
+                        .arg(m_geo.Pings().Side(spot.ping, spot.side).sampleCount - 1));
     }
     if (m_geo.IsInWater(spot)) {
         return Fail(tr("Sample %1 of line %2 lies in the water column: at %3 m, the seabed begins at %4 m")
@@ -55,7 +55,7 @@ bool ZrSonarMeasure::Place(const ZrSonarSpot& spot, ZrSonarTarget& target)
     if (!position.IsValid())
         return Fail(tr("The position or the heading at line %1 is not known").arg(spot.ping));
     target.spot = spot;
-    target.time = m_geo.Pings()[spot.ping].time;
+    target.time = m_geo.Pings().Time(spot.ping);
     target.position = position;
     target.slantRange = m_geo.SlantRange(spot);
     target.groundRange = m_geo.GroundRange(spot);
@@ -111,6 +111,6 @@ bool ZrSonarMeasure::Height(const ZrSonarSpot& top, double shadowEnd, Shadow& sh
     shadow.height = altitude * (far - near) / far;
     shadow.length = groundFar - m_geo.GroundRange(top);
     shadow.flatHeight = altitude * shadow.length / groundFar;
-    shadow.step = altitude * m_geo.Pings()[top.ping].sides[top.side].SampleLength() / far;
+    shadow.step = altitude * m_geo.Pings().Side(top.ping, top.side).SampleLength() / far;
     return true;
 }

@@ -38,7 +38,7 @@ void ZrSonarSummary::Range::Add(double value)
     most = std::fmax(most, value);
 }
 
-ZrSonarSummary::ZrSonarSummary(const std::vector<ZrSonarPing>& from, const ZrSonarTrack& track)
+ZrSonarSummary::ZrSonarSummary(const ZrSonarPings& from, const ZrSonarTrack& track)
     : pings(from.size())
 {
     for (std::size_t i = 0; i < from.size(); ++i) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 
 #include <cstddef>
 #include <limits>
@@ -41,7 +41,7 @@ struct ZR_KIT_EXPORT ZrSonarSummary
     };
 
     /// \p track is that of \p pings.
-    ZrSonarSummary(const std::vector<ZrSonarPing>& pings, const ZrSonarTrack& track);
+    ZrSonarSummary(const ZrSonarPings& pings, const ZrSonarTrack& track);
 
     std::size_t pings = 0;
     std::size_t pairs = 0; ///< pings with both sides

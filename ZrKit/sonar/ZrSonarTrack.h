@@ -3,11 +3,12 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/planning/ZrGeoPoint.h"
 #include "ZrKit/planning/ZrLocalFrame.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 #include "ZrKit/sonar/ZrSonarSide.h"
 #include "ZrKit/sonar/ZrSonarTrackSettings.h"
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 /// The way of the sonar over the ground, ping by ping, in metres and degrees: where each line of the image
@@ -26,28 +27,32 @@
 /// second begin anew: nothing is averaged across. Making a track takes time in proportion to the pings,
 /// however long the smoothing.
 ///
+/// Of a long track only the latest stretches of some thousand pings that were asked for are in memory, some
+/// megabytes; another one is made when it is, which takes milliseconds. Where averages reach over much more
+/// than a stretch, or thousands of pings have one time, all of it is kept, 52 bytes for a ping.
+///
 /// Never changes once made: any number of threads.
 class ZR_KIT_EXPORT ZrSonarTrack
 {
 public:
-    ZrSonarTrack(const std::vector<ZrSonarPing>& pings, const ZrSonarTrackSettings& settings);
+    ZrSonarTrack(ZrSonarPings pings, const ZrSonarTrackSettings& settings);
 
-    std::size_t Count() const { return m_points.size(); }
+    std::size_t Count() const { return m_pings.size(); }
 
     const ZrLocalFrame& Frame() const { return m_frame; }
 
-    ZrLocalPoint Point(std::size_t ping) const { return m_points[ping]; } ///< position in `Frame`
+    ZrLocalPoint Point(std::size_t ping) const; ///< position in `Frame`
 
     ZrGeoPoint Position(std::size_t ping) const; ///< the same in degrees
 
     /// Direction of the bow, degrees from true north, 0 to 360; NaN when neither recorded nor moving.
-    double Heading(std::size_t ping) const { return m_headings[ping]; }
+    double Heading(std::size_t ping) const;
 
     /// Metres along the track from the first ping; never falls. A ping without position has that of the one
     /// before.
-    double Distance(std::size_t ping) const { return m_distances[ping]; }
+    double Distance(std::size_t ping) const;
 
-    double Length() const { return m_distances.empty() ? 0.0 : m_distances.back(); } ///< metres
+    double Length() const { return m_length; } ///< metres
 
     /// Metres per second over ground around the ping; NaN where it is not known.
     double Speed(std::size_t ping) const;
@@ -58,16 +63,21 @@ public:
     ZrLocalPoint LocateLocal(std::size_t ping, eSonarSide side, double groundRange) const; ///< likewise
 
 private:
-    void FillHeadings(const std::vector<ZrSonarPing>& pings, const ZrSonarTrackSettings& settings);
-    void FillDistances();
-    double Course(std::size_t ping) const;
-    void Around(std::size_t ping, double seconds, std::size_t& first, std::size_t& last) const;
+    struct Stretch;
+    struct Start;
+    struct Cache;
 
+    bool MakeStarts(std::size_t most);
+    std::shared_ptr<const Stretch> StretchOf(std::size_t ping) const;
+    bool Reach(Stretch& stretch, std::size_t most) const;
+    void Place(Stretch& stretch) const;
+    void Turn(Stretch& stretch) const;
+
+    ZrSonarPings m_pings;
+    ZrSonarTrackSettings m_settings;
     ZrLocalFrame m_frame;
-    std::vector<double> m_clock; ///< seconds from the first ping; never falls, and leaps where times fall
-    std::vector<std::size_t> m_known; ///< the pings with a known position
-    std::vector<ZrLocalPoint> m_points;
-    std::vector<double> m_convergences; ///< from true north to the north of the frame, degrees
-    std::vector<double> m_headings;
-    std::vector<double> m_distances;
+    std::size_t m_stretch = 0; ///< pings of one
+    double m_length = 0.0;
+    std::shared_ptr<std::vector<Start>> m_starts; ///< of all stretches
+    std::shared_ptr<Cache> m_cache;
 };

@@ -167,7 +167,7 @@ bool ZrWaterfall::Learn(const ZrWaterfallMap& map, ZrSonarGain& gain)
         const std::size_t ping = map.First() + i;
         const double altitude = map.Altitude(static_cast<double>(ping));
         for (const eSonarSide side : {sidePort, sideStarboard}) {
-            const double range = m_log.Pings()[ping].sides[side].slantRange;
+            const double range = m_log.Pings().Side(ping, side).slantRange;
             if (map.Columns(side) == 0 || !m_log.ReadSamples(ping, side, samples))
                 continue;
             gain.Learn(samples, side, range, altitude);

@@ -36,7 +36,7 @@ const ZrWaterfallLines::Line& ZrWaterfallLines::At(std::size_t ping)
         known = 0;
         if (columns == 0 || !m_log.ReadSamples(ping, side, m_samples))
             continue;
-        const double slantRange = m_log.Pings()[ping].sides[side].slantRange;
+        const double slantRange = m_log.Pings().Side(ping, side).slantRange;
         const double height = m_map.Altitude(static_cast<double>(ping));
         ZrSonarBlanking::Apply(m_map.Settings().blanking, m_samples, slantRange, height);
         m_gain.Apply(m_samples, side, slantRange, height);

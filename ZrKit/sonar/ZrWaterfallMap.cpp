@@ -34,7 +34,7 @@ bool IsLength(double metres)
 
 } // namespace
 
-ZrWaterfallMap::ZrWaterfallMap(const std::vector<ZrSonarPing>& pings, const ZrSonarTrack& track,
+ZrWaterfallMap::ZrWaterfallMap(const ZrSonarPings& pings, const ZrSonarTrack& track,
     const ZrBottomLine& bottom, const ZrWaterfallSettings& settings, std::size_t first, std::size_t last)
     : m_settings(settings)
     , m_first(first)
@@ -84,8 +84,7 @@ bool ZrWaterfallMap::IsShown(eSonarSide side) const
         || (m_settings.sides == ZrWaterfallSettings::portOnly) == (side == sidePort);
 }
 
-bool ZrWaterfallMap::TakePings(
-    const std::vector<ZrSonarPing>& pings, const ZrBottomLine& bottom, std::size_t last)
+bool ZrWaterfallMap::TakePings(const ZrSonarPings& pings, const ZrBottomLine& bottom, std::size_t last)
 {
     bool any = false;
     m_pings.reserve(last - m_first + 1);
@@ -93,7 +92,7 @@ bool ZrWaterfallMap::TakePings(
         Ping ping{};
         ping.altitude = bottom.Altitude(i);
         for (const eSonarSide side : {sidePort, sideStarboard}) {
-            const ZrSonarChannel& channel = pings[i].sides[side];
+            const ZrSonarChannel channel = pings.Side(i, side);
             if (!IsShown(side) || !channel.IsThere() || channel.sampleCount == 0
                 || !(channel.slantRange > 0.0) || !std::isfinite(channel.slantRange))
                 continue;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
-#include "ZrKit/sonar/ZrSonarPing.h"
+#include "ZrKit/sonar/ZrSonarPings.h"
 #include "ZrKit/sonar/ZrWaterfallPoint.h"
 #include "ZrKit/sonar/ZrWaterfallSettings.h"
 
@@ -43,8 +43,8 @@ public:
     static constexpr int MostRows = 32767;
 
     /// Of the pings \p first to \p last, ends included.
-    ZrWaterfallMap(const std::vector<ZrSonarPing>& pings, const ZrSonarTrack& track,
-        const ZrBottomLine& bottom, const ZrWaterfallSettings& settings, std::size_t first, std::size_t last);
+    ZrWaterfallMap(const ZrSonarPings& pings, const ZrSonarTrack& track, const ZrBottomLine& bottom,
+        const ZrWaterfallSettings& settings, std::size_t first, std::size_t last);
 
     QString Error() const { return m_error; } ///< why there is no image, a sentence; else empty
 
@@ -111,7 +111,7 @@ private:
         bool gapBehind; ///< nothing is drawn between this ping and the next one
     };
 
-    bool TakePings(const std::vector<ZrSonarPing>& pings, const ZrBottomLine& bottom, std::size_t last);
+    bool TakePings(const ZrSonarPings& pings, const ZrBottomLine& bottom, std::size_t last);
     void FillAltitudes();
     void LayAlong(const ZrSonarTrack& track);
     void LayRows();

@@ -55,25 +55,20 @@ bool ZrSurveyRecording::Load(const QString& path)
     m_path = path;
     if (!LoadRecords() || !LoadSonar())
         return false;
-    if (m_series.Count() > 0 && !m_series.times->IsEmpty()) {
-        m_times = m_series.times;
+    if (m_series->Count() > 0 && !m_series->times->IsEmpty()) {
+        m_times = m_series->times;
     } else {
         auto times = std::make_shared<ZrSteadyTime>();
-        for (const ZrSonarPing& ping : Pings())
-            times->Append(ping.time);
+        times->Reserve(Pings().size());
+        for (std::size_t i = 0; i < Pings().size(); ++i)
+            times->Append(Pings().Time(i));
         m_times = std::move(times);
     }
     if (m_times->IsEmpty()) {
         return Fail(m_isDamaged ? m_remarks.join(QLatin1Char(' '))
                                 : tr("The log holds neither navigation nor side-scan pings."));
     }
-    double near = m_times->Begin();
-    m_pingTimes.reserve(Pings().size());
-    for (const ZrSonarPing& ping : Pings()) {
-        const double at = m_times->FromLog(ping.time, near);
-        near = std::isnan(at) ? near : std::max(at, near);
-        m_pingTimes.push_back(near);
-    }
+    LoadPingTimes();
     QString error;
     if (!m_events.Load(path, &error))
         m_remarks << error;
@@ -82,6 +77,30 @@ bool ZrSurveyRecording::Load(const QString& path)
     if (progress)
         progress->UpdateProgress(100);
     return true;
+}
+
+/// Most logs have no other times than their pings themselves; of others they are kept.
+void ZrSurveyRecording::LoadPingTimes()
+{
+    double near = m_times->Begin();
+    for (std::size_t i = 0; i < Pings().size(); ++i) {
+        const double time = Pings().Time(i);
+        const double at = m_times->FromLog(time, near);
+        near = std::isnan(at) ? near : std::max(at, near);
+        if (m_pingTimes.empty() && near == time)
+            continue;
+        if (m_pingTimes.empty()) {
+            m_pingTimes.reserve(Pings().size());
+            for (std::size_t before = 0; before < i; ++before)
+                m_pingTimes.push_back(Pings().Time(before));
+        }
+        m_pingTimes.push_back(near);
+    }
+}
+
+double ZrSurveyRecording::PingTime(std::size_t ping) const
+{
+    return m_pingTimes.empty() ? Pings().Time(ping) : m_pingTimes[ping];
 }
 
 bool ZrSurveyRecording::LoadRecords()
@@ -103,7 +122,7 @@ bool ZrSurveyRecording::LoadRecords()
     {
         Stage stage(progress, cancel, reader.cancel, 30, 50);
         reader.progress = &stage;
-        if (!reader.Read(m_path, m_series))
+        if (!reader.Read(m_path, *m_series))
             return Fail(reader.Error());
         reader.progress = nullptr;
     }
@@ -117,7 +136,7 @@ bool ZrSurveyRecording::LoadRecords()
     if (!index(count))
         return false;
     // Logs without navigation have their positions in fixes.
-    m_isOfFixes = count == 0 && m_series.Count() > 0;
+    m_isOfFixes = count == 0 && m_series->Count() > 0;
     return !m_isOfFixes || index(count);
 }
 
@@ -144,6 +163,7 @@ bool ZrSurveyRecording::LoadSonar()
     }
     if (Pings().empty())
         return true;
+    m_log.ShareNavigation(m_series);
     if (!LoadBottom())
         return Fail(QString());
     ZrSonarTrackSettings settings;
@@ -232,39 +252,48 @@ void ZrSurveyRecording::LoadPlan()
 
 double ZrSurveyRecording::PingAt(double steady) const
 {
-    if (m_pingTimes.empty() || std::isnan(steady))
+    if (Pings().empty() || std::isnan(steady))
         return unknown;
-    const auto after = std::upper_bound(m_pingTimes.begin(), m_pingTimes.end(), steady);
-    if (after == m_pingTimes.begin())
+    // The first ping behind it.
+    std::size_t after = 0;
+    for (std::size_t end = Pings().size(); after < end;) {
+        const std::size_t middle = after + (end - after) / 2;
+        if (steady < PingTime(middle))
+            end = middle;
+        else
+            after = middle + 1;
+    }
+    if (after == 0)
         return 0.0;
-    const auto i = static_cast<std::size_t>(after - m_pingTimes.begin()) - 1;
-    if (i + 1 == m_pingTimes.size())
+    const std::size_t i = after - 1;
+    if (after == Pings().size())
         return static_cast<double>(i);
-    const double step = m_pingTimes[i + 1] - m_pingTimes[i];
-    return static_cast<double>(i) + (step > 0.0 ? (steady - m_pingTimes[i]) / step : 0.0);
+    const double step = PingTime(after) - PingTime(i);
+    return static_cast<double>(i) + (step > 0.0 ? (steady - PingTime(i)) / step : 0.0);
 }
 
 double ZrSurveyRecording::TimeOfPing(double ping) const
 {
-    if (m_pingTimes.empty() || std::isnan(ping))
+    if (Pings().empty() || std::isnan(ping))
         return unknown;
-    const double at = std::clamp(ping, 0.0, static_cast<double>(m_pingTimes.size() - 1));
+    const std::size_t last = Pings().size() - 1;
+    const double at = std::clamp(ping, 0.0, static_cast<double>(last));
     const auto i = static_cast<std::size_t>(at);
-    if (i + 1 >= m_pingTimes.size())
-        return m_pingTimes.back();
-    return m_pingTimes[i] + (at - static_cast<double>(i)) * (m_pingTimes[i + 1] - m_pingTimes[i]);
+    if (i >= last)
+        return PingTime(last);
+    return PingTime(i) + (at - static_cast<double>(i)) * (PingTime(i + 1) - PingTime(i));
 }
 
 ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
 {
-    const std::size_t row = m_series.times->RecordAt(steady);
-    if (row >= m_series.Count())
+    const std::size_t row = m_series->times->RecordAt(steady);
+    if (row >= m_series->Count())
         return {unknown, unknown};
-    const ZrSurveySeries::Position& from = m_series.track[row];
-    if (row + 1 < m_series.Count()) {
-        const ZrSurveySeries::Position& to = m_series.track[row + 1];
-        const double begin = m_series.times->Times()[row];
-        const double step = m_series.times->Times()[row + 1] - begin;
+    const ZrSurveySeries::Position& from = m_series->track[row];
+    if (row + 1 < m_series->Count()) {
+        const ZrSurveySeries::Position& to = m_series->track[row + 1];
+        const double begin = m_series->times->Times()[row];
+        const double step = m_series->times->Times()[row + 1] - begin;
         const bool isNear
             = step > 0.0 && step <= mostBetween && std::fabs(to.longitude - from.longitude) < 1.0;
         if (isNear && steady > begin) {
@@ -278,11 +307,11 @@ ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
 
 double ZrSurveyRecording::FirstPosition(double until) const
 {
-    for (std::size_t row = 0; row < m_series.Count(); ++row) {
-        const double at = m_series.times->Times()[row];
+    for (std::size_t row = 0; row < m_series->Count(); ++row) {
+        const double at = m_series->times->Times()[row];
         if (at > until)
             break;
-        if (ZrGeoPoint{m_series.track[row].latitude, m_series.track[row].longitude}.IsValid())
+        if (ZrGeoPoint{m_series->track[row].latitude, m_series->track[row].longitude}.IsValid())
             return at;
     }
     return unknown;

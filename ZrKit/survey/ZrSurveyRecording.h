@@ -33,10 +33,10 @@ class ZrDatasetReader;
 ///     [=] { recording->cancel = true; });
 /// \endcode
 ///
-/// Loading makes tables of the log, at most some 300 bytes for a record; samples of the sonar stay in the
-/// file but for a few hundred pings that gain and contrast are learnt from. The bottom line is the one kept
-/// beside the log; else it is tracked, in logs of up to `MostTracked` bytes; else it is the altitude that was
-/// recorded.
+/// Loading makes tables of the log, some 85 bytes for a line of the sonar with its navigation; samples of the
+/// sonar stay in the file but for a few hundred pings that gain and contrast are learnt from. The bottom line
+/// is the one kept beside the log; else it is tracked, in logs of up to `MostTracked` bytes; else it is the
+/// altitude that was recorded.
 ///
 /// Loaded in any thread, used in one afterwards. `cancel` may be set from any.
 class ZR_KIT_EXPORT ZrSurveyRecording
@@ -76,7 +76,7 @@ public:
     /// read or its `cancel` was set. Any thread, also while the recording is in use.
     std::unique_ptr<ZrSurveyDataset> IndexRecords(ZrDatasetReader& reader) const;
 
-    const ZrSurveySeries& Series() const { return m_series; }
+    const ZrSurveySeries& Series() const { return *m_series; }
 
     ZrEventList& Events() { return m_events; }
 
@@ -91,7 +91,7 @@ public:
     /// @{
     bool HasSonar() const { return m_geo != nullptr; }
 
-    const std::vector<ZrSonarPing>& Pings() const { return m_log.Pings(); }
+    const ZrSonarPings& Pings() const { return m_log.Pings(); }
 
     const ZrSonarLog& SonarLog() const { return m_log; } ///< its samples are read by the waterfall alone
 
@@ -128,6 +128,8 @@ public:
     double TimeOf(const ZrLogEvt& evt) const;
 
 private:
+    double PingTime(std::size_t ping) const;
+    void LoadPingTimes();
     bool LoadRecords();
     bool LoadSonar();
     bool LoadBottom();
@@ -139,7 +141,7 @@ private:
     QStringList m_remarks;
     bool m_isDamaged = false;
     bool m_isOfFixes = false; ///< without navigation records
-    ZrSurveySeries m_series;
+    std::shared_ptr<ZrSurveySeries> m_series = std::make_shared<ZrSurveySeries>();
     std::shared_ptr<const ZrSteadyTime> m_times;
     ZrEventList m_events;
     std::vector<ZrGeoPoint> m_plan;
@@ -150,5 +152,5 @@ private:
     std::unique_ptr<ZrSonarTrack> m_track;
     std::shared_ptr<const ZrSonarGeo> m_geo;
     std::shared_ptr<ZrWaterfallPings> m_waterfall;
-    std::vector<double> m_pingTimes; ///< steady, ascending
+    std::vector<double> m_pingTimes; ///< steady, ascending; empty when they are those of the pings
 };

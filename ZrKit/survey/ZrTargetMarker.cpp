@@ -47,7 +47,7 @@ std::optional<ZrSonarSpot> ZrTargetMarker::SpotAt(const ZrWaterfallPoint& point)
     const auto ping = static_cast<std::size_t>(std::max(std::lround(point.ping), 0L));
     if (ping >= m_recording->Pings().size())
         return {};
-    const ZrSonarChannel& channel = m_recording->Pings()[ping].sides[point.side];
+    const ZrSonarChannel channel = m_recording->Pings().Side(ping, point.side);
     const double sample = point.slantRange / channel.SampleLength() - 0.5;
     if (!std::isfinite(sample))
         return {};
@@ -112,7 +112,7 @@ bool ZrTargetMarker::Draw(const ZrWaterfallPoint& from, const ZrWaterfallPoint& 
 
 QPointF ZrTargetMarker::PixelOf(const ZrWaterfallLayout& layout, const ZrSonarSpot& spot) const
 {
-    const ZrSonarChannel& channel = m_recording->Pings()[spot.ping].sides[spot.side];
+    const ZrSonarChannel channel = m_recording->Pings().Side(spot.ping, spot.side);
     return layout.ToPixel(
         static_cast<double>(spot.ping), spot.side, (spot.sample + 0.5) * channel.SampleLength());
 }

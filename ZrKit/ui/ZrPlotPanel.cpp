@@ -23,6 +23,16 @@ constexpr float leastHeight = 64.0F; ///< of a plot, design pixels
 constexpr float twoColumns = 900.0F; ///< from this width on, design pixels
 constexpr float tickDistance = 22.0F; ///< design pixels at least
 
+QColor ColourOf(const ZrPlotPanel::Curve& curve)
+{
+    return curve.colour.isValid() ? curve.colour : ZrTheme::ctrlHighlightCol;
+}
+
+double PenWidth()
+{
+    return std::max(static_cast<double>(ZrTheme::DpF(1.5F)), 1.0);
+}
+
 double ScaleOf(int quantity)
 {
     switch (quantity) {
@@ -74,6 +84,7 @@ void ZrPlotPanel::SetTimeLine(const ZrTimeLine* line)
 void ZrPlotPanel::SetPlots(QVector<Plot> plots)
 {
     m_plots = std::move(plots);
+    m_pictures = std::vector<ZrKeptPicture>(static_cast<std::size_t>(m_plots.size()));
     update();
 }
 
@@ -350,9 +361,23 @@ void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
     for (const Label& label : Labels(index))
         painter.drawText(label.rect, Qt::AlignRight | Qt::AlignVCenter, label.text);
     painter.setClipRect(rect);
+    QVector<double> key;
     for (const Curve& curve : plot.curves)
-        PaintCurve(painter, curve, rect, ticks.Low(), ticks.High(), ScaleOf(plot.quantity), plot.isDown);
+        key += KeyOf(curve, ticks.Low(), ticks.High(), plot.isDown);
+    m_pictures[static_cast<std::size_t>(index)].Paint(painter, rect, key, [&](QPainter& to) {
+        for (const Curve& curve : plot.curves)
+            PaintCurve(to, curve, rect, ticks.Low(), ticks.High(), ScaleOf(plot.quantity), plot.isDown);
+    });
     painter.setClipping(false);
+}
+
+/// All that a curve is painted by, but for the size.
+QVector<double> ZrPlotPanel::KeyOf(const Curve& curve, double low, double high, bool isDown) const
+{
+    return {static_cast<double>(reinterpret_cast<quintptr>(curve.series)),
+        static_cast<double>(curve.series->Count()), m_line->VisibleBegin(), m_line->VisibleEnd(),
+        m_line->AreGapsCut() ? 1.0 : 0.0, m_line->LongestStep(), low, high, isDown ? 1.0 : 0.0,
+        static_cast<double>(ColourOf(curve).rgba()), PenWidth()};
 }
 
 void ZrPlotPanel::PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low,
@@ -361,8 +386,7 @@ void ZrPlotPanel::PaintCurve(QPainter& painter, const Curve& curve, const QRect&
     m_decimator.mostStep = m_line->LongestStep();
     QPolygonF line;
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(curve.colour.isValid() ? curve.colour : ZrTheme::ctrlHighlightCol,
-        std::max(static_cast<double>(ZrTheme::DpF(1.5F)), 1.0)));
+    painter.setPen(QPen(ColourOf(curve), PenWidth()));
     const auto draw = [&painter, &line] {
         if (line.size() > 1)
             painter.drawPolyline(line);

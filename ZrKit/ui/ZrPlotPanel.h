@@ -5,12 +5,14 @@
 #include "ZrKit/review/ZrPlotDecimator.h"
 #include "ZrKit/review/ZrPlotSeries.h"
 #include "ZrKit/review/ZrTimeLine.h"
+#include "ZrKit/ui/ZrKeptPicture.h"
 
 #include <QColor>
 #include <QVector>
 #include <QWidget>
 
 #include <limits>
+#include <vector>
 
 /// Curves over the time of a recording, one plot above the other, in two columns where there is room, with
 /// their values at the cursor.
@@ -86,7 +88,8 @@ public:
     /// data has no room for others. None while nothing is known of its curves.
     QVector<Label> Labels(int plot) const;
 
-    std::size_t Looks() const { return m_looks; } ///< values looked at by the last painting
+    /// Values looked at by the last painting: none while curves, axes and size stay as they were.
+    std::size_t Looks() const { return m_looks; }
 
 Q_SIGNALS:
     void ScrubBegan();
@@ -113,6 +116,7 @@ private:
     int YOf(int plot, double value, const ZrAxisTicks& ticks) const;
     double FractionAt(double x) const;
     void PaintPlot(QPainter& painter, int index);
+    QVector<double> KeyOf(const Curve& curve, double low, double high, bool isDown) const;
     void PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low, double high,
         double scale, bool isDown);
 
@@ -120,6 +124,7 @@ private:
     QVector<Plot> m_plots;
     double m_cursor = std::numeric_limits<double>::quiet_NaN();
     ZrPlotDecimator m_decimator;
+    std::vector<ZrKeptPicture> m_pictures; ///< of the plots' curves
     std::size_t m_looks = 0;
     bool m_isScrubbing = false;
     bool m_isPinching = false;

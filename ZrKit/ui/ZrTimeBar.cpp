@@ -58,6 +58,7 @@ void ZrTimeBar::SetLog(std::shared_ptr<const ZrSteadyTime> log)
 void ZrTimeBar::SetProfile(const ZrPlotSeries* profile)
 {
     m_profile = profile;
+    m_picture = ZrKeptPicture();
     update();
 }
 

@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/review/ZrPlotSeries.h"
 #include "ZrKit/review/ZrTimeLine.h"
+#include "ZrKit/ui/ZrKeptPicture.h"
 
 #include <QVector>
 #include <QWidget>
@@ -117,6 +118,7 @@ private:
     double HandleX(int end) const;
     QFont SmallFont() const;
     void PaintProfile(QPainter& painter, const QRect& axis);
+    void PaintCurve(QPainter& painter, const QRect& axis, const ZrPlotSeries::Extent& extent) const;
     void PaintCuts(QPainter& painter, const QRect& axis);
     void PaintGaps(QPainter& painter, const QRect& axis);
     void PaintRange(QPainter& painter, const QRect& axis);
@@ -125,6 +127,7 @@ private:
     void PaintCursor(QPainter& painter, const QRect& axis);
 
     ZrTimeLine m_line;
+    ZrKeptPicture m_picture; ///< of the profile
     const ZrPlotSeries* m_profile = nullptr;
     double m_cursor = std::numeric_limits<double>::quiet_NaN();
     std::vector<double> m_events;

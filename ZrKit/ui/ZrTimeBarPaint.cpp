@@ -54,6 +54,17 @@ void ZrTimeBar::PaintProfile(QPainter& painter, const QRect& axis)
     const ZrPlotSeries::Extent extent = m_profile->ExtentOf(0, m_profile->Count());
     if (!extent.IsKnown())
         return;
+    const QVector<double> key{static_cast<double>(m_profile->Count()), m_line.VisibleBegin(),
+        m_line.VisibleEnd(), m_line.AreGapsCut() ? 1.0 : 0.0, m_line.LongestStep(),
+        static_cast<double>(ZrTheme::ctrlHighlightCol.rgba()), static_cast<double>(ZrTheme::DpF(6))};
+    m_picture.Paint(painter, axis, key, [&](QPainter& to) {
+        to.setRenderHints(painter.renderHints());
+        PaintCurve(to, axis, extent);
+    });
+}
+
+void ZrTimeBar::PaintCurve(QPainter& painter, const QRect& axis, const ZrPlotSeries::Extent& extent) const
+{
     ZrPlotDecimator decimator;
     decimator.mostStep = m_line.LongestStep();
     const std::vector<double> columns = m_line.Columns(axis.width());

@@ -19,6 +19,7 @@
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QPainter>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -28,6 +29,14 @@ namespace {
 /// Shares of the page's height and width.
 constexpr double plotsShare = 0.38;
 constexpr double mapShare = 0.46;
+
+/// What frames may draw: see `ReviewPage::zr_paintGL`.
+enum eReady : int
+{
+    mapReady = 1,
+    palettesReady,
+    sonarReady
+};
 
 int HeaderHeight()
 {
@@ -40,16 +49,29 @@ void ReviewPage::zr_initializeGL()
 {
     m_map->Create();
     m_sonar->Create();
+    m_ready = 0;
+}
+
+bool ReviewPage::IsDrawn() const
+{
+    return m_ready >= sonarReady;
 }
 
 void ReviewPage::zr_paintGL()
 {
     if (!m_recording)
         return;
+    // What is drawn for the first time makes its programs, textures and palettes, which takes as long as many
+    // frames: one thing comes with each of the first ones, beginning with the widgets over both panes.
     if (m_map->Panel().isVisible())
-        m_map->Render();
-    if (m_sonar->Panel().isVisible())
-        m_sonar->Render();
+        m_map->Render(m_ready >= mapReady);
+    if (m_sonar->Panel().isVisible() && m_ready >= palettesReady)
+        m_sonar->Render(m_ready >= sonarReady);
+    if (m_ready < sonarReady) {
+        ++m_ready;
+        // Not at once: events come in between.
+        QTimer::singleShot(0, this, &SurveyPage::Changed);
+    }
 }
 
 void ReviewPage::showEvent(QShowEvent* event)

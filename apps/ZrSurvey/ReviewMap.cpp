@@ -44,12 +44,16 @@ void ReviewMap::Create()
     m_map.OnCreate();
 }
 
-void ReviewMap::Render()
+void ReviewMap::Render(bool isWhole)
 {
+    const QVector<ZrMapLayer*> layers = m_map.m_layers;
+    if (!isWhole)
+        m_map.m_layers.clear();
     if (!m_isFitted && m_chart.HasOrigin() && !m_map.m_camera.IsEmpty())
         FitAll();
     m_map.m_pixelFactor = qRound(m_panel->devicePixelRatioF());
     m_map.Render();
+    m_map.m_layers = layers;
 }
 
 void ReviewMap::Restyle()

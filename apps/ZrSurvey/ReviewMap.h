@@ -23,7 +23,7 @@ public:
     const ZrRecordingChart& Chart() const { return m_chart; }
 
     void Create(); ///< context current
-    void Render(); ///< likewise
+    void Render(bool isWhole); ///< likewise; else the water alone
 
     void Show(const std::shared_ptr<ZrSurveyRecording>& recording); ///< null for nothing
 

@@ -35,6 +35,8 @@ public:
 
     bool IsLoading() const; ///< also while the map is still being made
 
+    bool IsDrawn() const; ///< map and waterfall have been, in this context
+
     const std::shared_ptr<ZrSurveyRecording>& Recording() const { return m_recording; } ///< null for none
 
     const ZrPlayClock& Clock() const { return m_clock; }
@@ -143,5 +145,6 @@ private:
     ZrPlayClock m_clock;
     std::vector<int> m_flags; ///< of the time bar: the events that they are of
     double m_now = 0.0; ///< seconds that frames have taken
+    int m_ready = 0; ///< of what is drawn in the context, see `zr_paintGL`
     ZrWorker m_worker;
 };

@@ -96,11 +96,12 @@ void ReviewSonar::Create()
     m_hasPalettes = false;
 }
 
-void ReviewSonar::Render()
+void ReviewSonar::Render(bool isWhole)
 {
     if (m_loader && !std::exchange(m_hasPalettes, true))
         ZrWaterfallPalettes::Load(m_panel->Surface());
-    m_panel->Surface().Render();
+    if (isWhole)
+        m_panel->Surface().Render();
 }
 
 void ReviewSonar::Show(const std::shared_ptr<ZrSurveyRecording>& recording)

@@ -38,7 +38,7 @@ public:
     const ZrWaterfallLoader* Loader() const { return m_loader.get(); } ///< null without sonar
 
     void Create(); ///< context current
-    void Render(); ///< likewise
+    void Render(bool isWhole); ///< likewise; else only what its palettes need
 
     void Show(const std::shared_ptr<ZrSurveyRecording>& recording); ///< null for nothing
     void SetCursor(double steady);

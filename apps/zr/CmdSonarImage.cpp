@@ -214,7 +214,7 @@ struct Range
         constexpr double ever = std::numeric_limits<double>::infinity();
         const double from = time(options.from, -ever);
         const double to = time(options.to, ever);
-        const std::vector<ZrSonarPing>& pings = log.Pings();
+        const ZrSonarPings& pings = log.Pings();
         if (from > to)
             return cli::fail(exUsage, QStringLiteral("--to lies before --from"));
         const auto wanted = [&](const ZrSonarPing& ping) { return ping.time >= from && ping.time <= to; };
@@ -253,8 +253,8 @@ void Describe(QImage& image, const ZrWaterfallMap& map, const ZrSonarLog& log)
         QStringLiteral("Title"), QStringLiteral("Side-scan image of %1").arg(info.completeBaseName()));
     image.setText(QStringLiteral("Software"), QStringLiteral("zr " ZR_VERSION));
     image.setText(QStringLiteral("Log"), info.fileName());
-    image.setText(QStringLiteral("First ping"), cli::time_text(log.Pings()[map.First()].time));
-    image.setText(QStringLiteral("Last ping"), cli::time_text(log.Pings()[map.Last()].time));
+    image.setText(QStringLiteral("First ping"), cli::time_text(log.Pings().Time(map.First())));
+    image.setText(QStringLiteral("Last ping"), cli::time_text(log.Pings().Time(map.Last())));
     image.setText(
         QStringLiteral("Range"), map.IsSlantCorrected() ? QStringLiteral("ground") : QStringLiteral("slant"));
     image.setText(QStringLiteral("Metres per pixel"), Digits(map.MetresPerPixel()));

@@ -55,7 +55,7 @@ int SpotOf(const Options& options, const CliSonarLine& line, const std::string& 
     spot.ping = std::stoull(number);
     if (const int code = line.CheckLine(spot.ping))
         return code;
-    const ZrSonarPing& ping = line.log.Pings()[spot.ping];
+    const ZrSonarPing ping = line.log.Pings()[spot.ping];
     const u64 port = ping.sides[sidePort].sampleCount;
     const u64 starboard = ping.sides[sideStarboard].sampleCount;
     const u64 column = std::stoull(columnText);
