@@ -15,7 +15,7 @@ constexpr float margin = 10.0F; ///< around the content, design pixels
 constexpr float beside = 4.0F; ///< left free beside the text of a tool, design pixels
 constexpr float between = 10.0F; ///< icon and text, design pixels
 constexpr float above = 4.0F; ///< how far a tool's content stands above the middle, design pixels
-constexpr int leastBadgeText = 11; ///< pixels: what can be read
+constexpr int leastBadgeText = 14; ///< pixels: what can be read
 
 QFont BadgeFont()
 {

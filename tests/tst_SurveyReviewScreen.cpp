@@ -252,6 +252,20 @@ void tst_SurveyReviewScreen::messagesLeaveControls()
             QVERIFY(m_view->rect().contains(toast->geometry()));
         }
     }
+    // Nor is the panel over the waterfall.
+    for (const QSize size : {QSize(900, 600), QSize(1280, 800), QSize(1920, 1080)}) {
+        m_view->resize(size);
+        QTRY_COMPARE(Page().size(), size);
+        QTest::keyClick(m_view.get(), Qt::Key_P);
+        QVERIFY(Page().Sonar().Look().isVisible());
+        m_view->Tell(QStringLiteral("Event added"), QStringLiteral("Undo"), [] {});
+        const QRect toast = m_view->findChild<ZrToast*>()->geometry();
+        QVERIFY2(!toast.intersects(Page().Sonar().Look().geometry()),
+            qPrintable(
+                QStringLiteral("%1 %2").arg(toast.y()).arg(Page().Sonar().Look().geometry().bottom())));
+        Keep(QStringLiteral("look%1").arg(size.width()));
+        QTest::keyClick(m_view.get(), Qt::Key_P);
+    }
     // Nor are the controls of the list; and the tool has room beside it in the smallest window.
     m_view->resize(900, 600);
     QTRY_COMPARE(Page().size(), QSize(900, 600));
@@ -263,6 +277,10 @@ void tst_SurveyReviewScreen::messagesLeaveControls()
     QVERIFY(Page().rect().contains(tool) && !tool.intersects(Page().Events().geometry()));
     for (const ZrBtn* button : Page().Sonar().Bottom().findChildren<ZrBtn*>())
         QVERIFY(Page().Sonar().Bottom().rect().contains(button->geometry()));
+    // All plots are there beside it.
+    QCOMPARE(Page().Plots().ShownPlots(), 4);
+    for (int plot = 0; plot < 4; ++plot)
+        QVERIFY(Page().Plots().PlotRect(plot).height() >= 24);
     Keep(QStringLiteral("narrow"));
     // Other pages have nothing there.
     m_view->Show(QStringLiteral("Home"));

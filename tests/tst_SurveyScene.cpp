@@ -1,6 +1,7 @@
 // The page "3D": the vehicle as the others tell of it, and the fingers that turn the camera.
 
 #include "SurveyWindow.h"
+#include "ZrKit/scene/ZrDepthLegend.h"
 #include "ZrKit/scene/ZrScenePanel.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
@@ -55,6 +56,7 @@ private Q_SLOTS:
     void pictureTurns();
     void idlePageDrawsNothing();
     void units();
+    void legend();
     void everySize();
 
 private:
@@ -376,9 +378,41 @@ void tst_SurveyScene::units()
     const QString metres = Tile("Depth").Unit();
     ZrUnits::SetToImperial();
     m_view->SettingsEdited();
-    Vehicle().Set(PoseAt(48.0, -68.0), S("boat"), true);
     QVERIFY(Tile("Depth").Unit() != metres);
     QCOMPARE(Tile("Depth").Value(), S("41.0"));
+}
+
+/// What the colours of the sea floor mean, in the units in force; none without a floor.
+void tst_SurveyScene::legend()
+{
+    auto* legend = Page().findChild<ZrDepthLegend*>();
+    QVERIFY(!legend->isVisible());
+    std::vector<ZrScenePlace> way;
+    for (int i = 0; i < 200; ++i)
+        way.push_back({48.0 + i * 1e-5, -68.0, 4.0, 16.0 + i * 0.05});
+    Vehicle().SetWay(std::move(way));
+    Vehicle().Set(PoseAt(48.001, -68.0), S("line.log"), false);
+    QTRY_VERIFY(legend->isVisible());
+    QVERIFY(legend->Shallow() > 19.5 && legend->Shallow() < 21.0);
+    QVERIFY(legend->Deep() > 29.0 && legend->Deep() < 30.5);
+    QCOMPARE(Page().Scene().m_contourStep, float(legend->Step()));
+    const QString metres = legend->Labels().first().text;
+    ZrUnits::SetToImperial();
+    m_view->SettingsEdited();
+    QVERIFY(legend->Labels().first().text != metres);
+    QVERIFY(std::fabs(
+                Page().Scene().m_contourStep * 3.28084F - std::round(Page().Scene().m_contourStep * 3.28084F))
+        < 0.01F);
+    for (const QSize& size : {QSize(900, 600), QSize(1280, 800), QSize(2560, 1440)}) {
+        m_view->resize(size);
+        QTRY_COMPARE(Page().size(), size);
+        QVERIFY(Page().rect().contains(legend->geometry()));
+        for (const QWidget* child : Page().findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (child->isVisible() && child != legend && child != &Panel())
+                QVERIFY2(
+                    !child->geometry().intersects(legend->geometry()), qPrintable(child->accessibleName()));
+        }
+    }
 }
 
 void tst_SurveyScene::everySize()

@@ -426,7 +426,7 @@ void tst_ZrBtnPaint::badgeCanBeRead()
     for (int y = 0; y < image.height(); ++y)
         rows += HasColour(image.copy(0, y, image.width(), 1), ZrTheme::ctrlCol) ? 1 : 0;
     QFont least(ZrTheme::fontSmall);
-    least.setPixelSize(11);
+    least.setPixelSize(14);
     QVERIFY2(rows >= QFontMetrics(least).height(), qPrintable(QString::number(rows)));
 }
 

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void northAngle_data();
     void northAngle();
     void northWithoutProjection();
+    void letterCanBeRead_data();
+    void letterCanBeRead();
     void tapArea();
     void marginsAreKeptClear();
     void rectsFitOrAreEmpty_data();
@@ -56,7 +58,7 @@ void tst_ZrGridLayerMarks::scaleBarIsExact()
     const QImage image = Painted(Qt::blue);
     const QRect rect = m_layer->ScaleBarRect(m_view).toRect();
     // The upper edge of the bar is light from one end to the other, within the casing.
-    const int row = rect.bottom() - 2 - 8;
+    const int row = rect.bottom() - 2 - 9;
     int light = 0;
     for (int x = 0; x < width; ++x)
         light += image.pixelColor(x, row) == QColor(Qt::white) ? 1 : 0;
@@ -131,19 +133,19 @@ void tst_ZrGridLayerMarks::arrowPointsNorth()
         }
     }
     QVERIFY(count > 100);
-    // The middle of the red half is on the line from the middle to the north.
+    // The middle of the red pointer is on the line from the middle to the north.
     const double angle = m_layer->NorthAngle(m_view) / 57.29577951308232;
     const QPointF towards = sum / count;
     const double across = -towards.x() * std::cos(angle) + towards.y() * std::sin(angle);
     QVERIFY2(std::fabs(across) < 0.5, qPrintable(QString::number(across)));
-    // Its tip points up in the map: north of the middle.
+    // It is north of the middle, and nowhere else.
     const auto at = [&](double share) {
         const double r = share * rect.width() / 2.0;
         const QPointF p = rect.center() + QPointF(-std::sin(angle) * r, -std::cos(angle) * r);
         return image.pixelColor(int(std::floor(p.x())), int(std::floor(p.y())));
     };
-    QVERIFY(at(0.1).red() > 200 && at(0.1).green() < 60);
-    QVERIFY(at(-0.4).green() > 200);
+    QVERIFY(at(0.75).red() > 200 && at(0.75).green() < 60);
+    QVERIFY(at(-0.75).red() < 60);
 }
 
 void tst_ZrGridLayerMarks::northAngle_data()
@@ -194,6 +196,43 @@ void tst_ZrGridLayerMarks::northWithoutProjection()
     QCOMPARE(m_layer->NorthAngle(m_view), 12.0);
 }
 
+void tst_ZrGridLayerMarks::letterCanBeRead_data()
+{
+    QTest::addColumn<double>("dp");
+    QTest::addColumn<double>("rotation");
+    for (const double dp : {0.75, 1.0, 2.0}) {
+        for (const double rotation : {0.0, 100.0})
+            QTest::addRow("%g, %g", dp, rotation) << dp << rotation;
+    }
+}
+
+/// At arm's length: its capital is as high as a finger's text, upright however the map is turned.
+void tst_ZrGridLayerMarks::letterCanBeRead()
+{
+    QFETCH(double, dp);
+    QFETCH(double, rotation);
+    ZrTheme::dp = static_cast<float>(dp);
+    m_layer->m_hasGrid = false;
+    m_layer->m_hasScaleBar = false;
+    m_view.SetRotation(rotation);
+    const QImage image = Painted(Qt::blue);
+    const QRectF rect = m_layer->NorthArrowRect(m_view);
+    const QRectF middle(rect.center() - QPointF(rect.width(), rect.height()) * 0.25, rect.size() * 0.5);
+    int first = image.height();
+    int last = -1;
+    for (int y = int(middle.top()); y < int(middle.bottom()); ++y) {
+        for (int x = int(middle.left()); x < int(middle.right()); ++x) {
+            if (gl::Distance(image.pixelColor(x, y), Qt::white) > 60)
+                continue;
+            first = std::min(first, y);
+            last = std::max(last, y);
+        }
+    }
+    QVERIFY2(last - first + 1 >= 18.0 * dp, qPrintable(QString::number(last - first + 1)));
+    // In the middle, whatever turns around it.
+    QVERIFY(std::fabs((first + last + 1) / 2.0 - rect.center().y()) <= 2.0 * dp + 1.0);
+}
+
 void tst_ZrGridLayerMarks::tapArea()
 {
     const QRectF rect = m_layer->NorthArrowRect(m_view);
@@ -207,8 +246,8 @@ void tst_ZrGridLayerMarks::tapArea()
         image.pixelColor(rect.center().toPoint() + QPoint(0, int(rect.height() / 2) - 2)), QColor(Qt::white));
     QCOMPARE(CountOutside(image, rect.adjusted(-1, -1, 1, 1), Qt::blue), 0);
     ZrTheme::dp = 1.5F;
-    QCOMPARE(m_layer->NorthArrowRect(m_view).width(), 90.0);
-    QCOMPARE(m_layer->NorthArrowRect(m_view, 2).width(), 180.0);
+    QCOMPARE(m_layer->NorthArrowRect(m_view).width(), 102.0);
+    QCOMPARE(m_layer->NorthArrowRect(m_view, 2).width(), 204.0);
     m_layer->m_hasNorthArrow = false;
     QVERIFY(m_layer->NorthArrowRect(m_view).isEmpty());
     m_layer->m_hasScaleBar = false;
@@ -243,7 +282,7 @@ void tst_ZrGridLayerMarks::rectsFitOrAreEmpty_data()
     QTest::newRow("a pixel") << QSize(1, 1);
     QTest::newRow("narrow") << QSize(30, 400);
     QTest::newRow("flat") << QSize(400, 30);
-    QTest::newRow("small") << QSize(100, 90);
+    QTest::newRow("small") << QSize(100, 96);
     QTest::newRow("usual") << QSize(640, 400);
 }
 
@@ -257,7 +296,7 @@ void tst_ZrGridLayerMarks::rectsFitOrAreEmpty()
         for (const QRectF& rect : {m_layer->NorthArrowRect(m_view), m_layer->ScaleBarRect(m_view)})
             QVERIFY(rect.isEmpty() || all.contains(rect));
     }
-    QCOMPARE(m_layer->NorthArrowRect(m_view).isEmpty(), size.height() < 84 || size.width() < 84);
+    QCOMPARE(m_layer->NorthArrowRect(m_view).isEmpty(), size.height() < 92 || size.width() < 92);
     Paint();
     // Margins that leave nothing.
     m_layer->SetMargins({500, 500, 500, 500});

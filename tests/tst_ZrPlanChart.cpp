@@ -1,6 +1,8 @@
 // A plan on a map: where its parts are, and what a finger hits.
 
 #include "ZrKit/chart/ZrPlanChart.h"
+#include "ZrKit/map/ZrLabelDeclutter.h"
+#include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrKit/ui/ZrColourScheme.h"
@@ -26,6 +28,9 @@ private Q_SLOTS:
     void legFollowsTheArc();
     void areas();
     void findingsShareAPin();
+    void namesBesideTheLegs_data();
+    void namesBesideTheLegs();
+    void namesOfAreasBetweenTheLines();
     void bounds();
     void invalidPositions();
 
@@ -185,6 +190,66 @@ void tst_ZrPlanChart::findingsShareAPin()
     view.SetScale(0.01);
     chart.Match(view);
     QCOMPARE(pins(ZrTheme::warnCol).size(), std::size_t(499));
+}
+
+void tst_ZrPlanChart::namesBesideTheLegs_data()
+{
+    QTest::addColumn<double>("rotation");
+    for (const double rotation : {0.0, 30.0, 90.0, 135.0, 180.0, 270.0, 355.0})
+        QTest::addRow("%g", rotation) << rotation;
+}
+
+/// No leg runs through the name of its waypoint, however the map is turned.
+void tst_ZrPlanChart::namesBesideTheLegs()
+{
+    QFETCH(double, rotation);
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    view.SetRotation(rotation);
+    chart.Match(view);
+    auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
+    QCOMPARE(layer->Labels().size(), std::size_t(3));
+    const std::vector<QPointF>& points = chart.Points();
+    for (const ZrMapLabel& label : layer->Labels()) {
+        QVERIFY(!label.text.isEmpty());
+        const QRectF box = ZrLabelDeclutter::Box(label, layer->TextSize(label.text, label.size), view, 1.0);
+        for (std::size_t leg = 1; leg < points.size(); ++leg) {
+            const QPointF a = view.ToPixel(points[leg - 1]);
+            const QPointF b = view.ToPixel(points[leg]);
+            for (double t = 0.0; t <= 1.0; t += 0.005)
+                QVERIFY2(!box.contains(a + (b - a) * t), qPrintable(label.text));
+        }
+        // And it is beside it.
+        const QPointF at = view.ToPixel(label.position);
+        QVERIFY(box.adjusted(-16, -16, 16, 16).contains(at) && !box.contains(at));
+    }
+}
+
+/// The leg to the east runs through the middle of the area, not through its name.
+void tst_ZrPlanChart::namesOfAreasBetweenTheLines()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    chart.Match(view);
+    ZrArea area;
+    area.name = QStringLiteral("Area 1");
+    for (const QPointF& corner : {QPointF(210, 150), QPointF(290, 150), QPointF(290, 250), QPointF(210, 250)})
+        area.ring.push_back(chart.ToGeo(view.ToWorld(corner)));
+    chart.SetAreas({area}, {});
+    auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
+    const ZrMapLabel label = layer->Labels().back();
+    QCOMPARE(label.text, area.name);
+    const QRectF box = ZrLabelDeclutter::Box(label, layer->TextSize(label.text, label.size), view, 1.0);
+    QVERIFY2(box.bottom() < 200.0 || box.top() > 200.0, qPrintable(QString::number(box.top())));
+    QVERIFY(QRectF(210, 150, 80, 100).contains(box.center()));
+    // Without one it is in the middle.
+    ZrPlanChart empty;
+    empty.SetOrigin({50.3, -4.1});
+    empty.Match(view);
+    empty.SetAreas({area}, {});
+    QCOMPARE(static_cast<ZrLabelLayer*>(empty.Layers().last())->Labels().back().offset, QPointF());
 }
 
 void tst_ZrPlanChart::bounds()

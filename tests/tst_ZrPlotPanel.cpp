@@ -186,6 +186,12 @@ void tst_ZrPlotPanel::asManyPlotsAsHaveRoom()
     QCOMPARE(m_panel->PlotRect(1), QRect());
     m_panel->resize(1200, 130);
     QCOMPARE(m_panel->ShownPlots(), 3);
+    // A narrower one has a second column only where the first leaves some out.
+    m_panel->resize(700, 300);
+    QCOMPARE(m_panel->PlotRect(1).x(), m_panel->PlotRect(0).x());
+    m_panel->resize(700, 130);
+    QCOMPARE(m_panel->ShownPlots(), 3);
+    QVERIFY(m_panel->PlotRect(1).x() > m_panel->PlotRect(0).right());
 }
 
 /// A painting of a million records looks at no more than one of ten thousand, but for logarithms.

@@ -1,5 +1,7 @@
 #include "GlTest.h"
+#include "GlView.h"
 #include "ZrKit/scene/ZrSceneSurface.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QApplication>
@@ -54,6 +56,14 @@ private Q_SLOTS:
     void mesh();
     void noMesh();
     void floor();
+    void depthsHaveTheirColours_data();
+    void depthsHaveTheirColours();
+    void flatFloorIsOfOneColour();
+    void floorFadesBeforeItsEdge();
+    void contours();
+    void darkHullIsSeen_data();
+    void darkHullIsSeen();
+    void smoothEdges();
     void trailAndPlan();
     void surfaceGrid();
     void cameraMoves();
@@ -185,6 +195,165 @@ void tst_ZrSceneSurface::floor()
     QVERIFY(Different(shown, Picture()) > 1000);
     m_scene->SetFloor(ZrSceneFloor());
     QCOMPARE(Different(empty, Picture()), 0);
+}
+
+void tst_ZrSceneSurface::depthsHaveTheirColours_data()
+{
+    QTest::addColumn<int>("scheme");
+    for (int scheme = 0; scheme < ZrColourScheme::Count; ++scheme)
+        QTest::addRow("%d", scheme) << scheme;
+}
+
+/// What is shallow is lighter than what is deep, and both differ from the water.
+void tst_ZrSceneSurface::depthsHaveTheirColours()
+{
+    QFETCH(int, scheme);
+    ZrColourScheme::Apply(scheme);
+    std::vector<QVector3D> slope;
+    for (int x = -40; x <= 40; x += 2) {
+        for (int y = -40; y <= 40; y += 2)
+            slope.emplace_back(float(x), float(y), -20.0F + 0.125F * float(x));
+    }
+    ZrSceneFloor floor;
+    floor.Build(slope, 2.0F);
+    m_scene->SetFloor(floor);
+    QVERIFY(std::abs(m_scene->Shallowest() - 15.0F) < 0.5F && std::abs(m_scene->Deepest() - 25.0F) < 0.5F);
+    m_scene->m_camera.SetTarget({0, 0, -20});
+    m_scene->m_camera.SetAngles(180.0F, 89.0F); // from above, east to the right
+    m_scene->m_camera.SetDistance(60.0F);
+    const QImage picture = Picture();
+    const QColor deep = picture.pixelColor(20, 60);
+    const QColor middle = picture.pixelColor(80, 60);
+    const QColor shallow = picture.pixelColor(140, 60);
+    QVERIFY2(qGray(shallow.rgb()) > qGray(middle.rgb()) + 10 && qGray(middle.rgb()) > qGray(deep.rgb()) + 10,
+        qPrintable(shallow.name() + middle.name() + deep.name()));
+    for (const QColor& colour : {deep, middle, shallow})
+        QVERIFY2(gl::Distance(colour, ZrTheme::sea) > 25, qPrintable(colour.name()));
+}
+
+/// A range of its own is not the whole range of colours: noise would look like hills.
+void tst_ZrSceneSurface::flatFloorIsOfOneColour()
+{
+    std::vector<QVector3D> soundings;
+    for (int x = -40; x <= 40; x += 2) {
+        for (int y = -40; y <= 40; y += 2)
+            soundings.emplace_back(
+                float(x), float(y), -10.0F + ((x / 2 + y / 2) % 2 == 0 ? 0.005F : -0.005F));
+    }
+    ZrSceneFloor floor;
+    floor.Build(soundings, 2.0F);
+    m_scene->SetFloor(floor);
+    QVERIFY(std::abs(m_scene->Deepest() - m_scene->Shallowest() - ZrSceneSurface::LeastDepths) < 0.001F);
+    m_scene->m_camera.SetTarget({0, 0, -10});
+    m_scene->m_camera.SetAngles(180.0F, 89.0F);
+    const QImage picture = Picture();
+    for (const QPoint& at : {QPoint(40, 60), QPoint(80, 30), QPoint(120, 90)})
+        QVERIFY(gl::Distance(picture.pixelColor(at), picture.pixelColor(80, 60)) < 8);
+}
+
+/// From the middle out it becomes water bit by bit: no step is that of an edge.
+void tst_ZrSceneSurface::floorFadesBeforeItsEdge()
+{
+    ZrColourScheme::Apply(ZrColourScheme::day);
+    ZrSceneFloor floor;
+    floor.Build({{0, 0, -10}}, 2.0F);
+    m_scene->SetFloor(floor);
+    m_scene->m_camera.SetTarget({0, 0, -10});
+    m_scene->m_camera.SetAngles(180.0F, 89.0F);
+    m_scene->m_camera.SetDistance(40.0F);
+    const QImage picture = Picture();
+    QVERIFY(gl::Distance(picture.pixelColor(80, 60), ZrTheme::sea) > 40);
+    QVERIFY(gl::Distance(picture.pixelColor(80, 2), ZrTheme::sea) <= 2);
+    int most = 0;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 1; x < size.width(); ++x)
+            most = std::max(most, gl::Distance(picture.pixelColor(x, y), picture.pixelColor(x - 1, y)));
+    }
+    QVERIFY2(most > 2 && most < 24, qPrintable(QString::number(most)));
+}
+
+void tst_ZrSceneSurface::contours()
+{
+    m_scene->SetFloor(Floor(10.0F));
+    m_scene->m_camera.SetTarget({0, 0, -10});
+    m_scene->m_camera.SetAngles(180.0F, 60.0F);
+    const QImage without = Picture();
+    m_scene->m_contourStep = 0.5F;
+    const QImage with = Picture();
+    const int lines = Different(without, with);
+    QVERIFY2(lines > 100, qPrintable(QString::number(lines)));
+    QVERIFY(lines < size.width() * size.height() / 4);
+    m_scene->m_contourStep = 1.0F;
+    const int fewer = Different(without, Picture());
+    QVERIFY(fewer > 50 && fewer < lines);
+    for (const float none : {0.0F, -1.0F, unknown, infinity}) {
+        m_scene->m_contourStep = none;
+        QCOMPARE(Different(without, Picture()), 0);
+    }
+}
+
+void tst_ZrSceneSurface::darkHullIsSeen_data()
+{
+    depthsHaveTheirColours_data();
+}
+
+/// Black paint has a shape still: its sides differ from one another and from the water.
+void tst_ZrSceneSurface::darkHullIsSeen()
+{
+    QFETCH(int, scheme);
+    ZrColourScheme::Apply(scheme);
+    m_scene->m_samples = 1;
+    const QImage empty = Picture();
+    LoadVehicle();
+    QImage black(4, 4, QImage::Format_RGB32);
+    black.fill(Qt::black);
+    m_scene->m_meshImage = black;
+    m_scene->m_meshColour = ZrColourScheme::OverPicture(Qt::white);
+    const QImage shown = Picture();
+    int hull = 0;
+    int lightest = 0;
+    int darkest = 255;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            if (shown.pixel(x, y) == empty.pixel(x, y))
+                continue;
+            ++hull;
+            lightest = std::max(lightest, qGray(shown.pixel(x, y)));
+            darkest = std::min(darkest, qGray(shown.pixel(x, y)));
+        }
+    }
+    QVERIFY2(hull > 100, qPrintable(QString::number(hull)));
+    QVERIFY2(darkest >= 6 && lightest >= darkest + 3,
+        qPrintable(QStringLiteral("%1 to %2").arg(darkest).arg(lightest)));
+}
+
+/// An edge has colours between those on its sides.
+void tst_ZrSceneSurface::smoothEdges()
+{
+    LoadVehicle();
+    const auto colours = [this] {
+        QSet<QRgb> all;
+        const QImage picture = Picture();
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x)
+                all.insert(picture.pixel(x, y));
+        }
+        return all.size();
+    };
+    m_scene->m_samples = 1;
+    const int plain = colours();
+    m_scene->m_samples = 4;
+    const int smooth = colours();
+    QVERIFY2(smooth > plain, qPrintable(QStringLiteral("%1 of %2").arg(smooth).arg(plain)));
+    // Of another size, and back in place.
+    m_scene->ZrglSetViewport(40, 30, 60, 50);
+    m_scene->OnResize(60, 50);
+    const QImage picture = Picture();
+    QCOMPARE(picture.pixelColor(5, 5), QColor(Qt::black));
+    QVERIFY(picture.pixelColor(70, 65) != QColor(Qt::black));
+    // More than there are: it draws all the same.
+    m_scene->m_samples = 100000;
+    QVERIFY(Picture().pixelColor(70, 65) != QColor(Qt::black));
 }
 
 void tst_ZrSceneSurface::trailAndPlan()

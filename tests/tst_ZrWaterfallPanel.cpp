@@ -54,6 +54,9 @@ private Q_SLOTS:
     void cursorInTheMiddle_data();
     void cursorInTheMiddle();
     void cursorAtTheEnds();
+    void filledAtTheEnds_data();
+    void filledAtTheEnds();
+    void fewerLinesThanPixels();
     void cursorByTheWayMade();
     void wrongCursors();
     void anotherLoader();
@@ -64,6 +67,8 @@ private Q_SLOTS:
     void viewportOfTheSurface();
     void dragFollowsTheFinger_data();
     void dragFollowsTheFinger();
+    void dragAtTheEnds_data();
+    void dragAtTheEnds();
     void dragMovesAZoomedImage();
     void tap();
     void pointing();
@@ -217,7 +222,7 @@ void tst_ZrWaterfallPanel::cursorInTheMiddle()
     QCOMPARE(m_panel->m_layer.m_view.end, m_panel->Layout().View().end);
 }
 
-/// The newest line does not come further in than to the edge.
+/// The newest line does not come further in than to the edge, nor does the first one.
 void tst_ZrWaterfallPanel::cursorAtTheEnds()
 {
     m_panel->SetCursor(pings - 1);
@@ -225,16 +230,65 @@ void tst_ZrWaterfallPanel::cursorAtTheEnds()
     m_panel->SetCursor(pings + 500);
     QVERIFY(std::fabs(m_panel->YOf(pings - 1) - 0.5) < 0.01);
     m_panel->SetCursor(0.0);
-    QVERIFY(std::fabs(m_panel->YOf(0.0) - height / 2.0) < 0.01);
+    QVERIFY(std::fabs(m_panel->YOf(0.0) - (height - 0.5)) < 0.01);
+    QCOMPARE(m_panel->Layout().End(), double(height));
     m_panel->SetCursor(-500.0);
-    QCOMPARE(m_panel->Layout().End(), 1.0);
+    QCOMPARE(m_panel->Layout().End(), double(height));
+}
+
+void tst_ZrWaterfallPanel::filledAtTheEnds_data()
+{
+    QTest::addColumn<int>("newest");
+    QTest::addColumn<bool>("byWay");
+    for (const bool byWay : {false, true}) {
+        QTest::addRow("newest at the top, %d", byWay) << int(ZrWaterfallSettings::newestTop) << byWay;
+        QTest::addRow("newest at the bottom, %d", byWay) << int(ZrWaterfallSettings::newestBottom) << byWay;
+    }
+}
+
+/// Wherever the cursor is, there is a line at every pixel, and each tells the same of its place.
+void tst_ZrWaterfallPanel::filledAtTheEnds()
+{
+    QFETCH(int, newest);
+    QFETCH(bool, byWay);
+    m_panel->m_view.newest = static_cast<ZrWaterfallSettings::eNewest>(newest);
+    m_panel->m_view.speedCorrected = byWay;
+    m_panel->Refresh();
+    const double x = width / 2.0 + 20.0;
+    double before = notANumber;
+    for (double ping = 0.0; ping < pings; ping += ping < 300.0 || ping > pings - 300.0 ? 3.5 : 100.0) {
+        m_panel->SetCursor(ping);
+        for (const double y : {0.5, height / 2.0, height - 0.5})
+            QVERIFY2(m_panel->Layout().ToSonar(QPointF(x, y)).IsValid(), qPrintable(QString::number(ping)));
+        const double y = m_panel->YOf(ping);
+        QVERIFY2(y >= 0.0 && y <= height, qPrintable(QString::number(y)));
+        QVERIFY(std::fabs(PingAt(QPointF(x, y)) - ping) < 0.02);
+        QVERIFY(std::fabs(m_panel->Layout().ToPixel(ping, sideStarboard, 10.0).y() - y) < 0.01);
+        // Later is never further back.
+        const bool isUp = newest == ZrWaterfallSettings::newestTop;
+        QVERIFY(std::isnan(before) || (isUp ? y <= before + 0.01 : y >= before - 0.01));
+        before = y;
+    }
+}
+
+/// They are at the edge of the newest lines, as those of a vehicle that has just begun are.
+void tst_ZrWaterfallPanel::fewerLinesThanPixels()
+{
+    m_panel->m_view.pixelsPerLine = 0.05; // 100 pixels for all
+    m_panel->Refresh();
+    for (const double ping : {0.0, 1000.0, 1999.0}) {
+        m_panel->SetCursor(ping);
+        QCOMPARE(m_panel->Layout().End(), double(pings));
+        QVERIFY(std::fabs(m_panel->YOf(ping) - (pings - 0.5 - ping) * 0.05) < 0.01);
+        QVERIFY(!m_panel->Layout().ToSonar(QPointF(200, 150)).IsValid());
+    }
 }
 
 /// Lines that are 0.15 m long where a pixel is 0.2 m.
 void tst_ZrWaterfallPanel::cursorByTheWayMade()
 {
     m_panel->m_view.speedCorrected = true;
-    for (const double ping : {10.0, 700.0, 1000.5}) {
+    for (const double ping : {140.0, 700.0, 1000.5}) {
         m_panel->SetCursor(ping);
         QVERIFY2(std::fabs(m_panel->YOf(ping) - height / 2.0) < 0.01,
             qPrintable(QString::number(m_panel->YOf(ping))));
@@ -400,6 +454,51 @@ void tst_ZrWaterfallPanel::dragFollowsTheFinger()
     QCOMPARE(tapped.count(), 0);
     SendMove(*m_panel, QPoint(200, 100));
     QVERIFY(std::fabs(PingAt(QPointF(200, 20)) - ping) < 1.5);
+}
+
+void tst_ZrWaterfallPanel::dragAtTheEnds_data()
+{
+    filledAtTheEnds_data();
+}
+
+/// The image stands, the cursor goes on the same way and as far as the finger does, up to the end of the log.
+void tst_ZrWaterfallPanel::dragAtTheEnds()
+{
+    QFETCH(int, newest);
+    QFETCH(bool, byWay);
+    m_panel->m_view.newest = static_cast<ZrWaterfallSettings::eNewest>(newest);
+    m_panel->m_view.speedCorrected = byWay;
+    m_panel->Refresh();
+    QSignalSpy scrubbed(m_panel, &ZrWaterfallPanel::Scrubbed);
+    // To what is later, which is down where the newest lines are at the top.
+    const int down = newest == ZrWaterfallSettings::newestTop ? 1 : -1;
+    const QPoint from(200, height / 2 - down * 80);
+    for (const bool isBeginning : {true, false}) {
+        const int way = isBeginning ? down : -down;
+        m_panel->SetCursor(isBeginning ? 0.0 : pings - 1.0);
+        const QPointF fixed(200, 60);
+        const double before = PingAt(fixed);
+        const double y = m_panel->YOf(m_panel->Cursor());
+        const QPoint start = isBeginning ? from : QPoint(200, height / 2 + down * 80);
+        SendPress(*m_panel, start);
+        for (int step = 20; step <= 80; step += 20) {
+            SendMove(*m_panel, start + QPoint(0, way * step));
+            QVERIFY(std::fabs(PingAt(fixed) - before) < 0.02);
+            QVERIFY2(std::fabs(m_panel->YOf(m_panel->Cursor()) - (y - way * step)) < 1.0,
+                qPrintable(QStringLiteral("%1 from %2").arg(m_panel->YOf(m_panel->Cursor())).arg(y)));
+        }
+        // In the middle it stops, and the image moves.
+        SendMove(*m_panel, start + QPoint(0, way * 150));
+        QVERIFY(std::fabs(m_panel->YOf(m_panel->Cursor()) - height / 2.0) < 1.5);
+        QVERIFY(std::fabs(PingAt(fixed) - before) > 30.0);
+        // Back further than the log goes.
+        for (int step = 130; step >= -170; step -= 50)
+            SendMove(*m_panel, start + QPoint(0, way * step));
+        QCOMPARE(m_panel->Cursor(), isBeginning ? 0.0 : pings - 1.0);
+        QVERIFY(std::fabs(PingAt(fixed) - before) < 0.02);
+        SendRelease(*m_panel, start);
+    }
+    QVERIFY(scrubbed.count() > 10);
 }
 
 void tst_ZrWaterfallPanel::dragMovesAZoomedImage()

@@ -44,6 +44,8 @@ public:
 
     QVector<ZrMapLayer*> Layers(); ///< in the order of drawing
 
+    const ZrLabelLayer& Names() const { return m_labelLayer; } ///< the last of the layers
+
     void SetOrigin(ZrGeoPoint origin); ///< everything is to be set anew then; nothing for one not valid
 
     const ZrGridBatch& Grid() const { return m_grid; }
@@ -93,6 +95,11 @@ private:
 
     void BuildLines();
     void BuildMarks();
+    using Ways = std::vector<std::vector<QPointF>>;
+
+    Ways WaysFrom(const QPointF& origin, std::size_t first, std::size_t end) const;
+    void PutBetween(ZrMapLabel& label);
+    void PutBeside(ZrMapLabel& label, std::size_t waypoint, double distance);
     void AddFindings(std::vector<ZrMapMarker>& markers) const;
     void BuildAreas();
     bool IsShown(std::size_t waypoint) const;
@@ -119,4 +126,5 @@ private:
     bool m_areLinesDue = false;
     bool m_areMarksDue = false;
     double m_scale = 0.0; ///< metres per design pixel, a power of the square root of 2
+    double m_rotation = 0.0; ///< of the view, degrees counter-clockwise, by steps
 };

@@ -147,11 +147,12 @@ void ZrRecordingChart::OnFinished()
 
 void ZrRecordingChart::Restyle()
 {
+    m_track.m_width = 4.0F;
     m_track.m_casing = ZrTheme::formBack;
     m_track.m_futureColour = ZrTheme::bodyCol;
     m_plan.m_colour = ZrTheme::route;
-    m_plan.m_width = 2.0F;
-    m_plan.m_casing = QColor();
+    m_plan.m_width = 2.5F;
+    m_plan.m_casing = ZrTheme::formBack;
     for (ZrMarkerLayer* layer : {&m_waypointLayer, &m_events, &m_vehicle})
         layer->m_halo = ZrTheme::formBack;
     ShowWaypoints();

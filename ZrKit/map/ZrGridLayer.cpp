@@ -1,6 +1,5 @@
 #include "ZrKit/map/ZrGridLayer.h"
 
-#include "ZrKit/map/ZrGridLines.h"
 #include "ZrKit/map/ZrMapShapes.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/ui/ZrLegible.h"
@@ -15,22 +14,27 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
 // Design pixels.
-constexpr double lineWidth = 1.2;
-constexpr double lineCasing = 2.6; ///< for the lines to be seen on light ground
+constexpr double lineWidth = 1.0;
+constexpr double lineCasing = 2.4; ///< for light lines to be seen on light ground
 constexpr double edge = 12.0; ///< of the area, beside bar and arrow
 constexpr double inset = 5.0; ///< of the texts of the grid
 constexpr float gridText = 16.0F;
-constexpr double northText = 14.0;
-constexpr float barText = 18.0F;
-constexpr double barTextHeight = 24.0;
+// Bar and arrow are read at arm's length.
+constexpr float northText = 28.0F;
+constexpr float gridNorthText = 22.0F; ///< of two letters
+constexpr float barText = 22.0F;
+constexpr double barTextHeight = 28.0;
 constexpr double barWidth = 220.0; ///< at most
-constexpr double barHeight = 9.0;
+constexpr double barHeight = 10.0;
 constexpr double casing = 2.0;
-constexpr double arrowRadius = 30.0;
+constexpr double arrowRadius = 34.0;
+
+constexpr int middleGrey = 128;
 
 constexpr double farthest = 2e7; ///< metres
 
@@ -54,9 +58,50 @@ double PixelOf(int factor)
 
 } // namespace
 
-ZrGridLayer::ZrGridLayer()
-    : m_batch(QStringLiteral(":/map_shape.fsh"))
+/// Draws the marks of its grid.
+class ZrGridLayer::MarksLayer : public ZrMapLayer
 {
+public:
+    explicit MarksLayer(ZrGridLayer& grid)
+        : m_grid(grid)
+    {
+    }
+
+    Part m_part;
+
+protected:
+    void OnPaint(ZrGlSurface& surface, const ZrMapView& view) override
+    {
+        m_grid.PaintPart(m_part, false, true, surface, view);
+    }
+
+    void OnRelease(ZrGlSurface& surface) override
+    {
+        m_part.batch.Release(surface);
+        m_part.labels.Release(surface);
+    }
+
+    void OnForget() override { m_part.batch.Forget(); }
+
+private:
+    ZrGridLayer& m_grid;
+};
+
+ZrGridLayer::Part::Part()
+    : batch(QStringLiteral(":/map_shape.fsh"))
+{
+}
+
+ZrGridLayer::ZrGridLayer() = default;
+ZrGridLayer::~ZrGridLayer() = default;
+
+ZrMapLayer& ZrGridLayer::Marks()
+{
+    if (!m_marks) {
+        m_marks = std::make_unique<MarksLayer>(*this);
+        m_part.key.clear();
+    }
+    return *m_marks;
 }
 
 void ZrGridLayer::SetProjection(const ZrSphd& spheroid, const ZrProj& projection)
@@ -64,13 +109,21 @@ void ZrGridLayer::SetProjection(const ZrSphd& spheroid, const ZrProj& projection
     m_spheroid = spheroid;
     m_projection = projection;
     m_hasProjection = true;
-    m_key.clear();
+    ForgetKeys();
 }
 
 void ZrGridLayer::ClearProjection()
 {
     m_hasProjection = false;
-    m_key.clear();
+    ForgetKeys();
+}
+
+/// The projection is not among what the keys are made of.
+void ZrGridLayer::ForgetKeys()
+{
+    m_part.key.clear();
+    if (m_marks)
+        m_marks->m_part.key.clear();
 }
 
 void ZrGridLayer::SetMargins(const QMarginsF& margins)
@@ -157,69 +210,89 @@ QByteArray ZrGridLayer::Key(const ZrMapView& view, double pixel) const
 
 void ZrGridLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
 {
-    const double pixel = PixelOf(surface.m_pixelFactor);
-    if (pixel == 0.0 || !m_batch.Use(surface))
-        return;
-    const QByteArray key = Key(view, pixel);
-    if (key != m_key || !m_batch.IsUploaded()) {
-        Build(surface, view, pixel);
-        m_key = key;
-    }
-    m_batch.Draw(surface, view);
-    m_labels.Paint(surface, view);
+    PaintPart(m_part, true, !m_marks, surface, view);
 }
 
-void ZrGridLayer::Build(ZrGlSurface& surface, const ZrMapView& view, double pixel)
+void ZrGridLayer::PaintPart(
+    Part& part, bool hasLines, bool hasMarks, ZrGlSurface& surface, const ZrMapView& view)
 {
-    ZrMapShapes shapes;
+    const double pixel = PixelOf(surface.m_pixelFactor);
+    if (pixel == 0.0 || !part.batch.Use(surface))
+        return;
+    const QByteArray key = Key(view, pixel);
+    if (key != part.key || !part.batch.IsUploaded()) {
+        ZrMapShapes shapes;
+        part.labels.SetLabels({});
+        if (hasLines && m_hasGrid)
+            AddLines(shapes, view, pixel);
+        if (hasMarks)
+            AddMarks(shapes, part, view, surface.m_pixelFactor);
+        part.batch.Upload(surface, shapes.Triangles());
+        part.key = key;
+    }
+    if (hasMarks) {
+        std::vector<QRectF> taken = part.taken;
+        if (m_names && m_names->m_isVisible)
+            taken.insert(taken.end(), m_names->Boxes().begin(), m_names->Boxes().end());
+        part.labels.SetDeclutter(true, std::move(taken));
+    }
+    part.batch.Draw(surface, view);
+    part.labels.Paint(surface, view);
+}
+
+ZrGridLines::Lines ZrGridLayer::Lines(const ZrMapView& view, double pixel) const
+{
+    const eGeoStyle style = ZrUnits::GetGeoStyle();
+    const bool isGeographic = m_hasProjection && style != eGeoUTM;
+    return isGeographic ? ZrGridLines::Geographic(view, m_spacing * pixel, style, m_spheroid, m_projection)
+                        : ZrGridLines::Projected(view, m_spacing * pixel);
+}
+
+void ZrGridLayer::AddLines(ZrMapShapes& shapes, const ZrMapView& view, double pixel) const
+{
+    const QColor colour = Valid(ZrTheme::gridCol, QColor(128, 128, 128, 128));
+    const ZrGridLines::Lines lines = Lines(view, pixel);
+    // Under dark lines it would only make them stronger than what they are to be behind of.
+    if (qGray(colour.rgb()) >= middleGrey) {
+        const QColor under = Valid(ZrTheme::darken, QColor(0, 0, 0, 50));
+        for (const ZrGridLines::Line& line : lines)
+            shapes.AddWorldLine(line.points, lineCasing * pixel, under);
+    }
+    for (const ZrGridLines::Line& line : lines)
+        shapes.AddWorldLine(line.points, lineWidth * pixel, colour);
+}
+
+void ZrGridLayer::AddMarks(ZrMapShapes& shapes, Part& part, const ZrMapView& view, int factor) const
+{
+    const double pixel = PixelOf(factor);
     std::vector<ZrMapLabel> labels;
-    const QRectF bar = ScaleBarRect(view, surface.m_pixelFactor);
-    const QRectF arrow = NorthArrowRect(view, surface.m_pixelFactor);
-    if (m_hasGrid)
-        AddGrid(shapes, labels, view, pixel);
+    if (m_hasGrid && m_hasTexts) {
+        const ZrGridLines::Lines lines = Lines(view, pixel);
+        std::vector<QSizeF> sizes;
+        for (const ZrGridLines::Line& line : lines)
+            sizes.push_back(part.labels.TextSize(line.text, ZrLegible::Design(gridText)) * pixel);
+        labels = ZrGridLines::Labels(lines, view, Area(view), inset * pixel, sizes);
+        for (ZrMapLabel& label : labels)
+            label.size = ZrLegible::Design(gridText);
+    }
+    const QRectF bar = ScaleBarRect(view, factor);
+    const QRectF arrow = NorthArrowRect(view, factor);
     if (!bar.isEmpty())
         AddScaleBar(shapes, labels, BarOf(view, pixel), bar, pixel);
     if (!arrow.isEmpty())
         AddNorthArrow(shapes, labels, view, arrow, pixel);
-    m_batch.Upload(surface, shapes.Triangles());
-    m_labels.SetLabels(labels);
+    part.labels.SetLabels(labels);
     const double gap = edge / 2.0 * pixel;
     const QMarginsF around(gap, gap, gap, gap);
-    std::vector<QRectF> taken;
+    part.taken.clear();
     for (const QRectF& rect : {bar, arrow}) {
         if (!rect.isEmpty())
-            taken.push_back(rect.marginsAdded(around));
-    }
-    m_labels.SetDeclutter(true, taken);
-}
-
-void ZrGridLayer::AddGrid(
-    ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view, double pixel)
-{
-    const eGeoStyle style = ZrUnits::GetGeoStyle();
-    const bool isGeographic = m_hasProjection && style != eGeoUTM;
-    const ZrGridLines::Lines lines = isGeographic
-        ? ZrGridLines::Geographic(view, m_spacing * pixel, style, m_spheroid, m_projection)
-        : ZrGridLines::Projected(view, m_spacing * pixel);
-    const QColor colour = Valid(ZrTheme::gridCol, QColor(128, 128, 128, 128));
-    const QColor under = Valid(ZrTheme::darken, QColor(0, 0, 0, 50));
-    for (const ZrGridLines::Line& line : lines)
-        shapes.AddWorldLine(line.points, lineCasing * pixel, under);
-    for (const ZrGridLines::Line& line : lines)
-        shapes.AddWorldLine(line.points, lineWidth * pixel, colour);
-    if (!m_hasTexts)
-        return;
-    std::vector<QSizeF> sizes;
-    for (const ZrGridLines::Line& line : lines)
-        sizes.push_back(m_labels.TextSize(line.text, ZrLegible::Design(gridText)) * pixel);
-    for (ZrMapLabel& label : ZrGridLines::Labels(lines, view, Area(view), inset * pixel, sizes)) {
-        label.size = ZrLegible::Design(gridText);
-        labels.push_back(label);
+            part.taken.push_back(rect.marginsAdded(around));
     }
 }
 
 void ZrGridLayer::AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrScaleBar& bar,
-    const QRectF& rect, double pixel)
+    const QRectF& rect, double pixel) const
 {
     const double border = std::round(casing * pixel);
     const QRectF box(rect.left(), rect.bottom() - std::round(barHeight * pixel) - 2.0 * border, rect.width(),
@@ -249,7 +322,7 @@ void ZrGridLayer::AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labe
 }
 
 void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view,
-    const QRectF& rect, double pixel)
+    const QRectF& rect, double pixel) const
 {
     const QPointF centre = rect.center();
     const double radius = rect.width() / 2.0;
@@ -264,20 +337,18 @@ void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& la
                    right * std::sin(angle) + up * std::cos(angle))
             * radius;
     };
-    // A needle, its middle below that of the disc for the letter to have room.
-    shapes.AddPolygon(centre, {turned(-0.28, -0.20), turned(0.28, -0.20), turned(0.0, 0.43)}, north);
-    shapes.AddPolygon(centre, {turned(-0.28, -0.20), turned(0.0, -0.86), turned(0.28, -0.20)}, light);
+    // Around the letter a pointer, which turns; the letter stands.
+    shapes.AddPolygon(centre, {turned(-0.36, 0.58), turned(0.36, 0.58), turned(0.0, 0.96)}, north);
 
     ZrMapLabel label;
-    label.text = m_north == northTrue && m_hasProjection
-        ? QCoreApplication::translate("ZrGridLayer", "N", "true north")
-        : QCoreApplication::translate("ZrGridLayer", "GN", "grid north");
+    const bool isTrue = m_north == northTrue && m_hasProjection;
+    label.text = isTrue ? QCoreApplication::translate("ZrGridLayer", "N", "true north")
+                        : QCoreApplication::translate("ZrGridLayer", "GN", "grid north");
     label.isOnScreen = true;
-    const QPointF letter = turned(0.0, 0.69);
-    label.position = centre + QPointF(letter.x(), -letter.y());
+    label.position = centre;
     label.alignX = ZrMapLabel::alignCentre;
     label.alignY = ZrMapLabel::alignMiddle;
-    label.size = static_cast<float>(northText);
+    label.size = isTrue ? northText : gridNorthText;
     label.haloWidth = 0.0F;
     label.colour = Opaque(Valid(ZrTheme::ctrlCol, Qt::white));
     label.priority = ZrMapLabel::AlwaysShown;
@@ -286,12 +357,12 @@ void ZrGridLayer::AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& la
 
 void ZrGridLayer::OnRelease(ZrGlSurface& surface)
 {
-    m_batch.Release(surface);
-    m_labels.Release(surface);
+    m_part.batch.Release(surface);
+    m_part.labels.Release(surface);
 }
 
 void ZrGridLayer::OnForget()
 {
-    m_batch.Forget();
-    // It finds out by itself that its context is gone.
+    m_part.batch.Forget();
+    // The labels find out by themselves that their context is gone.
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/map/ZrGridLines.h"
 #include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMapBatch.h"
 #include "ZrKit/map/ZrMapLayer.h"
@@ -11,6 +12,7 @@
 #include <QMarginsF>
 #include <QRectF>
 
+#include <memory>
 #include <vector>
 
 class ZrMapShapes;
@@ -23,10 +25,16 @@ class ZrMapShapes;
 /// m_grid.Paint(*this, m_view); // under or over the other layers
 /// \endcode
 ///
+/// Over the other layers are only the marks, where these are a layer of their own:
+///
+/// \code
+/// map.m_layers = {&m_grid, &m_track, &m_grid.Marks()};
+/// \endcode
+///
 /// Grid and texts are in the style of positions in force: meridians and parallels, or eastings and northings
 /// with `eGeoUTM` and while there is no projection. Lengths are in the user's units, colours and fonts those
-/// of `ZrTheme`. A paint is `DrawCalls` draw calls at most. Nothing is uploaded while view, units and theme
-/// stay as they are. GUI thread only.
+/// of `ZrTheme`. A paint is `DrawCalls` draw calls at most, with marks of their own one more. Nothing is
+/// uploaded while view, units and theme stay as they are. GUI thread only.
 class ZR_KIT_EXPORT ZrGridLayer : public ZrMapLayer
 {
 public:
@@ -46,12 +54,21 @@ public:
     eNorth m_north = northTrue;
 
     ZrGridLayer();
+    ~ZrGridLayer() override;
+
+    /// Texts, scale bar and arrow as a layer of their own, which lives as long as the grid; from the first
+    /// call on the grid itself draws its lines alone.
+    ZrMapLayer& Marks();
 
     void SetProjection(const ZrSphd& spheroid, const ZrProj& projection);
     void ClearProjection(); ///< positions are a grid of metres and nothing else
 
     /// Pixels of the view that something else covers at each side: texts, bar and arrow stay clear of them.
     void SetMargins(const QMarginsF& margins);
+
+    /// Leaves out texts that would lie on the labels of \p names, as these were painted last: before the
+    /// grid's marks. They must stay; null for none.
+    void KeepClearOf(const ZrLabelLayer* names) { m_names = names; }
 
     /// Between grid lines at least, design pixels; `LeastSpacing` and more.
     void SetSpacing(double spacing);
@@ -72,22 +89,38 @@ protected:
     void OnForget() override;
 
 private:
+    class MarksLayer;
+
+    /// What is drawn at one place among the layers.
+    struct Part
+    {
+        Part();
+
+        QByteArray key; ///< what its vertices depend on
+        std::vector<QRectF> taken; ///< by bar and arrow, pixels of the view
+        ZrMapBatch batch;
+        ZrLabelLayer labels;
+    };
+
+    void ForgetKeys();
     QRectF Area(const ZrMapView& view) const;
     QByteArray Key(const ZrMapView& view, double pixel) const;
-    void Build(ZrGlSurface& surface, const ZrMapView& view, double pixel);
-    void AddGrid(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view, double pixel);
+    void PaintPart(Part& part, bool hasLines, bool hasMarks, ZrGlSurface& surface, const ZrMapView& view);
+    void AddLines(ZrMapShapes& shapes, const ZrMapView& view, double pixel) const;
+    void AddMarks(ZrMapShapes& shapes, Part& part, const ZrMapView& view, int factor) const;
+    ZrGridLines::Lines Lines(const ZrMapView& view, double pixel) const;
     ZrScaleBar BarOf(const ZrMapView& view, double pixel) const;
     void AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrScaleBar& bar,
-        const QRectF& rect, double pixel);
+        const QRectF& rect, double pixel) const;
     void AddNorthArrow(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrMapView& view,
-        const QRectF& rect, double pixel);
+        const QRectF& rect, double pixel) const;
 
     ZrSphd m_spheroid;
     ZrProj m_projection;
     bool m_hasProjection = false;
     QMarginsF m_margins;
     double m_spacing = 120.0;
-    QByteArray m_key; ///< what the vertices depend on
-    ZrMapBatch m_batch;
-    ZrLabelLayer m_labels;
+    const ZrLabelLayer* m_names = nullptr;
+    Part m_part;
+    std::unique_ptr<MarksLayer> m_marks; ///< null while the grid draws all
 };

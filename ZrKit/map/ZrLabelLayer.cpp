@@ -243,8 +243,14 @@ bool ZrLabelLayer::Declutter(const ZrMapView& view)
                         .adjusted(-beside, 0.0, beside, 0.0),
             label.priority};
     }
-    if (m_isDecluttered)
+    m_boxes.clear();
+    if (m_isDecluttered) {
         isShown = ZrLabelDeclutter::Shown(items, m_taken);
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (isShown[i])
+                m_boxes.push_back(items[i].box);
+        }
+    }
     if (isShown == m_isShown)
         return false;
     m_isShown = std::move(isShown);

@@ -59,6 +59,10 @@ public:
     /// The labels that were drawn by the last `Paint`, by index; empty before.
     const std::vector<bool>& Shown() const { return m_isShown; }
 
+    /// Where those are, pixels of the view: for other layers to keep clear of them. None while labels may
+    /// overlap.
+    const std::vector<QRectF>& Boxes() const { return m_boxes; }
+
     /// The size of a text in design pixels: its advance, and ascent and descent of the font.
     QSizeF TextSize(const QString& text, float size = 0.0F);
 
@@ -113,6 +117,7 @@ private:
     std::vector<Text> m_texts; ///< of the labels
     std::vector<bool> m_isShown;
     std::vector<QRectF> m_taken;
+    std::vector<QRectF> m_boxes; ///< of the labels that are shown
     QFont m_font;
     bool m_hasFont = false;
     float m_scale = 1.0F;

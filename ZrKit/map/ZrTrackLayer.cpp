@@ -46,7 +46,7 @@ constexpr int leastVertices = 100;
 constexpr int jointVertices = 4;
 constexpr int smallestBuffer = 4096; ///< vertices
 constexpr float widestLine = 64.0F; ///< pixels; wider ones are not drawn wider
-constexpr float futureWidth = 0.6F; ///< of the width of the past
+constexpr float futureWidth = 0.7F; ///< of the width of the past
 constexpr int futureDarker = 220; ///< percent
 
 } // namespace

@@ -117,8 +117,8 @@ void ZrWaterfallPanel::Refresh()
     Q_EMIT Changed();
 }
 
-/// Brings the cursor to the middle, as far as there are lines. How many lines are in view shows only when
-/// they are laid out, since each is as high as the way that was made.
+/// Brings the cursor to the middle, as far as the view stays filled. How many lines are in view shows only
+/// when they are laid out, since each is as high as the way that was made.
 void ZrWaterfallPanel::LayOut()
 {
     const QSize size = Pixels();
@@ -126,28 +126,37 @@ void ZrWaterfallPanel::LayOut()
     m_offset = std::clamp(m_offset, static_cast<double>(size.width() - wide), 0.0);
     m_view.rect = QRect(qRound(m_offset), 0, wide, size.height());
     const double count = static_cast<double>(m_loader->Tiles().LineCount());
-    const double half = size.height() / 2.0;
-    const double wanted = m_view.newest == ZrWaterfallSettings::newestTop ? half : size.height() - half;
     if (std::isnan(m_view.end))
-        m_view.end = std::min(m_cursor + half, count);
+        m_view.end = std::min(m_cursor + size.height() / 2.0, count);
     for (int round = 0; round < mostRounds; ++round) {
         m_window->Update(m_view);
         m_layout = ZrWaterfallLayout(m_ring, m_view);
-        const double y = YOf(m_cursor);
-        double end = m_view.end;
-        if (std::isnan(y)) {
-            const double rows = std::max<double>(static_cast<double>(m_layout.Rows().size()), 2.0);
-            end = m_cursor + rows / 2.0;
-        } else {
-            end = m_layout.EndAfterPan(wanted - y);
-        }
-        end = std::clamp(end, std::min(1.0, count), count);
+        const double end = std::clamp(WantedEnd(), std::min(1.0, count), count);
         if (std::fabs(end - m_view.end) < 1e-3)
             break;
         m_view.end = end;
     }
     m_window->Update(m_view);
     m_layout = ZrWaterfallLayout(m_ring, m_view);
+}
+
+/// The end of the view with which the cursor is in the middle of it, or the first line of the log at its
+/// edge, as far as the layout there is can tell.
+double ZrWaterfallPanel::WantedEnd() const
+{
+    const std::vector<ZrWaterfallLayout::Row>& rows = m_layout.Rows();
+    const double last = static_cast<double>(m_loader->Tiles().LineCount() - 1);
+    const double cursor = std::clamp(m_cursor, 0.0, std::max(last, 0.0));
+    const double y = YOf(cursor);
+    if (std::isnan(y) || rows.empty())
+        return cursor + std::max<double>(static_cast<double>(rows.size()), 2.0) / 2.0;
+    // Both are counted from the edge of the newest lines, as rows are; so is what comes in there.
+    const double height = m_view.rect.height();
+    const bool isDown = m_view.newest == ZrWaterfallSettings::newestTop;
+    double further = height / 2.0 - (isDown ? y : height - y);
+    if (rows.back().line == 0)
+        further = std::max(further, height - rows.back().to);
+    return m_layout.EndAfterPan(isDown ? further : -further);
 }
 
 double ZrWaterfallPanel::YOf(double ping) const
@@ -197,21 +206,30 @@ void ZrWaterfallPanel::Move(const QPointF& pixel)
         return;
     }
     m_offset += by.x();
-    // Half of the view is ahead of the cursor, so moving it moves the image one to one.
-    const double y = YOf(m_cursor);
-    if (!std::isnan(y) && by.y() != 0.0) {
-        const double target = y - by.y();
-        for (const ZrWaterfallLayout::Row& row : m_layout.Rows()) {
-            const double along
-                = m_view.newest == ZrWaterfallSettings::newestTop ? target : m_view.rect.height() - target;
-            if (along > row.to)
-                continue;
-            const double share = std::clamp((row.to - along) / (row.to - row.from), 0.0, 1.0);
-            Q_EMIT Scrubbed(static_cast<double>(row.line) + share - 0.5);
-            break;
-        }
-    }
+    if (by.y() != 0.0)
+        Scrub(by.y());
     Refresh();
+}
+
+/// Tells the ping that is so many pixels up from the cursor: as long as the cursor is in the middle, the
+/// image moves with the finger, one to one. Where the image has come to the end of the log the cursor goes
+/// on, the same way along the log.
+void ZrWaterfallPanel::Scrub(double pixels)
+{
+    const std::vector<ZrWaterfallLayout::Row>& rows = m_layout.Rows();
+    const double y = YOf(m_cursor);
+    if (std::isnan(y) || rows.empty())
+        return;
+    const double target = y - pixels;
+    const double along
+        = m_view.newest == ZrWaterfallSettings::newestTop ? target : m_view.rect.height() - target;
+    const auto row = std::find_if(
+        rows.begin(), rows.end(), [along](const ZrWaterfallLayout::Row& r) { return along <= r.to; });
+    const ZrWaterfallLayout::Row& at = row == rows.end() ? rows.back() : *row;
+    const double share = std::clamp((at.to - along) / (at.to - at.from), 0.0, 1.0);
+    // A log ends in the middle of its first and its last line.
+    const double last = static_cast<double>(m_loader->Tiles().LineCount() - 1);
+    Q_EMIT Scrubbed(std::clamp(static_cast<double>(at.line) + share - 0.5, 0.0, std::max(last, 0.0)));
 }
 
 void ZrWaterfallPanel::Release(const QPointF& pixel)

@@ -21,7 +21,7 @@ class ZrWaterfallWindow;
 ///
 /// \code
 /// panel->SetLoader(&loader);
-/// panel->SetCursor(ping); // in the middle, as far as there are lines
+/// panel->SetCursor(ping); // in the middle; near the ends of the log beside it, for the view to be filled
 /// connect(panel, &ZrWaterfallPanel::Scrubbed, this, &Page::GoToPing); // which calls SetCursor
 /// connect(panel, &ZrWaterfallPanel::Changed, page, [page] { page->m_view->update(); });
 /// panel->Surface().OnCreate(); panel->Surface().Render(); // context current
@@ -30,9 +30,10 @@ class ZrWaterfallWindow;
 /// The image lies under the widget, in the view; what is painted over it (`m_overlay`) is the widget's. Of
 /// the log what is in view is fetched and nothing else, by the loader.
 ///
-/// A drag scrolls: along the line it tells the ping that is then in the middle, across it moves a zoomed
-/// image. The wheel and two fingers zoom. While `m_isPointing` a drag is told as `Drawn` instead. A direct
-/// child of a page that fills the view. GUI thread only.
+/// A drag scrolls: along the line it tells the ping that is then at the cursor, across it moves a zoomed
+/// image. At the ends of the log the image stands and the cursor moves. The wheel and two fingers zoom. While
+/// `m_isPointing` a drag is told as `Drawn` instead. A direct child of a page that fills the view. GUI thread
+/// only.
 class ZR_KIT_EXPORT ZrWaterfallPanel : public ZrSfHolder
 {
     Q_OBJECT
@@ -92,7 +93,9 @@ private:
     void Move(const QPointF& pixel);
     void Release(const QPointF& pixel);
     void Pinch(const QTouchEvent& event);
+    void Scrub(double pixels);
     void LayOut();
+    double WantedEnd() const;
     QSize Pixels() const;
 
     ZrMapSurface m_surface;

@@ -6,6 +6,10 @@
 
 namespace {
 
+// Spacings from the nearest sounding. A node at the end has none farther than a diagonal beyond it.
+constexpr float fadeStart = 2.0F;
+constexpr float fadeEnd = static_cast<float>(ZrSceneFloor::Reach) - 1.42F;
+
 bool IsFinite(const QVector3D& v)
 {
     return std::isfinite(v.x()) && std::isfinite(v.y()) && std::isfinite(v.z());
@@ -71,11 +75,13 @@ void ZrSceneFloor::Weigh(const std::vector<QVector3D>& soundings)
                 Sum& sum = sums[Node(c, r)];
                 sum.weight += weight;
                 sum.height += weight * p.z();
+                sum.nearest = std::min(sum.nearest, square);
             }
         }
     }
     m_isKnown.resize(sums.size());
     m_positions.resize(sums.size());
+    m_coverage.resize(sums.size());
     m_lowest = std::numeric_limits<float>::infinity();
     m_highest = -m_lowest;
     for (int r = 0; r < m_rows; ++r) {
@@ -85,6 +91,8 @@ void ZrSceneFloor::Weigh(const std::vector<QVector3D>& soundings)
             const float height = m_isKnown[node] ? sums[node].height / sums[node].weight : 0.0F;
             m_positions[node] = QVector3D(m_left + static_cast<float>(c) * m_spacing,
                 m_bottom + static_cast<float>(r) * m_spacing, height);
+            const float away = std::sqrt(sums[node].nearest);
+            m_coverage[node] = std::clamp((fadeEnd - away) / (fadeEnd - fadeStart), 0.0F, 1.0F);
             if (!m_isKnown[node])
                 continue;
             m_lowest = std::min(m_lowest, height);

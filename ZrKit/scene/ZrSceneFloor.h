@@ -15,7 +15,7 @@ class ZR_KIT_EXPORT ZrSceneFloor
 {
 public:
     static constexpr int MostNodes = 65536; ///< what indices of 16 bits reach
-    static constexpr int Reach = 4; ///< spacings
+    static constexpr int Reach = 6; ///< spacings
 
     /// \param spacing of the grid at least, metres, above 0
     void Build(const std::vector<QVector3D>& soundings, float spacing);
@@ -36,6 +36,10 @@ public:
 
     const std::vector<QVector3D>& Normals() const { return m_normals; } ///< likewise, upward
 
+    /// How well the nodes are known: 1 near a sounding, 0 where they end, falling over the spacings between,
+    /// so that the floor may fade out before its edge, which has the corners of the grid.
+    const std::vector<float>& Coverage() const { return m_coverage; }
+
     const std::vector<unsigned short>& Indices() const { return m_indices; } ///< of triangles
 
 private:
@@ -43,6 +47,7 @@ private:
     {
         float weight = 0.0F;
         float height = 0.0F;
+        float nearest = Reach * Reach; ///< square of the distance of a sounding, spacings
     };
 
     void Weigh(const std::vector<QVector3D>& soundings);
@@ -65,5 +70,6 @@ private:
     std::vector<bool> m_isKnown;
     std::vector<QVector3D> m_positions;
     std::vector<QVector3D> m_normals;
+    std::vector<float> m_coverage;
     std::vector<unsigned short> m_indices;
 };

@@ -1,8 +1,11 @@
 #include "ZrKit/scene/ZrSceneSurface.h"
 
+#include "ZrKit/scene/ZrDepthColours.h"
 #include "ZrUtil/ZrTheme.h"
 
 #include <QOpenGLContext>
+#include <QOpenGLExtraFunctions>
+#include <QOpenGLFramebufferObject>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +15,10 @@ namespace {
 
 constexpr int floatsPerVertex = 8;
 constexpr int stride = floatsPerVertex * static_cast<int>(sizeof(float));
+
+// Of trail and plan, design pixels.
+constexpr float lineWidth = 2.5F;
+constexpr float lineEdge = 1.0F;
 
 /// Lines of the grid of the water's surface to each side of its middle.
 constexpr int gridLines = 20;
@@ -44,6 +51,8 @@ ZrSceneSurface::ZrSceneSurface(QObject* parent)
 {
 }
 
+ZrSceneSurface::~ZrSceneSurface() = default;
+
 void ZrSceneSurface::OnCreate()
 {
     ZrGlSurface::OnCreate();
@@ -55,6 +64,7 @@ void ZrSceneSurface::Forget()
 {
     m_program.Forget();
     m_meshBuffer = m_floorBuffer = m_trailBuffer = m_planBuffer = m_gridBuffer = Buffer();
+    m_smooth.reset();
     m_floorIndices = 0;
     m_meshTexture = 0;
     m_isFloorDue = true;
@@ -149,10 +159,12 @@ void ZrSceneSurface::UploadMesh()
     m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    // From afar a texel for each pixel would only be noise.
+    m_gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
     m_gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     m_gl.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, image.width(), image.height(), 0, GL_RGBA, GL_UNSIGNED_BYTE,
         image.constBits());
+    m_gl.glGenerateMipmap(GL_TEXTURE_2D);
 }
 
 void ZrSceneSurface::UploadFloor()
@@ -166,7 +178,7 @@ void ZrSceneSurface::UploadFloor()
     const auto& positions = m_floor.Positions();
     vertices.reserve(positions.size() * floatsPerVertex);
     for (std::size_t i = 0; i < positions.size(); ++i)
-        Append(vertices, positions[i], m_floor.Normals()[i], QVector2D());
+        Append(vertices, positions[i], m_floor.Normals()[i], QVector2D(m_floor.Coverage()[i], 0.0F));
     m_floorBuffer.count = 0;
     Upload(m_floorBuffer, vertices, static_cast<int>(positions.size()));
     if (m_floorIndices == 0)
@@ -224,18 +236,39 @@ void ZrSceneSurface::SetColour(const QColor& colour, bool isLit)
     m_gl.glUniform4f(m_program.Uniform(*this, "uColour"), static_cast<float>(colour.redF()),
         static_cast<float>(colour.greenF()), static_cast<float>(colour.blueF()),
         static_cast<float>(colour.alphaF()));
-    SetLowColour(colour, 0.0F, 1.0F);
+    for (const char* off : {"uTexture", "uRamped", "uGloss", "uLow", "uStep"})
+        m_gl.glUniform1f(m_program.Uniform(*this, off), 0.0F);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uHigh"), 1.0F);
     m_gl.glUniform1f(m_program.Uniform(*this, "uLight"), isLit ? 1.0F : 0.0F);
-    m_gl.glUniform1f(m_program.Uniform(*this, "uTexture"), 0.0F);
 }
 
-/// The colour at the height \p low, which becomes that of `SetColour` at \p high.
-void ZrSceneSurface::SetLowColour(const QColor& colour, float low, float high)
+/// After `SetColour`: that of depths instead.
+void ZrSceneSurface::SetRamp()
 {
-    m_gl.glUniform4f(m_program.Uniform(*this, "uColourLow"), static_cast<float>(colour.redF()),
-        static_cast<float>(colour.greenF()), static_cast<float>(colour.blueF()), 1.0F);
-    m_gl.glUniform1f(m_program.Uniform(*this, "uLow"), low);
-    m_gl.glUniform1f(m_program.Uniform(*this, "uHigh"), std::max(high, low + 0.01F));
+    float ramp[3 * ZrDepthColours::Count];
+    float* at = ramp;
+    for (const QColor& colour : ZrDepthColours::Stops()) {
+        *at++ = static_cast<float>(colour.redF());
+        *at++ = static_cast<float>(colour.greenF());
+        *at++ = static_cast<float>(colour.blueF());
+    }
+    m_gl.glUniform3fv(m_program.Uniform(*this, "uRamp"), ZrDepthColours::Count, ramp);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uRamped"), 1.0F);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uLow"), -Deepest());
+    m_gl.glUniform1f(m_program.Uniform(*this, "uHigh"), -Shallowest());
+    m_gl.glUniform1f(m_program.Uniform(*this, "uStep"), std::isfinite(m_contourStep) ? m_contourStep : 0.0F);
+}
+
+float ZrSceneSurface::Shallowest() const
+{
+    const float middle = (m_floor.Highest() + m_floor.Lowest()) / 2.0F;
+    return -std::max(m_floor.Highest(), middle + LeastDepths / 2.0F);
+}
+
+float ZrSceneSurface::Deepest() const
+{
+    const float middle = (m_floor.Highest() + m_floor.Lowest()) / 2.0F;
+    return -std::min(m_floor.Lowest(), middle - LeastDepths / 2.0F);
 }
 
 void ZrSceneSurface::Bind(const Buffer& buffer)
@@ -254,12 +287,57 @@ void ZrSceneSurface::Bind(const Buffer& buffer)
     point("aTexCoords", 2, 6);
 }
 
-bool ZrSceneSurface::Begin()
+/// Directs what is drawn into a buffer of several samples for each pixel, as large as the viewport; false
+/// where there is none.
+bool ZrSceneSurface::BeginSmooth()
 {
-    const QColor water = ZrTheme::sea;
+    // Its pixels are moved to another place, which OpenGL ES does not do.
+    const bool isPossible = m_samples > 1 && !m_context->isOpenGLES()
+        && QOpenGLFramebufferObject::hasOpenGLFramebufferBlit() && m_viewport.width() == m_width
+        && m_viewport.height() == m_height;
+    if (!isPossible)
+        return false;
+    const QSize size(m_width, m_height);
+    m_gl.glGetIntegerv(GL_FRAMEBUFFER_BINDING, &m_before);
+    if (!m_smooth || m_smooth->size() != size) {
+        QOpenGLFramebufferObjectFormat format;
+        format.setAttachment(QOpenGLFramebufferObject::Depth);
+        format.setSamples(m_samples);
+        m_smooth = std::make_unique<QOpenGLFramebufferObject>(size, format);
+    }
+    if (!m_smooth->isValid() || m_smooth->format().samples() < 2 || !m_smooth->bind()) {
+        m_gl.glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(m_before));
+        m_samples = 1;
+        m_smooth.reset();
+        return false;
+    }
+    m_gl.glDisable(GL_SCISSOR_TEST);
+    m_gl.glViewport(0, 0, m_width, m_height);
+    return true;
+}
+
+void ZrSceneSurface::EndSmooth()
+{
+    QOpenGLExtraFunctions& gl = *m_context->extraFunctions();
+    const auto before = static_cast<GLuint>(m_before);
+    gl.glBindFramebuffer(GL_READ_FRAMEBUFFER, m_smooth->handle());
+    gl.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, before);
+    BeginViewport();
+    gl.glBlitFramebuffer(0, 0, m_width, m_height, m_viewport.x(), m_viewport.y(), m_viewport.x() + m_width,
+        m_viewport.y() + m_height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    gl.glBindFramebuffer(GL_FRAMEBUFFER, before);
+}
+
+void ZrSceneSurface::BeginViewport()
+{
     ZrGlClipToViewport();
     m_gl.glEnable(GL_SCISSOR_TEST);
     m_gl.glScissor(m_viewport.x(), m_viewport.y(), m_viewport.width(), m_viewport.height());
+}
+
+bool ZrSceneSurface::Begin()
+{
+    const QColor water = ZrTheme::sea;
     m_gl.glClearColor(static_cast<float>(water.redF()), static_cast<float>(water.greenF()),
         static_cast<float>(water.blueF()), 1.0F);
     m_gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -296,8 +374,8 @@ void ZrSceneSurface::DrawFloor()
     if (m_floor.IsEmpty() || m_floorBuffer.count == 0)
         return;
     SetModel(QMatrix4x4());
-    SetColour(ZrTheme::seabed.lighter(135), true);
-    SetLowColour(ZrTheme::seabed.darker(260), m_floor.Lowest(), m_floor.Highest());
+    SetColour(Qt::white, true);
+    SetRamp();
     Bind(m_floorBuffer);
     m_gl.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_floorIndices);
     m_gl.glDrawElements(
@@ -316,9 +394,17 @@ void ZrSceneSurface::DrawLines()
               Bind(buffer);
               m_gl.glDrawArrays(mode, 0, buffer.count);
           };
-    m_gl.glLineWidth(2.0F);
-    draw(m_trailBuffer, ZrTheme::track, GL_LINE_STRIP, QMatrix4x4());
-    draw(m_planBuffer, ZrTheme::route, GL_LINE_STRIP, QMatrix4x4());
+    // The edge first, for the line to be seen on all colours of the floor; it hides nothing of what it is of.
+    const auto drawWay = [&](const Buffer& buffer, const QColor& colour) {
+        m_gl.glDepthMask(GL_FALSE);
+        m_gl.glLineWidth(ZrTheme::DpF(lineWidth + 2.0F * lineEdge));
+        draw(buffer, ZrTheme::formBack, GL_LINE_STRIP, QMatrix4x4());
+        m_gl.glDepthMask(GL_TRUE);
+        m_gl.glLineWidth(ZrTheme::DpF(lineWidth));
+        draw(buffer, colour, GL_LINE_STRIP, QMatrix4x4());
+    };
+    drawWay(m_planBuffer, ZrTheme::route);
+    drawWay(m_trailBuffer, ZrTheme::track);
     m_gl.glLineWidth(1.0F);
     if (!m_hasSurface)
         return;
@@ -342,6 +428,7 @@ void ZrSceneSurface::DrawVehicle()
     model.scale(m_meshScale);
     m_gl.glUniformMatrix4fv(m_program.Uniform(*this, "uModel"), 1, GL_FALSE, model.constData());
     SetColour(m_meshColour, true);
+    m_gl.glUniform1f(m_program.Uniform(*this, "uGloss"), 1.0F);
     if (m_meshTexture != 0) {
         m_gl.glUniform1f(m_program.Uniform(*this, "uTexture"), 1.0F);
         m_gl.glBindTexture(GL_TEXTURE_2D, m_meshTexture);
@@ -367,6 +454,9 @@ void ZrSceneSurface::Render()
     }
     UploadLine(m_planBuffer, m_plan);
     UploadGrid();
+    const bool isSmooth = BeginSmooth();
+    if (!isSmooth)
+        BeginViewport();
     if (Begin()) {
         DrawFloor();
         DrawVehicle();
@@ -374,6 +464,8 @@ void ZrSceneSurface::Render()
         End();
     }
     m_gl.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    if (isSmooth)
+        EndSmooth();
     // What was blended has left its mark on alpha; pictures of the window would be seen through there.
     m_gl.glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
     m_gl.glClear(GL_COLOR_BUFFER_BIT);

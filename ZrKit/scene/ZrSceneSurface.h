@@ -12,9 +12,11 @@
 #include <QPointer>
 #include <QVector3D>
 
+#include <memory>
 #include <vector>
 
 class QOpenGLContext;
+class QOpenGLFramebufferObject;
 
 /// A vehicle in its surroundings: mesh, trail, plan, sea floor, seen by a camera.
 ///
@@ -27,14 +29,16 @@ class QOpenGLContext;
 /// \endcode
 ///
 /// Positions are metres: x east, y north, z up, from a place near by that the page chooses. Floor and mesh
-/// are uploaded once; the trail as far as it has grown. Needs a depth buffer. What does not build is not
-/// drawn, and the debug log has a line. GUI thread only.
+/// are uploaded once; the trail as far as it has grown. The floor has the colours of depths
+/// (`ZrDepthColours`) from `Shallowest` to `Deepest`, and fades where the soundings end. Needs a depth
+/// buffer. What does not build is not drawn, and the debug log has a line. GUI thread only.
 class ZR_KIT_EXPORT ZrSceneSurface : public ZrGlSurface
 {
     Q_OBJECT
 
 public:
     static constexpr int MostTrail = 200000; ///< positions; of more the oldest go
+    static constexpr float LeastDepths = 2.0F; ///< metres that the colours go over, also of a flat floor
 
     ZrSceneCamera m_camera;
     ZrScenePose m_pose;
@@ -45,12 +49,18 @@ public:
     bool m_hasVehicle = true;
     bool m_hasSurface = true; ///< the plane of the water's surface is shown as a grid
     float m_exaggeration = 1.0F; ///< of heights, above 0
+    int m_samples = 4; ///< of a pixel, for smooth edges; 1 for none, and where the driver has no such buffers
+    float m_contourStep = 0.0F; ///< metres of depth between lines on the floor; 0 for none
 
     explicit ZrSceneSurface(QObject* parent = nullptr);
+    ~ZrSceneSurface() override;
 
     void SetFloor(ZrSceneFloor floor);
 
     const ZrSceneFloor& Floor() const { return m_floor; }
+
+    float Shallowest() const; ///< metres below the surface, of the first colour of the floor
+    float Deepest() const; ///< likewise of the last one
 
     void AddToTrail(const QVector3D& position);
     void SetTrail(std::vector<QVector3D> trail);
@@ -78,10 +88,13 @@ private:
     void UploadFloor();
     void UploadLine(Buffer& buffer, const std::vector<QVector3D>& line);
     void UploadGrid();
+    bool BeginSmooth();
+    void EndSmooth();
+    void BeginViewport();
     bool Begin();
     void SetModel(const QMatrix4x4& model);
     void SetColour(const QColor& colour, bool isLit);
-    void SetLowColour(const QColor& colour, float low, float high);
+    void SetRamp();
     void Bind(const Buffer& buffer);
     void DrawFloor();
     void DrawLines();
@@ -103,5 +116,7 @@ private:
     bool m_isPlanDue = false;
     int m_width = 0;
     int m_height = 0;
+    std::unique_ptr<QOpenGLFramebufferObject> m_smooth; ///< of many samples; null while it is not used
+    int m_before = 0; ///< the framebuffer that is drawn into in the end
     QPointer<QOpenGLContext> m_context;
 };

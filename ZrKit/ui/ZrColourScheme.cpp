@@ -31,7 +31,7 @@ const Colour colours[] = {
     {&ZrTheme::goodCol, {0xff006b2f, 0xff4cd07d, 0xffa05040}},
     {&ZrTheme::warnCol, {0xff7a4a00, 0xffffc24b, 0xffd87850}},
     {&ZrTheme::errorCol, {0xffa8101a, 0xffff7a6e, 0xffff8064}},
-    {&ZrTheme::gridCol, {0x8052707f, 0x608fa6b5, 0x607c3a30}},
+    {&ZrTheme::gridCol, {0x5052707f, 0x688fa6b5, 0x787c3a30}},
     {&ZrTheme::toolBack, {0xf4e8eef2, 0xec14222f, 0xec0e0403}},
     {&ZrTheme::darken, {0x24000000, 0x50000000, 0x60000000}},
     {&ZrTheme::lighten, {0x60ffffff, 0x20ffffff, 0x18ff6040}},

@@ -26,17 +26,19 @@ QSize ZrPaletteBtn::sizeHint() const
         std::max(ZrTheme::DpI(72), ZrCtrlLook::smallestTarget)};
 }
 
-/// The upper half inside the frame.
+/// The upper part inside the frame.
 QRectF ZrPaletteBtn::Swatch() const
 {
     const double margin = std::max(ZrTheme::DpI(8), 5);
-    return {margin, margin, std::max(width() - 2 * margin, 1.0), std::max(height() / 2.0 - margin, 1.0)};
+    return {margin, margin, std::max(width() - 2 * margin, 1.0), std::max(height() * 0.45 - margin, 1.0)};
 }
 
 QRectF ZrPaletteBtn::ContentRect() const
 {
     const QRectF swatch = Swatch();
-    return {swatch.x(), swatch.bottom(), swatch.width(), height() - swatch.bottom() - swatch.y() / 2.0};
+    // Above the bar of the one that is chosen; the name may be a little wider than the colours.
+    const double beside = swatch.x() / 2.0;
+    return {beside, swatch.bottom(), width() - 2.0 * beside, height() - swatch.bottom() - swatch.y()};
 }
 
 void ZrPaletteBtn::LoadColours()

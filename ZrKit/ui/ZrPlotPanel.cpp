@@ -21,6 +21,7 @@ constexpr double notch = 120.0; ///< eighths of a degree
 constexpr double panStep = 0.1;
 constexpr float leastHeight = 64.0F; ///< of a plot, design pixels
 constexpr float twoColumns = 900.0F; ///< from this width on, design pixels
+constexpr float leastTwoColumns = 640.0F; ///< where plots are left out otherwise
 constexpr float tickDistance = 22.0F; ///< design pixels at least
 
 QColor ColourOf(const ZrPlotPanel::Curve& curve)
@@ -101,9 +102,17 @@ QFont ZrPlotPanel::SmallFont() const
     return ZrLegible::Font(15);
 }
 
+/// Two where there is plenty of room, or where one would leave plots out and each still has some.
 int ZrPlotPanel::Columns() const
 {
-    return m_plots.size() > 1 && width() >= ZrTheme::DpI(twoColumns) ? 2 : 1;
+    const bool isLow = Room() < m_plots.size() && width() >= ZrTheme::DpI(leastTwoColumns);
+    return m_plots.size() > 1 && (isLow || width() >= ZrTheme::DpI(twoColumns)) ? 2 : 1;
+}
+
+/// Plots, one above the other.
+int ZrPlotPanel::Room() const
+{
+    return std::max(height() / std::max(ZrTheme::DpI(leastHeight), 1), 1);
 }
 
 QRect ZrPlotPanel::Area(int column) const
@@ -116,8 +125,7 @@ QRect ZrPlotPanel::Area(int column) const
 
 int ZrPlotPanel::ShownPlots() const
 {
-    const int room = std::max(height() / std::max(ZrTheme::DpI(leastHeight), 1), 1);
-    return std::min(room * Columns(), static_cast<int>(m_plots.size()));
+    return std::min(Room() * Columns(), static_cast<int>(m_plots.size()));
 }
 
 QRect ZrPlotPanel::PlotRect(int plot) const
@@ -331,18 +339,27 @@ void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
     painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter, plot.caption);
     int right = head.right() + 1;
     const int captionEnd = x + metrics.horizontalAdvance(plot.caption) + ZrTheme::DpI(12);
+    const auto told = [&](int i, bool withName) {
+        const QString text = ValueText(index, i);
+        const QString& name = plot.curves[i].name;
+        return !withName || name.isEmpty() ? text : name + QLatin1Char(' ') + text;
+    };
+    const int between = ZrTheme::DpI(16);
+    int all = -between;
+    for (int i = 0; i < plot.curves.size(); ++i)
+        all += metrics.horizontalAdvance(told(i, true)) + 2 + between;
+    // Without their names they have their colours still.
+    const bool isNamed = all <= right - captionEnd;
     for (int i = plot.curves.size() - 1; i >= 0; --i) {
         const Curve& curve = plot.curves[i];
-        QString text = ValueText(index, i);
-        if (!curve.name.isEmpty())
-            text = curve.name + QLatin1Char(' ') + text;
+        const QString text = told(i, isNamed);
         const int width = metrics.horizontalAdvance(text) + 2;
         if (right - width < captionEnd)
             break;
         painter.setPen(plot.curves.size() > 1 && curve.colour.isValid() ? curve.colour : ZrTheme::ctrlCol);
         painter.drawText(
             QRect(right - width, head.y(), width, head.height()), Qt::AlignRight | Qt::AlignVCenter, text);
-        right -= width + ZrTheme::DpI(16);
+        right -= width + between;
     }
     painter.setPen(QPen(ZrTheme::gridCol, 1));
     painter.drawRect(rect.adjusted(0, 0, -1, -1));

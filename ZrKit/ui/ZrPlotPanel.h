@@ -109,6 +109,7 @@ protected:
 private:
     QFont SmallFont() const;
     int Columns() const;
+    int Room() const;
     QRect Area(int column) const; ///< of the curves of a column
     void Tell(double x);
     ZrPlotSeries::Extent ExtentOf(int plot) const; ///< of what is visible

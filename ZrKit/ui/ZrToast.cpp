@@ -9,6 +9,17 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr float distance = 8.0F; ///< from what is kept free, design pixels
+
+int LeastHeight()
+{
+    return std::max(ZrTheme::DpI(72), 60);
+}
+
+} // namespace
+
 ZrToast::ZrToast(QWidget* parent)
     : QWidget(parent)
     , m_action(new ZrBtn(this, ZrBtn::typeAccent))
@@ -73,18 +84,23 @@ void ZrToast::SetFree(int below, int right)
     Place();
 }
 
+int ZrToast::Room()
+{
+    return LeastHeight() + 2 * ZrTheme::DpI(distance);
+}
+
 void ZrToast::Place()
 {
     const QRect area = parentWidget() ? parentWidget()->rect().adjusted(0, 0, -m_freeRight, 0) : QRect();
     const int margin = ZrTheme::DpI(24);
-    const int above = m_freeBelow > 0 ? m_freeBelow + ZrTheme::DpI(8) : margin;
+    const int above = m_freeBelow > 0 ? m_freeBelow + ZrTheme::DpI(distance) : margin;
     const int width = std::min(area.width() - 2 * margin, ZrTheme::DpI(760));
     const int button = m_action->text.isEmpty() ? 0 : std::max(ZrTheme::DpI(140), 44);
     const int padding = ZrTheme::DpI(16);
     const int textWidth = width - 4 * padding - button;
     const QRect text
         = QFontMetrics(ZrTheme::font).boundingRect(0, 0, textWidth, area.height(), Qt::TextWordWrap, m_text);
-    const int height = std::max(text.height() + 2 * padding, std::max(ZrTheme::DpI(72), 60));
+    const int height = std::max(text.height() + 2 * padding, LeastHeight());
     setGeometry(area.center().x() - width / 2, std::max(area.bottom() - above - height, 0), width, height);
     const int side = std::max(ZrTheme::DpI(48), 44);
     m_action->setGeometry(width - padding - button, (height - side) / 2, button, side);

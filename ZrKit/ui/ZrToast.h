@@ -51,6 +51,9 @@ public:
     /// has them already.
     bool FocusAction();
 
+    /// What a message of one line covers above the free part, with the distances to both.
+    static int Room();
+
     void Place(); ///< at the lower edge of the parent; after a change of its size or of the scale
 
 Q_SIGNALS:

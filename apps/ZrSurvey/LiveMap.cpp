@@ -24,9 +24,11 @@ constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
 LiveMap::LiveMap()
     : m_way(m_camera)
 {
-    m_layers = {&m_grid, &m_planLine, &m_waypoints, &m_way.m_trail, &m_names, &m_way.m_vehicle};
+    m_layers
+        = {&m_grid, &m_planLine, &m_waypoints, &m_way.m_trail, &m_names, &m_way.m_vehicle, &m_grid.Marks()};
     m_planLine.m_width = 2.0F;
     m_names.SetDeclutter(true);
+    m_grid.KeepClearOf(&m_names);
     SetGridShown(false); // of nowhere it would say nothing
     m_way.m_zoneChanged = [this] {
         SetGridShown(true);

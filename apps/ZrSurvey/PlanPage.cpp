@@ -80,7 +80,11 @@ PlanPage::PlanPage(SurveyView& view)
     m_busy->setInterval(busyMs);
     m_map.m_layers = m_chart.Layers();
     m_map.m_layers.prepend(&m_grid);
+    // Names are read over all that is drawn.
+    ZrMapLayer* const names = m_map.m_layers.takeLast();
     m_map.m_layers += m_drawing.Layers();
+    m_map.m_layers += {names, &m_grid.Marks()};
+    m_grid.KeepClearOf(&m_chart.Names());
     m_map.m_camera.SetScale(firstScale);
     AddBand();
     AddTools();

@@ -224,6 +224,14 @@ void ReviewPage::paintEvent(QPaintEvent* event)
     back.setAlpha(255);
     for (const QRect& part : around)
         painter.fillRect(part, back);
+    // The plots and their button are one sheet.
+    if (m_plots->isVisible()) {
+        QColor sheet = ZrTheme::formBack;
+        sheet.setAlpha(255);
+        painter.fillRect(QRect(m_plots->geometry().topRight(), m_plotsLarge->geometry().topRight())
+                             .adjusted(1, 0, 0, m_plots->height() - 1),
+            sheet);
+    }
     painter.fillRect(
         QRect(m_bar->geometry().right() + 1, m_bar->y(), width() - m_bar->width(), m_bar->height()),
         ZrTheme::toolBack);

@@ -108,39 +108,54 @@ void ReviewLook::ShowChosen()
 void ReviewLook::Place(const QRect& area)
 {
     const int margin = ZrTheme::DpI(12);
-    int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
     const int gap = ZrTheme::DpI(4);
     const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
     const int most = area.width() - 2 * margin;
-    const auto below = [&] { return 2 * slider + label + RowHeight() + 2 * margin; };
+    const int count = m_palettes.size();
+    int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
     int width = std::min(std::max(ZrTheme::DpI(520), 400), most);
     int columns = fewColumns;
-    const auto above = [&] {
-        const int rows = (m_palettes.size() + columns - 1) / columns;
-        return margin + rows * (PaletteHeight() + gap);
-    };
-    // Where the page is low, the palettes lie in one row of a wider panel.
-    if (above() + below() > area.height() && most >= 2 * width) {
-        width *= 2;
-        columns = m_palettes.size();
+    int sliderRows = 2;
+    const auto above = [&] { return margin + (count + columns - 1) / columns * (PaletteHeight() + gap); };
+    const auto high = [&] { return above() + sliderRows * slider + label + RowHeight() + 2 * margin; };
+    const QFont small = ZrLegible::Font(13);
+    // Where the page is low, the sliders are side by side; where it is lower still, more palettes are in a
+    // row of a wider panel.
+    if (high() > area.height())
+        sliderRows = 1;
+    if (high() > area.height()) {
+        const int beside = std::max(ZrTheme::DpI(8), 5) + 2; // of a name in its button
+        int widest = 1;
+        for (const ZrBtn* palette : qAsConst(m_palettes))
+            widest = std::max(widest, QFontMetrics(small).horizontalAdvance(palette->text) + beside);
+        width = std::min(2 * width, most);
+        columns = std::clamp((width - 2 * margin + gap) / (widest + gap), 1, count);
+        // Rows that are alike.
+        columns = (count + (count + columns - 1) / columns - 1) / ((count + columns - 1) / columns);
     }
+    if (high() > area.height())
+        slider = std::max((area.height() - high()) / sliderRows + slider, 44);
     const int top = above();
-    if (top + below() > area.height())
-        slider = std::max((area.height() - top - below()) / 2 + slider, 44);
-    const int height = std::min(top + below(), area.height());
+    const int height = std::min(high(), area.height());
     setGeometry(area.right() - width - margin, area.y() + margin / 2, width, height);
     const int swatch = (width - 2 * margin - (columns - 1) * gap) / columns;
-    const QFont small = ZrLegible::Font(13);
-    for (int i = 0; i < m_palettes.size(); ++i) {
+    for (int i = 0; i < count; ++i) {
         m_palettes[i]->font = small;
         m_palettes[i]->setGeometry(margin + (i % columns) * (swatch + gap),
             margin + (i / columns) * (PaletteHeight() + gap), swatch, PaletteHeight());
         m_palettes[i]->Changed();
     }
-    m_gain->setGeometry(margin, top, width - 2 * margin, slider);
-    m_contrast->setGeometry(margin, top + slider, width - 2 * margin, slider);
-    m_waterLabel = QRect(margin, top + 2 * slider + margin / 2, width - 2 * margin, label);
-    const int third = (width - 2 * margin) / 3;
+    const int inside = width - 2 * margin;
+    if (sliderRows == 2) {
+        m_gain->setGeometry(margin, top, inside, slider);
+        m_contrast->setGeometry(margin, top + slider, inside, slider);
+    } else {
+        const int half = (inside - 2 * margin) / 2;
+        m_gain->setGeometry(margin, top, half, slider);
+        m_contrast->setGeometry(margin + inside - half, top, half, slider);
+    }
+    m_waterLabel = QRect(margin, top + sliderRows * slider + margin / 2, inside, label);
+    const int third = inside / 3;
     for (int kind = 0; kind < m_water.size(); ++kind)
         m_water[kind]->setGeometry(margin + kind * third, m_waterLabel.bottom() + 1, third, RowHeight());
     update();

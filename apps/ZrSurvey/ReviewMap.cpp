@@ -23,6 +23,7 @@ ReviewMap::ReviewMap(SurveyPage& page)
 {
     m_panel->setAccessibleName(tr("Map"));
     m_map.m_layers = QVector<ZrMapLayer*>{&m_grid} + m_chart.Layers();
+    m_map.m_layers.append(&m_grid.Marks());
     connect(m_panel, &ZrMapPanel::Changed, &page, &SurveyPage::Changed);
     connect(m_panel, &ZrMapPanel::Tapped, this, &ReviewMap::OnTapped);
     connect(m_panel, &ZrMapPanel::CameraMoved, this, [this] {

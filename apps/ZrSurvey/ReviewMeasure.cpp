@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/ReviewMeasure.h"
 
+#include "ZrKit/map/ZrWaterfallOverlay.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
@@ -162,7 +163,9 @@ void ReviewMeasure::Place(const QRect& area, int bottom)
     const int x0 = isBeside ? area.x() - size.width() - margin
         : isLeft            ? area.x() + margin
                             : area.right() - size.width() - margin;
-    const int y0 = std::max(area.bottom() - size.height() - margin, area.y() + margin);
+    // Above the numbers of the scale, of which half would be left.
+    const int scale = ZrWaterfallOverlay::ScaleHeight(ZrLegible::Font(14));
+    const int y0 = std::max(area.bottom() - size.height() - margin - scale, area.y() + margin);
     setGeometry(x0, y0, size.width(), size.height());
     const int button = (size.width() - 4 * margin) / 3;
     int x = margin;

@@ -6,6 +6,7 @@
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrLegible.h"
+#include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewLook.h"
@@ -156,8 +157,8 @@ void ReviewSonar::Place(const QRect& area, bool isVisible)
     m_measure->Restyle();
     m_bottom->Place(area);
     m_bottom->setVisible(isVisible && m_bottom->IsOn());
-    // Over the plots as well: it goes with what is beside it.
-    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), bottom - 1)));
+    // Over the plots as well, as far as messages leave room: it goes with what is beside it.
+    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), bottom - 1 - ZrToast::Room())));
     if (!isVisible)
         m_look->hide();
     m_look->raise();
@@ -178,9 +179,12 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
     ZrWaterfallOverlay::PaintScale(painter, layout, font, Ink(QColor(235, 240, 245)));
     const double width = m_panel->width() * m_panel->devicePixelRatioF();
     PaintEvents(painter, layout);
-    const double y = m_panel->YOf(m_panel->Cursor());
+    double y = m_panel->YOf(m_panel->Cursor());
     if (!std::isnan(y)) {
-        painter.setPen(QPen(shade, 4.0 * unit));
+        // All of the line, also at the first and the last ping.
+        const double half = 2.0 * unit;
+        y = std::clamp(y, half, std::max(layout.View().rect.height() - half, half));
+        painter.setPen(QPen(shade, 2.0 * half));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));
         painter.setPen(QPen(Ink(cursorColour), std::max(1.5 * unit, 1.0)));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));

@@ -1,7 +1,9 @@
 #include "apps/ZrSurvey/ScenePage.h"
 
 #include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/scene/ZrDepthLegend.h"
 #include "ZrKit/scene/ZrScenePanel.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrNumberText.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUtil/ZrBtn.h"
@@ -25,13 +27,14 @@ static void InitSurveyResources()
 
 namespace {
 
-constexpr float nearDistance = 25.0F; ///< of the camera, metres
+constexpr float nearDistance = 18.0F; ///< of the camera, metres
 
 } // namespace
 
 ScenePage::ScenePage(SurveyView& view)
     : SurveyPage(view, tr("3D"))
     , m_panel(new ZrScenePanel(this, m_scene))
+    , m_legend(new ZrDepthLegend(this, tr("Sea floor")))
     , m_follow(AddButton(QStringLiteral("follow"), tr("Follow the vehicle (F)"), &ScenePage::ToggleFollow))
     , m_exaggerate(AddButton(QStringLiteral("bottom"), tr("Exaggerate heights (X)"), &ScenePage::Exaggerate))
     , m_heading(new ZrValueTile(this, tr("Heading")))
@@ -57,6 +60,7 @@ ScenePage::ScenePage(SurveyView& view)
         // Until there is a vehicle to be followed.
         if (m_panel->Follows() && !m_scene.m_hasVehicle)
             m_panel->ShowAll();
+        UpdateLegend();
         if (isVisible())
             Changed();
     });
@@ -71,6 +75,13 @@ ScenePage::ScenePage(SurveyView& view)
         });
     }
     connect(&view.Model().plan, &ZrPlanDocument::Changed, this, &ScenePage::UpdatePlan);
+    connect(&view, &SurveyView::SettingsChanged, this, [this] {
+        UpdateTiles();
+        m_legend->Restyle();
+        UpdateLegend();
+        if (isVisible())
+            Changed();
+    });
     m_scene.m_camera.SetDistance(nearDistance);
 }
 
@@ -230,6 +241,26 @@ void ScenePage::UpdateTiles()
     SetSubtitle(Vehicle().Source());
 }
 
+/// The depths of the floor's colours, and lines on it where the numbers of the legend are.
+void ScenePage::UpdateLegend()
+{
+    const bool hasFloor = !m_scene.Floor().IsEmpty();
+    if (hasFloor)
+        m_legend->SetRange(static_cast<double>(m_scene.Shallowest()), static_cast<double>(m_scene.Deepest()));
+    m_scene.m_contourStep = static_cast<float>(m_legend->Step());
+    m_legend->setVisible(hasFloor);
+    PlaceLegend();
+}
+
+void ScenePage::PlaceLegend()
+{
+    const QRect area = Content();
+    const QSize size = m_legend->sizeHint();
+    const int most = m_heading->y() - area.y() - 4 * Gap();
+    m_legend->setGeometry(
+        area.x() + 2 * Gap(), area.y() + 2 * Gap(), size.width(), std::min(size.height(), most));
+}
+
 void ScenePage::ToggleFollow()
 {
     m_panel->SetFollows(m_follow->on);
@@ -279,8 +310,12 @@ bool ScenePage::OnKey(int key, Qt::KeyboardModifiers modifiers)
 
 void ScenePage::OnColours()
 {
+    // At night nothing white is shown.
+    m_scene.m_meshColour = ZrColourScheme::OverPicture(Qt::white);
+    m_legend->Restyle();
     SurveyPage::OnColours();
     UpdateTiles();
+    UpdateLegend();
 }
 
 void ScenePage::Place()
@@ -301,6 +336,7 @@ void ScenePage::Place()
         tile->setGeometry(x, area.bottom() - height - 2 * Gap(), width, height);
         x += width + Gap();
     }
+    PlaceLegend();
 }
 
 void ScenePage::paintEvent(QPaintEvent* event)

@@ -8,6 +8,7 @@
 
 class SurveyVehicle;
 class ZrBtn;
+class ZrDepthLegend;
 class ZrScenePanel;
 class ZrValueTile;
 
@@ -51,11 +52,14 @@ private:
     void UpdateWay();
     void UpdatePlan();
     void UpdateTiles();
+    void UpdateLegend();
+    void PlaceLegend();
     QString Hint() const; ///< over the scene while there is nothing to be seen; else empty
 
     ZrSceneSurface m_scene;
     ZrSceneWay m_way{m_scene};
     ZrScenePanel* m_panel;
+    ZrDepthLegend* m_legend; ///< while there is a sea floor
     QVector<ZrBtn*> m_buttons; ///< before those that are among them
     ZrBtn* m_follow;
     ZrBtn* m_exaggerate;

@@ -49,7 +49,7 @@ MapPage::MapPage(ZrAppView* view, const Track& track, int wanderCount)
     setFocusProxy(m_panel);
     // The map paints all of itself; the surface wants a picture that exists.
     m_map.m_background = QStringLiteral(":/back_light.png");
-    m_map.m_layers = {&m_grid, &m_wander, &m_track, &m_markers, &m_labels};
+    m_map.m_layers = {&m_grid, &m_wander, &m_track, &m_markers, &m_labels, &m_grid.Marks()};
     m_grid.SetProjection(ZrUnits::wgs84, track.grid.Projection());
 
     const QPointF first = track.positions.front();
@@ -149,8 +149,8 @@ void MapPage::ToggleRun()
         m_run->stop();
         m_vehicle.Clear();
     } else {
-        m_map.m_layers
-            = {&m_grid, &m_wander, &m_track, &m_vehicle.m_trail, &m_markers, &m_labels, &m_vehicle.m_vehicle};
+        m_map.m_layers = {&m_grid, &m_wander, &m_track, &m_vehicle.m_trail, &m_markers, &m_labels,
+            &m_vehicle.m_vehicle, &m_grid.Marks()};
         m_vehicle.m_isFollowing = true;
         m_next = 0;
         m_run->start(stepMs);
