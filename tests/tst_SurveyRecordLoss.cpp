@@ -15,13 +15,16 @@ class tst_SurveyRecordLoss : public SurveyRecordWindow
 private Q_SLOTS:
     void lossIsToldUntilItIsOver();
     void connectionInAnotherLanguage();
+
+private:
+    quint16 OpenRefused(QTcpServer& server);
 };
 
-/// While nothing comes a recording says so until something does, and the source's button bears a sign.
-void tst_SurveyRecordLoss::lossIsToldUntilItIsOver()
+/// Opens the page with a source that \p server does not serve yet. \returns its port, 0 for none
+quint16 tst_SurveyRecordLoss::OpenRefused(QTcpServer& server)
 {
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
+    if (!server.listen(QHostAddress::LocalHost))
+        return 0;
     const quint16 port = server.serverPort();
     server.close();
     SurveySettings& settings = m_view->Model().settings;
@@ -29,6 +32,15 @@ void tst_SurveyRecordLoss::lossIsToldUntilItIsOver()
     settings.tcpHost = QStringLiteral("127.0.0.1");
     settings.tcpPort = port;
     Open();
+    return port;
+}
+
+/// While nothing comes a recording says so until something does, and the source's button bears a sign.
+void tst_SurveyRecordLoss::lossIsToldUntilItIsOver()
+{
+    QTcpServer server;
+    const quint16 port = OpenRefused(server);
+    QVERIFY(port != 0);
     ZrBtn* source = Page().findChild<ZrBtn*>(QStringLiteral("source"));
     const QImage plain(QStringLiteral(":/icons/source.png"));
     QTRY_COMPARE(m_view->Model().feed.State(), ZrSourceFacts::troubled);
@@ -73,14 +85,8 @@ void tst_SurveyRecordLoss::connectionInAnotherLanguage()
 {
     const MarkTranslator marks;
     QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    const quint16 port = server.serverPort();
-    server.close();
-    SurveySettings& settings = m_view->Model().settings;
-    settings.source = SurveySource::tcp;
-    settings.tcpHost = QStringLiteral("127.0.0.1");
-    settings.tcpPort = port;
-    Open();
+    const quint16 port = OpenRefused(server);
+    QVERIFY(port != 0);
     SurveyFeed& feed = m_view->Model().feed;
     QTRY_COMPARE(feed.State(), ZrSourceFacts::troubled);
     // The reason alone.

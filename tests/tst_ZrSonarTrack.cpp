@@ -1,6 +1,6 @@
 // Places, ways and courses are held against geodesics on the ellipsoid by GeographicLib.
 
-#include "ZrKit/sonar/ZrSonarTrack.h"
+#include "SonarTrackPings.h"
 
 #include <QtTest/QtTest>
 
@@ -10,20 +10,14 @@
 
 namespace {
 
-using Pings = std::vector<ZrSonarPing>;
 using GeographicLib::Geodesic;
+using track_test::AngleBetween;
+using track_test::Ping;
+using track_test::Pings;
+using track_test::Smoothing;
+using track_test::start;
 
-constexpr double start = 1614780309.0; ///< 2021-03-03T14:05:09Z
 constexpr double centimetre = 0.01;
-
-ZrSonarPing Ping(double time, ZrGeoPoint at, double heading = std::nan(""))
-{
-    ZrSonarPing ping;
-    ping.time = time;
-    ping.pose.position = at;
-    ping.pose.heading = heading;
-    return ping;
-}
 
 ZrGeoPoint Reached(ZrGeoPoint from, double azimuth, double metres)
 {
@@ -46,18 +40,6 @@ Pings Line(ZrGeoPoint from, double azimuth, int count, double heading = std::nan
     for (int i = 0; i < count; ++i)
         pings.push_back(Ping(start + i * 0.1, Reached(from, azimuth, i * step), heading));
     return pings;
-}
-
-double AngleBetween(double a, double b)
-{
-    return std::fabs(std::remainder(a - b, 360.0));
-}
-
-ZrSonarTrackSettings Smoothing(double seconds)
-{
-    ZrSonarTrackSettings settings;
-    settings.smoothing = seconds;
-    return settings;
 }
 
 ZrSonarTrackSettings ByCourse()

@@ -1,6 +1,6 @@
 // Tracks that are too long to be kept: made piece by piece, as they are asked for.
 
-#include "ZrKit/sonar/ZrSonarTrack.h"
+#include "SonarTrackPings.h"
 
 #include <QtTest/QtTest>
 
@@ -9,34 +9,11 @@
 #include <random>
 #include <thread>
 
-namespace {
-
-using Pings = std::vector<ZrSonarPing>;
-
-constexpr double start = 1614780309.0; ///< 2021-03-03T14:05:09Z
-
-ZrSonarPing Ping(double time, ZrGeoPoint at, double heading = std::nan(""))
-{
-    ZrSonarPing ping;
-    ping.time = time;
-    ping.pose.position = at;
-    ping.pose.heading = heading;
-    return ping;
-}
-
-double AngleBetween(double a, double b)
-{
-    return std::fabs(std::remainder(a - b, 360.0));
-}
-
-ZrSonarTrackSettings Smoothing(double seconds)
-{
-    ZrSonarTrackSettings settings;
-    settings.smoothing = seconds;
-    return settings;
-}
-
-} // namespace
+using track_test::AngleBetween;
+using track_test::Ping;
+using track_test::Pings;
+using track_test::Smoothing;
+using track_test::start;
 
 class tst_ZrSonarTrackLong : public QObject
 {
