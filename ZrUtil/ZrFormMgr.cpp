@@ -359,12 +359,12 @@ bool ZrFormMgr::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip)
         return ZrDragWidget::event(event);
-    // A tab shows an icon alone.
+    // A tab shows an icon alone, unless it has its name.
     const auto* help = static_cast<QHelpEvent*>(event);
     for (const ZrForm* form : qAsConst(m_forms)) {
         if (!form->m_tab.contains(help->pos()))
             continue;
-        QToolTip::showText(help->globalPos(), form->m_name, this, form->m_tab);
+        QToolTip::showText(help->globalPos(), m_hasTabNames ? QString() : form->m_name, this, form->m_tab);
         return true;
     }
     QToolTip::hideText();

@@ -74,8 +74,12 @@ void Print(const ZrRecordingSession& session, const ZrSourceFacts& facts)
     const ZrLiveState& state = session.State();
     const QString size = ZrByteText::Of(static_cast<double>(session.Status().bytes)).Text();
     QString what;
-    if (facts.IsBad())
-        what = facts.state == ZrSourceFacts::silent ? QStringLiteral("silent") : facts.reason;
+    if (facts.state == ZrSourceFacts::silent)
+        what = QStringLiteral("silent");
+    else if (facts.state == ZrSourceFacts::unreadable)
+        what = QStringLiteral("no sentence among what comes; is the speed right?");
+    else if (facts.IsBad())
+        what = facts.reason;
     else
         what = ZrPositionShown::Text(state.latitude.value, state.longitude.value);
     std::printf("%s, %s\n", qPrintable(size), qPrintable(what));

@@ -2,6 +2,7 @@
 
 // Long logs of a vehicle with side-scan sonar, written in seconds, and what the process does with them.
 
+#include "ThreadTime.h"
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/records/ZrPingRecord.h"
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 
 namespace long_log {
 
@@ -92,15 +92,6 @@ inline qint64 OfProcess(const char* file, const QByteArray& key)
 inline qint64 BytesRead()
 {
     return OfProcess("/proc/self/io", "rchar:");
-}
-
-/// Milliseconds that the calling thread has had a processor: what others do with the machine is no part of
-/// it.
-inline double ThreadMs()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
 }
 
 /// Milliseconds of work between two turns of the event loop that are felt as a pause.

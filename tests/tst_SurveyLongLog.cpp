@@ -25,9 +25,9 @@ namespace {
 constexpr int patiencePerGib = 100000; ///< milliseconds
 constexpr int defaultGib = 2;
 constexpr int defaultSamples = 1000; ///< 4 kB for a line, as those of small vehicles
-constexpr qint64 mostMegabytes = 350; ///< of the default
-constexpr qint64 mostOfProgram = 200; ///< MB, of logs of other sizes
-constexpr qint64 mostOfLine = 340; ///< bytes, while the index is made
+constexpr qint64 mostMegabytes = 330; ///< of the default
+constexpr qint64 mostOfProgram = 250; ///< MB, of logs of other sizes
+constexpr qint64 mostOfLine = 150; ///< bytes, exports included
 constexpr qint64 mostKept
     = 80; ///< MB that an opened log takes, whatever its size: lines to be shown, textures
 constexpr qint64 mostKeptOfLine = 130; ///< and bytes of a line
@@ -163,9 +163,7 @@ void tst_SurveyLongLog::opens()
     const ZrSurveyRecording& recording = *Page().Recording();
     const auto ofLine
         = [this](u64 bytes) { return static_cast<double>(bytes) / static_cast<double>(m_shape.lines); };
-    qInfo("bytes for a line: %.1f of pings and navigation, %.1f of curves and positions, %.1f of the way on "
-          "the "
-          "map",
+    qInfo("bytes for a line: %.1f of pings and navigation, %.1f of curves and places, %.1f of the map's way",
         ofLine(recording.Pings().Bytes()), ofLine(recording.Series().Bytes()),
         ofLine(Page().Map().Chart().Way().Bytes()));
     const qint64 kept = Resident() - m_started;

@@ -1,29 +1,23 @@
 // Very long plans on the page "Plan": its lists, and what an edit costs the thread that the fingers wait for.
 
 #include "SurveyPlanWindow.h"
+#include "ThreadTime.h"
+#include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrSanitizer.h"
 
 #include <algorithm>
-#include <ctime>
 #include <functional>
 
 namespace {
 
 constexpr double mostMs = 50.0; ///< of a step on a plan of 10,000 waypoints
 
-/// Of this thread alone, milliseconds: what else the machine does is no part of it.
-double CpuMs()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return 1e3 * static_cast<double>(now.tv_sec) + 1e-6 * static_cast<double>(now.tv_nsec);
-}
-
 double CpuMsOf(const std::function<void()>& act)
 {
-    const double begin = CpuMs();
+    const double begin = long_log::ThreadMs();
     act();
-    return CpuMs() - begin;
+    return long_log::ThreadMs() - begin;
 }
 
 } // namespace
@@ -38,6 +32,7 @@ private Q_SLOTS:
     void chartFollowsTheReview();
     void stepsCost_data();
     void stepsCost();
+    void frameCosts();
 
 private:
     void Fill(int count);
@@ -188,6 +183,33 @@ void tst_SurveyPlanLong::stepsCost()
     QVERIFY2(underSanitizer || step < mostMs, qPrintable(QString::number(step)));
     QVERIFY2(underSanitizer || undo < mostMs, qPrintable(QString::number(undo)));
     qInfo("%.1f ms, undo %.1f ms", step, undo);
+}
+
+/// What the frame after a step adds: lines, marks and the places of names, made anew for all; and those of a
+/// step of the zoom.
+void tst_SurveyPlanLong::frameCosts()
+{
+    Fill(10000);
+    const ZrRoutePath path(Plan().Route());
+    ZrPlanChart chart;
+    chart.SetOrigin({48.4, -68.8});
+    chart.SetRoute(Plan().Route(), path);
+    ZrMapView view;
+    view.SetSize(1280, 800);
+    view.Fit(chart.Bounds(), 40.0);
+    double made = 1e9;
+    double zoomed = 1e9;
+    for (int i = 0; i < 4; ++i) {
+        chart.SetWaypoints(Plan().Route());
+        made = std::min(made, CpuMsOf([&] { chart.Match(view); }));
+        view.ZoomAbout({640.0, 400.0}, 2.0);
+        zoomed = std::min(zoomed, CpuMsOf([&] { chart.Match(view); }));
+        view.ZoomAbout({640.0, 400.0}, 0.5);
+    }
+    QVERIFY(made > 0.0 && zoomed > 0.0);
+    QVERIFY2(underSanitizer || made < mostMs, qPrintable(QString::number(made)));
+    QVERIFY2(underSanitizer || zoomed < mostMs, qPrintable(QString::number(zoomed)));
+    qInfo("%.1f ms, after a zoom %.1f ms", made, zoomed);
 }
 
 GL_TEST_MAIN(tst_SurveyPlanLong)

@@ -5,6 +5,7 @@
 #include <QtTest/QtTest>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void clear();
     void detectAgain();
     void setEdited();
+    void movedFrom();
 };
 
 void tst_ZrBottomLine::empty()
@@ -169,6 +171,28 @@ void tst_ZrBottomLine::setEdited()
     line.SetEdited(farAway, std::vector<double>{1.0});
     line.SetEdited(0, {});
     QCOMPARE(Text(line), QStringLiteral("9 9 9 0*"));
+}
+
+/// Nothing is left behind, and that is as good as a new one.
+void tst_ZrBottomLine::movedFrom()
+{
+    const auto isEmpty = [](const ZrBottomLine& line) {
+        return line.Count() == 0 && std::isnan(line.Altitude(0)) && !line.HasEdits() && line.Found().empty()
+            && line.Edited().empty() && line.SharedFound();
+    };
+    ZrBottomLine from = Found({9.0, 8.0, 7.0});
+    QVERIFY(from.Draw(1, 4.0, 1, 4.0));
+    ZrBottomLine made = std::move(from);
+    QCOMPARE(Text(made), QStringLiteral("9 4* 7"));
+    QVERIFY(isEmpty(from)); // NOLINT: this is what is checked
+    QVERIFY(!from.Draw(0, 1.0, 2, 1.0));
+    from.SetFound({3.0});
+    QCOMPARE(Text(from), QStringLiteral("3"));
+    from = std::move(made);
+    QCOMPARE(Text(from), QStringLiteral("9 4* 7"));
+    QVERIFY(isEmpty(made)); // NOLINT
+    made = from; // a copy leaves all there
+    QCOMPARE(Text(made), Text(from));
 }
 
 QTEST_APPLESS_MAIN(tst_ZrBottomLine)

@@ -6,6 +6,7 @@
 #include "ZrKit/review/ZrEventTable.h"
 #include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrSteadyTime.h"
+#include "ZrUtil/IZrProgress.h"
 
 #include <QBuffer>
 
@@ -75,6 +76,8 @@ public:
 
     QString Error() const override { return S("The disk is gone"); }
 
+    void SetBad(std::size_t bad) { m_bad = bad; }
+
     std::function<void()> onRead;
 
 private:
@@ -104,6 +107,9 @@ private Q_SLOTS:
     void recordsThatCannotBeRead_data();
     void recordsThatCannotBeRead();
     void cancelledWhileItReads();
+    void recordsThatCannotBeReadAtFirst();
+    void eventsInARange_data();
+    void eventsInARange();
 };
 
 void tst_ZrExportRangePieces::inPieces_data()
@@ -261,7 +267,7 @@ void tst_ZrExportRangePieces::recordsThatCannotBeRead()
     const QStringList before = Names();
     BadRecords records(*reader.Records(), std::size_t(bad));
     ZrExportRange part(light, records, 0, std::size_t(manyRecords));
-    for (const char* suffix : {"log", "gpx", "kml", "geojson"}) {
+    for (const char* suffix : {"log", "gpx", "kml", "geojson", "csv"}) {
         QCOMPARE(Write(part, kind, m_folder->filePath(S("part.") + S(suffix))), ZrExportRange::Failed);
         QCOMPARE(part.Error(), S("Cannot read the index of %1: The disk is gone").arg(m_log));
         QCOMPARE(part.Items(), u64(0));
@@ -289,6 +295,74 @@ void tst_ZrExportRangePieces::cancelledWhileItReads()
         QCOMPARE(reads, 3);
         QCOMPARE(Names(), before);
     }
+}
+
+/// A sample of them tells how long the file will be; without one it is written all the same, and no
+/// percentages are made up.
+void tst_ZrExportRangePieces::recordsThatCannotBeReadAtFirst()
+{
+    class Percents final : public IZrProgress
+    {
+    public:
+        void UpdateProgress(int percent) override { all.push_back(percent); }
+
+        int GetProgress() override { return all.empty() ? 0 : all.back(); }
+
+        std::vector<int> all;
+    };
+
+    Load(survey::SurveyLog(manyRecords).Bytes());
+    ZrSurveyDataset light;
+    ZrDatasetReader reader;
+    QCOMPARE(reader.Index(m_log, light), ZrDatasetReader::Built);
+    const QString out = m_folder->filePath(S("track.csv"));
+    ZrExportRange good(light, *reader.Records(), 0, std::size_t(manyRecords));
+    QCOMPARE(good.WriteTrack(out), ZrExportRange::Done);
+    const QByteArray expected = ReadWhole(out);
+    QVERIFY(QFile::remove(out));
+    BadRecords records(*reader.Records(), 0);
+    int reads = 0;
+    records.onRead = [&] {
+        ++reads;
+        records.SetBad(reads == 1 ? 0 : std::size_t(manyRecords));
+    };
+    ZrExportRange part(light, records, 0, std::size_t(manyRecords));
+    Percents progress;
+    part.progress = &progress;
+    QCOMPARE(part.WriteTrack(out), ZrExportRange::Done);
+    QVERIFY(reads > 1);
+    QCOMPARE(part.Error(), QString());
+    QCOMPARE(part.Items(), u64(manyRecords));
+    QVERIFY(ReadWhole(out) == expected);
+    QCOMPARE(progress.all, (std::vector<int>{0, 99, 100}));
+}
+
+void tst_ZrExportRangePieces::eventsInARange_data()
+{
+    QTest::addColumn<int>("nearest");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("end");
+    QTest::addColumn<bool>("isIn");
+    // Of ten records; the tenth is none.
+    QTest::newRow("first one") << 3 << 3 << 6 << true;
+    QTest::newRow("last one") << 5 << 3 << 6 << true;
+    QTest::newRow("before") << 2 << 3 << 6 << false;
+    QTest::newRow("behind") << 6 << 3 << 6 << false;
+    QTest::newRow("whole") << 9 << 0 << 10 << true;
+    QTest::newRow("no time, whole") << 10 << 0 << 10 << true;
+    QTest::newRow("no time, more than whole") << 10 << 0 << 20 << true;
+    QTest::newRow("no time, without the first") << 10 << 1 << 10 << false;
+    QTest::newRow("no time, without the last") << 10 << 0 << 9 << false;
+    QTest::newRow("no time, within the range") << 10 << 5 << 20 << false;
+}
+
+void tst_ZrExportRangePieces::eventsInARange()
+{
+    QFETCH(int, nearest);
+    QFETCH(int, first);
+    QFETCH(int, end);
+    QFETCH(bool, isIn);
+    QCOMPARE(ZrDatasetTrack::IsIn(std::size_t(nearest), 10, std::size_t(first), std::size_t(end)), isIn);
 }
 
 QTEST_GUILESS_MAIN(tst_ZrExportRangePieces)

@@ -7,9 +7,14 @@
 #include "ZrKit/review/ZrIndexStamp.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrSurveyLog.h"
+#include "ZrUtil/IZrProgress.h"
 
 #include <cstring>
+#include <fcntl.h>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -54,6 +59,47 @@ LogBytes LongLog(int count)
     return log;
 }
 
+/// Does something when a scan has come so far.
+class AtPercent final : public IZrProgress
+{
+public:
+    AtPercent(int percent, std::function<void()> act)
+        : m_at(percent)
+        , m_act(std::move(act))
+    {
+    }
+
+    void UpdateProgress(int percent) override
+    {
+        if (m_percent < m_at && percent >= m_at)
+            m_act();
+        m_percent = percent;
+    }
+
+    int GetProgress() override { return m_percent; }
+
+private:
+    int m_at;
+    std::function<void()> m_act;
+    int m_percent = 0;
+};
+
+/// Puts a device that takes no bytes and gives none in the place of the files that are open in \p folder, but
+/// for \p kept; gives how many they were.
+int LoseFilesIn(const QString& folder, const QString& kept)
+{
+    const int gone = open("/dev/full", O_WRONLY);
+    int lost = 0;
+    const QDir handles(S("/proc/self/fd"));
+    for (const QString& name : handles.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
+        const QString target = QFile::symLinkTarget(handles.filePath(name));
+        if (target.startsWith(folder + QLatin1Char('/')) && target != kept)
+            lost += dup2(gone, name.toInt()) >= 0 ? 1 : 0;
+    }
+    close(gone);
+    return lost;
+}
+
 } // namespace
 
 class tst_ZrIndexFile : public QObject, private survey::LogFolder
@@ -86,6 +132,10 @@ private Q_SLOTS:
     void notBesideTheLog();
     void diskIsFull_data();
     void diskIsFull();
+    void diskIsFullForAWhile();
+    void diskOfTemporariesIsFull();
+    void diskIsGone_data();
+    void diskIsGone();
 
 private:
     QByteArray Bytes(const char* ending) const { return ReadWhole(m_log + S(ending)); }
@@ -174,7 +224,8 @@ void tst_ZrIndexFile::refused()
     QVERIFY(!index.Open(path, ZrSurveyDataset()));
     QCOMPARE(index.Error(), error);
     QCOMPARE(index.Count(), std::size_t(0));
-    QVERIFY(!index.MoveTo(path, m_log)); // nothing is being written
+    QVERIFY(!index.MoveTo(path, m_log));
+    QCOMPARE(index.Error(), S("No index is being written"));
     QVERIFY(ReadWhole(path) == bytes);
     QVERIFY(!index.Open(m_log + S(".none"), ZrSurveyDataset()));
     QVERIFY(!index.Error().isEmpty());
@@ -460,6 +511,75 @@ void tst_ZrIndexFile::diskIsFull()
     QCOMPARE(result, ZrDatasetReader::Built);
     QVERIFY(AreSame(All(*reader.Records()), whole.recs));
     QCOMPARE(reader.WriteError(), m_log + S(".zri: The index could not be written"));
+    QCOMPARE(Names().size(), 1);
+}
+
+/// The records went into memory meanwhile; the index is written after all, and nothing is said.
+void tst_ZrIndexFile::diskIsFullForAWhile()
+{
+    QVERIFY(WriteWhole(m_log, LongLog(3 * atOnce).Bytes()));
+    ZrSurveyDataset whole;
+    ZrDatasetReader reader;
+    QCOMPARE(reader.Read(m_log, whole), ZrDatasetReader::Built);
+    const QByteArray index = Bytes(".zri");
+    reader.rebuild = true;
+    std::optional<SmallFiles> full(1000);
+    AtPercent room(80, [&] { full.reset(); });
+    reader.progress = &room;
+    ZrSurveyDataset light;
+    QVERIFY(QFile::remove(m_log + S(".zri")));
+    const ZrDatasetReader::eResult result = reader.Index(m_log, light);
+    QVERIFY(!full);
+    QCOMPARE(result, ZrDatasetReader::Built);
+    QCOMPARE(light.recs.size(), std::size_t(3 * atOnce)); // none elsewhere
+    QVERIFY(AreSame(All(*reader.Records()), whole.recs));
+    QVERIFY(Bytes(".zri") == index);
+    QCOMPARE(reader.WriteError(), QString());
+}
+
+/// Nobody asked for an index: that there is none is no error.
+void tst_ZrIndexFile::diskOfTemporariesIsFull()
+{
+    QVERIFY(WriteWhole(m_log, LongLog(2 * atOnce).Bytes()));
+    ZrSurveyDataset light;
+    ZrDatasetReader reader;
+    reader.writeIndex = false;
+    ZrDatasetReader::eResult result = ZrDatasetReader::Unreadable;
+    {
+        const SmallFiles full(1000);
+        result = reader.Index(m_log, light);
+    }
+    QCOMPARE(result, ZrDatasetReader::Built);
+    QCOMPARE(light.recs.size(), std::size_t(2 * atOnce));
+    QCOMPARE(reader.WriteError(), QString());
+}
+
+void tst_ZrIndexFile::diskIsGone_data()
+{
+    QTest::addColumn<int>("percent");
+    QTest::newRow("before the second piece") << 50;
+    QTest::newRow("before the last piece") << 90;
+}
+
+/// Neither does it take more records nor give those back that it has.
+void tst_ZrIndexFile::diskIsGone()
+{
+    QFETCH(int, percent);
+    QVERIFY(WriteWhole(m_log, LongLog(3 * atOnce).Bytes()));
+    ZrSurveyDataset light;
+    ZrDatasetReader reader;
+    int lost = 0;
+    AtPercent loss(percent, [&] { lost = LoseFilesIn(QFileInfo(m_log).canonicalPath(), m_log); });
+    reader.progress = &loss;
+    const ZrDatasetReader::eResult result = reader.Index(m_log, light);
+    QCOMPARE(lost, 1);
+    QCOMPARE(result, ZrDatasetReader::Unreadable);
+    QCOMPARE(reader.Error(), S("The index is cut off, or cannot be read"));
+    QCOMPARE(reader.ErrorPos(), u64(0)); // the log can be read
+    QVERIFY(!reader.Complete());
+    QCOMPARE(reader.WriteError(), m_log + S(".zri: The index could not be written"));
+    QVERIFY(!reader.Records());
+    QVERIFY(light.recs.empty());
     QCOMPARE(Names().size(), 1);
 }
 

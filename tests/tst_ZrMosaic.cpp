@@ -21,6 +21,7 @@ private Q_SLOTS:
     void targetsLieWhereTheyAre_data();
     void targetsLieWhereTheyAre();
     void everyPixelIsItsNearestSample();
+    void alongAGivenTrack();
     void convergenceTurnsTheLine();
     void pixelsBeginAtMultiples();
     void automaticResolution();
@@ -115,6 +116,34 @@ void tst_ZrMosaic::targetsLieWhereTheyAre()
         const double off = std::hypot(east - expected.east, north - expected.north);
         QVERIFY2(off < 0.03, qPrintable(QString::number(off))); // a sample is 0.1 m
     }
+}
+
+/// One that was made already counts, not the settings; it may be of more pings than are drawn.
+void tst_ZrMosaic::alongAGivenTrack()
+{
+    Plan plan;
+    plan.start = {51.0, 3.0};
+    plan.heading = 30.0;
+    std::vector<Ping> pings = Straight(plan);
+    for (std::size_t i = 0; i < pings.size(); ++i)
+        pings[i].sides[sidePort][100 + i] = 60000;
+    const std::unique_ptr<Loaded> line = Load(pings);
+    ZrMosaicSettings turned = PlainSettings(0.1);
+    turned.track.headingOffset = 20.0;
+    turned.track.smoothing = 3.0;
+    const ZrSonarTrack track(line->log.Pings(), turned.track);
+    const auto draw = [&](const ZrMosaicSettings& settings, const ZrSonarTrack* given) {
+        ZrMosaic mosaic(settings);
+        if (given)
+            mosaic.AddLine(line->log, line->bottom, *given, 10, 49);
+        else
+            mosaic.AddLine(line->log, line->bottom, 10, 49);
+        return mosaic.Build() ? mosaic.Image() : QImage();
+    };
+    const QImage expected = draw(turned, nullptr);
+    QVERIFY(!expected.isNull());
+    QCOMPARE(draw(PlainSettings(0.1), &track), expected);
+    QVERIFY(draw(PlainSettings(0.1), nullptr) != expected);
 }
 
 void tst_ZrMosaic::everyPixelIsItsNearestSample()

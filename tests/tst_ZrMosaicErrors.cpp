@@ -46,6 +46,7 @@ private Q_SLOTS:
     void logThatHasChanged();
     void cancelled_data();
     void cancelled();
+    void cancelledWhilePlaced();
     void progressGoesUp();
     void buildingTwiceIsTheSame();
 
@@ -282,6 +283,25 @@ void tst_ZrMosaicErrors::cancelled()
     progress.onPercent = nullptr;
     QVERIFY2(mosaic.Build(), qPrintable(mosaic.Error()));
     QCOMPARE(mosaic.Error(), QString());
+}
+
+/// Before anything is said of where the lines lie, which looks at all pings.
+void tst_ZrMosaicErrors::cancelledWhilePlaced()
+{
+    Plan plan;
+    plan.start = {51.0, 3.0};
+    std::vector<Ping> pings = Straight(plan);
+    for (Ping& ping : pings)
+        ping.lat = unknown;
+    const std::unique_ptr<Loaded> line = Load(pings);
+    ZrMosaic mosaic(PlainSettings(0.1));
+    Progress progress;
+    progress.onPercent = [&mosaic](int) { mosaic.cancel = true; };
+    mosaic.progress = &progress;
+    mosaic.AddLine(line->log, line->bottom);
+    QVERIFY(!mosaic.Build());
+    QCOMPARE(mosaic.Error(), QStringLiteral("Cancelled"));
+    QCOMPARE(progress.percents, std::vector<int>{0});
 }
 
 void tst_ZrMosaicErrors::progressGoesUp()

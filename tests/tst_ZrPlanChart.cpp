@@ -1,5 +1,6 @@
 // A plan on a map: where its parts are, and what a finger hits.
 
+#include "CountedNew.h"
 #include "ZrKit/chart/ZrPlanChart.h"
 #include "ZrKit/map/ZrLabelDeclutter.h"
 #include "ZrKit/map/ZrLabelLayer.h"
@@ -31,6 +32,11 @@ private Q_SLOTS:
     void namesBesideTheLegs_data();
     void namesBesideTheLegs();
     void namesOfAreasBetweenTheLines();
+    void namesOfAreasOnLongLegs_data();
+    void namesOfAreasOnLongLegs();
+    void namesOfAreasAsideOfLegs_data();
+    void namesOfAreasAsideOfLegs();
+    void namesOfAreasWithManyLegs();
     void bounds();
     void invalidPositions();
 
@@ -238,6 +244,7 @@ void tst_ZrPlanChart::namesOfAreasBetweenTheLines()
     for (const QPointF& corner : {QPointF(210, 150), QPointF(290, 150), QPointF(290, 250), QPointF(210, 250)})
         area.ring.push_back(chart.ToGeo(view.ToWorld(corner)));
     chart.SetAreas({area}, {});
+    chart.Match(view);
     auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
     const ZrMapLabel label = layer->Labels().back();
     QCOMPARE(label.text, area.name);
@@ -247,9 +254,149 @@ void tst_ZrPlanChart::namesOfAreasBetweenTheLines()
     // Without one it is in the middle.
     ZrPlanChart empty;
     empty.SetOrigin({50.3, -4.1});
-    empty.Match(view);
     empty.SetAreas({area}, {});
+    empty.Match(view);
     QCOMPARE(static_cast<ZrLabelLayer*>(empty.Layers().last())->Labels().back().offset, QPointF());
+}
+
+void tst_ZrPlanChart::namesOfAreasOnLongLegs_data()
+{
+    QTest::addColumn<double>("rotation");
+    QTest::addColumn<double>("away"); // of the leg, pixels right of the middle
+    QTest::newRow("to the left of it") << 0.0 << -15.0;
+    QTest::newRow("below it") << 90.0 << 0.0;
+    QTest::newRow("above it") << 270.0 << 2.0;
+    QTest::newRow("at its lower end") << 90.0 << 9.0;
+    QTest::newRow("askew") << 40.0 << 0.0;
+}
+
+/// A leg counts however far off its ends are.
+void tst_ZrPlanChart::namesOfAreasOnLongLegs()
+{
+    QFETCH(double, rotation);
+    QFETCH(double, away);
+    const ZrGeoPoint origin{50.3, -4.1};
+    ZrPlanChart chart;
+    chart.SetOrigin(origin);
+    const QPointF middle = chart.ToWorld(origin);
+    ZrWpts route;
+    route.linked = true;
+    for (const QPointF& offset : {QPointF(away, -5000), QPointF(away, 5000)}) {
+        const ZrGeoPoint place = chart.ToGeo(middle + offset);
+        route.Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    }
+    route.Recalc(true);
+    chart.SetRoute(route, ZrRoutePath(route));
+    ZrArea area;
+    area.name = QStringLiteral("A");
+    for (const QPointF& corner : {QPointF(-90, -90), QPointF(90, -90), QPointF(90, 90), QPointF(-90, 90)})
+        area.ring.push_back(chart.ToGeo(middle + corner));
+    chart.SetAreas({area}, {});
+    ZrMapView view;
+    view.SetSize(400, 400);
+    view.SetCentre(middle);
+    view.SetScale(1.0);
+    view.SetRotation(rotation);
+    chart.Match(view);
+    auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
+    const ZrMapLabel label = layer->Labels().back();
+    QCOMPARE(label.text, area.name);
+    const QRectF box = ZrLabelDeclutter::Box(label, layer->TextSize(label.text, label.size), view, 1.0);
+    const QPointF from = view.ToPixel(middle + QPointF(away, -200));
+    const QPointF to = view.ToPixel(middle + QPointF(away, 200));
+    for (double t = 0.0; t <= 1.0; t += 0.001)
+        QVERIFY2(!box.contains(from + (to - from) * t), qPrintable(QString::number(box.top())));
+}
+
+void tst_ZrPlanChart::namesOfAreasAsideOfLegs_data()
+{
+    using Way = QVector<QPointF>;
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Way>("way"); // widths and heights of the name from the middle, down
+    QTest::addColumn<double>("down"); // heights
+    const QString wide = QStringLiteral("Area with quite a long name");
+    QTest::newRow("through its end") << wide << Way{{0.48, -0.25}, {0.48, 0.25}} << -1.0;
+    QTest::newRow("through its beginning") << wide << Way{{-0.48, -0.25}, {-0.48, 0.25}} << -1.0;
+    QTest::newRow("beside it") << wide << Way{{0.6, -9.0}, {0.6, 9.0}} << 0.0;
+    // Up there it would be free but for the last leg.
+    QTest::newRow("far above it") << QStringLiteral("A")
+                                  << Way{{0, -0.8}, {0, 50}, {99, 50}, {99, -1.9}, {-99, -1.9}} << -1.0;
+    QTest::newRow("nothing up there") << QStringLiteral("A") << Way{{0, -0.8}, {0, 50}} << -1.5;
+    QTest::newRow("far below it") << QStringLiteral("A")
+                                  << Way{{0, 0.8}, {0, -50}, {99, -50}, {99, 1.9}, {-99, 1.9}} << 1.0;
+}
+
+/// How far the name goes out of the way: to where the least of it is run through.
+void tst_ZrPlanChart::namesOfAreasAsideOfLegs()
+{
+    QFETCH(QString, name);
+    QFETCH(QVector<QPointF>, way);
+    QFETCH(double, down);
+    const ZrGeoPoint origin{50.3, -4.1};
+    ZrPlanChart chart;
+    chart.SetOrigin(origin);
+    const QPointF middle = chart.ToWorld(origin);
+    ZrArea area;
+    area.name = name;
+    for (const QPointF& corner : {QPointF(-90, -90), QPointF(90, -90), QPointF(90, 90), QPointF(-90, 90)})
+        area.ring.push_back(chart.ToGeo(middle + corner));
+    chart.SetAreas({area}, {});
+    ZrMapView view;
+    view.SetSize(400, 400);
+    view.SetCentre(middle);
+    view.SetScale(1.0);
+    chart.Match(view);
+    auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
+    const QSizeF size = layer->TextSize(name, layer->Labels().back().size);
+    ZrWpts route;
+    route.linked = true;
+    for (const QPointF& at : way) {
+        const ZrGeoPoint place
+            = chart.ToGeo(middle + QPointF(at.x() * size.width(), -at.y() * size.height()));
+        route.Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    }
+    route.Recalc(true);
+    chart.SetRoute(route, ZrRoutePath(route));
+    chart.Match(view);
+    QCOMPARE(layer->Labels().back().offset, QPointF(0.0, down * size.height()));
+}
+
+/// Legs that are nowhere near the name of an area are not looked through for it.
+void tst_ZrPlanChart::namesOfAreasWithManyLegs()
+{
+    constexpr int legs = 1000;
+    constexpr std::size_t areas = 100;
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    const QPointF corner = chart.ToWorld({50.3, -4.1});
+    ZrWpts route;
+    route.linked = true;
+    for (int i = 0; i <= legs; ++i) {
+        const ZrGeoPoint place = chart.ToGeo(corner + QPointF(10.0 * i, i % 2 * 100.0));
+        route.Add(place.lat, place.lng, eZrWptBlue, ZrWpts::eAddTail);
+    }
+    route.Recalc(true);
+    chart.SetRoute(route, ZrRoutePath(route));
+    std::vector<ZrArea> all;
+    for (std::size_t i = 0; i < areas; ++i) {
+        ZrArea area;
+        area.name = QStringLiteral("Area");
+        const QPointF at = corner + QPointF(100.0 * static_cast<double>(i), -2000.0);
+        for (const QPointF& offset : {QPointF(0, 0), QPointF(50, 0), QPointF(50, 50), QPointF(0, 50)})
+            area.ring.push_back(chart.ToGeo(at + offset));
+        all.push_back(area);
+    }
+    const auto bytesOf = [&](const std::vector<ZrArea>& some) {
+        chart.SetAreas(some, {});
+        const std::size_t before = counted_new::Bytes();
+        chart.Match(view);
+        return counted_new::Bytes() - before;
+    };
+    bytesOf(all); // letters are measured once
+    const std::size_t none = bytesOf({});
+    const std::size_t perArea = (bytesOf(all) - none) / areas;
+    QVERIFY2(perArea < 16 * legs, qPrintable(QString::number(perArea))); // a point of each leg would be more
 }
 
 void tst_ZrPlanChart::bounds()

@@ -204,7 +204,6 @@ void tst_ZrRowForm::problems()
     QCOMPARE(m_form->grab().toImage(), right);
 }
 
-/// A text that needs more lines moves what is below.
 /// In the input's right end, clear of its text, and in the words of the keyboard on the screen.
 void tst_ZrRowForm::units()
 {
@@ -240,6 +239,7 @@ void tst_ZrRowForm::units()
     QCOMPARE(m_form->Unit(99), QString());
 }
 
+/// A text that needs more lines moves what is below.
 void tst_ZrRowForm::longHelp()
 {
     m_form->show();

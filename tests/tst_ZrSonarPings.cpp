@@ -98,10 +98,13 @@ private Q_SLOTS:
     void bytes_data();
     void bytes();
     void lists();
+    void movedFrom();
     void iterates();
+    void iteratorsCompare();
     void posesAreThoseOfTheNavigation();
     void sharesWithTheSeries();
     void sharesNothingThatDiffers();
+    void sharesNoCurveThatIsShorter();
     void severalThreads();
 };
 
@@ -273,6 +276,46 @@ void tst_ZrSonarPings::lists()
     QVERIFY(IsSame(pings.back(), list.back()));
 }
 
+/// None are left behind, of a list as of a table.
+void tst_ZrSonarPings::movedFrom()
+{
+    auto table = std::make_shared<ZrSonarPingTable>();
+    for (std::size_t i = 0; i < 3; ++i)
+        table->Append(Ping(i));
+    const ZrSonarPings ofTable(table, std::make_shared<ZrSonarNav>());
+    const ZrSonarPings ofList = std::vector<ZrSonarPing>{Ping(0), Ping(1), Ping(2)};
+    const auto isEmpty = [](const ZrSonarPings& pings) {
+        return pings.empty() && pings.size() == 0 && pings.begin() == pings.end()
+            && pings.rbegin() == pings.rend() && pings.Bytes() == 0;
+    };
+    for (const ZrSonarPings& pings : {ofTable, ofList}) {
+        ZrSonarPings from = pings;
+        ZrSonarPings made = std::move(from);
+        QCOMPARE(made.size(), std::size_t(3));
+        QVERIFY(IsSame(made.back(), Ping(2)));
+        QVERIFY(isEmpty(from)); // NOLINT: this is what is checked
+        from = std::move(made);
+        QVERIFY(IsSame(from.back(), Ping(2)));
+        QVERIFY(isEmpty(made)); // NOLINT
+        made = ofList;
+        QCOMPARE(made.size(), std::size_t(3));
+    }
+}
+
+/// All that a random access iterator is asked for.
+void tst_ZrSonarPings::iteratorsCompare()
+{
+    const ZrSonarPings pings = std::vector<ZrSonarPing>{Ping(0), Ping(1), Ping(2)};
+    const auto first = pings.begin();
+    const auto next = 1 + first;
+    QVERIFY(next == first + 1 && next != first);
+    QCOMPARE((*next).number, 1U);
+    QVERIFY(next > first && !(first > next) && !(first > first));
+    QVERIFY(first < next && !(next < first) && !(first < first));
+    QVERIFY(next >= first && first >= first && !(first >= next));
+    QVERIFY(first <= next && first <= first && !(next <= first));
+}
+
 void tst_ZrSonarPings::iterates()
 {
     auto table = std::make_shared<ZrSonarPingTable>();
@@ -378,6 +421,40 @@ void tst_ZrSonarPings::sharesNothingThatDiffers()
     QVERIFY(IsSame(nav.At(start + 99.0), alone.At(start + 99.0)));
 }
 
+/// Altitudes end with the first half, where the curves end too: they are not those of all rows.
+void tst_ZrSonarPings::sharesNoCurveThatIsShorter()
+{
+    constexpr std::size_t count = 100;
+    auto series = std::make_shared<ZrSurveySeries>();
+    ZrSonarNav nav;
+    ZrSonarNav alone;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double time = start + static_cast<double>(i);
+        ZrNavRecord record = Record(i);
+        record.flags = 0;
+        record.altitude = i < count / 2 ? 5.0F : 0.0F;
+        nav.Add(time, record);
+        alone.Add(time, record);
+        series->times->Append(time);
+        series->track.push_back({record.latitude, record.longitude});
+        if (i >= count / 2)
+            continue;
+        series->depth.Append(record.depth);
+        series->altitude.Append(record.altitude);
+        series->heading.Append(record.heading);
+        series->pitch.Append(record.pitch);
+        series->roll.Append(record.roll);
+    }
+    nav.Prepare();
+    alone.Prepare();
+    const u64 before = nav.Bytes();
+    nav.Share(series);
+    // The others are.
+    QCOMPARE(nav.Bytes(), before - count * (sizeof(double) + sizeof(ZrSurveySeries::Position)));
+    for (int i = 0; i < 1000; ++i)
+        QVERIFY(IsSame(nav.At(start + 0.1 * i), alone.At(start + 0.1 * i)));
+}
+
 void tst_ZrSonarPings::severalThreads()
 {
     auto table = std::make_shared<ZrSonarPingTable>();
@@ -396,7 +473,11 @@ void tst_ZrSonarPings::severalThreads()
             std::size_t i = 0;
             for (const ZrSonarPing& ping : pings) {
                 const std::size_t other = (i * 7 + t) % 5000;
-                wrong += IsSame(ping, Ping(i)) && IsSame(pings[other], Ping(other)) ? 0 : 1;
+                const ZrSonarPing otherPing = pings[other];
+                wrong += IsSame(ping, Ping(i)) && IsSame(ping.pose, nav->At(ping.time)) ? 0 : 1;
+                wrong += IsSame(otherPing, Ping(other)) && IsSame(otherPing.pose, nav->At(otherPing.time))
+                    ? 0
+                    : 1;
                 ++i;
             }
         });

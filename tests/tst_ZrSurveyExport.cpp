@@ -14,6 +14,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <future>
 #include <limits>
 #include <thread>
 
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void kinds_data();
     void kinds();
     void endsInEitherOrder();
+    void sonarBeforeNavigation();
+    void noPingInThePart();
     void targetsOfThePart();
     void eventsAreTakenFromTheFile();
     void looksOfAPicture();
@@ -53,6 +56,8 @@ private Q_SLOTS:
     void refused();
     void ownFiles_data();
     void ownFiles();
+    void ownFilesBesideIt_data();
+    void ownFilesBesideIt();
     void withoutSonar();
     void unknownSuffix();
     void cannotBeWritten_data();
@@ -63,9 +68,29 @@ private Q_SLOTS:
     void stoppedAtOnce();
     void stoppedHalfWay_data();
     void stoppedHalfWay();
+    void stoppedFromAnotherThread_data();
     void stoppedFromAnotherThread();
 
 private:
+    /// A recording whose exports are told in many steps.
+    std::shared_ptr<ZrSurveyRecording> Longer() const
+    {
+        const QString log = File(S("longer.log"));
+        SonarLine line;
+        line.pings = 3000;
+        line.samples = 60;
+        return WriteLine(log, line) ? Opened(log) : nullptr;
+    }
+
+    /// Those of them that tell their progress.
+    static void AddLongKinds()
+    {
+        QTest::addColumn<int>("kind");
+        for (const int kind : {ZrSurveyExport::segment, ZrSurveyExport::track, ZrSurveyExport::records,
+                 ZrSurveyExport::waterfall, ZrSurveyExport::mosaic})
+            QTest::newRow(qPrintable(ZrSurveyExport::Name(kind))) << kind;
+    }
+
     /// All kinds with the suffix of each.
     static void AddKinds()
     {
@@ -174,6 +199,51 @@ void tst_ZrSurveyExport::endsInEitherOrder()
         ZrSurveyExport::Done);
     QCOMPARE(Content(a).count('\n'), 42);
     QVERIFY(Content(a) == Content(b));
+}
+
+/// Its pings have the time of the first record until then.
+void tst_ZrSurveyExport::sonarBeforeNavigation()
+{
+    SonarLine line;
+    line.pings = 50;
+    line.hasNav = [](int ping) { return ping >= 20; };
+    const QString log = File(S("early.log"));
+    QVERIFY(WriteLine(log, line));
+    const auto recording = Opened(log);
+    QVERIFY(recording);
+    const double begin = recording->Times()->Begin();
+    QCOMPARE(begin, line.TimeOf(20));
+    for (const int kind : {ZrSurveyExport::waterfall, ZrSurveyExport::mosaic}) {
+        const QString out = OutOf(kind);
+        ZrSurveyExport whole(recording, begin, recording->Times()->End());
+        QCOMPARE(whole.Run(kind, out), ZrSurveyExport::Done);
+        QCOMPARE(whole.Items(), u64(50));
+        const QImage picture(out);
+        ZrSurveyExport first(recording, begin, begin);
+        QCOMPARE(first.Run(ZrSurveyExport::waterfall, out), ZrSurveyExport::Done);
+        QCOMPARE(first.Items(), u64(21));
+        ZrSurveyExport rest(recording, begin + 0.05, recording->Times()->End());
+        QCOMPARE(rest.Run(kind, out), ZrSurveyExport::Done);
+        QCOMPARE(rest.Items(), u64(29));
+        QVERIFY(!picture.isNull() && (kind == ZrSurveyExport::mosaic || picture != QImage(out)));
+    }
+}
+
+/// Between two pings, which are 0.1 s apart: neither of them is drawn.
+void tst_ZrSurveyExport::noPingInThePart()
+{
+    for (const int kind : {ZrSurveyExport::waterfall, ZrSurveyExport::mosaic}) {
+        ZrSurveyExport part(m_recording, m_begin + 10.02, m_begin + 10.08);
+        QCOMPARE(part.Run(kind, OutOf(kind)), ZrSurveyExport::Failed);
+        QCOMPARE(part.Error(), S("There is no side-scan ping in this part"));
+        QCOMPARE(part.Items(), u64(0));
+        QVERIFY(!QFile::exists(OutOf(kind)));
+    }
+    ZrSurveyExport part(m_recording, m_begin + 10.02, m_begin + 10.08);
+    QCOMPARE(part.Run(ZrSurveyExport::targets, OutOf(ZrSurveyExport::targets)), ZrSurveyExport::Done);
+    ZrSurveyExport one(m_recording, m_begin + 9.95, m_begin + 10.05);
+    QCOMPARE(one.Run(ZrSurveyExport::waterfall, OutOf(ZrSurveyExport::waterfall)), ZrSurveyExport::Done);
+    QCOMPARE(one.Items(), u64(1));
 }
 
 void tst_ZrSurveyExport::targetsOfThePart()
@@ -315,6 +385,41 @@ void tst_ZrSurveyExport::ownFiles()
     }
 }
 
+void tst_ZrSurveyExport::ownFilesBesideIt_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("beside");
+    QTest::newRow("world file") << int(ZrSurveyExport::mosaic) << S("out.png") << S("out.pgw");
+    QTest::newRow("world file of a JPEG") << int(ZrSurveyExport::mosaic) << S("out.jpg") << S("out.jgw");
+    QTest::newRow("projection") << int(ZrSurveyExport::mosaic) << S("out.png") << S("out.prj");
+    QTest::newRow("events") << int(ZrSurveyExport::segment) << S("out.log") << S("out.log.evt");
+}
+
+/// Links to them where something is written beside the file that was asked for.
+void tst_ZrSurveyExport::ownFilesBesideIt()
+{
+    QFETCH(int, kind);
+    QFETCH(QString, name);
+    QFETCH(QString, beside);
+    QVERIFY(ZrBottomFile(m_log).Save(m_recording->Pings(), m_recording->Bottom()));
+    ZrSurveyExport part(m_recording, m_begin, m_begin + 9.0);
+    const QString link = File(beside);
+    for (const char* suffix : {"", ".evt", ".zri", ".zri.json", ".bottom.json"}) {
+        const QString own = m_log + S(suffix);
+        const QByteArray before = Content(own);
+        QVERIFY2(!before.isEmpty(), suffix);
+        QVERIFY(QFile::link(own, link));
+        QCOMPARE(part.Run(kind, File(name)), ZrSurveyExport::Failed);
+        QCOMPARE(part.Error(), link + S(" belongs to the recording itself; choose another name"));
+        QVERIFY(QFile::remove(link));
+        QVERIFY2(Content(own) == before, suffix);
+        QVERIFY(!QFile::exists(File(name)));
+    }
+    QCOMPARE(part.Run(kind, File(name)), ZrSurveyExport::Done);
+    QVERIFY(QFile::exists(link));
+}
+
 void tst_ZrSurveyExport::withoutSonar()
 {
     const QString log = File(S("nav.log"));
@@ -413,27 +518,19 @@ void tst_ZrSurveyExport::stoppedAtOnce()
 
 void tst_ZrSurveyExport::stoppedHalfWay_data()
 {
-    QTest::addColumn<int>("kind");
-    for (const int kind : {ZrSurveyExport::segment, ZrSurveyExport::track, ZrSurveyExport::records,
-             ZrSurveyExport::waterfall, ZrSurveyExport::mosaic})
-        QTest::newRow(qPrintable(ZrSurveyExport::Name(kind))) << kind;
+    AddLongKinds();
 }
 
 void tst_ZrSurveyExport::stoppedHalfWay()
 {
     QFETCH(int, kind);
-    const QString log = File(S("longer.log"));
-    SonarLine line;
-    line.pings = 3000;
-    line.samples = 60;
-    QVERIFY(WriteLine(log, line));
-    const auto recording = Opened(log);
+    const auto recording = Longer();
     QVERIFY(recording);
     const QString out = OutOf(kind);
     QVERIFY(Put(out, "old"));
     for (const bool isIndexed : {true, false}) {
         if (!isIndexed)
-            QVERIFY(QFile::remove(log + S(".zri")));
+            QVERIFY(QFile::remove(recording->Path() + S(".zri")));
         ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
         Percents percents;
         percents.then = [&](int percent) {
@@ -448,20 +545,46 @@ void tst_ZrSurveyExport::stoppedHalfWay()
     }
 }
 
+void tst_ZrSurveyExport::stoppedFromAnotherThread_data()
+{
+    AddLongKinds();
+}
+
+/// While it runs: what it tells its progress to waits until the other thread has stopped it.
 void tst_ZrSurveyExport::stoppedFromAnotherThread()
 {
-    const QString out = OutOf(ZrSurveyExport::mosaic);
-    for (int round = 0; round < 10; ++round) {
-        ZrSurveyExport part(m_recording, m_begin, m_begin + 29.0);
-        std::thread stop([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(round * 2));
-            part.Stop();
-        });
-        const int kind = round % ZrSurveyExport::kindCount;
-        const ZrSurveyExport::eResult result = part.Run(kind, out);
-        stop.join();
-        QVERIFY(result != ZrSurveyExport::Failed || kind == ZrSurveyExport::targets);
-    }
+    QFETCH(int, kind);
+    const auto recording = Longer();
+    QVERIFY(recording);
+    const QString out = OutOf(kind);
+    QVERIFY(Put(out, "old"));
+    ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
+    std::promise<void> isUnderWay;
+    std::promise<void> isStopped;
+    std::thread other([&] {
+        isUnderWay.get_future().wait();
+        part.Stop();
+        isStopped.set_value();
+    });
+    int at = -1;
+    Percents percents;
+    percents.then = [&](int percent) {
+        if (percent < 20 || at >= 0)
+            return;
+        at = percent;
+        isUnderWay.set_value();
+        isStopped.get_future().wait();
+    };
+    const ZrSurveyExport::eResult result = part.Run(kind, out, &percents);
+    if (at < 0)
+        isUnderWay.set_value();
+    other.join();
+    QVERIFY2(at >= 20 && at < 60, qPrintable(QString::number(at)));
+    QCOMPARE(result, ZrSurveyExport::Cancelled);
+    QVERIFY2(percents.GetProgress() < 60, qPrintable(QString::number(percents.GetProgress())));
+    QCOMPARE(part.Error(), QString());
+    QCOMPARE(Content(out), QByteArray("old"));
 }
+
 QTEST_MAIN(tst_ZrSurveyExport)
 #include "tst_ZrSurveyExport.moc"

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void readsThePartAlone();
     void holdsPiecesAlone_data();
     void holdsPiecesAlone();
+    void mosaicHoldsThePartAlone();
 
 private:
     /// A log of so many lines, with three events, opened once.
@@ -223,6 +224,27 @@ void tst_ZrSurveyExportLogs::holdsPiecesAlone()
     qInfo("%lld bytes of memory at most, %lld written", memory.Most(), QFileInfo(out).size());
     QVERIFY2(memory.Most() < most, qPrintable(QString::number(memory.Most())));
     QVERIFY(QFile::remove(out));
+}
+
+/// The way of the sonar is known: nothing is made of the pings outside the part.
+void tst_ZrSurveyExportLogs::mosaicHoldsThePartAlone()
+{
+    constexpr qint64 lines[] = {20000, 200000};
+    long long held[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        const auto recording = Long(lines[i]);
+        QVERIFY(recording);
+        const double begin = recording->Times()->Begin();
+        ZrSurveyExport part(recording, begin + 1000.0, begin + 1100.0);
+        const QString out = File(S("part.png"));
+        QCOMPARE(part.Run(ZrSurveyExport::mosaic, out), ZrSurveyExport::Done); // what stays is there then
+        const peak_new::Since memory;
+        QCOMPARE(part.Run(ZrSurveyExport::mosaic, out), ZrSurveyExport::Done);
+        QCOMPARE(part.Items(), u64(1001));
+        held[i] = memory.Most();
+    }
+    qInfo("%lld and %lld bytes of memory at most", held[0], held[1]);
+    QVERIFY2(std::llabs(held[1] - held[0]) < 100000, "it goes with the log");
 }
 
 QTEST_MAIN(tst_ZrSurveyExportLogs)

@@ -61,6 +61,8 @@ private Q_SLOTS:
     void withSonar();
     void pingsWithoutNavigation();
     void pingAt();
+    void pingsIn_data();
+    void pingsIn();
     void oneSideAlone();
     void bottomIsTracked();
     void damaged();
@@ -278,6 +280,70 @@ void tst_ZrSurveyRecording::pingAt()
     QCOMPARE(recording.TimeOfPing(-3.0), recording.TimeOfPing(0.0));
     QCOMPARE(recording.TimeOfPing(1e9), recording.TimeOfPing(99.0));
     QVERIFY(std::isnan(recording.TimeOfPing(unknown)));
+}
+
+void tst_ZrSurveyRecording::pingsIn_data()
+{
+    QTest::addColumn<int>("sonars");
+    QTest::addColumn<int>("firstNav");
+    QTest::addColumn<int>("endNav");
+    QTest::newRow("each with its record") << 1 << 0 << 40;
+    QTest::newRow("before the first record") << 1 << 15 << 40;
+    QTest::newRow("behind the last record") << 1 << 0 << 25;
+    QTest::newRow("two sonars at once") << 2 << 0 << 40;
+    QTest::newRow("two sonars around the records") << 2 << 15 << 25;
+    QTest::newRow("no records") << 2 << 0 << 0;
+}
+
+/// Several pings may have one time: all of them belong to it.
+void tst_ZrSurveyRecording::pingsIn()
+{
+    QFETCH(int, sonars);
+    QFETCH(int, firstNav);
+    QFETCH(int, endNav);
+    const QString path = File("line.log");
+    SonarLine line;
+    line.samples = 4;
+    Log log(path);
+    for (int i = 0; i < 40; ++i) {
+        if (i >= firstNav && i < endNav)
+            log.AddNav(line.TimeOf(i), line.NavOf(i));
+        for (int source = 1; source <= sonars; ++source) {
+            for (const eSonarSide side : {sidePort, sideStarboard})
+                log.AddPing(line.TimeOf(i), line.PingOf(i, side), false, static_cast<u16>(source));
+        }
+    }
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    const std::size_t count = recording.Pings().size();
+    QCOMPARE(count, static_cast<std::size_t>(40 * sonars));
+    std::vector<double> times;
+    for (std::size_t i = 0; i < count; ++i)
+        times.push_back(recording.TimeOfPing(static_cast<double>(i)));
+    QVERIFY(std::is_sorted(times.begin(), times.end()));
+    std::vector<double> ends = times;
+    for (const double time : times)
+        ends.push_back(time + 0.05);
+    ends.push_back(times.front() - 1.0);
+    for (const double from : ends) {
+        for (const double to : ends) {
+            const auto found = recording.PingsIn(from, to);
+            QVERIFY(found.first <= found.second && found.second <= count);
+            for (std::size_t i = 0; i < count; ++i) {
+                const bool isIn = times[i] >= from && times[i] <= to;
+                QCOMPARE(i >= found.first && i < found.second, isIn);
+            }
+        }
+    }
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    const auto isNone = [&](double from, double to) {
+        const auto found = recording.PingsIn(from, to);
+        return found.first == found.second;
+    };
+    QCOMPARE(recording.PingsIn(-inf, inf), std::make_pair(std::size_t(0), count));
+    QVERIFY(isNone(unknown, inf) && isNone(-inf, unknown) && isNone(inf, -inf));
+    QVERIFY(ZrSurveyRecording().PingsIn(-inf, inf) == std::make_pair(std::size_t(0), std::size_t(0)));
 }
 
 void tst_ZrSurveyRecording::oneSideAlone()

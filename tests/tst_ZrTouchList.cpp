@@ -68,6 +68,7 @@ private Q_SLOTS:
     void tapStopsCoasting();
     void doubleTapChoosesOnce();
     void otherRowsUnderTheFinger();
+    void otherMadeRowsUnderTheFinger();
     void hiddenUnderTheFinger();
     void heldChoosesNothing();
     void keysChoose();
@@ -227,6 +228,38 @@ void tst_ZrTouchList::otherRowsUnderTheFinger()
     QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
     QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
     list.SetItems({});
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+}
+
+/// Rows that are made when they are seen tell what is there now, not what the finger came down on.
+void tst_ZrTouchList::otherMadeRowsUnderTheFinger()
+{
+    ZrTouchList list(nullptr);
+    list.resize(400, 500);
+    QVector<ZrListItem> rows = Items(5);
+    const auto make = [&rows](int row) { return rows.value(row); };
+    list.SetRows(5, make);
+    list.show();
+    QSignalSpy chosen(&list, &ZrTouchList::Chosen);
+    const QPoint at = RowRect(list, 1).center();
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    rows[1].detail = QStringLiteral("17 m");
+    list.SetRows(5, make);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    rows.prepend(Items(7).last());
+    list.SetRows(6, make);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    rows[1].data = QStringLiteral("another");
+    list.SetRows(6, make);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
+    QCOMPARE(chosen.count(), 1);
+    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, at);
+    list.SetRows(1, make);
     QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, at);
     QCOMPARE(chosen.count(), 1);
 }

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <set>
 #include <utility>
@@ -28,6 +29,7 @@ enum eImage : int
 constexpr double pinSize = 18.0; ///< half its side, design pixels
 constexpr double pinPoint = 11.0 / 12.0; ///< of that its point is below its middle
 constexpr double rotationStep = 10.0; ///< degrees, by which names are put beside their waypoints anew
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 bool IsFinite(const QPointF& p)
 {
@@ -48,38 +50,6 @@ QPointF Foot(const QPointF& p, const QPointF& a, const QPointF& b)
     const double square = QPointF::dotProduct(d, d);
     const double t = square > 0.0 ? QPointF::dotProduct(p - a, d) / square : 0.0;
     return a + d * std::clamp(t, 0.0, 1.0);
-}
-
-/// Of the line from \p a to \p b.
-double LengthInside(const QPointF& a, const QPointF& b, const QRectF& box)
-{
-    const QPointF d = b - a;
-    double from = 0.0;
-    double to = 1.0;
-    const auto clip = [&](double start, double way, double low, double high) {
-        if (way == 0.0) {
-            if (start < low || start > high)
-                to = -1.0;
-            return;
-        }
-        const double t0 = (low - start) / way;
-        const double t1 = (high - start) / way;
-        from = std::max(from, std::min(t0, t1));
-        to = std::min(to, std::max(t0, t1));
-    };
-    clip(a.x(), d.x(), box.left(), box.right());
-    clip(a.y(), d.y(), box.top(), box.bottom());
-    return to > from ? (to - from) * std::hypot(d.x(), d.y()) : 0.0;
-}
-
-double LengthInside(const std::vector<std::vector<QPointF>>& ways, const QRectF& box)
-{
-    double length = 0.0;
-    for (const auto& way : ways) {
-        for (std::size_t i = 1; i < way.size(); ++i)
-            length += LengthInside(way[i - 1], way[i], box);
-    }
-    return length;
 }
 
 QPointF Middle(const std::vector<QPointF>& ring)
@@ -149,12 +119,18 @@ void ZrPlanChart::SetWaypoints(const ZrWpts& route)
 void ZrPlanChart::SetWay(const ZrRoutePath& path)
 {
     m_legs.assign(path.Legs().size(), {});
+    m_legExtents.assign(m_legs.size(), {{infinity, infinity}, {-infinity, -infinity}});
     m_legFrom.clear();
     const auto lines = path.LegLines();
     for (std::size_t i = 0; i < lines.size(); ++i) {
         m_legs[i].reserve(lines[i].size());
-        for (const ZrGeoPoint& place : lines[i])
-            m_legs[i].push_back(ToWorld(place));
+        auto& [least, most] = m_legExtents[i];
+        for (const ZrGeoPoint& place : lines[i]) {
+            const QPointF world = ToWorld(place);
+            least = {std::min(least.x(), world.x()), std::min(least.y(), world.y())};
+            most = {std::max(most.x(), world.x()), std::max(most.y(), world.y())};
+            m_legs[i].push_back(world);
+        }
     }
     for (const ZrRouteLeg& leg : path.Legs())
         m_legFrom.push_back(leg.from);
@@ -283,77 +259,6 @@ bool ZrPlanChart::IsShown(std::size_t waypoint) const
             >= LeastLeg * m_scale;
     };
     return waypoint > 0 && isLong(waypoint - 1, waypoint);
-}
-
-/// Legs from \p first to before \p end, design pixels right and down from a place.
-ZrPlanChart::Ways ZrPlanChart::WaysFrom(const QPointF& origin, std::size_t first, std::size_t end) const
-{
-    Ways ways;
-    const double turn = qDegreesToRadians(m_rotation);
-    for (std::size_t leg = first; m_scale > 0.0 && leg < std::min(end, m_legs.size()); ++leg) {
-        ways.emplace_back();
-        for (const QPointF& world : m_legs[leg]) {
-            const QPointF d = (world - origin) / m_scale;
-            ways.back().emplace_back(d.x() * std::cos(turn) - d.y() * std::sin(turn),
-                -d.x() * std::sin(turn) - d.y() * std::cos(turn));
-        }
-    }
-    return ways;
-}
-
-/// The name of an area in the middle of it, or above or below the line that runs there.
-void ZrPlanChart::PutBetween(ZrMapLabel& label)
-{
-    const QSizeF size = m_labelLayer.TextSize(label.text, label.size);
-    const Ways ways = WaysFrom(label.position, 0, m_legs.size());
-    double least = std::numeric_limits<double>::infinity();
-    for (const int step : {0, -1, 1, -2, 2, -3, 3, -4, 4}) {
-        const double y = step * size.height() / 2.0;
-        const QRectF box(QPointF(-size.width() / 2.0, y - size.height() / 2.0), size);
-        const double length = LengthInside(ways, box.marginsAdded(QMarginsF(2.0, 2.0, 2.0, 2.0)));
-        if (!(length < least))
-            continue;
-        least = length;
-        label.offset = QPointF(0.0, y);
-    }
-}
-
-/// To the side of its waypoint where no leg runs through it; to the right before any other.
-void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double distance)
-{
-    struct Side
-    {
-        int x;
-        int y; ///< down
-    };
-
-    constexpr Side sides[] = {{1, 0}, {1, -1}, {1, 1}, {-1, 0}, {-1, -1}, {-1, 1}, {0, -1}, {0, 1}};
-    const QSizeF size = m_labelLayer.TextSize(label.text, label.size);
-    const std::size_t first = waypoint > 2 ? waypoint - 2 : 0;
-    const Ways ways = WaysFrom(m_points[waypoint], first, waypoint + 2);
-    double least = std::numeric_limits<double>::infinity();
-    for (const Side& side : sides) {
-        // Diagonally it comes as near as beside.
-        const double away = side.x != 0 && side.y != 0 ? distance * 0.7 : distance;
-        const QPointF offset(side.x * away, side.y * away);
-        const auto along = [](double at, int way, double length) {
-            return way > 0 ? at : way < 0 ? at - length : at - length / 2.0;
-        };
-        const QRectF box(
-            QPointF(along(offset.x(), side.x, size.width()), along(offset.y(), side.y, size.height())), size);
-        // The scale is known by steps only.
-        const double length = LengthInside(ways, box.marginsAdded(QMarginsF(2.0, 2.0, 2.0, 2.0)));
-        if (!(length < least))
-            continue;
-        least = length;
-        label.offset = offset;
-        label.alignX = side.x > 0 ? ZrMapLabel::alignLeft
-            : side.x < 0          ? ZrMapLabel::alignRight
-                                  : ZrMapLabel::alignCentre;
-        label.alignY = side.y > 0 ? ZrMapLabel::alignTop
-            : side.y < 0          ? ZrMapLabel::alignBottom
-                                  : ZrMapLabel::alignMiddle;
-    }
 }
 
 void ZrPlanChart::BuildMarks()

@@ -93,11 +93,18 @@ private:
         bool isLineEnd = false;
     };
 
-    void BuildLines();
-    void BuildMarks();
     using Ways = std::vector<std::vector<QPointF>>;
 
-    Ways WaysFrom(const QPointF& origin, std::size_t first, std::size_t end) const;
+    /// What a leg lies within, world; the least is above the most for one without any place.
+    struct Extent
+    {
+        QPointF least;
+        QPointF most;
+    };
+
+    void BuildLines();
+    void BuildMarks();
+    Ways WaysFrom(const QPointF& origin, double reach, std::size_t first, std::size_t end) const;
     void PutBetween(ZrMapLabel& label);
     void PutBeside(ZrMapLabel& label, std::size_t waypoint, double distance);
     void AddFindings(std::vector<ZrMapMarker>& markers) const;
@@ -113,6 +120,7 @@ private:
     std::vector<Waypoint> m_waypoints;
     std::vector<QPointF> m_points;
     std::vector<std::vector<QPointF>> m_legs; ///< the way along each
+    std::vector<Extent> m_legExtents;
     std::vector<int> m_legFrom; ///< waypoint that each begins at
     std::vector<std::vector<QPointF>> m_areas;
     std::vector<QString> m_areaNames;

@@ -57,7 +57,7 @@ bool ZrExportCsv::Write(QIODevice& out, const ZrTrackData& data)
     ZrTrackSegments segments(data);
     ZrTrackReader points(data);
     for (int number = 1; ok && segments.Next(); ++number) {
-        for (std::size_t i = segments.First(); ok && i < segments.End(); ++i)
+        for (std::size_t i = segments.First(); ok && i < segments.End() && !points.IsFailed(); ++i)
             put(PointLine(points.At(i), number, text).toUtf8());
     }
     return ok && !segments.IsFailed() && !points.IsFailed();

@@ -96,7 +96,7 @@ private:
     {
         bool cut = false;
         ZrTrackPoint last = points.At(segment.First());
-        for (std::size_t i = segment.First() + 1; i < segment.End() && !cut; ++i) {
+        for (std::size_t i = segment.First() + 1; i < segment.End() && !cut && !points.IsFailed(); ++i) {
             const ZrTrackPoint point = points.At(i);
             cut = Crosses(last, point);
             last = point;

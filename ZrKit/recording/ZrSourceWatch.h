@@ -8,11 +8,16 @@
 /// Watches the source of a recording session: whether it gives data, how many, and what is wrong.
 ///
 /// \code
-/// connect(&session, &ZrRecordingSession::SourceLost, this, [this](const QString& why) { m_watch.Lose(why);
-/// }); connect(&session, &ZrRecordingSession::SourceBack, this, [this] { m_watch.Lose(QString()); });
+/// connect(&session, &ZrRecordingSession::SourceLost, this,
+///     [this](const QString& why) { m_watch.Lose(why); });
+/// connect(&session, &ZrRecordingSession::SourceBack, this,
+///     [this] { m_watch.Lose(QString()); });
 /// ...
 /// const ZrSourceFacts facts = m_watch.Look(session); // twice a second
-/// m_button->text = facts.IsBad() ? facts.reason : tr("%1 /s").arg(facts.perSecond);
+/// if (facts.IsBad()) // silent and unreadable sources have no reason
+///     m_button->text = facts.reason.isEmpty() ? tr("No data") : facts.reason;
+/// else
+///     m_button->text = tr("%1 /s").arg(facts.perSecond);
 /// \endcode
 ///
 /// The thread of the session.

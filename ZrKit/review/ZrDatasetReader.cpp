@@ -72,6 +72,7 @@ ZrDatasetReader::eResult ZrDatasetReader::Load(const QString& logPath, ZrDataset
     m_crdPos = {};
     m_records.reset();
     m_index.reset();
+    m_isIndexLost = false;
     dataset.fileName = logPath;
     dataset.ClearData();
     dataset.UpdateExtents();
@@ -152,6 +153,7 @@ ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset
     scan.progress = progress;
     QFile payloads(logPath);
     bool sound = scan.Open(logPath);
+    m_stamp.complete = false; // until it is through
     m_stamp.filler = ZrIndexStamp::FillerOf(dataset);
     if (sound) {
         // The last bytes of a log that is being recorded change: the digest is that of what is read now.
@@ -164,10 +166,9 @@ ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset
     bool all = false;
     try {
         all = sound && TakeItems(scan, payloads, dataset);
-        if (sound && m_index && !PutAside(dataset, true))
+        if (m_isIndexLost || (sound && m_index && !PutAside(dataset, true)))
             return Unreadable;
     } catch (const std::bad_alloc&) {
-        m_stamp.complete = false;
         m_stamp.error
             = QCoreApplication::translate("ZrDatasetReader", "There is not enough memory for the dataset");
         m_stamp.errorPos = scan.Pos();
@@ -204,7 +205,7 @@ void ZrDatasetReader::BeginIndex(const QString& logPath, const ZrDataset& datase
 }
 
 /// Hands the records to the index, the last one, which the next is filled from, only with \p isAll. A disk
-/// that is full sends them back into memory; false when they cannot be read there.
+/// that is full sends them back into memory; false when they cannot be read for that.
 bool ZrDatasetReader::PutAside(ZrDataset& dataset, bool isAll)
 {
     std::vector<ZrLogRec>& recs = dataset.recs;
@@ -214,10 +215,13 @@ bool ZrDatasetReader::PutAside(ZrDataset& dataset, bool isAll)
         recs.erase(recs.begin(), recs.begin() + static_cast<std::ptrdiff_t>(count));
         return true;
     }
-    Note(ZrIndexStamp::IndexPathOf(dataset.fileName) + QLatin1String(": ") + m_index->Error());
+    // Whether there is an index in the end, `WriteTable` tells: there may be room again.
+    const QString reason = m_index->Error();
     std::vector<ZrLogRec> all;
     if (!m_index->Read(0, before, all)) {
+        Note(ZrIndexStamp::IndexPathOf(dataset.fileName) + QLatin1String(": ") + reason);
         m_stamp.error = m_index->Error();
+        m_isIndexLost = true;
         return false;
     }
     all.insert(all.end(), recs.begin(), recs.end());
@@ -226,7 +230,8 @@ bool ZrDatasetReader::PutAside(ZrDataset& dataset, bool isAll)
     return true;
 }
 
-/// Walks the log to its end or to the first item that cannot be read; false when that is a payload.
+/// Walks the log to its end or to the first item that cannot be read; false when that is a payload, or when
+/// the index is lost.
 bool ZrDatasetReader::TakeItems(ZrLogScan& scan, QFile& payloads, ZrDataset& dataset)
 {
     ZrLogItem item;
@@ -234,8 +239,10 @@ bool ZrDatasetReader::TakeItems(ZrLogScan& scan, QFile& payloads, ZrDataset& dat
     while (!cancel && scan.Next(item, pos)) {
         if (TakeItem(item, pos, payloads, dataset))
             continue;
-        m_stamp.error = QCoreApplication::translate("ZrDatasetReader", "Unable to read item payload");
-        m_stamp.errorPos = pos;
+        if (m_stamp.error.isEmpty()) {
+            m_stamp.error = QCoreApplication::translate("ZrDatasetReader", "Unable to read item payload");
+            m_stamp.errorPos = pos;
+        }
         return false;
     }
     return true;

@@ -79,7 +79,7 @@ public:
     /// events (without the numbers of their records), no records and no extents; `Records` gives them.
     /// `FillRec` may look at the last one of `recs`, not at those before. An index that cannot be kept beside
     /// the log, or is not to be, is a temporary file that goes with the reader; when not even that can be
-    /// written, the records are in the dataset after all.
+    /// made, or the disk of either fills meanwhile, the records are in the dataset after all, 160 bytes each.
     eResult Index(const QString& logPath, ZrDataset& dataset);
 
     /// The records that `Index` has found, valid up to the next call and as long as its dataset; null unless
@@ -126,5 +126,6 @@ private:
     std::unique_ptr<ZrIndexFile> m_index; ///< that takes the records meanwhile; null for none
     bool m_isIndexBeside = false; ///< the log, so that it can be moved to its place
     QString m_besideError; ///< why not
+    bool m_isIndexLost = false; ///< what it took cannot be read again
     std::unique_ptr<ZrRecordSource> m_records;
 };

@@ -19,6 +19,24 @@ ZrTrackPoint ZrDatasetTrack::Point(const ZrLogRec& rec)
     return point;
 }
 
+ZrTrackEvent ZrDatasetTrack::Event(const ZrLogEvt& event, const ZrLogRec* rec)
+{
+    ZrTrackEvent placed;
+    placed.time = event.time;
+    if (rec) {
+        placed.latitude = rec->latitude;
+        placed.longitude = rec->longitude;
+    }
+    placed.text = event.text;
+    placed.detail = event.detail;
+    return placed;
+}
+
+bool ZrDatasetTrack::IsIn(std::size_t nearest, std::size_t count, std::size_t first, std::size_t end)
+{
+    return nearest < count ? nearest >= first && nearest < end : first == 0 && end >= count;
+}
+
 std::vector<ZrTrackPoint> ZrDatasetTrack::Points(const ZrDataset& dataset, std::size_t first, std::size_t end)
 {
     const std::size_t last = std::min(end, dataset.recs.size());
@@ -33,13 +51,12 @@ std::vector<ZrDatasetTrack::PlacedEvent> ZrDatasetTrack::EventsIn(
     const ZrDataset& dataset, std::size_t first, std::size_t end)
 {
     const std::size_t count = dataset.recs.size();
-    const bool whole = first == 0 && end >= count;
     const ZrRecordTimes times(dataset.recs);
     std::vector<PlacedEvent> events;
     for (ZrListPos* pos = dataset.events.GetHeadPos(); pos;) {
         const ZrLogEvt* const event = dataset.events.GetNext(pos);
         const std::size_t nearest = times.Nearest(event->time);
-        if (nearest < count ? nearest >= first && nearest < end : whole)
+        if (IsIn(nearest, count, first, end))
             events.push_back({event, nearest});
     }
     return events;
@@ -49,15 +66,8 @@ std::vector<ZrTrackEvent> ZrDatasetTrack::Events(const ZrDataset& dataset, std::
 {
     std::vector<ZrTrackEvent> events;
     for (const PlacedEvent& placed : EventsIn(dataset, first, end)) {
-        ZrTrackEvent event;
-        event.time = placed.event->time;
-        if (placed.record < dataset.recs.size()) {
-            event.latitude = dataset.recs[placed.record].latitude;
-            event.longitude = dataset.recs[placed.record].longitude;
-        }
-        event.text = placed.event->text;
-        event.detail = placed.event->detail;
-        events.push_back(event);
+        const bool hasPlace = placed.record < dataset.recs.size();
+        events.push_back(Event(*placed.event, hasPlace ? &dataset.recs[placed.record] : nullptr));
     }
     return events;
 }

@@ -27,6 +27,13 @@ public:
 
     static ZrTrackPoint Point(const ZrLogRec& rec);
 
+    /// \p event where the vehicle was in \p rec; nowhere without one.
+    static ZrTrackEvent Event(const ZrLogEvt& event, const ZrLogRec* rec);
+
+    /// Whether an event belongs to a range of \p count records: \p nearest is the record nearest to it in
+    /// time, `count` or more when it has no time, or there are none.
+    static bool IsIn(std::size_t nearest, std::size_t count, std::size_t first, std::size_t end);
+
     static std::vector<ZrTrackPoint> Points(const ZrDataset& dataset, std::size_t first, std::size_t end);
 
     /// The events whose nearest record is one of the range. One without a time has no place; it belongs to

@@ -73,7 +73,8 @@ double ExpectedBytes(ZrTrackExport::eFormat format, const ZrTrackData& data)
     if (data.source->Count() <= sampled)
         return 1.0; // done at once
     std::vector<ZrTrackPoint> points;
-    data.source->Read(0, sampled, points);
+    if (!data.source->Read(0, sampled, points))
+        return 1.0; // the export will tell, if it cannot read them either
     ZrTrackData part = data;
     part.source = nullptr;
     part.points = points;
@@ -189,6 +190,7 @@ void ZrExportRange::Report(double share)
 ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expectedBytes, const Fill& fill)
 {
     const auto fail = [&](const QString& reason) { return Fail(tr("Cannot write %1: %2").arg(out, reason)); };
+    m_error.clear(); // what a sample of the records failed for, may be over
     if (m_first == m_end)
         return Fail(tr("There is nothing to export"));
     const QString refusal = Refusal(m_dataset.fileName, out);

@@ -1,6 +1,7 @@
 // The events of a part of a recording, and where they lie.
 
 #include "ZrKit/export/ZrTrackEvent.h"
+#include "ZrKit/review/ZrDatasetTrack.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrNearestRecords.h"
 #include "ZrKit/review/ZrRecordSource.h"
@@ -24,14 +25,13 @@ bool ZrExportRange::ReadRecord(std::size_t record, ZrLogRec& rec)
     return true;
 }
 
-/// The events whose nearest record is one of the part; one without a time belongs to the whole log only.
-/// False when `cancel` was set or the records cannot be read.
+/// The events of the part, as `ZrDatasetTrack::IsIn` says. False when `cancel` was set or the records cannot
+/// be read.
 bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
 {
     if (m_first == m_end)
         return true;
     const std::size_t count = m_records.Count();
-    const bool isWhole = m_first == 0 && m_end == count;
     std::vector<PlacedEvent> all;
     std::vector<double> at;
     for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;) {
@@ -53,8 +53,7 @@ bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
     }
     for (std::size_t i = 0; i < all.size(); ++i) {
         all[i].record = std::min(nearest.Of(i), count);
-        const bool isIn = all[i].record >= m_first && all[i].record < m_end;
-        if (all[i].record < count ? isIn : isWhole)
+        if (ZrDatasetTrack::IsIn(all[i].record, count, m_first, m_end))
             events.push_back(all[i]);
     }
     return true;
@@ -67,18 +66,11 @@ bool ZrExportRange::TrackEvents(std::vector<ZrTrackEvent>& events)
     if (!FindEvents(placed))
         return false;
     for (const PlacedEvent& at : placed) {
-        ZrTrackEvent event;
-        event.time = at.event->time;
-        event.text = at.event->text;
-        event.detail = at.event->detail;
-        if (at.record < m_records.Count()) {
-            ZrLogRec rec;
-            if (cancel || !ReadRecord(at.record, rec))
-                return false;
-            event.latitude = rec.latitude;
-            event.longitude = rec.longitude;
-        }
-        events.push_back(event);
+        const bool hasPlace = at.record < m_records.Count();
+        ZrLogRec rec;
+        if (hasPlace && (cancel || !ReadRecord(at.record, rec)))
+            return false;
+        events.push_back(ZrDatasetTrack::Event(*at.event, hasPlace ? &rec : nullptr));
     }
     return true;
 }

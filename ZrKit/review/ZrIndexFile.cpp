@@ -6,6 +6,7 @@
 #include <QTemporaryFile>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -20,13 +21,25 @@ qint64 PlaceOf(std::size_t record)
     return static_cast<qint64>(ZrIndexHeader::Size + record * sizeof(ZrLogRec));
 }
 
+/// Bytes of the fields of a record, in their order.
+constexpr std::array<u8, 25> widths{
+    8, 8, 8, 8, 8, 4, 4, 8, 4, 4, 4, 4, 4, 4, 4, 8, 8, 8, 8, 8, 8, 8, 8, 8, 4};
+
+constexpr std::size_t Sum()
+{
+    std::size_t sum = 0;
+    for (const u8 width : widths)
+        sum += width;
+    return sum;
+}
+
+static_assert(Sum() == sizeof(ZrLogRec));
+
 /// Turns the fields of records from the order of the file into that of the host, or back. Nothing on
 /// little-endian hosts, where the image in memory is that of the file.
 void Convert(std::vector<ZrLogRec>& records)
 {
     if constexpr (!zr::detail::hostIsLittleEndian) {
-        constexpr std::array<u8, 25> widths{
-            8, 8, 8, 8, 8, 4, 4, 8, 4, 4, 4, 4, 4, 4, 4, 8, 8, 8, 8, 8, 8, 8, 8, 8, 4};
         u8* field = reinterpret_cast<u8*>(records.data());
         for (std::size_t i = 0; i < records.size(); ++i)
             for (const u8 width : widths) {
@@ -115,7 +128,9 @@ bool ZrIndexFile::Append(zr::span<const ZrLogRec> records)
 bool ZrIndexFile::MoveTo(const QString& path, const QString& log)
 {
     auto* const file = qobject_cast<QTemporaryFile*>(m_file.get());
-    if (!file || !WriteHeader())
+    if (!file)
+        return Fail(tr("No index is being written"));
+    if (!WriteHeader())
         return false;
     constexpr auto usual = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::WriteGroup
         | QFile::ReadOther | QFile::WriteOther;

@@ -2,6 +2,8 @@
 
 #include "ZrUtil/ZrEndian.h"
 
+#include <tuple>
+
 namespace {
 
 // Magic, version, count, then nine record types, sub-type first.
@@ -11,6 +13,8 @@ constexpr std::size_t versionAt = 4;
 constexpr std::size_t countAt = 6;
 constexpr std::size_t typesAt = 10;
 constexpr std::size_t typeSize = 4;
+constexpr std::size_t typeCount = 1 + std::tuple_size_v<decltype(ZrIndexHeader::crdTypes)>;
+static_assert(typesAt + typeCount * typeSize == ZrIndexHeader::Size);
 
 } // namespace
 

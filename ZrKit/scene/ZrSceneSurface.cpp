@@ -65,6 +65,7 @@ void ZrSceneSurface::Forget()
     m_program.Forget();
     m_meshBuffer = m_floorBuffer = m_trailBuffer = m_planBuffer = m_gridBuffer = Buffer();
     m_smooth.reset();
+    m_noSamples = 0;
     m_floorIndices = 0;
     m_meshTexture = 0;
     m_isFloorDue = true;
@@ -88,6 +89,7 @@ void ZrSceneSurface::OnResize(int width, int height)
 {
     m_width = width;
     m_height = height;
+    m_noSamples = 0;
 }
 
 void ZrSceneSurface::SetFloor(ZrSceneFloor floor)
@@ -292,7 +294,7 @@ void ZrSceneSurface::Bind(const Buffer& buffer)
 bool ZrSceneSurface::BeginSmooth()
 {
     // Its pixels are moved to another place, which OpenGL ES does not do.
-    const bool isPossible = m_samples > 1 && !m_context->isOpenGLES()
+    const bool isPossible = m_samples > 1 && m_noSamples != m_samples && !m_context->isOpenGLES()
         && QOpenGLFramebufferObject::hasOpenGLFramebufferBlit() && m_viewport.width() == m_width
         && m_viewport.height() == m_height;
     if (!isPossible)
@@ -307,7 +309,7 @@ bool ZrSceneSurface::BeginSmooth()
     }
     if (!m_smooth->isValid() || m_smooth->format().samples() < 2 || !m_smooth->bind()) {
         m_gl.glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(m_before));
-        m_samples = 1;
+        m_noSamples = m_samples;
         m_smooth.reset();
         return false;
     }

@@ -49,7 +49,8 @@ public:
     bool m_hasVehicle = true;
     bool m_hasSurface = true; ///< the plane of the water's surface is shown as a grid
     float m_exaggeration = 1.0F; ///< of heights, above 0
-    int m_samples = 4; ///< of a pixel, for smooth edges; 1 for none, and where the driver has no such buffers
+    int m_samples
+        = 4; ///< of a pixel, for smooth edges; 1 for none; none too where the driver has no such buffers
     float m_contourStep = 0.0F; ///< metres of depth between lines on the floor; 0 for none
 
     explicit ZrSceneSurface(QObject* parent = nullptr);
@@ -117,6 +118,7 @@ private:
     int m_width = 0;
     int m_height = 0;
     std::unique_ptr<QOpenGLFramebufferObject> m_smooth; ///< of many samples; null while it is not used
+    int m_noSamples = 0; ///< so many could not be had at this size; not tried again
     int m_before = 0; ///< the framebuffer that is drawn into in the end
     QPointer<QOpenGLContext> m_context;
 };

@@ -16,6 +16,26 @@ bool IsAltitude(double metres)
 
 } // namespace
 
+/// What is found of no pings.
+const std::shared_ptr<const std::vector<double>>& ZrBottomLine::Nothing()
+{
+    static const auto nothing = std::make_shared<const std::vector<double>>();
+    return nothing;
+}
+
+ZrBottomLine::ZrBottomLine(ZrBottomLine&& other) noexcept
+    : m_found(std::exchange(other.m_found, Nothing()))
+    , m_edited(std::exchange(other.m_edited, {}))
+{
+}
+
+ZrBottomLine& ZrBottomLine::operator=(ZrBottomLine&& other) noexcept
+{
+    m_found = std::exchange(other.m_found, Nothing());
+    m_edited = std::exchange(other.m_edited, {});
+    return *this;
+}
+
 ZrBottomLine::ZrBottomLine(std::size_t pings)
     : m_found(std::make_shared<const std::vector<double>>(pings, unknown))
 {

@@ -15,11 +15,17 @@
 ///
 /// Memory is 8 bytes for each ping, which copies share, and as much once anything was set by hand.
 ///
-/// A plain value; pings beyond its end, and changes to them, are ignored.
+/// A plain value, without pings once it was moved from; pings beyond its end, and changes to them, are
+/// ignored.
 class ZR_KIT_EXPORT ZrBottomLine
 {
 public:
     ZrBottomLine() = default;
+    ZrBottomLine(const ZrBottomLine&) = default;
+    ZrBottomLine(ZrBottomLine&& other) noexcept;
+    ZrBottomLine& operator=(const ZrBottomLine&) = default;
+    ZrBottomLine& operator=(ZrBottomLine&& other) noexcept;
+    ~ZrBottomLine() = default;
 
     /// A line of as many pings, none of them known.
     explicit ZrBottomLine(std::size_t pings);
@@ -60,8 +66,9 @@ public:
     void SetEdited(std::size_t first, zr::span<const double> altitudes);
 
 private:
+    static const std::shared_ptr<const std::vector<double>>& Nothing();
     void MakeEdits();
 
-    std::shared_ptr<const std::vector<double>> m_found = std::make_shared<const std::vector<double>>();
+    std::shared_ptr<const std::vector<double>> m_found = Nothing(); ///< never null
     std::vector<double> m_edited; ///< NaN where nothing was set; empty before the first time
 };

@@ -70,16 +70,19 @@ struct ZrMosaic::Line
     ZrSonarLog& log;
     std::size_t first;
     std::size_t last;
-    ZrSonarTrack track;
+    std::unique_ptr<const ZrSonarTrack> own; ///< when it was not given
+    const ZrSonarTrack& track;
     ZrSonarGeo geo;
     std::vector<ZrMosaicPing> sides[2]; ///< by `eSonarSide`
 
+    /// Along \p given or, without that, along a track made by \p settings.
     Line(ZrSonarLog& from, const ZrBottomLine& bottom, std::size_t begin, std::size_t end,
-        const ZrSonarTrackSettings& settings)
+        const ZrSonarTrackSettings& settings, const ZrSonarTrack* given)
         : log(from)
         , first(begin)
-        , last(end)
-        , track(from.Pings(), settings)
+        , last(std::min(end, from.Pings().size() - 1))
+        , own(given ? nullptr : std::make_unique<const ZrSonarTrack>(from.Pings(), settings))
+        , track(given ? *given : *own)
         , geo(from.Pings(), track, bottom)
     {
     }
@@ -101,8 +104,14 @@ ZrMosaic::~ZrMosaic() = default;
 void ZrMosaic::AddLine(ZrSonarLog& log, const ZrBottomLine& bottom, std::size_t first, std::size_t last)
 {
     if (!log.Pings().empty())
-        m_lines.push_back(std::make_unique<Line>(
-            log, bottom, first, std::min(last, log.Pings().size() - 1), m_settings.track));
+        m_lines.push_back(std::make_unique<Line>(log, bottom, first, last, m_settings.track, nullptr));
+}
+
+void ZrMosaic::AddLine(ZrSonarLog& log, const ZrBottomLine& bottom, const ZrSonarTrack& track,
+    std::size_t first, std::size_t last)
+{
+    if (!log.Pings().empty())
+        m_lines.push_back(std::make_unique<Line>(log, bottom, first, last, m_settings.track, &track));
 }
 
 bool ZrMosaic::Fail(const QString& error)
@@ -167,7 +176,8 @@ bool ZrMosaic::CheckSettings()
     return true;
 }
 
-/// The middle of the pings, which a few wild positions do not move. Not valid when none is placed.
+/// The middle of the pings, which a few wild positions do not move. Not valid when none is placed or `cancel`
+/// was set.
 ZrGeoPoint ZrMosaic::Middle() const
 {
     std::vector<double> lats;
@@ -175,6 +185,8 @@ ZrGeoPoint ZrMosaic::Middle() const
     double start = 0.0;
     for (const std::unique_ptr<Line>& line : m_lines) {
         for (std::size_t i = line->first; i <= line->last; ++i) {
+            if (cancel)
+                return {};
             const ZrGeoPoint at = line->track.Position(i);
             if (!at.IsValid())
                 continue;
@@ -191,6 +203,8 @@ ZrGeoPoint ZrMosaic::Middle() const
 bool ZrMosaic::PlaceFrame()
 {
     const ZrGeoPoint middle = Middle();
+    if (!Report(0.0))
+        return false;
     if (!middle.IsValid())
         return Fail(tr("No side-scan line has a known position"));
     m_frame = ZrMosaicFrame::ZoneAt(middle);
@@ -199,6 +213,8 @@ bool ZrMosaic::PlaceFrame()
         for (const int side : {sidePort, sideStarboard})
             PlaceSide(*line, side);
     }
+    if (!Report(0.0))
+        return false;
     if (static_cast<double>(m_far) > wildShare * static_cast<double>(m_placed + m_far)) {
         return Fail(
             tr("The side-scan lines lie too far apart for one picture: not all are within %1 degrees of "
@@ -243,7 +259,7 @@ void ZrMosaic::PlaceSide(Line& line, int side)
     if (side == sidePort ? !m_settings.port : !m_settings.starboard)
         return;
     const auto which = static_cast<eSonarSide>(side);
-    for (std::size_t i = line.first; i <= line.last; ++i) {
+    for (std::size_t i = line.first; i <= line.last && !cancel; ++i) {
         const ZrSonarPing& from = line.log.Pings()[i];
         ZrMosaicPing ping;
         ping.index = i;

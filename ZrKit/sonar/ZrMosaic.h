@@ -17,6 +17,7 @@
 class IZrProgress;
 class ZrBottomLine;
 class ZrSonarLog;
+class ZrSonarTrack;
 struct ZrMosaicPing;
 
 /// Lays side-scan lines on the map: a picture with north up, in the metres of the UTM zone that holds the
@@ -57,6 +58,11 @@ public:
     /// is done. Lines added later are newer.
     void AddLine(
         ZrSonarLog& log, const ZrBottomLine& bottom, std::size_t first = 0, std::size_t last = ToTheEnd);
+
+    /// The same along \p track, which was made of the pings of \p log, whatever the settings say of tracks:
+    /// at once, however long the log. The track must stay as well.
+    void AddLine(ZrSonarLog& log, const ZrBottomLine& bottom, const ZrSonarTrack& track,
+        std::size_t first = 0, std::size_t last = ToTheEnd);
 
     /// Makes the picture. False, with the reason in `Error` and no picture, when settings make no sense,
     /// nothing was seen, the lines lie too far apart for one zone, the picture would be too large or `cancel`

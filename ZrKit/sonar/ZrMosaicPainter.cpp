@@ -30,7 +30,7 @@ double ZrMosaicPainter::Distance(std::size_t k) const
     return m_track.Distance(m_pings[k].index);
 }
 
-/// The pings within a pixel before and behind the stretch.
+/// The pings within a pixel before and behind the stretch, and their distances: each pixel asks for all.
 void ZrMosaicPainter::FindCovered(std::size_t k)
 {
     const double pixel = m_frame.resolution;
@@ -42,6 +42,9 @@ void ZrMosaicPainter::FindCovered(std::size_t k)
     while (m_lastCovered + 1 < m_pings.size() && m_lastCovered - k < mostCovered
         && m_pings[m_lastCovered].joined && Distance(m_lastCovered + 1) - Distance(k + 1) < pixel)
         ++m_lastCovered;
+    m_distances.clear();
+    for (std::size_t i = m_firstCovered; i <= m_lastCovered; ++i)
+        m_distances.push_back(Distance(i));
 }
 
 void ZrMosaicPainter::Fill(std::size_t k)
@@ -96,12 +99,12 @@ double ZrMosaicPainter::At(std::size_t k, double share, double range)
 /// The mean over the pings that the pixel covers, by weights that fall to 0 one pixel away.
 double ZrMosaicPainter::Mean(std::size_t k, double share, double range)
 {
-    const double here = Distance(k) * (1.0 - share) + Distance(k + 1) * share;
-    const double width = std::max(m_frame.resolution, Distance(k + 1) - Distance(k));
+    const double here = Covered(k) * (1.0 - share) + Covered(k + 1) * share;
+    const double width = std::max(m_frame.resolution, Covered(k + 1) - Covered(k));
     double sum = 0.0;
     double weights = 0.0;
     for (std::size_t i = m_firstCovered; i <= m_lastCovered; ++i) {
-        const double weight = width - std::fabs(Distance(i) - here);
+        const double weight = width - std::fabs(Covered(i) - here);
         if (!(weight > 0.0))
             continue;
         const double value = m_rows.At(m_pings[i].index, range, m_frame.resolution);

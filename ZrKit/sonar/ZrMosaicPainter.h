@@ -30,6 +30,8 @@ private:
     double Mean(std::size_t k, double share, double range);
     double Distance(std::size_t k) const;
 
+    double Covered(std::size_t k) const { return m_distances[k - m_firstCovered]; } ///< its distance
+
     ZrMosaicRows m_rows;
     const ZrSonarTrack& m_track;
     const std::vector<ZrMosaicPing>& m_pings;
@@ -38,4 +40,5 @@ private:
     ZrMosaicRaster& m_raster;
     std::size_t m_firstCovered = 0; ///< of the pings that a pixel of this stretch covers
     std::size_t m_lastCovered = 0;
+    std::vector<double> m_distances; ///< metres along the track to each of them
 };

@@ -214,8 +214,10 @@ void ZrSonarLog::AddPing(ZrLogScan& scan, const ZrLogItem& item, u64 pos)
 bool ZrSonarLog::Complete(u32 number, const ZrLogItem& item, const ZrSonarChannel& channel)
 {
     for (auto it = m_waiting.rbegin(); it != m_waiting.rend(); ++it) {
+        if (m_table->Number(*it) != number)
+            continue;
         const ZrSonarPing ping = m_table->At(*it);
-        if (ping.number != number || ping.source != item.source || ping.sides[item.sub].IsThere()
+        if (ping.source != item.source || ping.sides[item.sub].IsThere()
             || !(std::fabs(ping.time - item.time) < pairWithin))
             continue;
         m_table->SetSide(*it, static_cast<eSonarSide>(item.sub), channel);

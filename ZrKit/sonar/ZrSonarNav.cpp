@@ -193,11 +193,16 @@ void ZrSonarNav::Share(std::shared_ptr<const ZrSurveySeries> series)
         m_times = std::vector<double>();
     }
     m_fixes.Share(m_series->track.data());
-    m_heading.Share(m_series->heading.Values().data());
-    m_pitch.Share(m_series->pitch.Values().data());
-    m_roll.Share(m_series->roll.Values().data());
-    m_depth.Share(m_series->depth.Values().data());
-    m_altitude.Share(m_series->altitude.Values().data());
+    // A curve may have been given fewer values than there are rows.
+    const auto share = [this](Row& row, const ZrPlotSeries& curve) {
+        if (curve.Count() == m_count)
+            row.Share(curve.Values().data());
+    };
+    share(m_heading, m_series->heading);
+    share(m_pitch, m_series->pitch);
+    share(m_roll, m_series->roll);
+    share(m_depth, m_series->depth);
+    share(m_altitude, m_series->altitude);
 }
 
 u64 ZrSonarNav::Bytes() const

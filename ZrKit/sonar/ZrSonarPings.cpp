@@ -3,15 +3,13 @@
 #include <utility>
 
 ZrSonarPings::ZrSonarPings(std::vector<ZrSonarPing> list)
-    : m_count(list.size())
-    , m_list(std::make_shared<const std::vector<ZrSonarPing>>(std::move(list)))
+    : m_list(std::make_shared<const std::vector<ZrSonarPing>>(std::move(list)))
 {
 }
 
 ZrSonarPings::ZrSonarPings(
     std::shared_ptr<const ZrSonarPingTable> table, std::shared_ptr<const ZrSonarNav> nav)
-    : m_count(table->Count())
-    , m_table(std::move(table))
+    : m_table(std::move(table))
     , m_nav(std::move(nav))
 {
 }

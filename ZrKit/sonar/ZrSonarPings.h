@@ -22,7 +22,8 @@
 /// A ping of a log takes some 17 bytes, see `ZrSonarPingTable`; its pose is found in the navigation. A list
 /// of pings is kept as it is.
 ///
-/// A plain value: copies share one table, which never changes. Any number of threads.
+/// A plain value: copies share one table, which never changes; there are none once it was moved from. Any
+/// number of threads.
 class ZR_KIT_EXPORT ZrSonarPings
 {
 public:
@@ -36,15 +37,15 @@ public:
     /// Those of a table, with the poses that \p nav tells, which is prepared.
     ZrSonarPings(std::shared_ptr<const ZrSonarPingTable> table, std::shared_ptr<const ZrSonarNav> nav);
 
-    std::size_t size() const { return m_count; }
+    std::size_t size() const { return m_table ? m_table->Count() : m_list ? m_list->size() : 0; }
 
-    bool empty() const { return m_count == 0; }
+    bool empty() const { return size() == 0; }
 
     ZrSonarPing operator[](std::size_t i) const;
 
     ZrSonarPing front() const { return (*this)[0]; }
 
-    ZrSonarPing back() const { return (*this)[m_count - 1]; }
+    ZrSonarPing back() const { return (*this)[size() - 1]; }
 
     Iterator begin() const;
     Iterator end() const;
@@ -70,8 +71,7 @@ public:
     u64 Bytes() const; ///< memory of the table and of the navigation
 
 private:
-    std::size_t m_count = 0;
-    std::shared_ptr<const std::vector<ZrSonarPing>> m_list;
+    std::shared_ptr<const std::vector<ZrSonarPing>> m_list; ///< null without any
     std::shared_ptr<const ZrSonarPingTable> m_table; ///< in its place
     std::shared_ptr<const ZrSonarNav> m_nav;
 };
@@ -126,6 +126,8 @@ public:
 
     friend Iterator operator+(Iterator it, difference_type n) { return it += n; }
 
+    friend Iterator operator+(difference_type n, Iterator it) { return it += n; }
+
     friend Iterator operator-(Iterator it, difference_type n) { return it -= n; }
 
     friend difference_type operator-(const Iterator& a, const Iterator& b) { return a.m_i - b.m_i; }
@@ -135,6 +137,12 @@ public:
     friend bool operator!=(const Iterator& a, const Iterator& b) { return a.m_i != b.m_i; }
 
     friend bool operator<(const Iterator& a, const Iterator& b) { return a.m_i < b.m_i; }
+
+    friend bool operator>(const Iterator& a, const Iterator& b) { return a.m_i > b.m_i; }
+
+    friend bool operator<=(const Iterator& a, const Iterator& b) { return a.m_i <= b.m_i; }
+
+    friend bool operator>=(const Iterator& a, const Iterator& b) { return a.m_i >= b.m_i; }
 
 private:
     const ZrSonarPings* m_pings = nullptr;
@@ -149,7 +157,7 @@ inline ZrSonarPings::Iterator ZrSonarPings::begin() const
 
 inline ZrSonarPings::Iterator ZrSonarPings::end() const
 {
-    return {*this, m_count};
+    return {*this, size()};
 }
 
 inline std::reverse_iterator<ZrSonarPings::Iterator> ZrSonarPings::rbegin() const

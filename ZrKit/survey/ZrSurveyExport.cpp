@@ -1,15 +1,18 @@
 #include "ZrKit/survey/ZrSurveyExport.h"
 
 #include "ZrKit/review/ZrDatasetReader.h"
+#include "ZrKit/review/ZrEventFile.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrWorkStage.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
+#include "ZrKit/sonar/ZrMosaicFile.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrUtil/ZrSameFile.h"
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 ZrSurveyExport::Step::Step(ZrSurveyExport& part, std::atomic<bool>& cancel)
     : m_part(part)
@@ -38,10 +41,7 @@ ZrSurveyExport::ZrSurveyExport(std::shared_ptr<const ZrSurveyRecording> recordin
         if (at >= m_from && at <= m_to)
             m_targets.push_back(target);
     }
-    if (m_recording->HasSonar() && m_from <= m_to) {
-        m_firstPing = static_cast<std::size_t>(std::ceil(m_recording->PingAt(m_from)));
-        m_lastPing = std::max(m_firstPing, static_cast<std::size_t>(m_recording->PingAt(m_to)));
-    }
+    std::tie(m_firstPing, m_endPing) = m_recording->PingsIn(m_from, m_to);
 }
 
 QStringList ZrSurveyExport::Suffixes(int kind)
@@ -100,6 +100,26 @@ QString ZrSurveyExport::WhyNot(int kind, const QString& path) const
         return tr("The recording holds no side-scan sonar");
     if (!(m_from <= times.End() && m_to >= times.Begin()))
         return tr("There is nothing to export");
+    if ((kind == waterfall || kind == mosaic) && m_firstPing == m_endPing)
+        return tr("There is no side-scan ping in this part");
+    QString whyNot = WhyNotFile(path);
+    if (!whyNot.isEmpty())
+        return whyNot;
+    QStringList others; // that are written too
+    if (kind == segment)
+        others << ZrEventFile::PathOf(path);
+    else if (kind == mosaic)
+        others = ZrMosaicFile::FilesOf(path).mid(1);
+    for (const QString& other : others) {
+        whyNot = WhyNotFile(other);
+        if (!whyNot.isEmpty())
+            break;
+    }
+    return whyNot;
+}
+
+QString ZrSurveyExport::WhyNotFile(const QString& path) const
+{
     if (zr::is_same_file(path, ZrBottomFile(m_recording->Path()).Path()))
         return ZrExportRange::BelongsToRecording(path);
     return ZrExportRange::Refusal(m_recording->Path(), path);

@@ -28,8 +28,9 @@ class ZrSurveyRecording;
 ///
 /// The file takes its place in one step when it is complete; a failure or `Stop` leaves what was there.
 /// Records are read piece by piece from the index and samples from the log, so that memory goes neither with
-/// the log nor with the part; where the index must be made anew it is 8 bytes for a record. That of pictures
-/// goes with their pixels and with the pings of the log.
+/// the log nor with the part; where the index must be made anew it is 8 bytes for a record, and 160 more
+/// where no disk takes it, or one fills meanwhile. That of pictures goes with their pixels and with the pings
+/// of the part, and of the log where its bottom line has gaps or was corrected.
 ///
 /// \code
 /// auto part = std::make_shared<ZrSurveyExport>(recording, from, to);
@@ -88,7 +89,7 @@ public:
     ZrSurveyExport& operator=(const ZrSurveyExport&) = delete;
 
     /// Writes \p path, in the format that its suffix asks for; \p progress, which may be null, is told the
-    /// percentages. Never over a file of the recording itself.
+    /// percentages. Never over a file of the recording itself, with none of the files that it writes.
     eResult Run(int kind, const QString& path, IZrProgress* progress = nullptr);
 
     /// Ends `Run` soon, or at once when it begins later.
@@ -123,6 +124,7 @@ private:
     bool Fail(const QString& error);
     bool Write(int kind, const QString& path, IZrProgress* progress);
     QString WhyNot(int kind, const QString& path) const;
+    QString WhyNotFile(const QString& path) const;
     bool WritePart(int kind, const QString& path, IZrProgress* progress);
     std::shared_ptr<const ZrSteadyTime> TimesOf(ZrRecordSource& source, bool isLogUnchanged);
     bool WriteTargets(const QString& path);
@@ -138,7 +140,7 @@ private:
     ZrBottomLine m_bottom; ///< that of the recording may be corrected meanwhile
     std::vector<ZrSonarTarget> m_targets; ///< of the part
     std::size_t m_firstPing = 0;
-    std::size_t m_lastPing = 0;
+    std::size_t m_endPing = 0; ///< behind the last one
     std::atomic<bool> m_cancel{false};
     std::mutex m_stepGuard; ///< of the pointer
     std::atomic<bool>* m_stepCancel = nullptr; ///< of what is under way

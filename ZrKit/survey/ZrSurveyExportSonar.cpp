@@ -30,8 +30,7 @@ bool ZrSurveyExport::OpenLog(ZrSonarLog& log)
 {
     if (!log.OpenAs(m_recording->SonarLog()))
         return Fail(log.Error());
-    m_lastPing = std::min(m_lastPing, log.Pings().size() - 1);
-    m_items = m_lastPing - m_firstPing + 1;
+    m_items = m_endPing - m_firstPing;
     return true;
 }
 
@@ -55,7 +54,7 @@ bool ZrSurveyExport::DrawWaterfall(const QString& path, IZrProgress* progress)
     for (const int width : {0, widestPicture, 2048, 1024, narrowest}) {
         settings.width = width;
         const ZrWaterfallMap map(
-            log.Pings(), m_recording->Track(), m_bottom, settings, m_firstPing, m_lastPing);
+            log.Pings(), m_recording->Track(), m_bottom, settings, m_firstPing, m_endPing - 1);
         if (map.IsTooLarge() && width != narrowest)
             continue;
         if (!drawing.Render(map, image))
@@ -84,12 +83,11 @@ bool ZrSurveyExport::DrawMosaic(const QString& path, IZrProgress* progress)
         return false;
     ZrMosaicSettings settings;
     settings.palette = Palette();
-    settings.track.smoothing = ZrSurveyRecording::Smoothing;
     ZrMosaic drawing(settings);
     {
         const Step step(*this, drawing.cancel);
         drawing.progress = progress;
-        drawing.AddLine(log, m_bottom, m_firstPing, m_lastPing);
+        drawing.AddLine(log, m_bottom, m_recording->Track(), m_firstPing, m_endPing - 1);
         if (!drawing.Build())
             return Fail(drawing.Error());
     }

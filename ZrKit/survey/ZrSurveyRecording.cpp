@@ -31,8 +31,6 @@ namespace {
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double mostBetween = 10.0; ///< seconds between rows that a position is taken between
 
-using Stage = ZrWorkStage;
-
 /// Of what was read only tables are left, which grew piece by piece: the rest goes back to the system at
 /// once.
 void ReleaseMemory()
@@ -40,6 +38,20 @@ void ReleaseMemory()
 #ifdef __GLIBC__
     malloc_trim(0);
 #endif
+}
+
+/// The first of \p count pings, in order of time, that \p isThere says yes to: to all behind it too.
+template <class IsThere> std::size_t FirstOf(std::size_t count, const IsThere& isThere)
+{
+    std::size_t first = 0;
+    for (std::size_t end = count; first < end;) {
+        const std::size_t middle = first + (end - first) / 2;
+        if (isThere(middle))
+            end = middle;
+        else
+            first = middle + 1;
+    }
+    return first;
 }
 
 } // namespace
@@ -108,7 +120,7 @@ bool ZrSurveyRecording::LoadRecords()
     // The index is made, or found good; its records are not kept.
     const auto index = [this](std::size_t& count) {
         ZrDatasetReader reader;
-        Stage stage(progress, cancel, reader.cancel, 0, 30);
+        ZrWorkStage stage(progress, cancel, reader.cancel, 0, 30);
         reader.progress = &stage;
         const std::unique_ptr<ZrSurveyDataset> dataset = IndexRecords(reader);
         if (!dataset)
@@ -120,7 +132,7 @@ bool ZrSurveyRecording::LoadRecords()
     };
     ZrSurveySeriesReader reader;
     {
-        Stage stage(progress, cancel, reader.cancel, 30, 50);
+        ZrWorkStage stage(progress, cancel, reader.cancel, 30, 50);
         reader.progress = &stage;
         if (!reader.Read(m_path, *m_series))
             return Fail(reader.Error());
@@ -154,7 +166,7 @@ std::unique_ptr<ZrSurveyDataset> ZrSurveyRecording::IndexRecords(ZrDatasetReader
 bool ZrSurveyRecording::LoadSonar()
 {
     {
-        Stage stage(progress, cancel, m_log.cancel, 50, 70);
+        ZrWorkStage stage(progress, cancel, m_log.cancel, 50, 70);
         m_log.progress = &stage;
         const bool opened = m_log.Open(m_path);
         m_log.progress = nullptr;
@@ -171,7 +183,7 @@ bool ZrSurveyRecording::LoadSonar()
     m_track = std::make_unique<ZrSonarTrack>(Pings(), settings);
     m_geo = std::make_shared<ZrSonarGeo>(Pings(), *m_track, m_bottom);
     m_waterfall = std::make_shared<ZrWaterfallPings>(m_log, m_geo);
-    Stage stage(progress, cancel, m_waterfall->cancel, 90, 99);
+    ZrWorkStage stage(progress, cancel, m_waterfall->cancel, 90, 99);
     m_waterfall->progress = &stage;
     const bool learnt = m_waterfall->Learn();
     m_waterfall->progress = nullptr;
@@ -191,7 +203,7 @@ bool ZrSurveyRecording::LoadBottom()
         altitudes.push_back(ping.pose.altitude);
     if (QFileInfo(m_path).size() <= MostTracked) {
         ZrBottomTracker tracker;
-        Stage stage(progress, cancel, tracker.cancel, 70, 90);
+        ZrWorkStage stage(progress, cancel, tracker.cancel, 70, 90);
         tracker.progress = &stage;
         const std::vector<double> tracked = tracker.Track(m_log);
         if (tracked.size() != altitudes.size())
@@ -250,19 +262,28 @@ void ZrSurveyRecording::LoadPlan()
     m_planWay = ZrRoutePath(route).LegLines();
 }
 
+std::size_t ZrSurveyRecording::FirstPingFrom(double steady) const
+{
+    return FirstOf(Pings().size(), [&](std::size_t ping) { return PingTime(ping) >= steady; });
+}
+
+std::size_t ZrSurveyRecording::FirstPingBehind(double steady) const
+{
+    return FirstOf(Pings().size(), [&](std::size_t ping) { return PingTime(ping) > steady; });
+}
+
+std::pair<std::size_t, std::size_t> ZrSurveyRecording::PingsIn(double from, double to) const
+{
+    if (!(from <= to))
+        return {0, 0};
+    return {FirstPingFrom(from), FirstPingBehind(to)};
+}
+
 double ZrSurveyRecording::PingAt(double steady) const
 {
     if (Pings().empty() || std::isnan(steady))
         return unknown;
-    // The first ping behind it.
-    std::size_t after = 0;
-    for (std::size_t end = Pings().size(); after < end;) {
-        const std::size_t middle = after + (end - after) / 2;
-        if (steady < PingTime(middle))
-            end = middle;
-        else
-            after = middle + 1;
-    }
+    const std::size_t after = FirstPingBehind(steady);
     if (after == 0)
         return 0.0;
     const std::size_t i = after - 1;

@@ -113,6 +113,11 @@ public:
     std::vector<ZrSonarTarget> Targets() const; ///< those among the events, see `ZrTargetEvent`
 
     double PingAt(double steady) const; ///< with its fraction; NaN without sonar
+
+    /// The pings between two steady times, both included: the first and the one behind the last; the same
+    /// twice when there are none. Several may have one time, as those in front of the first record have.
+    std::pair<std::size_t, std::size_t> PingsIn(double from, double to) const;
+
     double TimeOfPing(double ping) const; ///< steady; likewise
     /// @}
 
@@ -129,6 +134,8 @@ public:
 
 private:
     double PingTime(std::size_t ping) const;
+    std::size_t FirstPingFrom(double steady) const;
+    std::size_t FirstPingBehind(double steady) const;
     void LoadPingTimes();
     bool LoadRecords();
     bool LoadSonar();

@@ -28,10 +28,10 @@ class ZrTouchList;
 /// Folders come first, then files, the newest first; hidden ones are not shown. The name of a file to write
 /// gets the first suffix when it has none of them; that a file is replaced is said before.
 ///
-/// A folder is read by a worker, so that a slow or large one holds up nothing: the list is empty meanwhile,
-/// and says so when it takes longer than `DelayMilliseconds`. Another folder ends the reading of the one
-/// before. The drives at the left are looked for by a worker too. The destructor waits for what does not
-/// answer. GUI thread only.
+/// What is in a folder is read by a worker, so that a slow or large one holds up nothing: the list is empty
+/// meanwhile, and says so when it takes longer than `DelayMilliseconds`. Another folder ends the reading of
+/// the one before. The drives at the left are looked for by a worker too. Whether a folder or the file of a
+/// typed name exists is asked at once. The destructor waits for what does not answer. GUI thread only.
 class ZR_KIT_EXPORT ZrFilePanel : public ZrOverlay
 {
     Q_OBJECT

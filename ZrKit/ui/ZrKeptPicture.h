@@ -5,6 +5,7 @@
 #include <QRect>
 #include <QVector>
 
+#include <algorithm>
 #include <cmath>
 
 /// A part of a widget that is painted anew only when what it shows has changed: for curves that take many
@@ -33,7 +34,9 @@ public:
             return;
         }
         const QSize size = rect.size() * static_cast<int>(ratio);
-        if (m_key != key || m_image.size() != size || m_corner != rect.topLeft()) {
+        // Vectors that share their data are equal for QVector, with a NaN too.
+        const bool isSame = std::equal(m_key.cbegin(), m_key.cend(), key.cbegin(), key.cend());
+        if (!isSame || m_image.size() != size || m_corner != rect.topLeft()) {
             m_key = key;
             m_corner = rect.topLeft();
             m_image = QImage(size, QImage::Format_ARGB32_Premultiplied);

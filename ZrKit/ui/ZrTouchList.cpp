@@ -200,14 +200,15 @@ void ZrTouchList::Replace(
 {
     const int current = Current();
     const int position = verticalScrollBar()->value();
-    const ZrListItem was = m_pressed >= 0 ? Item(m_pressed) : ZrListItem();
     m_isSetting = true;
     // Else each row would be made for its height.
     setUniformItemSizes(static_cast<bool>(make));
     m_model->Replace(items, count, make);
+    if (m_pressed >= Count())
+        m_pressed = -1;
     if (m_pressed >= 0) {
-        const ZrListItem is = m_pressed < Count() ? Item(m_pressed) : ZrListItem();
-        if (m_pressed >= Count() || is.title != was.title || is.data != was.data)
+        const ZrListItem item = Item(m_pressed);
+        if (item.title != m_pressedItem.title || item.data != m_pressedItem.data)
             m_pressed = -1;
     }
     m_isSetting = false;
@@ -309,6 +310,7 @@ void ZrTouchList::SetPressed(int row)
         if (each >= 0)
             update(m_model->index(each));
     }
+    m_pressedItem = row >= 0 ? Item(row) : ZrListItem();
 }
 
 /// \returns whether it is dealt with, as do the others of the finger

@@ -87,5 +87,6 @@ private:
     Model* m_model;
     bool m_isSetting = false;
     int m_pressed = -1; ///< row that the finger is on, and chooses when it goes; -1 for none
+    ZrListItem m_pressedItem; ///< what that row was when it was pressed
     QElapsedTimer m_clock; ///< for the speed of the finger
 };

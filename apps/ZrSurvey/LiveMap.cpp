@@ -93,8 +93,8 @@ void LiveMap::ShowPlan()
             ZrMapLabel label;
             label.text = name;
             label.position = marker.position;
-            label.offset = {10.0, 0.0};
-            label.alignY = ZrMapLabel::alignMiddle;
+            label.offset = {8.0, -8.0}; // lines that run on to the side stay clear of it
+            label.alignY = ZrMapLabel::alignBottom;
             label.size = ZrLegible::Design(14.0F);
             labels.push_back(label);
         }

@@ -38,6 +38,7 @@ ZrListItem PlanListPanel::Row(int waypoint) const
     if (!wpt)
         return item;
     item.title = wpt->Name();
+    item.data = wpt->uuid;
     const std::vector<ZrRouteLeg>& legs = m_path().Legs();
     if (waypoint > 0 && static_cast<std::size_t>(waypoint) <= legs.size()) {
         const double length = legs[static_cast<std::size_t>(waypoint) - 1].length;

@@ -476,6 +476,7 @@ ZrListItem PlanPage::CheckRow(int row) const
     ZrListItem item;
     item.title = finding.Title();
     item.subtitle = finding.text;
+    item.data = finding.text + QString::number(finding.index);
     const bool isError = finding.severity == ZrRouteFinding::eError;
     const bool isInfo = finding.severity == ZrRouteFinding::eInfo;
     item.image = QImage(isError ? QStringLiteral(":/icons/error.png")

@@ -31,6 +31,7 @@ void RecordPage::OpenSource()
     m_openKey = key;
     m_openPlan = ZrRouteKey::Of(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
     m_watch.Clear();
+    m_isLossTold = false; // of the one before
     m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
     ShowPlan();
 }
@@ -183,7 +184,7 @@ void RecordPage::TellLoss(const ZrSourceFacts& facts)
     m_isLossTold = true;
     SurveyRecording::Notice notice;
     notice.text = tr("%1: no data from %2. The recording goes on without.")
-                      .arg(SurveyRecording::TimeNow(), SurveySource::Describe(View().Model().settings));
+                      .arg(SurveyRecording::TimeNow(), SurveySource::Describe(m_opened));
     notice.advice = facts.state == ZrSourceFacts::troubled
         ? tr("%1; it is tried again and again.").arg(facts.reason)
         : tr("Check the vehicle and its cable, or choose another source.");

@@ -29,6 +29,7 @@ constexpr int spaceTicks = 10; // free space is looked at so often
 constexpr qint64 megabyte = 1000000;
 constexpr double littleTime = 600.0; // seconds of recording left
 constexpr double lostAfter = 30.0; // seconds without a fix
+constexpr double mostMinutes = 9999.0; // that an age is told in
 
 QString FixName(double quality)
 {
@@ -41,15 +42,16 @@ QString FixName(double quality)
     return index < std::size(names) ? QCoreApplication::translate("RecordPage", names[index]) : QString();
 }
 
+/// By minutes: a page to which nothing comes draws no more often.
 QString AgeText(double seconds)
 {
-    const bool isLong = seconds >= 60.0;
-    const int whole = static_cast<int>(std::min(isLong ? seconds / 60.0 : seconds, 9999.0));
-    return isLong ? QCoreApplication::translate("RecordPage", "%1 min ago").arg(whole)
-                  : QCoreApplication::translate("RecordPage", "%1 s ago").arg(whole);
+    if (seconds < 60.0)
+        return {};
+    const int minutes = static_cast<int>(std::min(seconds / 60.0, mostMinutes));
+    return QCoreApplication::translate("RecordPage", "%1 min ago").arg(minutes);
 }
 
-/// Shows \p text, dimmed and with its age when \p value is old.
+/// Shows \p text, dimmed, later with its age too, when \p value is old.
 void ShowValue(
     ZrValueTile* tile, const ZrLiveValue& value, double now, const QString& text, const QString& unit)
 {
@@ -156,8 +158,9 @@ void RecordPage::ShowInstruments()
 
     const double age = state.fix.Age(now);
     const bool isLong = age >= 60.0;
-    const int whole = state.fix.IsKnown() ? static_cast<int>(std::min(isLong ? age / 60.0 : age, 9999.0)) : 0;
-    m_fix->Set(state.fix.IsKnown() ? QString::number(whole) : QString(), isLong ? tr("min") : tr("s"));
+    const double shown = isLong ? std::min(age / 60.0, mostMinutes) : age;
+    m_fix->Set(state.fix.IsKnown() ? QString::number(static_cast<int>(shown)) : QString(),
+        isLong ? tr("min") : tr("s"));
     m_fix->SetState(!state.fix.IsKnown()    ? ZrValueTile::normal
             : age > lostAfter               ? ZrValueTile::error
             : age > ZrLiveValue::StaleAfter ? ZrValueTile::warning

@@ -35,7 +35,8 @@ enum eReady : int
 {
     mapReady = 1,
     palettesReady,
-    sonarReady
+    sonarReady,
+    allDrawn
 };
 
 int HeaderHeight()
@@ -54,7 +55,7 @@ void ReviewPage::zr_initializeGL()
 
 bool ReviewPage::IsDrawn() const
 {
-    return m_ready >= sonarReady;
+    return m_ready >= allDrawn;
 }
 
 void ReviewPage::zr_paintGL()
@@ -67,11 +68,10 @@ void ReviewPage::zr_paintGL()
         m_map->Render(m_ready >= mapReady);
     if (m_sonar->Panel().isVisible() && m_ready >= palettesReady)
         m_sonar->Render(m_ready >= sonarReady);
-    if (m_ready < sonarReady) {
-        ++m_ready;
-        // Not at once: events come in between.
+    // Not at once: events come in between.
+    if (m_ready < sonarReady)
         QTimer::singleShot(0, this, &SurveyPage::Changed);
-    }
+    m_ready = std::min<int>(m_ready + 1, allDrawn);
 }
 
 void ReviewPage::showEvent(QShowEvent* event)

@@ -241,8 +241,8 @@ void AddLogRecord(CLI::App& log, CliRun& run)
         "sentence is followed by the records decoded from it (position, depth, motion,\n"
         "environment). The log is named by the local time. Ctrl-C or SIGTERM ends the\n"
         "recording cleanly; killing the program loses no line that was logged.",
-        "Units: sizes in MB, a million bytes, given and told. M may name another one: kB, GB, TB, or\n"
-        "KiB, MiB, GiB, TiB, which count in 1024s: --min-free 2GB.\n"
+        "Units: sizes in MB, a million bytes, given and told. M may name another one:\n"
+        "kB, GB, TB, or KiB, MiB, GiB, TiB, which count in 1024s: --min-free 2GB.\n"
         "\n"
         "Examples:\n"
         "  zr log record /data/logs --udp 10110 --prefix dive\n"
