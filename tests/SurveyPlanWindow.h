@@ -98,6 +98,7 @@ inline void SurveyPlanWindow::Open()
     QTRY_VERIFY(!m_page->findChild<PlanFiles*>()->IsRestoring());
     // The page fits the plan, or settles where there is none, before anything is done by hand.
     QTRY_VERIFY(m_panel->width() > 300);
+    QTRY_VERIFY(!m_panel->Map().m_camera.IsEmpty());
     QTest::qWait(50);
 }
 

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr double mostMs = 50.0; ///< of a step on a plan of 10,000 waypoints
+constexpr double mostFrameMs = 200.0; ///< of its lines and marks made anew; more is felt as a pause
 
 double CpuMsOf(const std::function<void()>& act)
 {
@@ -207,9 +208,9 @@ void tst_SurveyPlanLong::frameCosts()
         view.ZoomAbout({640.0, 400.0}, 0.5);
     }
     QVERIFY(made > 0.0 && zoomed > 0.0);
-    QVERIFY2(underSanitizer || made < mostMs, qPrintable(QString::number(made)));
-    QVERIFY2(underSanitizer || zoomed < mostMs, qPrintable(QString::number(zoomed)));
     qInfo("%.1f ms, after a zoom %.1f ms", made, zoomed);
+    QVERIFY2(underSanitizer || made < mostFrameMs, qPrintable(QString::number(made)));
+    QVERIFY2(underSanitizer || zoomed < mostFrameMs, qPrintable(QString::number(zoomed)));
 }
 
 GL_TEST_MAIN(tst_SurveyPlanLong)

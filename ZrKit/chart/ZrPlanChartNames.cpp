@@ -128,5 +128,7 @@ void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double dist
         label.alignY = side.y > 0 ? ZrMapLabel::alignTop
             : side.y < 0          ? ZrMapLabel::alignBottom
                                   : ZrMapLabel::alignMiddle;
+        if (length == 0.0)
+            return;
     }
 }
