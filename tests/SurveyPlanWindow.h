@@ -3,6 +3,7 @@
 // The page "Plan" in a window that is shown, and the hands that its tests have.
 
 #include "GlTest.h"
+#include "TouchOn.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
 #include "ZrKit/ui/ZrFilePanel.h"
@@ -134,8 +135,8 @@ inline void SurveyPlanWindow::Click(const char* name)
 inline void SurveyPlanWindow::Tap(const QPoint& at)
 {
     // Both arrive together: on a busy machine the time between two of them may be that of a long press.
-    QTest::touchEvent(m_panel, m_touch, false).press(1, at, m_panel).commit(false);
-    QTest::touchEvent(m_panel, m_touch).release(1, at, m_panel);
+    TouchOn(m_panel, m_touch, false).press(1, at, m_panel).commit(false);
+    TouchOn(m_panel, m_touch).release(1, at, m_panel);
     // Two taps are no double tap.
     QTest::qWait(450);
 }

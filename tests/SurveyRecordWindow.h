@@ -3,6 +3,7 @@
 // The page "Record" in its real window, and the hands that its tests have.
 
 #include "GlTest.h"
+#include "TouchOn.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUiChecks.h"
@@ -54,8 +55,8 @@ protected:
     {
         QVERIFY(widget);
         const QPoint middle = widget->rect().center();
-        QTest::touchEvent(widget, m_screen).press(0, middle, widget);
-        QTest::touchEvent(widget, m_screen).release(0, middle, widget);
+        TouchOn(widget, m_screen).press(0, middle, widget);
+        TouchOn(widget, m_screen).release(0, middle, widget);
     }
 
     QStringList Logs() const

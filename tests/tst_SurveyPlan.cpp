@@ -1,6 +1,7 @@
 // Waypoints on the page "Plan", driven by fingers, mouse and keys.
 
 #include "SurveyPlanWindow.h"
+#include "TouchOn.h"
 
 class tst_SurveyPlan : public SurveyPlanWindow
 {
@@ -55,13 +56,13 @@ void tst_SurveyPlan::addByTap()
 void tst_SurveyPlan::panAndPinchAddNothing()
 {
     Click("tool_add");
-    QTest::touchEvent(m_panel, m_touch).press(1, {400, 300}, m_panel);
+    TouchOn(m_panel, m_touch).press(1, {400, 300}, m_panel);
     for (int i = 1; i <= 8; ++i)
-        QTest::touchEvent(m_panel, m_touch).move(1, {400 + 10 * i, 300}, m_panel);
-    QTest::touchEvent(m_panel, m_touch).release(1, {480, 300}, m_panel);
-    QTest::touchEvent(m_panel, m_touch).press(1, {400, 300}, m_panel);
-    QTest::touchEvent(m_panel, m_touch).stationary(1).press(2, {500, 300}, m_panel);
-    QTest::touchEvent(m_panel, m_touch).release(1, {400, 300}, m_panel).release(2, {500, 300}, m_panel);
+        TouchOn(m_panel, m_touch).move(1, {400 + 10 * i, 300}, m_panel);
+    TouchOn(m_panel, m_touch).release(1, {480, 300}, m_panel);
+    TouchOn(m_panel, m_touch).press(1, {400, 300}, m_panel);
+    TouchOn(m_panel, m_touch).stationary(1).press(2, {500, 300}, m_panel);
+    TouchOn(m_panel, m_touch).release(1, {400, 300}, m_panel).release(2, {500, 300}, m_panel);
     QTest::qWait(100);
     QCOMPARE(Plan().Route().GetCount(), 0);
 }
@@ -80,10 +81,10 @@ void tst_SurveyPlan::dragByTouch()
     Tap(PixelOf(1));
     const QPoint from = PixelOf(1);
     const int steps = Plan().History().Steps();
-    QTest::touchEvent(m_panel, m_touch).press(1, from + QPoint(6, 4), m_panel);
-    QTest::touchEvent(m_panel, m_touch).move(1, from + QPoint(46, 24), m_panel);
-    QTest::touchEvent(m_panel, m_touch).move(1, from + QPoint(86, 44), m_panel);
-    QTest::touchEvent(m_panel, m_touch).release(1, from + QPoint(86, 44), m_panel);
+    TouchOn(m_panel, m_touch).press(1, from + QPoint(6, 4), m_panel);
+    TouchOn(m_panel, m_touch).move(1, from + QPoint(46, 24), m_panel);
+    TouchOn(m_panel, m_touch).move(1, from + QPoint(86, 44), m_panel);
+    TouchOn(m_panel, m_touch).release(1, from + QPoint(86, 44), m_panel);
     QTRY_VERIFY((PixelOf(1) - from - QPoint(80, 40)).manhattanLength() <= 2);
     QCOMPARE(Plan().History().Steps(), steps + 1);
     QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
@@ -97,16 +98,16 @@ void tst_SurveyPlan::secondFingerCancelsTheDrag()
     const double lat = Wpt(1)->lat;
     const double lng = Wpt(1)->lng;
     const QPoint from = PixelOf(1);
-    QTest::touchEvent(m_panel, m_touch).press(1, from, m_panel);
-    QTest::touchEvent(m_panel, m_touch).move(1, from + QPoint(60, 60), m_panel);
+    TouchOn(m_panel, m_touch).press(1, from, m_panel);
+    TouchOn(m_panel, m_touch).move(1, from + QPoint(60, 60), m_panel);
     QVERIFY(Wpt(1)->lat != lat);
-    QTest::touchEvent(m_panel, m_touch).stationary(1).press(2, from + QPoint(-150, 0), m_panel);
+    TouchOn(m_panel, m_touch).stationary(1).press(2, from + QPoint(-150, 0), m_panel);
     QCOMPARE(Wpt(1)->lat, lat);
     QCOMPARE(Wpt(1)->lng, lng);
-    QTest::touchEvent(m_panel, m_touch)
+    TouchOn(m_panel, m_touch)
         .move(1, from + QPoint(80, 80), m_panel)
         .move(2, from + QPoint(-180, 0), m_panel);
-    QTest::touchEvent(m_panel, m_touch)
+    TouchOn(m_panel, m_touch)
         .release(1, from + QPoint(80, 80), m_panel)
         .release(2, from + QPoint(-180, 0), m_panel);
     QTest::qWait(50);
@@ -122,10 +123,10 @@ void tst_SurveyPlan::panDoesNotDrag()
     const double lat = Wpt(1)->lat;
     const QPointF centre = m_page->Map().m_camera.Centre();
     const QPoint from = PixelOf(1);
-    QTest::touchEvent(m_panel, m_touch).press(1, from, m_panel);
+    TouchOn(m_panel, m_touch).press(1, from, m_panel);
     for (int i = 1; i <= 6; ++i)
-        QTest::touchEvent(m_panel, m_touch).move(1, from + QPoint(10 * i, 10 * i), m_panel);
-    QTest::touchEvent(m_panel, m_touch).release(1, from + QPoint(60, 60), m_panel);
+        TouchOn(m_panel, m_touch).move(1, from + QPoint(10 * i, 10 * i), m_panel);
+    TouchOn(m_panel, m_touch).release(1, from + QPoint(60, 60), m_panel);
     QCOMPARE(Wpt(1)->lat, lat);
     QVERIFY(m_page->Map().m_camera.Centre() != centre);
     QVERIFY(!Plan().History().CanUndo());

@@ -120,6 +120,7 @@ void tst_SurveyPlanDrawing::ringIsInTheDraft()
 void tst_SurveyPlanDrawing::movedCornersAreInTheDraft()
 {
     DrawArea();
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     const std::vector<ZrGeoPoint> before = Plan().Areas()[0].ring;
     Tap({450, 350});
     Click("corners");
@@ -239,6 +240,7 @@ void tst_SurveyPlanDrawing::oneHistory()
     };
     AddRoute();
     DrawArea();
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     QTest::keyClick(m_view.get(), Qt::Key_R, Qt::ControlModifier);
     Plan().SetNoGo({{QStringLiteral("Rock"), Plan().Areas()[0].ring}});
     Plan().SetMargin(12.0);

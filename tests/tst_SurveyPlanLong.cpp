@@ -12,7 +12,7 @@
 namespace {
 
 constexpr double mostMs = 50.0; ///< of a step on a plan of 10,000 waypoints
-constexpr double mostFrameMs = 200.0; ///< of its lines and marks made anew; more is felt as a pause
+constexpr double mostFrameMs = 50.0; ///< of its lines and marks made anew
 
 double CpuMsOf(const std::function<void()>& act)
 {
@@ -198,6 +198,8 @@ void tst_SurveyPlanLong::frameCosts()
     ZrMapView view;
     view.SetSize(1280, 800);
     view.Fit(chart.Bounds(), 40.0);
+    // The first frame shapes every name.
+    const double first = CpuMsOf([&] { chart.Match(view); });
     double made = 1e9;
     double zoomed = 1e9;
     for (int i = 0; i < 4; ++i) {
@@ -208,7 +210,7 @@ void tst_SurveyPlanLong::frameCosts()
         view.ZoomAbout({640.0, 400.0}, 0.5);
     }
     QVERIFY(made > 0.0 && zoomed > 0.0);
-    qInfo("%.1f ms, after a zoom %.1f ms", made, zoomed);
+    qInfo("first %.1f ms, then %.1f ms, after a zoom %.1f ms", first, made, zoomed);
     QVERIFY2(underSanitizer || made < mostFrameMs, qPrintable(QString::number(made)));
     QVERIFY2(underSanitizer || zoomed < mostFrameMs, qPrintable(QString::number(zoomed)));
 }

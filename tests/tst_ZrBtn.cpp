@@ -1,5 +1,6 @@
 // The button's pointer logic by mouse, touch and keys: states, signals and their order.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrBtn.h"
 
@@ -451,7 +452,7 @@ void tst_ZrBtn::tap()
 {
     m_button->checkable = true;
     m_button->id = 4;
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     QVERIFY(m_button->down);
     QCOMPARE(m_button->hover, 2U);
@@ -464,7 +465,7 @@ void tst_ZrBtn::tap()
 
 void tst_ZrBtn::touchDraggedOutStillClicks()
 {
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     touch.move(0, QPoint(150, 30), m_button).commit();
     QCOMPARE(m_button->hover, 0U);
@@ -475,7 +476,7 @@ void tst_ZrBtn::touchDraggedOutStillClicks()
 
 void tst_ZrBtn::touchDraggedOutAndBack()
 {
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     touch.move(0, QPoint(150, 30), m_button).commit();
     touch.move(0, corner, m_button).commit();
@@ -501,7 +502,7 @@ void tst_ZrBtn::touchBeginningOutside()
 // The last point of an event decides, whichever finger has changed.
 void tst_ZrBtn::secondFinger()
 {
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     touch.stationary(0).press(1, QPoint(40, 30), m_button).commit();
     QCOMPARE(m_log.join(u','), QStringLiteral("Pressed,Pressed"));
@@ -515,7 +516,7 @@ void tst_ZrBtn::secondFinger()
 
 void tst_ZrBtn::touchCancel()
 {
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     QTouchEvent cancel(QEvent::TouchCancel, m_device);
     cancel.ignore();
@@ -551,7 +552,7 @@ void tst_ZrBtn::touchSendsNoMouseEvents()
     } counter;
 
     m_button->installEventFilter(&counter);
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     touch.release(0, inside, m_button).commit();
     QCOMPARE(counter.mouse, 0);
@@ -561,7 +562,7 @@ void tst_ZrBtn::touchSendsNoMouseEvents()
 void tst_ZrBtn::touchOnDisabled()
 {
     m_button->setEnabled(false);
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     touch.release(0, inside, m_button).commit();
     QVERIFY(m_log.isEmpty());
@@ -758,7 +759,7 @@ void tst_ZrBtn::deletedInSlot()
     QFETCH(Slot, slot);
     QFETCH(QString, log);
     DeleteIn(slot);
-    auto touch = QTest::touchEvent(m_button, m_device, false);
+    auto touch = TouchOn(m_button, m_device, false);
     touch.press(0, inside, m_button).commit();
     if (m_button)
         touch.release(0, inside, m_button).commit();
@@ -767,7 +768,7 @@ void tst_ZrBtn::deletedInSlot()
     if (slot == Slot::released || slot == Slot::clicked)
         return;
     // The finger is still down on what is gone.
-    QTest::touchEvent(m_window.get(), m_device).release(0, QPoint(20, 30), m_window.get());
+    TouchOn(m_window.get(), m_device).release(0, QPoint(20, 30), m_window.get());
 }
 
 void tst_ZrBtn::deletedInSlotByMouse_data()

@@ -1,5 +1,6 @@
 // The check box: its callables, presses, hovering, painting.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrCheck.h"
 
@@ -185,7 +186,7 @@ void tst_ZrCheck::wholeWidgetIsTheTarget()
 // Qt makes mouse events of touches that nobody takes.
 void tst_ZrCheck::byTouch()
 {
-    auto touch = QTest::touchEvent(m_window.get(), QTest::createTouchDevice(), false);
+    auto touch = TouchOn(m_window.get(), QTest::createTouchDevice(), false);
     touch.press(0, inside, m_window.get()).commit();
     touch.release(0, inside, m_window.get()).commit();
     QCOMPARE(m_log.join(u','), QStringLiteral("on"));

@@ -1,5 +1,6 @@
 // The colour button and its modal dialog.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrColBtn.h"
 #include "ZrUtil/ZrCtrlLook.h"
@@ -233,7 +234,7 @@ void tst_ZrColBtn::byTouch()
         dialog.setCurrentColor(Qt::cyan);
         dialog.accept();
     });
-    auto touch = QTest::touchEvent(m_button, QTest::createTouchDevice(), false);
+    auto touch = TouchOn(m_button, QTest::createTouchDevice(), false);
     touch.press(0, inside, m_button).commit();
     QCOMPARE(m_colour, QColor(Qt::cyan));
     QVERIFY(!m_button->down);

@@ -1,5 +1,6 @@
 // Dragging a panel by its grip within its parent.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrDragWidget.h"
 
@@ -245,7 +246,7 @@ void tst_ZrDragWidget::realMouse()
 // Qt makes mouse events of touches that nobody takes.
 void tst_ZrDragWidget::byTouch()
 {
-    auto touch = QTest::touchEvent(m_window.get(), QTest::createTouchDevice(), false);
+    auto touch = TouchOn(m_window.get(), QTest::createTouchDevice(), false);
     touch.press(0, QPoint(110, 105), m_window.get()).commit();
     QVERIFY(m_panel->dragging);
     touch.move(0, QPoint(140, 145), m_window.get()).commit();

@@ -1,3 +1,4 @@
+#include "TouchOn.h"
 #include "ZrInputWindow.h"
 
 #include <QAccessible>
@@ -575,7 +576,7 @@ void tst_ZrInputDlg::survivesDeletionInSlots()
         if (dlg)
             input::Mouse(*dlg, QEvent::MouseButtonRelease, at);
     } else if (how == QStringLiteral("touch")) {
-        auto touch = QTest::touchEvent(m_top.get(), device, false);
+        auto touch = TouchOn(m_top.get(), device, false);
         const QPoint there = dlg->mapTo(m_top.get(), at);
         touch.press(0, there, m_top.get()).commit();
         touch.release(0, there, m_top.get()).commit();

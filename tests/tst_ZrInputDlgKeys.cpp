@@ -1,3 +1,4 @@
+#include "TouchOn.h"
 #include "ZrInputChecks.h"
 
 #include <QImage>
@@ -168,7 +169,7 @@ ZrInputDlg* tst_ZrInputDlgKeys::Open(int kind)
 /// Points of a touch are in the window: the keyboard gets what falls on it.
 QTest::QTouchEventSequence tst_ZrInputDlgKeys::Touch()
 {
-    return QTest::touchEvent(m_top.get(), m_device, false);
+    return TouchOn(m_top.get(), m_device, false);
 }
 
 QPoint tst_ZrInputDlgKeys::There(const ZrInputDlg& dlg, const QPoint& p) const

@@ -1,5 +1,6 @@
 // Fingers, mouse and wheel on a map.
 
+#include "TouchOn.h"
 #include "ZrKit/map/ZrMapGesture.h"
 #include "ZrKit/map/ZrMapInput.h"
 #include "ZrKit/map/ZrMapView.h"
@@ -439,7 +440,7 @@ void tst_ZrMapGesture::touchEvents()
     map.show();
     auto* device = QTest::createTouchDevice();
     const QPointF held = map.view.ToWorld({300, 300});
-    auto sequence = QTest::touchEvent(&map, device, false);
+    auto sequence = TouchOn(&map, device, false);
     sequence.press(0, QPoint{300, 300}, &map).commit();
     sequence.move(0, QPoint{340, 310}, &map).commit();
     QVERIFY(IsNear(map.view.ToPixel(held), {340, 310}));

@@ -1,5 +1,6 @@
 // Fingers, mouse, wheel and keys on the map of a page, and where on the page it is.
 
+#include "TouchOn.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrMapSurface.h"
 
@@ -218,7 +219,7 @@ void tst_ZrMapPanel::fingerPans()
     m_panel->ratio = 2.0;
     m_panel->Match();
     const QPointF held = m_map->m_camera.ToWorld({400, 300});
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{200, 150}, m_panel).commit();
     sequence.move(0, QPoint{260, 170}, m_panel).commit();
     QVERIFY(IsNear(m_map->m_camera.ToPixel(held), {520, 340}));
@@ -232,7 +233,7 @@ void tst_ZrMapPanel::pinchZooms()
 {
     const QPointF first = m_map->m_camera.ToWorld({200, 200});
     const QPointF second = m_map->m_camera.ToWorld({300, 200});
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{200, 200}, m_panel).commit();
     sequence.stationary(0).press(1, QPoint{300, 200}, m_panel).commit();
     sequence.stationary(0).move(1, QPoint{400, 200}, m_panel).commit();
@@ -353,7 +354,7 @@ void tst_ZrMapPanel::taps()
     QSignalSpy tapped(m_panel, &ZrMapPanel::Tapped);
     QSignalSpy doubleTapped(m_panel, &ZrMapPanel::DoubleTapped);
     const QPointF pixel = QPointF(120, 80) * ratio;
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{120, 80}, m_panel).commit();
     sequence.release(0, QPoint{120, 80}, m_panel).commit();
     QCOMPARE(tapped.count(), 1);
@@ -390,7 +391,7 @@ void tst_ZrMapPanel::longPress()
     m_panel->ratio = 2.0;
     m_panel->Match();
     m_changed->clear();
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{120, 80}, m_panel).commit();
     QTRY_COMPARE(held.count(), 1);
     QCOMPARE(held[0][0].toPointF(), m_map->m_camera.ToWorld({240, 160}));
@@ -438,7 +439,7 @@ void tst_ZrMapPanel::claimedFinger()
         asked.append(pixel);
         return true;
     };
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{100, 90}, m_panel).commit();
     QCOMPARE(asked, QVector<QPointF>({{200, 180}}));
     QCOMPARE(Drags(), QVector<int>({ZrMapPanel::dragBegin}));
@@ -521,7 +522,7 @@ void tst_ZrMapPanel::secondFingerCancels()
 {
     m_panel->m_claim = [](const QPointF&) { return true; };
     QSignalSpy tapped(m_panel, &ZrMapPanel::Tapped);
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{100, 90}, m_panel).commit();
     sequence.move(0, QPoint{130, 90}, m_panel).commit();
     sequence.stationary(0).press(1, QPoint{300, 90}, m_panel).commit();
@@ -549,7 +550,7 @@ void tst_ZrMapPanel::twoFingersAtOnceAreNotClaimed()
         ++asked;
         return true;
     };
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{200, 200}, m_panel).press(1, QPoint{300, 200}, m_panel).commit();
     sequence.stationary(0).move(1, QPoint{400, 200}, m_panel).commit();
     QCOMPARE(m_map->m_camera.Scale(), 0.25);
@@ -560,7 +561,7 @@ void tst_ZrMapPanel::twoFingersAtOnceAreNotClaimed()
 void tst_ZrMapPanel::touchCancelCancels()
 {
     m_panel->m_claim = [](const QPointF&) { return true; };
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{100, 90}, m_panel).commit();
     sequence.move(0, QPoint{130, 90}, m_panel).commit();
     QTouchEvent cancel(QEvent::TouchCancel, m_device);
@@ -577,7 +578,7 @@ void tst_ZrMapPanel::touchCancelCancels()
 void tst_ZrMapPanel::touchCancelOfAPan()
 {
     QSignalSpy tapped(m_panel, &ZrMapPanel::Tapped);
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{100, 90}, m_panel).commit();
     QTouchEvent cancel(QEvent::TouchCancel, m_device);
     QCoreApplication::sendEvent(m_panel, &cancel);
@@ -659,7 +660,7 @@ void tst_ZrMapPanel::takesTheFocus()
     QCOMPARE(m_page->focusWidget(), m_panel);
     Release(*m_panel, {100, 90});
     other->setFocus();
-    auto sequence = QTest::touchEvent(m_panel, m_device, false);
+    auto sequence = TouchOn(m_panel, m_device, false);
     sequence.press(0, QPoint{100, 90}, m_panel).commit();
     QCOMPARE(m_page->focusWidget(), m_panel);
     sequence.release(0, QPoint{100, 90}, m_panel).commit();

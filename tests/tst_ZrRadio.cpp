@@ -1,5 +1,6 @@
 // The list of choices: which one lies where, selecting by pointer and keys, painting.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrRadio.h"
 
@@ -213,7 +214,7 @@ void tst_ZrRadio::selectingTells()
 // Qt makes mouse events of touches that nobody takes.
 void tst_ZrRadio::byTouch()
 {
-    auto touch = QTest::touchEvent(m_window.get(), QTest::createTouchDevice(), false);
+    auto touch = TouchOn(m_window.get(), QTest::createTouchDevice(), false);
     touch.press(0, QPoint(20, 50), m_window.get()).commit();
     touch.release(0, QPoint(20, 50), m_window.get()).commit();
     QCOMPARE(m_log, QList<int>({1}));

@@ -1,5 +1,6 @@
 // The slider: range and steps, dragging, tapping, wheel and keys, mirrored layouts.
 
+#include "TouchOn.h"
 #include "ZrUiChecks.h"
 #include "ZrUtil/ZrSlider.h"
 
@@ -300,7 +301,7 @@ void tst_ZrSlider::draggingBeyondTheEnds()
 // Qt makes mouse events of touches that nobody takes.
 void tst_ZrSlider::byTouch()
 {
-    auto touch = QTest::touchEvent(m_window.get(), QTest::createTouchDevice(), false);
+    auto touch = TouchOn(m_window.get(), QTest::createTouchDevice(), false);
     touch.press(0, QPoint(150, 30), m_window.get()).commit();
     QCOMPARE(m_slider->Value(), 50.0);
     touch.move(0, QPoint(299, 30), m_window.get()).commit();

@@ -1,5 +1,6 @@
 // The time line as fingers, mouse and wheel use it: what it tells, what it shows, when it repaints.
 
+#include "TouchOn.h"
 #include "ZrKit/review/ZrSteadyTime.h"
 #include "ZrKit/ui/ZrTimeBar.h"
 #include "ZrUiChecks.h"
@@ -189,13 +190,11 @@ void tst_ZrTimeBar::twoFingersZoom()
     QTouchDevice* device = QTest::createTouchDevice();
     const QSignalSpy scrubbed(m_bar.get(), &ZrTimeBar::Scrubbed);
     const double before = m_bar->Line().VisibleLength();
-    QTest::touchEvent(m_bar.get(), device)
+    TouchOn(m_bar.get(), device)
         .press(1, QPoint(400, 60), m_bar.get())
         .press(2, QPoint(600, 60), m_bar.get());
-    QTest::touchEvent(m_bar.get(), device)
-        .move(1, QPoint(300, 60), m_bar.get())
-        .move(2, QPoint(700, 60), m_bar.get());
-    QTest::touchEvent(m_bar.get(), device)
+    TouchOn(m_bar.get(), device).move(1, QPoint(300, 60), m_bar.get()).move(2, QPoint(700, 60), m_bar.get());
+    TouchOn(m_bar.get(), device)
         .release(1, QPoint(300, 60), m_bar.get())
         .release(2, QPoint(700, 60), m_bar.get());
     QVERIFY(std::fabs(m_bar->Line().VisibleLength() - before / 2.0) < 1.0);
@@ -207,14 +206,14 @@ void tst_ZrTimeBar::secondFingerEndsTheScrub()
     QTouchDevice* device = QTest::createTouchDevice();
     const QSignalSpy scrubbed(m_bar.get(), &ZrTimeBar::Scrubbed);
     const QSignalSpy ended(m_bar.get(), &ZrTimeBar::ScrubEnded);
-    QTest::touchEvent(m_bar.get(), device).press(1, QPoint(400, 60), m_bar.get());
+    TouchOn(m_bar.get(), device).press(1, QPoint(400, 60), m_bar.get());
     QCOMPARE(scrubbed.size(), 1);
-    QTest::touchEvent(m_bar.get(), device).stationary(1).press(2, QPoint(600, 60), m_bar.get());
+    TouchOn(m_bar.get(), device).stationary(1).press(2, QPoint(600, 60), m_bar.get());
     QCOMPARE(ended.size(), 1);
-    QTest::touchEvent(m_bar.get(), device).move(1, QPoint(380, 60), m_bar.get()).stationary(2);
-    QTest::touchEvent(m_bar.get(), device).stationary(1).release(2, QPoint(600, 60), m_bar.get());
-    QTest::touchEvent(m_bar.get(), device).move(1, QPoint(300, 60), m_bar.get());
-    QTest::touchEvent(m_bar.get(), device).release(1, QPoint(300, 60), m_bar.get());
+    TouchOn(m_bar.get(), device).move(1, QPoint(380, 60), m_bar.get()).stationary(2);
+    TouchOn(m_bar.get(), device).stationary(1).release(2, QPoint(600, 60), m_bar.get());
+    TouchOn(m_bar.get(), device).move(1, QPoint(300, 60), m_bar.get());
+    TouchOn(m_bar.get(), device).release(1, QPoint(300, 60), m_bar.get());
     QCOMPARE(scrubbed.size(), 1);
     QCOMPARE(ended.size(), 1);
 }

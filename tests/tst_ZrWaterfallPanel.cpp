@@ -1,5 +1,6 @@
 // A recorded line to be scrolled, zoomed and pointed at.
 
+#include "TouchOn.h"
 #include "ZrKit/map/ZrWaterfallLoader.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/map/ZrWaterfallPings.h"
@@ -583,22 +584,22 @@ void tst_ZrWaterfallPanel::twoFingersZoom()
     QSignalSpy tapped(m_panel, &ZrWaterfallPanel::Tapped);
     QSignalSpy scrubbed(m_panel, &ZrWaterfallPanel::Scrubbed);
     const double before = m_panel->Layout().ToSonar(QPointF(200, 60)).slantRange;
-    QTest::touchEvent(m_panel, screen).press(0, QPoint(180, 60), m_panel).press(1, QPoint(220, 60), m_panel);
-    QTest::touchEvent(m_panel, screen).move(0, QPoint(160, 60), m_panel).move(1, QPoint(240, 60), m_panel);
+    TouchOn(m_panel, screen).press(0, QPoint(180, 60), m_panel).press(1, QPoint(220, 60), m_panel);
+    TouchOn(m_panel, screen).move(0, QPoint(160, 60), m_panel).move(1, QPoint(240, 60), m_panel);
     QVERIFY(std::fabs(m_panel->Zoom() - 2.0) < 1e-6);
     QVERIFY(std::fabs(m_panel->Layout().ToSonar(QPointF(200, 60)).slantRange - before) < 0.3);
     // Both to one side: the image goes along.
     const int left = m_panel->m_view.rect.left();
-    QTest::touchEvent(m_panel, screen).move(0, QPoint(170, 60), m_panel).move(1, QPoint(250, 60), m_panel);
+    TouchOn(m_panel, screen).move(0, QPoint(170, 60), m_panel).move(1, QPoint(250, 60), m_panel);
     QVERIFY(std::abs(m_panel->m_view.rect.left() - left - 10) <= 1);
     // One is lifted before the other, which neither scrolls nor taps.
-    QTest::touchEvent(m_panel, screen).stationary(0).release(1, QPoint(250, 60), m_panel);
-    QTest::touchEvent(m_panel, screen).move(0, QPoint(170, 150), m_panel);
-    QTest::touchEvent(m_panel, screen).release(0, QPoint(170, 150), m_panel);
+    TouchOn(m_panel, screen).stationary(0).release(1, QPoint(250, 60), m_panel);
+    TouchOn(m_panel, screen).move(0, QPoint(170, 150), m_panel);
+    TouchOn(m_panel, screen).release(0, QPoint(170, 150), m_panel);
     QCOMPARE(tapped.count() + scrubbed.count(), 0);
     // The next finger is a finger again.
-    QTest::touchEvent(m_panel, screen).press(0, QPoint(100, 60), m_panel);
-    QTest::touchEvent(m_panel, screen).release(0, QPoint(100, 60), m_panel);
+    TouchOn(m_panel, screen).press(0, QPoint(100, 60), m_panel);
+    TouchOn(m_panel, screen).release(0, QPoint(100, 60), m_panel);
     QCOMPARE(tapped.count(), 1);
 }
 
@@ -608,14 +609,12 @@ void tst_ZrWaterfallPanel::secondFingerEndsADrag()
     m_panel->SetCursor(1000.0);
     QSignalSpy ended(m_panel, &ZrWaterfallPanel::ScrubEnded);
     QSignalSpy tapped(m_panel, &ZrWaterfallPanel::Tapped);
-    QTest::touchEvent(m_panel, screen).press(0, QPoint(100, 60), m_panel);
-    QTest::touchEvent(m_panel, screen).move(0, QPoint(100, 100), m_panel);
+    TouchOn(m_panel, screen).press(0, QPoint(100, 60), m_panel);
+    TouchOn(m_panel, screen).move(0, QPoint(100, 100), m_panel);
     QVERIFY(m_panel->Cursor() > 1030.0);
-    QTest::touchEvent(m_panel, screen).stationary(0).press(1, QPoint(200, 100), m_panel);
+    TouchOn(m_panel, screen).stationary(0).press(1, QPoint(200, 100), m_panel);
     QCOMPARE(ended.count(), 1);
-    QTest::touchEvent(m_panel, screen)
-        .release(0, QPoint(100, 100), m_panel)
-        .release(1, QPoint(200, 100), m_panel);
+    TouchOn(m_panel, screen).release(0, QPoint(100, 100), m_panel).release(1, QPoint(200, 100), m_panel);
     QCOMPARE(ended.count(), 1);
     QCOMPARE(tapped.count(), 0);
 }

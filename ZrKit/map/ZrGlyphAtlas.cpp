@@ -86,9 +86,28 @@ ZrGlyphAtlas::ZrGlyphAtlas(const QFont& font, int largestSide)
 
 ZrGlyphAtlas::Text ZrGlyphAtlas::Layout(const QString& text)
 {
-    Text result;
     if (!qGuiApp || text.isEmpty())
-        return result;
+        return {};
+    const auto known = m_texts.constFind(text);
+    if (known != m_texts.constEnd())
+        return *known;
+    Text shaped = Shape(text);
+    if (text.size() > LongestText)
+        return shaped;
+    const int places = std::max(1, static_cast<int>(shaped.places.size()));
+    if (m_keptPlaces > MostKeptPlaces - places) {
+        m_texts.clear();
+        m_keptPlaces = 0;
+    }
+    m_keptPlaces += places;
+    // A copy of its own: the characters may belong to the caller.
+    m_texts.insert(QString(text.constData(), text.size()), shaped);
+    return shaped;
+}
+
+ZrGlyphAtlas::Text ZrGlyphAtlas::Shape(const QString& text)
+{
+    Text result;
     QTextLayout layout(Line(text), m_font);
     QTextOption option;
     option.setUseDesignMetrics(true);

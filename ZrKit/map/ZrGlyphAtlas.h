@@ -45,6 +45,7 @@ public:
     static constexpr int LeastFont = 8; ///< pixels; smaller fonts are drawn from this size
     static constexpr int LargestFont = 96;
     static constexpr int LongestText = 200; ///< characters; a longer one is cut and ends in "…"
+    static constexpr int MostKeptPlaces = 1 << 20; ///< of glyphs in texts that are kept as they were shaped
     static constexpr int MostPictures = 2048 * 2048; ///< texels of all pictures of a round
 
     struct Glyph
@@ -106,7 +107,8 @@ public:
         return static_cast<int>(m_glyphs.size());
     } ///< that occurred, with a cell or not
 
-    /// Shapes \p text; control characters and line ends become blanks.
+    /// Shapes \p text; control characters and line ends become blanks. What was shaped is kept for the next
+    /// time, up to `MostKeptPlaces` glyphs: shaping costs some 10 µs.
     Text Layout(const QString& text);
 
     void NextRound(); ///< nothing is used any longer
@@ -158,6 +160,7 @@ private:
         int right; ///< first free column
     };
 
+    Text Shape(const QString& text);
     int IdOf(const QRawFont& font, quint32 index);
     bool Fill(Entry& entry);
     bool FindRoom(const QSize& size, QPoint& at);
@@ -186,5 +189,7 @@ private:
     std::vector<int> m_freePictures;
     QHash<PictureKey, int> m_pictureIds;
     QHash<QPair<QRawFont, quint32>, int> m_ids;
+    QHash<QString, Text> m_texts; ///< as they were shaped
+    int m_keptPlaces = 0; ///< of glyphs in `m_texts`, one at least for each of them
     std::vector<Shelf> m_shelves;
 };
