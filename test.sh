@@ -43,14 +43,10 @@ done
 
 zr_install "${zr_build_packages[@]}" "${zr_test_packages[@]}"
 
-# zr_ctest PRESET [OPTION...]: a virtual display only where tests ask for one and none is there.
 zr_ctest() {
-    local preset=$1 display=()
+    local preset=$1
     shift
-    if [ -z "${DISPLAY:-}" ] && ctest --preset "$preset" -N -L gl | grep -q 'Total Tests: [1-9]'; then
-        display=(xvfb-run -a -s "-screen 0 1920x1080x24")
-    fi
-    "${display[@]}" ctest --preset "$preset" -j "$(nproc)" "$@"
+    ctest --preset "$preset" -j "$(nproc)" "$@"
 }
 
 cd "$zr_root"

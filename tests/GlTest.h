@@ -198,7 +198,7 @@ template <class Application, class Test> int Main(int argc, char* argv[])
 {
     constexpr int skipped = 77;
     if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-        std::fputs("SKIP   : no display: DISPLAY is not set (test.sh starts one)\n", stderr);
+        std::fputs("SKIP   : no display: DISPLAY is not set and xvfb-run is not installed\n", stderr);
         return skipped;
     }
     // Otherwise every start warns.

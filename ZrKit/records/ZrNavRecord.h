@@ -20,8 +20,8 @@
 /// | 24 | f32 | `heading` | degrees from true north, clockwise, 0 to 360 |
 /// | 28 | f32 | `pitch` | degrees, bow up positive |
 /// | 32 | f32 | `roll` | degrees, starboard down positive |
-/// | 36 | u32 | `flags` | bit 0: the position is the last known one, repeated (a submerged vehicle without
-/// fix) |
+/// | 36 | u32 | `flags` | bit 0: the last known position, repeated |
+///
 struct ZR_KIT_EXPORT ZrNavRecord
 {
     static constexpr eKitRecType RecType = krtNavigation;

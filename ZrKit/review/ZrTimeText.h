@@ -34,14 +34,14 @@ public:
 
     /// Understands what a person types as a time:
     ///
-    /// | Text | Meaning |
-    /// |---|---|
-    /// | `12:34`, `12:34:56`, `12:34:56.789` | time of day, on the day of the cursor or else the first day of
-    /// the recording that has it | | `2021-05-03`, `2021-05-03 12:34`, `2021-05-03T12:34:56.789` | that
-    /// moment; may end in `Z` or an offset as in `+02:00` | | `+90`, `-2.5` | seconds from the cursor | |
-    /// `-1:30`, `+1:02:03.5` | minutes and seconds from the cursor, or hours, minutes and seconds | | `+5
-    /// min`, `-1 h 30 min`, `+250 ms` | from the cursor, in d, h, min (m), s, ms | | `@1614780309`,
-    /// `1614780309.5` | seconds since 1970-01-01; without `@` from 100,000,000 (1973) on |
+    /// - `12:34`, `12:34:56`, `12:34:56.789`: time of day, on the day of the cursor or else the first day of
+    ///   the recording that has it
+    /// - `2021-05-03`, `2021-05-03 12:34`, `2021-05-03T12:34:56.789`: that moment, in UTC; `Z` or
+    ///   an offset as in `+02:00` may follow
+    /// - `+90`, `-2.5`: seconds from the cursor
+    /// - `-1:30`, `+1:02:03.5`: minutes and seconds from the cursor, or hours, minutes and seconds
+    /// - `+5 min`, `-1 h 30 min`, `+250 ms`: from the cursor, in d, h, min (m), s, ms
+    /// - `@1614780309`, `1614780309.5`: seconds since 1970-01-01; without `@` from 100,000,000 (1973) on
     ///
     /// A comma serves as the decimal point, a long dash as the minus. What is typed without seconds or time
     /// of day stands for the whole minute or day: of one in which the recording begins, its begin is meant.

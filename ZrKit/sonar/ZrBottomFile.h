@@ -24,14 +24,13 @@ class ZrBottomLine;
 ///
 /// JSON text:
 ///
-/// | Member | Content |
-/// |---|---|
-/// | `format` | "ZrBottomLine" |
-/// | `version` | 1 |
-/// | `log` | `pings`: their number; `first`, `last`: the times of the first and the last one, seconds since
-/// the epoch, null without pings | | `found` | array of stretches, in order: `ping`, the number of the first
-/// one, from 0, and `altitudes`, metres, ping by ping; pings in none of them have no altitude | | `edited` |
-/// likewise what was set by hand |
+/// - `format`: "ZrBottomLine"
+/// - `version`: 1
+/// - `log`: `pings`, their number; `first` and `last`, the times of the first and the last one, seconds since
+///   the epoch, null without pings
+/// - `found`: array of stretches, in order: `ping`, the number of the first one, from 0, and `altitudes`,
+///   metres, ping by ping; pings in none of them have no altitude
+/// - `edited`: likewise what was set by hand
 ///
 /// A file belongs to a log when number and times of the pings are exactly the same. `Save` replaces the file
 /// in one step, or leaves it as it was; a file that could not be loaded is first moved to
