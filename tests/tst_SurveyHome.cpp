@@ -2,6 +2,7 @@
 
 #include "SurveyWindow.h"
 #include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/ui/ZrEntryBtn.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrSurveyLog.h"
@@ -111,7 +112,7 @@ void tst_SurveyHome::positionTile()
     QCOMPARE(now.value, ZrPositionShown::Text(51.5, -1.25));
     QCOMPARE(now.note, S("Fix now"));
     QCOMPARE(now.state, ZrValueTile::normal);
-    QCOMPARE(HomeState::Position(pose, true, 4.9).note, S("Fix 4 s ago"));
+    QCOMPARE(HomeState::Position(pose, true, 4.9).note, S("Fix 5 s ago"));
     QCOMPARE(HomeState::Position(pose, true, 4.9).state, ZrValueTile::normal);
     QCOMPARE(HomeState::Position(pose, true, 5.0).state, ZrValueTile::warning);
     QCOMPARE(HomeState::Position(pose, true, 29.9).state, ZrValueTile::warning);
@@ -120,6 +121,9 @@ void tst_SurveyHome::positionTile()
     QCOMPARE(HomeState::Position(pose, false, 0.0).note, S("From a recording"));
     QCOMPARE(HomeState::Position(pose, false, 0.0).state, ZrValueTile::stale);
     QCOMPARE(HomeState::Position(pose, true, never).state, ZrValueTile::stale);
+    const HomeState::Tile last = HomeState::Position(pose, true, 400.0, true);
+    QCOMPARE(last.note, S("Fix 7 min ago"));
+    QCOMPARE(last.state, ZrValueTile::normal);
 }
 
 void tst_SurveyHome::dataTile()
@@ -139,6 +143,13 @@ void tst_SurveyHome::dataTile()
     QCOMPARE(refused.value, S("No data"));
     QCOMPARE(refused.note, S("Connection refused"));
     QCOMPARE(refused.state, ZrValueTile::error);
+    for (const double age : {0.0, 23.0, 400.0, never}) {
+        const HomeState::Tile end = HomeState::Data(S("Simulator"), true, age, QString(), true);
+        QCOMPARE(end.value, S("At its end"));
+        QCOMPARE(end.unit, QString());
+        QCOMPARE(end.note, S("Simulator"));
+        QCOMPARE(end.state, ZrValueTile::normal);
+    }
 }
 
 void tst_SurveyHome::recordingTile()
@@ -218,10 +229,14 @@ void tst_SurveyHome::durations_data()
     QTest::addColumn<double>("seconds");
     QTest::addColumn<QString>("text");
     QTest::newRow("none") << 0.0 << "0 s";
-    QTest::newRow("seconds") << 59.9 << "59 s";
-    QTest::newRow("minutes") << 3599.0 << "59 min";
+    QTest::newRow("seconds") << 59.4 << "59 s";
+    QTest::newRow("nearly a minute") << 59.9 << "1 min";
+    QTest::newRow("nearly six minutes") << 359.8 << "6 min";
+    QTest::newRow("minutes") << 3569.0 << "59 min";
+    QTest::newRow("nearly an hour") << 3599.0 << "1 h 0 min";
     QTest::newRow("hours") << 9000.0 << "2 h 30 min";
     QTest::newRow("two days") << 172800.0 << "2 days";
+    QTest::newRow("nearly three days") << 258000.0 << "3 days";
     QTest::newRow("ages") << 1e12 << "11574074 days";
     QTest::newRow("negative") << -1.0 << "";
     QTest::newRow("not a number") << never << "";
@@ -273,9 +288,17 @@ void tst_SurveyHome::recordingTexts()
     log.start = survey::startTime;
     log.duration = 90.0;
     log.sonar = ZrRecentLog::sonarPresent;
-    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05 UTC  ·  1 min  ·  4.20 MB  ·  sonar"));
+    QCOMPARE(HomeState::RecordingText(log), S("2021-03-03 14:05 UTC  ·  1 min 30 s  ·  4.20 MB  ·  sonar"));
     log.start = 1e300; // a damaged header may say anything
-    QCOMPARE(HomeState::RecordingText(log), S("1 min  ·  4.20 MB  ·  sonar"));
+    QCOMPARE(HomeState::RecordingText(log), S("1 min 30 s  ·  4.20 MB  ·  sonar"));
+    // As long as the time line and the exports say.
+    for (const double seconds : {35.7, 359.8, 5.25, 3599.7, 9000.0, 1e300}) {
+        log.duration = seconds;
+        QVERIFY2(HomeState::RecordingText(log).startsWith(ZrTimeText::Elapsed(seconds) + S("  ·")),
+            qPrintable(HomeState::RecordingText(log)));
+    }
+    log.duration = 359.8;
+    QCOMPARE(HomeState::RecordingText(log), S("6 min 00 s  ·  4.20 MB  ·  sonar"));
 }
 
 void tst_SurveyHome::entries_data()
@@ -351,6 +374,10 @@ void tst_SurveyHome::tilesFollow()
     facts.state = ZrSourceFacts::receiving;
     m_view->Model().feed.Set(S("2 boat:1"), facts);
     QCOMPARE(Tile(1)->Value(), S("Receiving"));
+    facts.state = ZrSourceFacts::finished;
+    m_view->Model().feed.Set(S("2 boat:1"), facts);
+    QCOMPARE(Tile(1)->Value(), S("At its end"));
+    QCOMPARE(Tile(1)->State(), ZrValueTile::normal);
 }
 
 void tst_SurveyHome::styleOfPositions()

@@ -22,6 +22,8 @@ private Q_SLOTS:
     void draftIsRestored();
     void process();
     void processWithoutDisplay();
+    void answersWithoutDisplay_data();
+    void answersWithoutDisplay();
 
 private:
     /// A view that has not been shown yet.
@@ -182,6 +184,42 @@ void tst_SurveyStart::processWithoutDisplay()
     QVERIFY(survey.waitForFinished(60000));
     QVERIFY(survey.exitStatus() == QProcess::CrashExit || survey.exitCode() != 0);
     QVERIFY(!survey.readAllStandardError().isEmpty());
+}
+
+void tst_SurveyStart::answersWithoutDisplay_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("said");
+    const auto list = [](const char* line) { return QString::fromLatin1(line).split(QLatin1Char(' ')); };
+    QTest::newRow("help") << list("--help") << 0 << QStringLiteral("--screenshot <FILE>");
+    QTest::newRow("version") << list("--version") << 0 << QStringLiteral("ZrSurvey ");
+    QTest::newRow("no option") << list("--bogus") << 1 << QStringLiteral("Unknown option 'bogus'");
+    QTest::newRow("no size") << list("--size 10x10") << 1 << QStringLiteral("10x10 is no size");
+    QTest::newRow("tour and page") << list("--tour none --page Plan") << 1
+                                   << QStringLiteral("--page cannot be used");
+}
+
+/// What is asked on a terminal, or is wrong there, is answered on it: on a machine without a screen too.
+void tst_SurveyStart::answersWithoutDisplay()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, said);
+    QProcess survey;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    survey.setProcessEnvironment(environment);
+    survey.start(QStringLiteral(ZR_BIN_DIR "/ZrSurvey"), arguments);
+    QVERIFY(survey.waitForFinished(60000));
+    QCOMPARE(survey.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(survey.exitCode(), code);
+    const QString output = QString::fromUtf8(survey.readAllStandardOutput());
+    const QString errors = QString::fromUtf8(survey.readAllStandardError());
+    QVERIFY2((code == 0 ? output : errors).contains(said), qPrintable(output + errors));
+    QCOMPARE(code == 0 ? errors : output, QString());
 }
 
 GL_TEST_MAIN(tst_SurveyStart)

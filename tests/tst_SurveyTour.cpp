@@ -184,6 +184,8 @@ private Q_SLOTS:
     void missingControls();
     void exports();
     void goesAgain();
+    void badOptions_data();
+    void badOptions();
     void badFolder_data();
     void badFolder();
     void noLine();
@@ -390,8 +392,43 @@ void tst_SurveyTour::goesAgain()
     file.write("no line at all");
     file.close();
     QVERIFY(QFile::exists(m_tour + S("/exports/survey.gpx")));
+    const QString last = Picture(S("home-recordings"));
+    QVERIFY(!last.isEmpty());
+    // Of whoever keeps something of his own there.
+    const QStringList own{
+        S("holiday.png"), S("07-cat.png"), S("08-cat.json"), S("08-cat.png"), S("notes.txt")};
+    for (const QString& name : own) {
+        QFile mine(m_tour + QLatin1Char('/') + name);
+        QVERIFY(mine.open(QIODevice::WriteOnly));
+        mine.write(name.endsWith(S("json")) ? "{\"cat\": []}" : "mine");
+    }
     QVERIFY(Start({S("--tour"), m_tour, S("--tour-line"), line}, 120000) == 2);
     QVERIFY(!QFile::exists(m_tour + S("/exports/survey.gpx")));
+    QVERIFY(!QFile::exists(last));
+    QVERIFY(!QFile::exists(last.chopped(4) + S(".json")));
+    for (const QString& name : own)
+        QVERIFY2(QFile::exists(m_tour + QLatin1Char('/') + name), qPrintable(name));
+}
+
+/// Options that a tour has no use for are not passed over in silence: nothing begins.
+void tst_SurveyTour::badOptions_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("data") << QStringList{S("--data"), S("there")};
+    QTest::newRow("page") << QStringList{S("--page"), S("Plan")};
+    QTest::newRow("screenshot") << QStringList{S("--screenshot"), S("a.png")};
+    QTest::newRow("file") << QStringList{S("dive.log")};
+}
+
+void tst_SurveyTour::badOptions()
+{
+    QFETCH(QStringList, arguments);
+    QTemporaryDir dir;
+    const QString folder = dir.filePath(S("tour"));
+    QCOMPARE(Start(QStringList{S("--tour"), folder} + arguments, 60000), 1);
+    QVERIFY2(
+        m_errors.contains(arguments.front()) && m_errors.contains(S("with --tour")), qPrintable(m_errors));
+    QVERIFY(!QFile::exists(folder));
 }
 
 void tst_SurveyTour::badFolder_data()
@@ -402,6 +439,8 @@ void tst_SurveyTour::badFolder_data()
     QTest::newRow("below a file") << S("file/tour") << S("cannot be made");
     QTest::newRow("not writable") << S("/proc/tour") << S("cannot be made");
     QTest::newRow("of somebody else") << S("other") << S("not empty");
+    QTest::newRow("with a report of something else") << S("report") << S("not empty");
+    QTest::newRow("data elsewhere") << S("linked") << S("is a link");
 }
 
 void tst_SurveyTour::badFolder()
@@ -412,10 +451,21 @@ void tst_SurveyTour::badFolder()
     QFile file(dir.filePath(S("file")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(QDir(dir.path()).mkpath(S("other/data/kept")));
+    const auto write = [&dir](const QString& name, const char* text) {
+        QFile report(dir.filePath(name));
+        return report.open(QIODevice::WriteOnly) && report.write(text) >= 0;
+    };
+    QVERIFY(QDir(dir.path()).mkpath(S("report/exports")));
+    QVERIFY(write(S("report/tour.txt"), "Tuesday: down the river\n"));
+    QVERIFY(write(S("report/exports/mine.txt"), "mine"));
+    QVERIFY(QDir(dir.path()).mkpath(S("linked")));
+    QVERIFY(write(S("linked/tour.txt"), "ok   01 home\n"));
+    QVERIFY(QFile::link(dir.filePath(S("other/data")), dir.filePath(S("linked/data"))));
     const QString path = folder.startsWith(QLatin1Char('/')) ? folder : dir.filePath(folder);
     QCOMPARE(Start({S("--tour"), path}, 60000), 1);
     QVERIFY2(m_errors.contains(said), qPrintable(m_errors));
     QVERIFY(QDir(dir.filePath(S("other/data/kept"))).exists());
+    QVERIFY(QFile::exists(dir.filePath(S("report/exports/mine.txt"))));
 }
 
 void tst_SurveyTour::noLine()

@@ -38,6 +38,8 @@ private Q_SLOTS:
 
     void textIsReadable_data();
     void textIsReadable();
+    void wayAndWhatIsToCome_data();
+    void wayAndWhatIsToCome();
     void statesDiffer_data();
     void statesDiffer();
     void pensFollow();
@@ -80,6 +82,23 @@ void tst_ZrColourScheme::textIsReadable()
     // Lines and symbols on the water.
     for (const QColor& line : {ZrTheme::track, ZrTheme::route, ZrTheme::vehicle, ZrTheme::waypoint})
         QVERIFY2(Contrast(line, ZrTheme::sea) >= 3.0, qPrintable(line.name()));
+}
+
+void tst_ZrColourScheme::wayAndWhatIsToCome_data()
+{
+    Schemes();
+}
+
+/// By lightness: at night, when all colours are of one hue, by nothing else; there are eyes that see few.
+void tst_ZrColourScheme::wayAndWhatIsToCome()
+{
+    QFETCH(int, scheme);
+    ZrColourScheme::Apply(scheme);
+    const QColor ahead = ZrColourScheme::TrackAhead();
+    const double least = scheme == ZrColourScheme::night ? 1.8 : 1.5;
+    QVERIFY2(Contrast(ZrTheme::track, ahead) >= least, qPrintable(ahead.name()));
+    QVERIFY2(Contrast(ahead, ZrTheme::sea) >= 3.0, qPrintable(ahead.name()));
+    QVERIFY2(Contrast(ZrTheme::track, ZrTheme::sea) >= 4.5, qPrintable(ZrTheme::track.name()));
 }
 
 void tst_ZrColourScheme::statesDiffer_data()

@@ -76,7 +76,7 @@ void tst_ZrMapForeground::gridIsBehindTheData()
     grid.m_hasTexts = grid.m_hasScaleBar = grid.m_hasNorthArrow = false;
     ZrTrackLayer way;
     way.m_casing = ZrTheme::formBack;
-    way.m_futureColour = ZrTheme::bodyCol;
+    way.m_futureColour = ZrColourScheme::TrackAhead();
     ZrTrackLayer plan;
     plan.m_colour = ZrTheme::route;
     plan.m_casing = ZrTheme::formBack;

@@ -46,6 +46,8 @@ public:
 
     const ZrLabelLayer& Names() const { return m_labelLayer; } ///< the last of the layers
 
+    const ZrMarkerLayer& Marks() const { return m_markLayer; } ///< waypoints, arrows and findings
+
     void SetOrigin(ZrGeoPoint origin); ///< everything is to be set anew then; nothing for one not valid
 
     const ZrGridBatch& Grid() const { return m_grid; }

@@ -3,6 +3,7 @@
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/survey/ZrTargetEvent.h"
+#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrUtil/ZrTheme.h"
 #include "ZrUtil/ZrUnits.h"
 
@@ -149,7 +150,7 @@ void ZrRecordingChart::Restyle()
 {
     m_track.m_width = 4.0F;
     m_track.m_casing = ZrTheme::formBack;
-    m_track.m_futureColour = ZrTheme::bodyCol;
+    m_track.m_futureColour = ZrColourScheme::TrackAhead();
     m_plan.m_colour = ZrTheme::route;
     m_plan.m_width = 2.5F;
     m_plan.m_casing = ZrTheme::formBack;

@@ -44,6 +44,14 @@ public:
 
     QVector<ZrMapLayer*> Layers(); ///< in the order of drawing
 
+    /// \name What texts of the map keep clear of, see `ZrGridLayer::KeepClearOf`
+    /// @{
+    std::vector<const ZrMarkerLayer*> Marks() const { return {&m_events, &m_vehicle}; }
+
+    std::vector<const ZrTrackLayer*> Lines() const { return {&m_track, &m_plan}; }
+
+    /// @}
+
     void SetRecording(std::shared_ptr<const ZrSurveyRecording> recording); ///< null for nothing
 
     bool IsBuilding() const { return m_worker.IsWorking(); }

@@ -23,6 +23,7 @@ constexpr double lineWidth = 1.0;
 constexpr double lineCasing = 2.4; ///< for light lines to be seen on light ground
 constexpr double edge = 12.0; ///< of the area, beside bar and arrow
 constexpr double inset = 5.0; ///< of the texts of the grid
+constexpr double clear = 2.0; ///< between these and what they keep clear of
 constexpr float gridText = 16.0F;
 // Bar and arrow are read at arm's length.
 constexpr float northText = 28.0F;
@@ -133,6 +134,25 @@ void ZrGridLayer::SetMargins(const QMarginsF& margins)
         usable(margins.left()), usable(margins.top()), usable(margins.right()), usable(margins.bottom()));
 }
 
+void ZrGridLayer::KeepClearOf(const ZrLabelLayer* names)
+{
+    m_obstacles.m_names.clear();
+    if (names)
+        m_obstacles.m_names.push_back(names);
+}
+
+void ZrGridLayer::KeepClearOf(
+    std::vector<const ZrMarkerLayer*> markers, std::vector<const ZrTrackLayer*> tracks)
+{
+    m_obstacles.m_markers = std::move(markers);
+    m_obstacles.m_tracks = std::move(tracks);
+}
+
+const ZrLabelLayer& ZrGridLayer::Texts() const
+{
+    return m_marks ? m_marks->m_part.labels : m_part.labels;
+}
+
 void ZrGridLayer::SetSpacing(double spacing)
 {
     if (std::isfinite(spacing))
@@ -220,21 +240,24 @@ void ZrGridLayer::PaintPart(
     if (pixel == 0.0 || !part.batch.Use(surface))
         return;
     const QByteArray key = Key(view, pixel);
+    bool isChanged = hasMarks && m_obstacles.Look(view, pixel);
     if (key != part.key || !part.batch.IsUploaded()) {
         ZrMapShapes shapes;
-        part.labels.SetLabels({});
+        isChanged = true;
         if (hasLines && m_hasGrid)
             AddLines(shapes, view, pixel);
         if (hasMarks)
             AddMarks(shapes, part, view, surface.m_pixelFactor);
+        else
+            part.labels.SetLabels({});
         part.batch.Upload(surface, shapes.Triangles());
         part.key = key;
     }
-    if (hasMarks) {
-        std::vector<QRectF> taken = part.taken;
-        if (m_names && m_names->m_isVisible)
-            taken.insert(taken.end(), m_names->Boxes().begin(), m_names->Boxes().end());
-        part.labels.SetDeclutter(true, std::move(taken));
+    if (isChanged && hasMarks) {
+        std::vector<ZrMapLabel> labels
+            = ZrGridTexts::Choose(part.lines, part.taken, m_obstacles, clear * pixel);
+        labels.insert(labels.end(), part.marks.begin(), part.marks.end());
+        part.labels.SetLabels(std::move(labels));
     }
     part.batch.Draw(surface, view);
     part.labels.Paint(surface, view);
@@ -265,29 +288,38 @@ void ZrGridLayer::AddLines(ZrMapShapes& shapes, const ZrMapView& view, double pi
 void ZrGridLayer::AddMarks(ZrMapShapes& shapes, Part& part, const ZrMapView& view, int factor) const
 {
     const double pixel = PixelOf(factor);
-    std::vector<ZrMapLabel> labels;
-    if (m_hasGrid && m_hasTexts) {
-        const ZrGridLines::Lines lines = Lines(view, pixel);
-        std::vector<QSizeF> sizes;
-        for (const ZrGridLines::Line& line : lines)
-            sizes.push_back(part.labels.TextSize(line.text, ZrLegible::Design(gridText)) * pixel);
-        labels = ZrGridLines::Labels(lines, view, Area(view), inset * pixel, sizes);
-        for (ZrMapLabel& label : labels)
-            label.size = ZrLegible::Design(gridText);
-    }
+    FindPlaces(part, view, pixel);
     const QRectF bar = ScaleBarRect(view, factor);
     const QRectF arrow = NorthArrowRect(view, factor);
+    part.marks.clear();
     if (!bar.isEmpty())
-        AddScaleBar(shapes, labels, BarOf(view, pixel), bar, pixel);
+        AddScaleBar(shapes, part.marks, BarOf(view, pixel), bar, pixel);
     if (!arrow.isEmpty())
-        AddNorthArrow(shapes, labels, view, arrow, pixel);
-    part.labels.SetLabels(labels);
+        AddNorthArrow(shapes, part.marks, view, arrow, pixel);
     const double gap = edge / 2.0 * pixel;
     const QMarginsF around(gap, gap, gap, gap);
     part.taken.clear();
     for (const QRectF& rect : {bar, arrow}) {
         if (!rect.isEmpty())
             part.taken.push_back(rect.marginsAdded(around));
+    }
+    part.labels.SetDeclutter(true, part.taken);
+}
+
+/// Of the texts of the grid.
+void ZrGridLayer::FindPlaces(Part& part, const ZrMapView& view, double pixel) const
+{
+    part.lines.clear();
+    if (!m_hasGrid || !m_hasTexts)
+        return;
+    const float size = ZrLegible::Design(gridText);
+    for (const ZrGridLines::Line& line : Lines(view, pixel)) {
+        ZrGridTexts::Line text{line.isNorthSouth, {}};
+        text.places = ZrGridLines::Places(
+            line, view, Area(view), inset * pixel, part.labels.TextSize(line.text, size) * pixel);
+        for (ZrGridLines::Place& place : text.places)
+            place.label.size = size;
+        part.lines.push_back(std::move(text));
     }
 }
 

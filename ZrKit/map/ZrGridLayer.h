@@ -2,9 +2,11 @@
 
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/map/ZrGridLines.h"
+#include "ZrKit/map/ZrGridTexts.h"
 #include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMapBatch.h"
 #include "ZrKit/map/ZrMapLayer.h"
+#include "ZrKit/map/ZrMapObstacles.h"
 #include "ZrKit/map/ZrScaleBar.h"
 #include "ZrUtil/ZrProj.h"
 #include "ZrUtil/ZrSphd.h"
@@ -66,9 +68,15 @@ public:
     /// Pixels of the view that something else covers at each side: texts, bar and arrow stay clear of them.
     void SetMargins(const QMarginsF& margins);
 
-    /// Leaves out texts that would lie on the labels of \p names, as these were painted last: before the
-    /// grid's marks. They must stay; null for none.
-    void KeepClearOf(const ZrLabelLayer* names) { m_names = names; }
+    /// Texts do not lie on the labels of \p names, as these were painted last: before the grid's marks. They
+    /// must stay; null for none.
+    void KeepClearOf(const ZrLabelLayer* names);
+
+    /// Nor on markers and tracks; see `ZrGridTexts` for where they are then.
+    void KeepClearOf(std::vector<const ZrMarkerLayer*> markers, std::vector<const ZrTrackLayer*> tracks);
+
+    /// The texts as they were painted last, those of bar and arrow among them.
+    const ZrLabelLayer& Texts() const;
 
     /// Between grid lines at least, design pixels; `LeastSpacing` and more.
     void SetSpacing(double spacing);
@@ -98,6 +106,8 @@ private:
 
         QByteArray key; ///< what its vertices depend on
         std::vector<QRectF> taken; ///< by bar and arrow, pixels of the view
+        std::vector<ZrMapLabel> marks; ///< texts of bar and arrow
+        std::vector<ZrGridTexts::Line> lines; ///< of the grid
         ZrMapBatch batch;
         ZrLabelLayer labels;
     };
@@ -108,6 +118,7 @@ private:
     void PaintPart(Part& part, bool hasLines, bool hasMarks, ZrGlSurface& surface, const ZrMapView& view);
     void AddLines(ZrMapShapes& shapes, const ZrMapView& view, double pixel) const;
     void AddMarks(ZrMapShapes& shapes, Part& part, const ZrMapView& view, int factor) const;
+    void FindPlaces(Part& part, const ZrMapView& view, double pixel) const;
     ZrGridLines::Lines Lines(const ZrMapView& view, double pixel) const;
     ZrScaleBar BarOf(const ZrMapView& view, double pixel) const;
     void AddScaleBar(ZrMapShapes& shapes, std::vector<ZrMapLabel>& labels, const ZrScaleBar& bar,
@@ -120,7 +131,7 @@ private:
     bool m_hasProjection = false;
     QMarginsF m_margins;
     double m_spacing = 120.0;
-    const ZrLabelLayer* m_names = nullptr;
+    ZrMapObstacles m_obstacles;
     Part m_part;
     std::unique_ptr<MarksLayer> m_marks; ///< null while the grid draws all
 };

@@ -2,6 +2,7 @@
 
 #include "ZrKit/map/ZrGridSteps.h"
 #include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/map/ZrSegmentClip.h"
 #include "ZrUtil/ZrUnits.h"
 
 #include <QtMath>
@@ -171,30 +172,6 @@ Edge EdgeAt(const QPointF& p, const QRectF& area)
     return static_cast<Edge>(std::min_element(distances, distances + 4) - distances);
 }
 
-/// What is in \p area of the part of a line from \p a to \p b, as begin and end between 0 and 1.
-bool Clip(const QPointF& a, const QPointF& b, const QRectF& area, double& begin, double& end)
-{
-    begin = 0.0;
-    end = 1.0;
-    const QPointF d = b - a;
-    const double directions[] = {-d.x(), d.x(), -d.y(), d.y()};
-    const double distances[]
-        = {a.x() - area.left(), area.right() - a.x(), a.y() - area.top(), area.bottom() - a.y()};
-    for (int i = 0; i < 4; ++i) {
-        if (directions[i] == 0.0) {
-            if (distances[i] < 0.0)
-                return false;
-            continue;
-        }
-        const double t = distances[i] / directions[i];
-        if (directions[i] < 0.0)
-            begin = std::max(begin, t);
-        else
-            end = std::min(end, t);
-    }
-    return begin <= end;
-}
-
 /// Where a line goes into \p area and out of it.
 std::vector<Crossing> Crossings(const ZrGridLines::Line& line, const ZrMapView& view, const QRectF& area)
 {
@@ -206,7 +183,7 @@ std::vector<Crossing> Crossings(const ZrGridLines::Line& line, const ZrMapView& 
         double end = 0.0;
         const bool isFinite
             = std::isfinite(a.x()) && std::isfinite(a.y()) && std::isfinite(b.x()) && std::isfinite(b.y());
-        if (!isFinite || !Clip(a, b, area, begin, end))
+        if (!isFinite || !ZrSegmentClip::Of(a, b, area, begin, end))
             continue;
         const QPointF from = a + (b - a) * begin;
         const QPointF to = a + (b - a) * end;
@@ -235,27 +212,91 @@ bool IsAfter(bool isRather, double at, double size, double first, double last)
     return isRather ? fitsAfter || !fitsBefore : !fitsBefore;
 }
 
-/// The text of a line that meets the edge of \p area at \p crossing.
-ZrMapLabel LabelAt(const Crossing& crossing, const QRectF& area, double inset, const QSizeF& size)
+/// At what edge of its line a text is: to the right of its position or to the left, below it or above.
+struct Side
 {
-    // Lines that lean less are taken for upright or level.
-    constexpr double lean = 0.1;
-    const QPointF in = crossing.inward;
-    const double w = size.width() + inset;
-    const double h = size.height() + inset;
-    bool isRight = crossing.edge != Edge::right;
-    bool isBelow = crossing.edge != Edge::bottom;
-    if (crossing.edge == Edge::top || crossing.edge == Edge::bottom)
-        isRight = IsAfter(in.x() <= lean * std::fabs(in.y()), crossing.at.x(), w, area.left(), area.right());
-    else
-        isBelow = IsAfter(in.y() < -lean * std::fabs(in.x()), crossing.at.y(), h, area.top(), area.bottom());
+    bool isRight;
+    bool isBelow;
+};
+
+ZrMapLabel LabelAt(const QPointF& at, const Side& side, double inset, const QString& text)
+{
     ZrMapLabel label;
     label.isOnScreen = true;
-    label.alignX = isRight ? ZrMapLabel::alignLeft : ZrMapLabel::alignRight;
-    label.alignY = isBelow ? ZrMapLabel::alignTop : ZrMapLabel::alignBottom;
-    label.position = crossing.at + QPointF(isRight ? inset : -inset, isBelow ? inset : -inset);
+    label.alignX = side.isRight ? ZrMapLabel::alignLeft : ZrMapLabel::alignRight;
+    label.alignY = side.isBelow ? ZrMapLabel::alignTop : ZrMapLabel::alignBottom;
+    label.position = at + QPointF(side.isRight ? inset : -inset, side.isBelow ? inset : -inset);
+    label.text = text;
     return label;
 }
+
+/// Places of the text of one line.
+class Placing
+{
+public:
+    Placing(const QRectF& area, double inset, const QSizeF& size, const QString& text)
+        : m_area(area)
+        , m_inset(inset)
+        , m_size(size)
+        , m_text(text)
+    {
+    }
+
+    /// Where the line meets the edge at \p crossing, and at the other side of the line, if that has room.
+    void AddAt(
+        const Crossing& crossing, ZrGridLines::ePlace kind, std::vector<ZrGridLines::Place>& places) const
+    {
+        // Lines that lean less are taken for upright or level.
+        constexpr double lean = 0.1;
+        const QPointF in = crossing.inward;
+        const double w = m_size.width() + m_inset;
+        const double h = m_size.height() + m_inset;
+        Side side{crossing.edge != Edge::right, crossing.edge != Edge::bottom};
+        const bool isUpOrDown = crossing.edge == Edge::top || crossing.edge == Edge::bottom;
+        if (isUpOrDown)
+            side.isRight = IsAfter(
+                in.x() <= lean * std::fabs(in.y()), crossing.at.x(), w, m_area.left(), m_area.right());
+        else
+            side.isBelow = IsAfter(
+                in.y() < -lean * std::fabs(in.x()), crossing.at.y(), h, m_area.top(), m_area.bottom());
+        Add(crossing.at, side, kind, places);
+        bool& other = isUpOrDown ? side.isRight : side.isBelow;
+        other = !other;
+        if (m_area.contains(Add(crossing.at, side, kind, places)))
+            return;
+        places.pop_back();
+    }
+
+    /// Beside the line at \p at, on both sides.
+    void AddAlong(const QPointF& at, bool isSteep, std::vector<ZrGridLines::Place>& places) const
+    {
+        for (const bool isAfter : {true, false}) {
+            const Side side{isSteep ? isAfter : true, isSteep ? true : isAfter};
+            if (!m_area.contains(Add(at, side, ZrGridLines::alongLine, places)))
+                places.pop_back();
+        }
+    }
+
+private:
+    /// \returns what the text covers
+    QRectF Add(const QPointF& at, const Side& side, ZrGridLines::ePlace kind,
+        std::vector<ZrGridLines::Place>& places) const
+    {
+        ZrGridLines::Place place;
+        place.label = LabelAt(at, side, m_inset, m_text);
+        place.box = QRectF(QPointF(), m_size);
+        place.box.moveTo(place.label.position
+            - QPointF(side.isRight ? 0.0 : m_size.width(), side.isBelow ? 0.0 : m_size.height()));
+        place.kind = kind;
+        places.push_back(place);
+        return place.box;
+    }
+
+    QRectF m_area;
+    double m_inset;
+    QSizeF m_size;
+    QString m_text;
+};
 
 } // namespace
 
@@ -317,20 +358,35 @@ ZrGridLines::Lines ZrGridLines::Geographic(
     return lines;
 }
 
+std::vector<ZrGridLines::Place> ZrGridLines::Places(
+    const Line& line, const ZrMapView& view, const QRectF& area, double inset, const QSizeF& size)
+{
+    std::vector<Place> places;
+    if (area.isEmpty() || view.IsEmpty())
+        return places;
+    std::vector<Crossing> crossings = Crossings(line, view, area);
+    std::stable_sort(crossings.begin(), crossings.end(),
+        [](const Crossing& a, const Crossing& b) { return Rank(a) < Rank(b); });
+    const Placing placing(area, inset, size, line.text);
+    for (std::size_t i = 0; i < crossings.size(); ++i)
+        placing.AddAt(crossings[i], i == 0 ? atEdge : atOtherEdge, places);
+    if (crossings.size() < 2)
+        return places;
+    const QPointF from = crossings.front().at;
+    const QPointF way = crossings.back().at - from;
+    for (const double share : {0.5, 0.25, 0.75})
+        placing.AddAlong(from + way * share, crossings.front().IsSteep(), places);
+    return places;
+}
+
 std::vector<ZrMapLabel> ZrGridLines::Labels(const Lines& lines, const ZrMapView& view, const QRectF& area,
     double inset, const std::vector<QSizeF>& sizes)
 {
     std::vector<ZrMapLabel> labels;
-    if (area.isEmpty() || view.IsEmpty())
-        return labels;
     for (std::size_t i = 0; i < lines.size() && i < sizes.size(); ++i) {
-        const std::vector<Crossing> crossings = Crossings(lines[i], view, area);
-        const auto best = std::min_element(crossings.begin(), crossings.end(),
-            [](const Crossing& a, const Crossing& b) { return Rank(a) < Rank(b); });
-        if (best == crossings.end())
-            continue;
-        labels.push_back(LabelAt(*best, area, inset, sizes[i]));
-        labels.back().text = lines[i].text;
+        const std::vector<Place> places = Places(lines[i], view, area, inset, sizes[i]);
+        if (!places.empty())
+            labels.push_back(places.front().label);
     }
     return labels;
 }

@@ -35,6 +35,21 @@ public:
 
     using Lines = std::vector<Line>;
 
+    enum ePlace : int
+    {
+        atEdge = 0, ///< where such texts are
+        atOtherEdge = 1,
+        alongLine = 2 ///< between the edges
+    };
+
+    /// Where the text of a line can be.
+    struct Place
+    {
+        ZrMapLabel label;
+        QRectF box; ///< that it covers, pixels of the view
+        ePlace kind = atEdge;
+    };
+
     /// Lines of round eastings and northings, in metres, or survey feet when the short unit is "ft".
     /// \param spacing pixels
     static Lines Projected(const ZrMapView& view, double spacing);
@@ -51,4 +66,10 @@ public:
     /// \param sizes of the texts, pixels, in the order of the lines
     static std::vector<ZrMapLabel> Labels(const Lines& lines, const ZrMapView& view, const QRectF& area,
         double inset, const std::vector<QSizeF>& sizes);
+
+    /// All places of the text of \p line, the best one first: those of `Labels`, then at the other side of
+    /// the line where that has room, at the line's other end, and along the line.
+    /// \param size of the text, pixels
+    static std::vector<Place> Places(
+        const Line& line, const ZrMapView& view, const QRectF& area, double inset, const QSizeF& size);
 };

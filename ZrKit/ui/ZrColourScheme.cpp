@@ -37,7 +37,7 @@ const Colour colours[] = {
     {&ZrTheme::lighten, {0x60ffffff, 0x20ffffff, 0x18ff6040}},
     {&ZrTheme::sea, {0xffd3e5ef, 0xff15283a, 0xff0a0303}},
     {&ZrTheme::seabed, {0xff8aa3ad, 0xff5f8ea0, 0xff4a1f18}},
-    {&ZrTheme::track, {0xffb03600, 0xffff9f43, 0xffc86040}},
+    {&ZrTheme::track, {0xffb03600, 0xffff9f43, 0xffd8704a}},
     {&ZrTheme::vehicle, {0xff7a3fb0, 0xffffd23f, 0xffff8a60}},
     {&ZrTheme::posA, {0xffa8101a, 0xffff7a6e, 0xffd86a50}},
     {&ZrTheme::posB, {0xff006b2f, 0xff4cd07d, 0xffa85a44}},
@@ -46,6 +46,8 @@ const Colour colours[] = {
     {&ZrTheme::waypoint, {0xff0b3c5c, 0xffe6eef3, 0xffd8664e}},
     {&ZrTheme::route, {0xff006b8f, 0xff5ee0d0, 0xffb8543f}},
 };
+
+constexpr QRgb trackAhead[ZrColourScheme::Count] = {0xff26363f, 0xff7d95a7, 0xff98493a};
 
 } // namespace
 
@@ -62,6 +64,11 @@ void ZrColourScheme::Apply(int scheme)
     ZrTheme::ctrlActive.setColor(ZrTheme::ctrlActiveCol);
     ZrTheme::ctrlCheck.setColor(ZrTheme::ctrlCheckCol);
     ZrTheme::ctrlHint.setColor(ZrTheme::ctrlHintCol);
+}
+
+QColor ZrColourScheme::TrackAhead()
+{
+    return QColor::fromRgba(trackAhead[s_current]);
 }
 
 QColor ZrColourScheme::OverPicture(const QColor& colour)

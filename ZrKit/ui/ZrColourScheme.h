@@ -38,6 +38,10 @@ public:
 
     static bool IsLight() { return s_current == day; } ///< dark detail on a light background
 
+    /// Of the part of a way that is still to come, beside `ZrTheme::track`: told apart from it by lightness,
+    /// which at night is all there is, and seen on the water.
+    static QColor TrackAhead();
+
     /// \p colour for what is drawn over a picture of its own colours: at night a dim red as light as it was
     /// bright, else as it is. The opacity stays.
     static QColor OverPicture(const QColor& colour);

@@ -180,12 +180,14 @@ void HomePage::ShowState()
     const SurveyRecording& recording = model.recording;
     const ZrRecorder::Status& status = recording.Status();
     const bool isOn = recording.IsOn();
-    ::Show(*m_position, HomeState::Position(vehicle.Current(), vehicle.IsLive(), Age(m_fixClock)));
     const ZrSourceFacts& feed = model.feed.Facts();
+    const bool isAtEnd = feed.state == ZrSourceFacts::finished;
+    ::Show(*m_position, HomeState::Position(vehicle.Current(), vehicle.IsLive(), Age(m_fixClock), isAtEnd));
     const bool isSilent = feed.state == ZrSourceFacts::silent; // the tile tells its age itself
     const QString problem = feed.IsBad() && !isSilent ? model.feed.Text() : QString();
     ::Show(*m_data,
-        HomeState::Data(SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock), problem));
+        HomeState::Data(
+            SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock), problem, isAtEnd));
     m_data->setToolTip(problem);
     ::Show(*m_recording,
         HomeState::Recording(isOn ? recording.ElapsedText() : QString(), status,

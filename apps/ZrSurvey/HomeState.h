@@ -6,11 +6,15 @@
 #include "ZrKit/ui/ZrValueTile.h"
 #include "apps/ZrSurvey/SurveyVehicle.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 /// What the tiles of the home page say. Ages are seconds, NaN for what never came.
 struct HomeState
 {
+    Q_DECLARE_TR_FUNCTIONS(HomeState)
+
+public:
     struct Tile
     {
         QString value;
@@ -25,12 +29,14 @@ struct HomeState
 
     static constexpr double Year = 365.0 * 86400.0; ///< seconds; room for more than that is told as such
 
-    /// \param age of the last position
-    static Tile Position(const SurveyVehicle::Pose& pose, bool isLive, double age);
+    /// \param age of the last position; \param isAtEnd the source has told all it had
+    static Tile Position(const SurveyVehicle::Pose& pose, bool isLive, double age, bool isAtEnd = false);
 
     /// \param source where data are to come from; \param age of the last of them
     /// \param problem that keeps them from coming, a sentence; may be empty
-    static Tile Data(const QString& source, bool isLive, double age, const QString& problem = QString());
+    /// \param isAtEnd the source has told all it had: a plan that was run, a log that was replayed
+    static Tile Data(const QString& source, bool isLive, double age, const QString& problem = QString(),
+        bool isAtEnd = false);
 
     /// \param elapsed time of the recording that is going on, empty for none; \param folder of recordings
     /// \param isStopped the last one has ended by itself, and nobody has seen that
@@ -49,5 +55,6 @@ struct HomeState
     /// For how much longer a recording has room: "90 min left", "5 h left", "3 days left", "> 1 year left".
     static QString LeftText(double seconds);
 
-    static QString DurationText(double seconds); ///< "3 h 20 min", "12 min", "40 s"
+    /// About how long, rounded: "3 h 20 min", "12 min", "40 s"; empty for what is no time.
+    static QString DurationText(double seconds);
 };

@@ -29,6 +29,7 @@ LiveMap::LiveMap()
     m_planLine.m_width = 2.0F;
     m_names.SetDeclutter(true);
     m_grid.KeepClearOf(&m_names);
+    m_grid.KeepClearOf({&m_way.m_vehicle}, {&m_way.m_trail, &m_planLine});
     SetGridShown(false); // of nowhere it would say nothing
     m_way.m_zoneChanged = [this] {
         SetGridShown(true);
@@ -36,6 +37,14 @@ LiveMap::LiveMap()
         ShowPlan();
     };
     OnColours();
+}
+
+/// The vehicle lies over the names: those that it would hide in part are left out as long as it does.
+void LiveMap::Render()
+{
+    const double pixel = static_cast<double>(ZrTheme::dp) * m_pixelFactor;
+    m_names.SetDeclutter(true, ZrMapObstacles::Boxes(m_way.m_vehicle, m_camera, pixel));
+    ZrMapSurface::Render();
 }
 
 void LiveMap::SetGridShown(bool isShown)

@@ -29,7 +29,10 @@ public:
 
     i64 TrailCount() const { return m_way.m_trail.m_track.Count(); }
 
+    const ZrLabelLayer& Names() const { return m_names; } ///< of the waypoints
+
     void OnResize(int width, int height) override;
+    void Render() override;
 
 private:
     void ShowPlan();

@@ -85,6 +85,7 @@ PlanPage::PlanPage(SurveyView& view)
     m_map.m_layers += m_drawing.Layers();
     m_map.m_layers += {names, &m_grid.Marks()};
     m_grid.KeepClearOf(&m_chart.Names());
+    m_grid.KeepClearOf({&m_chart.Marks()}, {});
     m_map.m_camera.SetScale(firstScale);
     AddBand();
     AddTools();

@@ -24,6 +24,7 @@ ReviewMap::ReviewMap(SurveyPage& page)
     m_panel->setAccessibleName(tr("Map"));
     m_map.m_layers = QVector<ZrMapLayer*>{&m_grid} + m_chart.Layers();
     m_map.m_layers.append(&m_grid.Marks());
+    m_grid.KeepClearOf(m_chart.Marks(), m_chart.Lines());
     connect(m_panel, &ZrMapPanel::Changed, &page, &SurveyPage::Changed);
     connect(m_panel, &ZrMapPanel::Tapped, this, &ReviewMap::OnTapped);
     connect(m_panel, &ZrMapPanel::CameraMoved, this, [this] {

@@ -2,33 +2,23 @@
 
 #include "apps/ZrSurvey/SurveySettings.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
-
-namespace {
-
-QString Tr(const char* text)
-{
-    return QCoreApplication::translate("SurveySource", text);
-}
-
-} // namespace
 
 QString SurveySource::Name(int kind)
 {
     switch (kind) {
     case simulator:
-        return Tr("Simulator");
+        return tr("Simulator");
     case udp:
-        return Tr("NMEA over UDP");
+        return tr("NMEA over UDP");
     case tcp:
-        return Tr("NMEA over TCP");
+        return tr("NMEA over TCP");
     case serial:
-        return Tr("Serial port");
+        return tr("Serial port");
     case nmeaFile:
-        return Tr("NMEA file");
+        return tr("NMEA file");
     case replay:
-        return Tr("Replay of a log");
+        return tr("Replay of a log");
     default:
         return {};
     }
@@ -39,14 +29,14 @@ QString SurveySource::Describe(const SurveySettings& settings)
     const QString file = QFileInfo(settings.sourceFile).fileName();
     switch (settings.source) {
     case udp:
-        return Tr("UDP port %1").arg(settings.udpPort);
+        return tr("UDP port %1").arg(settings.udpPort);
     case tcp:
         return QStringLiteral("%1:%2").arg(settings.tcpHost).arg(settings.tcpPort);
     case serial:
-        return settings.serialPort.isEmpty() ? Tr("No serial port chosen") : settings.serialPort;
+        return settings.serialPort.isEmpty() ? tr("No serial port chosen") : settings.serialPort;
     case nmeaFile:
     case replay:
-        return file.isEmpty() ? Tr("No file chosen") : file;
+        return file.isEmpty() ? tr("No file chosen") : file;
     default:
         return Name(settings.source);
     }

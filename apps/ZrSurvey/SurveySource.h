@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 class SurveySettings;
@@ -7,6 +8,9 @@ class SurveySettings;
 /// Where the vehicle's data can come from.
 struct SurveySource
 {
+    Q_DECLARE_TR_FUNCTIONS(SurveySource)
+
+public:
     enum eKind : int
     {
         simulator = 0,

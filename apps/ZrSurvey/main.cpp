@@ -6,19 +6,18 @@
 #include "ZrUtil/ZrFmApp.h"
 #include "ZrUtil/ZrFormMgr.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/SurveyOptions.h"
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <QSurfaceFormat>
 #include <QTimer>
 
 #include <cstdio>
-#include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -65,105 +64,33 @@ int RunTour(const QString& folder, const QString& line, const QSize& size)
     return result;
 }
 
-/// What the command line asks for.
-struct Options
+/// Texts in the user's language, and where settings are.
+void SetName()
 {
-    QString data; ///< folder of the settings
-    QString screenshot; ///< file to write, empty for none
-    QString page; ///< to show first, empty for the one it begins with
-    QSize size;
-    QString tour; ///< folder, when `isTour`
-    QString tourLine;
-    QString file; ///< to open, empty for none
-    bool isTour = false;
-    bool isTimed = false; ///< tells of the first frame, and ends
-};
+    const QString name = QStringLiteral("ZrSurvey");
+    QCoreApplication::setApplicationName(name);
+    QCoreApplication::setOrganizationName(name);
+    ZrTranslation::Install(name, ZrTranslation::Folders(name));
+}
+
+/// Without a display: what is asked on a terminal is answered there too.
+SurveyOptions ReadOptions(int argc, char** argv)
+{
+    // Of a copy: what an application object takes out of the arguments is there for the next one.
+    std::vector<char*> arguments(argv, argv + argc + 1);
+    QCoreApplication app(argc, arguments.data());
+    SetName();
+    return SurveyOptions::Read(QCoreApplication::arguments());
+}
 
 void SetUp()
 {
     QApplication::setStyle(QStringLiteral("Fusion"));
-    QCoreApplication::setApplicationName(QStringLiteral("ZrSurvey"));
-    QCoreApplication::setOrganizationName(QStringLiteral("ZrSurvey"));
-    const QString name = QCoreApplication::applicationName();
-    ZrTranslation::Install(name, ZrTranslation::Folders(name));
+    SetName();
     ZrTheme::SetDesignScale(1280, 800);
     ZrTheme::SetStdStyle();
     // Lines for typing take their letters from here, all else from the theme.
     QApplication::setFont(QFont(ZrTheme::fontFamily));
-}
-
-/// \returns nothing when that was all, with the exit code in \p code
-std::optional<Options> ReadOptions(int& code)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QCoreApplication::translate("main", "Plans, records and reviews surveys of underwater vehicles."));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-        QCoreApplication::translate("main", "Show this text."));
-    const QCommandLineOption data(QStringLiteral("data"),
-        QCoreApplication::translate("main", "Keep the settings and the plan's draft in DIR."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption screenshot(QStringLiteral("screenshot"),
-        QCoreApplication::translate("main", "Write a picture of the first screen into FILE and end."),
-        QStringLiteral("FILE"));
-    const QCommandLineOption page(QStringLiteral("page"),
-        QCoreApplication::translate("main", "Show the page NAME first: Home, Plan, Record, Review, Scene."),
-        QStringLiteral("NAME"));
-    const QCommandLineOption size(QStringLiteral("size"),
-        QCoreApplication::translate("main", "Size of the window, for instance 1280x800."),
-        QStringLiteral("WxH"), QStringLiteral("1280x800"));
-    const QCommandLineOption timeStart(QStringLiteral("time-start"),
-        QCoreApplication::translate("main", "Print a line at the first frame and end."));
-    const QCommandLineOption tour(QStringLiteral("tour"),
-        QCoreApplication::translate("main",
-            "Go through the whole main job by itself, with a picture of each station and all exports in "
-            "DIR."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption tourLine(QStringLiteral("tour-line"),
-        QCoreApplication::translate(
-            "main", "The side-scan line (XTF) of the tour, instead of the one that comes with the program."),
-        QStringLiteral("FILE"));
-    parser.addOptions({help, data, screenshot, page, size, timeStart, tour, tourLine});
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-        QCoreApplication::translate("main", "A log or a recording to review, or a plan to work on."),
-        QStringLiteral("[FILE]"));
-    const bool isUnderstood = parser.parse(QCoreApplication::arguments());
-    if (isUnderstood && parser.isSet(help)) {
-        std::printf("%s", qPrintable(parser.helpText()));
-        code = 0;
-        return {};
-    }
-    const QStringList files = parser.positionalArguments();
-    if (!isUnderstood || files.size() > 1) {
-        const QString what = isUnderstood
-            ? QCoreApplication::translate("main", "Unexpected argument %1").arg(files[1])
-            : parser.errorText();
-        std::fprintf(stderr, "%s\n%s", qPrintable(what), qPrintable(parser.helpText()));
-        code = 1;
-        return {};
-    }
-
-    const QStringList sides = parser.value(size).split(QLatin1Char('x'));
-    const QSize windowSize(sides.value(0).toInt(), sides.value(1).toInt());
-    if (sides.size() != 2 || windowSize.width() < 320 || windowSize.height() < 240) {
-        std::fprintf(stderr, "%s\n",
-            qPrintable(QCoreApplication::translate("main", "%1 is no size of a window, such as 1280x800")
-                           .arg(parser.value(size))));
-        code = 1;
-        return {};
-    }
-    Options options;
-    options.data = parser.isSet(data) ? parser.value(data)
-                                      : QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    options.screenshot = parser.value(screenshot);
-    options.page = parser.value(page);
-    options.size = windowSize;
-    options.isTour = parser.isSet(tour);
-    options.tour = parser.value(tour);
-    options.tourLine = parser.value(tourLine);
-    options.file = files.value(0);
-    options.isTimed = parser.isSet(timeStart);
-    return options;
 }
 
 void TellFirstFrame(SurveyView& view)
@@ -188,7 +115,7 @@ int RunToPicture(SurveyView& view, const QString& path)
     return isSaved ? 0 : 3;
 }
 
-int RunWindow(const Options& options)
+int RunWindow(const SurveyOptions& options)
 {
     // What the program says about its own work goes into the file that the settings show, unless they say
     // otherwise; a terminal stays quiet.
@@ -213,13 +140,12 @@ int RunWindow(const Options& options)
 
 int main(int argc, char** argv)
 {
+    const SurveyOptions options = ReadOptions(argc, argv);
+    if (options.IsAnswered())
+        return options.Answer();
     SetSurfaceFormat();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication app(argc, argv);
     SetUp();
-    int code = 0;
-    const std::optional<Options> options = ReadOptions(code);
-    if (!options)
-        return code;
-    return options->isTour ? RunTour(options->tour, options->tourLine, options->size) : RunWindow(*options);
+    return options.isTour ? RunTour(options.tour, options.tourLine, options.size) : RunWindow(options);
 }

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include <cstdio>
@@ -16,6 +17,28 @@
 namespace {
 
 const char reportName[] = "tour.txt";
+
+/// Of an earlier tour; empty of one that was ended.
+bool IsReport(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    static const QRegularExpression station(QStringLiteral("^(ok |BAD)  [0-9]{2} "));
+    return file.size() == 0 || station.match(QString::fromUtf8(file.readLine(80))).hasMatch();
+}
+
+/// Those that a tour has written: each has its notes beside it.
+void RemovePictures(QDir& dir)
+{
+    const auto names = dir.entryList({QStringLiteral("[0-9][0-9]-*.json")}, QDir::Files);
+    for (const QString& notes : names) {
+        if (!TourPicture::IsNotes(dir.filePath(notes)))
+            continue;
+        dir.remove(notes.chopped(5) + QStringLiteral(".png"));
+        dir.remove(notes);
+    }
+}
 
 } // namespace
 
@@ -52,7 +75,7 @@ bool Tour::Prepare()
         return fail(tr("%1 is no folder").arg(m_folder));
     if (!dir.mkpath(QStringLiteral(".")))
         return fail(tr("The folder %1 cannot be made").arg(m_folder));
-    const bool isOurs = dir.exists(QString::fromLatin1(reportName));
+    const bool isOurs = IsReport(dir.filePath(QString::fromLatin1(reportName)));
     if (!isOurs && !dir.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
         return fail(tr("The folder %1 is not empty and not of an earlier tour").arg(m_folder));
     if (m_line.isEmpty())
@@ -63,11 +86,11 @@ bool Tour::Prepare()
     QFile report(dir.filePath(QString::fromLatin1(reportName)));
     if (!report.open(QIODevice::WriteOnly))
         return fail(tr("The folder %1 cannot be written to. %2").arg(m_folder, report.errorString()));
-    const auto pictures
-        = dir.entryList({QStringLiteral("*.png"), QStringLiteral("[0-9][0-9]-*.json")}, QDir::Files);
-    for (const QString& picture : pictures)
-        dir.remove(picture);
+    RemovePictures(dir);
     for (const QString& part : {DataDir(), Exports()}) {
+        // What lies behind a link is not the tour's.
+        if (QFileInfo(part).isSymLink())
+            return fail(tr("%1 is a link").arg(part));
         if (!QDir(part).removeRecursively() || !dir.mkpath(part))
             return fail(tr("The folder %1 cannot be made anew").arg(part));
     }

@@ -25,8 +25,8 @@ struct SurveyModel;
 /// \endcode
 ///
 /// The folder gets a picture of each station with its notes, "exports", "data" (settings, draft, recordings)
-/// and "tour.txt", what was printed. A folder that holds anything else is refused: what an earlier tour has
-/// left is removed.
+/// and "tour.txt", what was printed. A folder that is neither empty nor of an earlier tour is refused. Of one
+/// of an earlier tour the pictures with their notes, "exports" and "data" are deleted, and nothing else.
 class Tour : public QObject
 {
     Q_OBJECT

@@ -15,7 +15,8 @@ void home_changes(Tour& tour); ///< free space, and the folder of the recordings
 void record_changes(Tour& tour, bool isRunning);
 
 /// Of the review of what the simulator has run. It runs the same every time, but the recording begins when
-/// the button is pressed, and events are where the vehicle was when theirs were.
+/// the button is pressed, and events are where the vehicle was when theirs were. What playing and the range
+/// do to these parts the stations look at themselves; see `TourShot`.
 void recorded_changes(Tour& tour);
 
 /// Where the simulator was a given time before its end: the same echoes every time.

@@ -1,5 +1,6 @@
 #include "apps/ZrSurvey/tour/TourPicture.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -79,4 +80,14 @@ QString TourPicture::Save(const QString& path) const
     const bool isWritten
         = notes.open(QIODevice::WriteOnly) && notes.write(text) == text.size() && notes.commit();
     return isWritten ? QString() : notes.fileName();
+}
+
+bool TourPicture::IsNotes(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QJsonObject notes = QJsonDocument::fromJson(file.readAll()).object();
+    return notes.value(QLatin1String("changing")).isArray()
+        && notes.value(QLatin1String("controls")).isArray();
 }

@@ -31,6 +31,8 @@ public:
     /// \returns the file that cannot be written; empty when both are
     QString Save(const QString& path) const;
 
+    static bool IsNotes(const QString& path); ///< whether the file is what `Save` writes beside a picture
+
 private:
     QByteArray Notes(double ratio) const;
 

@@ -23,11 +23,13 @@
 #include "apps/ZrSurvey/SurveyView.h"
 #include "apps/ZrSurvey/tour/Tour.h"
 #include "apps/ZrSurvey/tour/TourChanging.h"
+#include "apps/ZrSurvey/tour/TourShot.h"
 #include "apps/ZrSurvey/tour/TourStations.h"
 
 #include <QFileInfo>
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -157,6 +159,7 @@ void tour::review(Tour& tour)
     const QString file = tour.Page<RecordPage>("Record").Session().Status().file;
     const auto act = [&hand](int which) { hand.Press(QStringLiteral("act%1").arg(which)); };
     const auto now = [&page] { return page.Clock().Time(); };
+    std::optional<TourShot> withoutRange;
     tour.Station(QStringLiteral("review-recording"), [&] {
         // The message offers it for some seconds; later it is the first one at home.
         auto* toast = tour.View().findChild<ZrToast*>();
@@ -190,6 +193,8 @@ void tour::review(Tour& tour)
         hand.Await(QStringLiteral("the waterfall is shown"),
             [&page] { return page.Sonar().Loader() && !page.Sonar().Loader()->IsLoading(); });
         show_same_place(tour);
+        hand.Settle();
+        withoutRange.emplace(tour, page);
         recorded_changes(tour);
     });
     tour.Station(QStringLiteral("review-play"), [&] {
@@ -218,6 +223,8 @@ void tour::review(Tour& tour)
         tour.Expect(page.Clock().HasLoop(), QStringLiteral("a loop"), QStringLiteral("none"));
         for (int i = 0; i < 3; ++i)
             act(ReviewTransport::faster);
+        hand.Settle();
+        const TourShot atB(tour, page);
         act(ReviewTransport::play);
         double last = now();
         int turns = 0;
@@ -226,6 +233,7 @@ void tour::review(Tour& tour)
             last = now();
             return turns >= 2;
         });
+        TourShot(tour, page).ExpectMoved(tour, atB, QStringLiteral("while it plays, once more at A"));
         act(ReviewTransport::play);
         act(ReviewTransport::loop);
         for (int i = 0; i < 3; ++i)
@@ -233,6 +241,8 @@ void tour::review(Tour& tour)
         act(ReviewTransport::nextEvent);
         show_same_place(tour);
         hand.HideToast();
+        hand.Settle();
+        TourShot(tour, page).ExpectRange(tour, *withoutRange);
         recorded_changes(tour);
     });
 }
