@@ -2,6 +2,7 @@
 
 // A short recording with both sides of a sonar, events and targets, for the tests of its exports.
 
+#include "FileBytes.h"
 #include "ZrKit/survey/ZrSurveyExport.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/survey/ZrTargetEvent.h"
@@ -21,18 +22,6 @@ using sonar_test::startTime;
 inline QString S(const char* text)
 {
     return QString::fromUtf8(text);
-}
-
-inline QByteArray Content(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool Put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 class Percents final : public IZrProgress

@@ -82,7 +82,7 @@ inline void SurveyReviewWindow::init()
     m_units = std::make_unique<ZrUnitsState>();
     ZrUnits::SetToMetric();
     m_log = m_folder.filePath(QStringLiteral("wreck ö.log"));
-    for (const char* suffix : {"", ".evt", ".zri", ".zri.json", ".xml", ".bottom.json"})
+    for (const char* suffix : {"", ".evt", ".evt.json", ".zri", ".zri.json", ".xml", ".bottom.json"})
         QFile::remove(m_log + QLatin1String(suffix));
     QVERIFY(QFile::copy(m_source, m_log));
     ZrTheme::SetDesignScale(1280, 800);

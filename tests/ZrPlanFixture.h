@@ -2,12 +2,12 @@
 
 // What the tests of plans share: an area, waypoints, and the bytes of files.
 
+#include "FileBytes.h"
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrPlanReader.h"
 #include "ZrUtil/ZrWpt.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 
 #include <cmath>
@@ -46,17 +46,4 @@ inline bool TakeState(ZrPlanDocument& plan, const QByteArray& state)
     ZrPlanReader reader;
     reader.FromDraft(state, QStringLiteral("State"));
     return plan.Take(reader);
-}
-
-/// Of a file; empty for none.
-inline QByteArray Content(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool Write(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }

@@ -4,6 +4,7 @@
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/ui/ZrTouchList.h"
+#include "ZrSonarTestLog.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void bottomCannotBeSaved();
     void oneToolAtATime();
     void pulseIsDark();
+    void pictureWithoutAltitude();
 
 private:
     /// Draws the bottom line at an altitude on both lines \p from and \p to, on the starboard side.
@@ -394,6 +396,30 @@ void tst_SurveyReviewSonar::pulseIsDark()
     const QColor dark = exported(ZrSonarBlanking::pulse);
     QVERIFY2(dark.isValid() && dark.lightness() < 40, qPrintable(dark.name()));
     QVERIFY2(Toast().contains(QStringLiteral("without the outgoing pulse")), qPrintable(Toast()));
+}
+
+/// What is said of the picture is what was done to it: without any altitude that is less than was asked for.
+void tst_SurveyReviewSonar::pictureWithoutAltitude()
+{
+    const QString log = m_folder.filePath(QStringLiteral("deep.log"));
+    sonar_test::SonarLine line;
+    line.altitude = std::nan("");
+    line.amplitude = [](int, eSonarSide, u32) { return 0.0; };
+    QVERIFY(WriteLine(log, line));
+    SurveySettings& settings = m_view->Model().settings;
+    settings.slant = true;
+    settings.blanking = ZrSonarBlanking::water;
+    QSignalSpy done(&Page().Export(), &ReviewExport::Done);
+    const auto told = [&](const QString& path) {
+        Open(path);
+        Page().Export().SetPart(Page().Recording(), Rec().Times()->Begin(), Rec().Times()->End());
+        const QString out = m_folder.filePath(QStringLiteral("told.png"));
+        return Page().Export().Write(ZrSurveyExport::waterfall, out) && done.wait(patience) ? Toast()
+                                                                                            : QString();
+    };
+    QCOMPARE(told(log), QStringLiteral("told.png was written, without the outgoing pulse"));
+    QCOMPARE(told(m_log),
+        QStringLiteral("told.png was written, corrected for slant range, with a dark water column"));
 }
 
 GL_TEST_MAIN(tst_SurveyReviewSonar)

@@ -340,7 +340,7 @@ void tst_ZrDatasetLoader::manyLoadersAtOnce()
         QCOMPARE(loader->Take()->recs.size(), std::size_t(50));
     }
     QCOMPARE(EventTexts(m_log), (QStringList{S("of the user"), S("of the log")}));
-    QCOMPARE(survey::NamesBeside(m_log).size(), 4);
+    QCOMPARE(survey::NamesBeside(m_log).size(), 5);
     ZrSurveyDataset dataset;
     ZrDatasetReader reader;
     QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::FromIndex);

@@ -111,6 +111,10 @@ private Q_SLOTS:
     void unreadableLogs();
     void eventsOfTheLogAreFound();
     void userEventsSurviveARebuild();
+    void removedEventsStayAway_data();
+    void removedEventsStayAway();
+    void removedEventsStayAwayWithoutWriting();
+    void withoutTheEventFileAllEventsAreNew();
     void eventAddedDuringTheScanSurvives();
     void missingEventFileIsMadeAnew();
     void damagedEventFileIsKeptAside();
@@ -538,7 +542,82 @@ void tst_ZrDatasetReader::userEventsSurviveARebuild()
     check();
     QVERIFY(QFile::remove(m_log + S(".zri.json")));
     check();
-    QCOMPARE(Names().size(), 4); // log, events, index, stamp
+    QCOMPARE(Names().size(), 5); // log, events, those merged, index, stamp
+}
+
+void tst_ZrDatasetReader::removedEventsStayAway_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char* change : {"grown", "no index", "no stamp", "other types", "no records", "rebuild"})
+        QTest::newRow(change) << S(change);
+}
+
+/// One by its uid, one without; one without was changed. An event that the log has got since is found.
+void tst_ZrDatasetReader::removedEventsStayAway()
+{
+    QFETCH(QString, change);
+    LogBytes log = SurveyLog(change == S("no records") ? 0 : 5);
+    log.Add(EventItem({startTime + 1, S("removed"), Uid(1)}));
+    log.Add(EventItem({startTime + 2, S("stays"), Uid(2)}));
+    log.Add(EventItem({startTime + 3, S("removed, without uid"), QUuid()}));
+    log.Add(EventItem({startTime + 4, S("changed, without uid"), QUuid()}));
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QCOMPARE(EventTexts(m_log).size(), 4);
+    const QByteArray edited
+        = EventFile({{startTime + 2, S("stays"), Uid(2)}, {startTime + 4, S("as changed"), QUuid()}});
+    QVERIFY(WriteWhole(m_log + S(".evt"), edited));
+    for (int i = 0; i < 3; ++i) {
+        ZrSurveyDataset ofNavigation;
+        ZrSurveyDataset ofFixes(CRecType(0, 18), ZrSurveyDataset::DefaultCrdTypes());
+        ZrDatasetReader reader;
+        if (change == S("grown"))
+            QVERIFY(WriteWhole(m_log, log.Add(NavItem(10 + i)).Bytes()));
+        else if (change == S("no index"))
+            QVERIFY(QFile::remove(m_log + S(".zri")));
+        else if (change == S("no stamp"))
+            QVERIFY(QFile::remove(m_log + S(".zri.json")));
+        reader.rebuild = change == S("rebuild");
+        ZrDataset& dataset = change == S("other types") && i % 2 == 0 ? ofFixes : ofNavigation;
+        QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::Built);
+        QCOMPARE(reader.WriteError(), QString());
+        QCOMPARE(Texts(dataset), (QStringList{S("stays"), S("as changed")}));
+        QCOMPARE(Bytes(".evt"), edited);
+    }
+    QVERIFY(WriteWhole(m_log, log.Add(EventItem({startTime + 3, S("new"), Uid(7)})).Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QCOMPARE(EventTexts(m_log), (QStringList{S("stays"), S("new"), S("as changed")}));
+}
+
+void tst_ZrDatasetReader::removedEventsStayAwayWithoutWriting()
+{
+    LogBytes log = SurveyLog(5);
+    log.Add(EventItem({startTime + 1, S("removed"), Uid(1)}));
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QVERIFY(WriteWhole(m_log + S(".evt"), EventFile({})));
+    QVERIFY(WriteWhole(m_log, log.Add(EventItem({startTime + 2, S("new"), Uid(2)})).Bytes()));
+    ZrSurveyDataset dataset;
+    ZrDatasetReader reader;
+    reader.writeIndex = false;
+    QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::Built);
+    QCOMPARE(Texts(dataset), QStringList{S("new")});
+    QCOMPARE(EventTexts(m_log), QStringList());
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QCOMPARE(EventTexts(m_log), QStringList{S("new")});
+}
+
+void tst_ZrDatasetReader::withoutTheEventFileAllEventsAreNew()
+{
+    LogBytes log = SurveyLog(5);
+    log.Add(EventItem({startTime + 1, S("removed"), Uid(1)}));
+    log.Add(EventItem({startTime + 2, S("stays"), Uid(2)}));
+    QVERIFY(WriteWhole(m_log, log.Bytes()));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QVERIFY(WriteWhole(m_log + S(".evt"), EventFile({{startTime + 2, S("stays"), Uid(2)}})));
+    QVERIFY(QFile::remove(m_log + S(".evt")));
+    QCOMPARE(Load(), ZrDatasetReader::Built);
+    QCOMPARE(EventTexts(m_log), (QStringList{S("removed"), S("stays")}));
 }
 
 void tst_ZrDatasetReader::eventAddedDuringTheScanSurvives()
@@ -720,7 +799,7 @@ void tst_ZrDatasetReader::nothingIsWrittenUnlessAskedTo()
     QCOMPARE(Names(), QStringList{S("dive äß.log")});
     reader.writeIndex = true;
     QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::Built);
-    QCOMPARE(Names().size(), 4);
+    QCOMPARE(Names().size(), 5);
     QVERIFY(!QFileInfo::exists(m_log + S(".xml")));
 }
 
@@ -753,6 +832,7 @@ void tst_ZrDatasetReader::foldersInPlaceOfFilesAreNoObstacle_data()
     QTest::newRow("stamp") << S(".zri.json") << unknown << S(": ");
     QTest::newRow("events") << S(".evt") << S("there is no index yet")
                             << S(": The event file cannot be read, so it is not replaced");
+    QTest::newRow("events merged") << S(".evt.json") << S("there is no index yet") << S(": ");
 }
 
 void tst_ZrDatasetReader::foldersInPlaceOfFilesAreNoObstacle()

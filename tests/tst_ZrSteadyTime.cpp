@@ -41,6 +41,8 @@ private Q_SLOTS:
     void timesOutside();
     void recordAt();
     void anyTimesAscend();
+    void prepend_data();
+    void prepend();
     void gaps();
     void gapsOfAbsurdThresholds();
     void cutAndWhole();
@@ -176,6 +178,41 @@ void tst_ZrSteadyTime::anyTimesAscend()
             QVERIFY(std::fabs(back - steady.Times()[i]) <= ZrSteadyTime::Disorder);
         }
     }
+}
+
+void tst_ZrSteadyTime::prepend_data()
+{
+    QTest::addColumn<Times>("before");
+    QTest::addColumn<Times>("steady");
+    QTest::newRow("none") << Times{} << Times{};
+    QTest::newRow("even") << Times{7, 8, 9} << Times{7, 8, 9};
+    QTest::newRow("equal") << Times{10, 10} << Times{10, 10};
+    QTest::newRow("disorder") << Times{7, 9, 8} << Times{7, 8, 8};
+    QTest::newRow("clock set back between") << Times{500, 501, 8, 9} << Times{8, 8, 8, 9};
+    QTest::newRow("all later") << Times{500, 501} << Times{10, 10};
+    QTest::newRow("unknown") << Times{unknown, 8, inf, -inf, 1e15} << Times{8, 8, 10, 10, 10};
+}
+
+/// The records that were there keep their times.
+void tst_ZrSteadyTime::prepend()
+{
+    QFETCH(Times, before);
+    QFETCH(Times, steady);
+    ZrSteadyTime times = Steady({10, 11, 5, 6});
+    times.Prepend(before);
+    Times all = steady;
+    for (const double time : {10.0, 11.0, 11.0, 12.0})
+        all.push_back(time);
+    QCOMPARE(times.Times(), all);
+    QCOMPARE(times.Begin(), all.front());
+    QCOMPARE(times.Runs().size(), std::size_t(2));
+    QCOMPARE(times.LogTime(12.0), 6.0);
+    QCOMPARE(times.LogTime(all.front()), all.front());
+    QCOMPARE(times.Append(7.0), 13.0);
+    ZrSteadyTime none;
+    none.Prepend(before);
+    QVERIFY(none.IsEmpty());
+    QCOMPARE(none.Count(), std::size_t(0));
 }
 
 void tst_ZrSteadyTime::gaps()

@@ -20,9 +20,7 @@
 
 using sonar_test::Log;
 using sonar_test::SonarLine;
-using survey_export::Content;
 using survey_export::Percents;
-using survey_export::Put;
 using survey_export::S;
 using survey_export::startTime;
 
@@ -46,12 +44,6 @@ private Q_SLOTS:
     void kinds_data();
     void kinds();
     void endsInEitherOrder();
-    void sonarBeforeNavigation();
-    void noPingInThePart();
-    void targetsOfThePart();
-    void eventsAreTakenFromTheFile();
-    void looksOfAPicture();
-    void widePicture();
     void refused_data();
     void refused();
     void ownFiles_data();
@@ -135,7 +127,7 @@ void tst_ZrSurveyExport::kinds()
     QFETCH(int, kind);
     QFETCH(QString, suffix);
     const QString out = File(S("Außen 沈.") + suffix);
-    QVERIFY(Put(out, "old"));
+    QVERIFY(Write(out, "old"));
     ZrSurveyExport part(m_recording, m_begin + 10.0, m_begin + 20.0);
     Percents percents;
     QCOMPARE(part.Run(kind, out, &percents), ZrSurveyExport::Done);
@@ -201,132 +193,6 @@ void tst_ZrSurveyExport::endsInEitherOrder()
     QVERIFY(Content(a) == Content(b));
 }
 
-/// Its pings have the time of the first record until then.
-void tst_ZrSurveyExport::sonarBeforeNavigation()
-{
-    SonarLine line;
-    line.pings = 50;
-    line.hasNav = [](int ping) { return ping >= 20; };
-    const QString log = File(S("early.log"));
-    QVERIFY(WriteLine(log, line));
-    const auto recording = Opened(log);
-    QVERIFY(recording);
-    const double begin = recording->Times()->Begin();
-    QCOMPARE(begin, line.TimeOf(20));
-    for (const int kind : {ZrSurveyExport::waterfall, ZrSurveyExport::mosaic}) {
-        const QString out = OutOf(kind);
-        ZrSurveyExport whole(recording, begin, recording->Times()->End());
-        QCOMPARE(whole.Run(kind, out), ZrSurveyExport::Done);
-        QCOMPARE(whole.Items(), u64(50));
-        const QImage picture(out);
-        ZrSurveyExport first(recording, begin, begin);
-        QCOMPARE(first.Run(ZrSurveyExport::waterfall, out), ZrSurveyExport::Done);
-        QCOMPARE(first.Items(), u64(21));
-        ZrSurveyExport rest(recording, begin + 0.05, recording->Times()->End());
-        QCOMPARE(rest.Run(kind, out), ZrSurveyExport::Done);
-        QCOMPARE(rest.Items(), u64(29));
-        QVERIFY(!picture.isNull() && (kind == ZrSurveyExport::mosaic || picture != QImage(out)));
-    }
-}
-
-/// Between two pings, which are 0.1 s apart: neither of them is drawn.
-void tst_ZrSurveyExport::noPingInThePart()
-{
-    for (const int kind : {ZrSurveyExport::waterfall, ZrSurveyExport::mosaic}) {
-        ZrSurveyExport part(m_recording, m_begin + 10.02, m_begin + 10.08);
-        QCOMPARE(part.Run(kind, OutOf(kind)), ZrSurveyExport::Failed);
-        QCOMPARE(part.Error(), S("There is no side-scan ping in this part"));
-        QCOMPARE(part.Items(), u64(0));
-        QVERIFY(!QFile::exists(OutOf(kind)));
-    }
-    ZrSurveyExport part(m_recording, m_begin + 10.02, m_begin + 10.08);
-    QCOMPARE(part.Run(ZrSurveyExport::targets, OutOf(ZrSurveyExport::targets)), ZrSurveyExport::Done);
-    ZrSurveyExport one(m_recording, m_begin + 9.95, m_begin + 10.05);
-    QCOMPARE(one.Run(ZrSurveyExport::waterfall, OutOf(ZrSurveyExport::waterfall)), ZrSurveyExport::Done);
-    QCOMPARE(one.Items(), u64(1));
-}
-
-void tst_ZrSurveyExport::targetsOfThePart()
-{
-    const QString out = File(S("targets.csv"));
-    const auto names = [&](double from, double to) {
-        ZrSurveyExport part(m_recording, m_begin + from, m_begin + to);
-        if (part.Run(ZrSurveyExport::targets, out) != ZrSurveyExport::Done)
-            return -1;
-        return static_cast<int>(part.Items());
-    };
-    QCOMPARE(names(0.0, 29.0), 2);
-    QCOMPARE(names(2.0, 15.0), 2);
-    QCOMPARE(names(2.1, 14.9), 0);
-    QCOMPARE(Content(out).count('\n'), 1);
-    // Those of the moment at which it was made.
-    ZrSurveyExport part(m_recording, m_begin, m_begin + 29.0);
-    ZrSonarTarget late;
-    late.time = startTime + 5.0;
-    QVERIFY(m_recording->Events().Add(ZrTargetEvent::ToEvent(late)));
-    QCOMPARE(part.Run(ZrSurveyExport::targets, out), ZrSurveyExport::Done);
-    QCOMPARE(part.Items(), u64(2));
-}
-
-/// Those that were saved.
-void tst_ZrSurveyExport::eventsAreTakenFromTheFile()
-{
-    const QString out = File(S("events.csv"));
-    ZrSurveyExport part(m_recording, m_begin + 10.0, m_begin + 29.0);
-    QCOMPARE(part.Run(ZrSurveyExport::events, out), ZrSurveyExport::Done);
-    QCOMPARE(part.Items(), u64(3));
-    ZrLogEvt evt(startTime + 11.0, esUser, S("added later"));
-    QVERIFY(m_recording->Events().Add(evt));
-    QVERIFY(m_recording->Events().Save());
-    QCOMPARE(part.Run(ZrSurveyExport::events, out), ZrSurveyExport::Done);
-    QCOMPARE(part.Items(), u64(4));
-    QVERIFY(Content(out).contains("added later") && !Content(out).contains("event at 1,"));
-}
-
-void tst_ZrSurveyExport::looksOfAPicture()
-{
-    const QString out = File(S("picture.png"));
-    QVector<QImage> pictures;
-    const auto draw = [&](const char* what, const std::function<void(ZrSurveyExport&)>& change) {
-        ZrSurveyExport part(m_recording, m_begin, m_begin + 29.0);
-        change(part);
-        QCOMPARE(part.Run(ZrSurveyExport::waterfall, out), ZrSurveyExport::Done);
-        const QImage picture(out);
-        QVERIFY2(!picture.isNull() && !pictures.contains(picture), what);
-        pictures << picture;
-    };
-    draw("as it is", [](ZrSurveyExport&) {});
-    draw("slant", [](ZrSurveyExport& part) { part.slant = true; });
-    draw("gain", [](ZrSurveyExport& part) { part.gain = 6.0; });
-    draw("contrast", [](ZrSurveyExport& part) { part.contrast = 2.0; });
-    draw("palette", [](ZrSurveyExport& part) { part.palette = ZrSonarPalette::Names().last(); });
-    draw("blanking", [](ZrSurveyExport& part) { part.blanking = ZrSonarBlanking::water; });
-    QCOMPARE(pictures.size(), 6);
-    ZrSurveyExport wrong(m_recording, m_begin, m_begin + 29.0);
-    wrong.palette = S("no such palette");
-    for (const int kind : {ZrSurveyExport::waterfall, ZrSurveyExport::mosaic}) {
-        QCOMPARE(wrong.Run(kind, out), ZrSurveyExport::Failed);
-        QVERIFY2(wrong.Error().contains(S("no such palette")), qPrintable(wrong.Error()));
-    }
-    QCOMPARE(QImage(out), pictures.last());
-}
-
-/// More samples than a picture has room for are drawn narrower.
-void tst_ZrSurveyExport::widePicture()
-{
-    SonarLine line;
-    line.pings = 4;
-    line.samples = 20000;
-    const QString log = File(S("wide.log"));
-    QVERIFY(WriteLine(log, line));
-    const auto recording = Opened(log);
-    QVERIFY(recording);
-    ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
-    const QString out = File(S("wide.png"));
-    QCOMPARE(part.Run(ZrSurveyExport::waterfall, out), ZrSurveyExport::Done);
-    QVERIFY(QImage(out).width() >= 512);
-}
-
 void tst_ZrSurveyExport::refused_data()
 {
     AddKinds();
@@ -368,7 +234,7 @@ void tst_ZrSurveyExport::ownFiles()
 {
     QFETCH(int, kind);
     QVERIFY(ZrBottomFile(m_log).Save(m_recording->Pings(), m_recording->Bottom()));
-    QVERIFY(Put(m_log + S(".xml"), "plan"));
+    QVERIFY(Write(m_log + S(".xml"), "plan"));
     ZrSurveyExport part(m_recording, m_begin, m_begin + 9.0);
     for (const char* suffix : {"", ".evt", ".zri", ".zri.json", ".xml", ".bottom.json"}) {
         const QString own = m_log + S(suffix);
@@ -484,7 +350,7 @@ void tst_ZrSurveyExport::diskIsFull()
 {
     QFETCH(int, kind);
     const QString out = OutOf(kind);
-    QVERIFY(Put(out, "old"));
+    QVERIFY(Write(out, "old"));
     const QStringList before
         = QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
     ZrSurveyExport part(m_recording, m_begin, m_begin + 29.0);
@@ -507,7 +373,7 @@ void tst_ZrSurveyExport::stoppedAtOnce()
 {
     QFETCH(int, kind);
     const QString out = OutOf(kind);
-    QVERIFY(Put(out, "old"));
+    QVERIFY(Write(out, "old"));
     ZrSurveyExport part(m_recording, m_begin, m_begin + 29.0);
     part.Stop();
     part.Stop();
@@ -527,7 +393,7 @@ void tst_ZrSurveyExport::stoppedHalfWay()
     const auto recording = Longer();
     QVERIFY(recording);
     const QString out = OutOf(kind);
-    QVERIFY(Put(out, "old"));
+    QVERIFY(Write(out, "old"));
     for (const bool isIndexed : {true, false}) {
         if (!isIndexed)
             QVERIFY(QFile::remove(recording->Path() + S(".zri")));
@@ -557,7 +423,7 @@ void tst_ZrSurveyExport::stoppedFromAnotherThread()
     const auto recording = Longer();
     QVERIFY(recording);
     const QString out = OutOf(kind);
-    QVERIFY(Put(out, "old"));
+    QVERIFY(Write(out, "old"));
     ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
     std::promise<void> isUnderWay;
     std::promise<void> isStopped;

@@ -9,9 +9,7 @@
 
 using sonar_test::Log;
 using sonar_test::SonarLine;
-using survey_export::Content;
 using survey_export::Percents;
-using survey_export::Put;
 using survey_export::S;
 using survey_export::startTime;
 
@@ -27,6 +25,7 @@ private Q_SLOTS:
 
     void damagedLog();
     void logThatHasGrown();
+    void removedEventsOfAGrowingLog();
     void logThatIsGone();
     void recordsThatAreNoRows();
     void folderThatCannotBeWritten();
@@ -91,7 +90,7 @@ void tst_ZrSurveyExportLogs::logThatHasGrown()
     SonarLine line;
     line.pings = 600;
     QVERIFY(WriteLine(File(S("grown.log")), line));
-    QVERIFY(Put(m_log, Content(File(S("grown.log")))));
+    QVERIFY(Write(m_log, Content(File(S("grown.log")))));
     Percents percents;
     QCOMPARE(part.Run(ZrSurveyExport::records, out, &percents), ZrSurveyExport::Done);
     QVERIFY(Content(out) == before);
@@ -100,9 +99,53 @@ void tst_ZrSurveyExportLogs::logThatHasGrown()
     // Another log in its place: by time, not by number.
     line.time = startTime + 12.0;
     QVERIFY(WriteLine(File(S("grown.log")), line));
-    QVERIFY(Put(m_log, Content(File(S("grown.log")))));
+    QVERIFY(Write(m_log, Content(File(S("grown.log")))));
     QCOMPARE(part.Run(ZrSurveyExport::records, out), ZrSurveyExport::Done);
     QCOMPARE(part.Items(), u64(81));
+}
+
+/// Each export of a log that is being recorded makes the index anew. What was removed from the list is in
+/// none of them, and does not come back into the list by them; what the log has got since does.
+void tst_ZrSurveyExportLogs::removedEventsOfAGrowingLog()
+{
+    const QString log = File(S("growing.log"));
+    const auto write = [&](int count) {
+        Log growing(log);
+        for (int i = 0; i < count; ++i) {
+            growing.AddNav(startTime + i, SonarLine().NavOf(i));
+            ZrLogEvt evt(startTime + i, esUser, S("event %1.").arg(i));
+            evt.uid = QUuid(static_cast<uint>(i + 1), 1, 2, 3, 4, 5, 6, 7, 8, 9, 10);
+            QByteArray bytes;
+            evt.Save(bytes);
+            if (i % 10 == 0)
+                growing.AddItem(rtEvent, 0, 0, startTime + i, bytes);
+        }
+        return growing.Commit();
+    };
+    QVERIFY(write(30));
+    const auto recording = Opened(log);
+    QVERIFY(recording);
+    ZrEventList& events = recording->Events();
+    QCOMPARE(events.Count(), std::size_t(3));
+    QVERIFY(events.Remove(events.Id(1)) && events.Save());
+    int lines = 31;
+    for (const int kind :
+        {ZrSurveyExport::events, ZrSurveyExport::track, ZrSurveyExport::segment, ZrSurveyExport::records}) {
+        QVERIFY(write(lines++));
+        ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
+        QCOMPARE(part.Run(kind, OutOf(kind)), ZrSurveyExport::Done);
+        QVERIFY(!Content(OutOf(kind)).contains("event 10.") || kind == ZrSurveyExport::segment);
+    }
+    QVERIFY(Content(OutOf(ZrSurveyExport::events)).contains("event 20."));
+    const auto segment = Opened(OutOf(ZrSurveyExport::segment));
+    QVERIFY(segment);
+    QCOMPARE(segment->Events().Count(), std::size_t(2));
+    events.Add(ZrLogEvt(startTime + 1.0, esUser, S("added")));
+    QVERIFY(events.Save());
+    QStringList texts;
+    for (std::size_t i = 0; i < events.Count(); ++i)
+        texts << events.At(i).text;
+    QCOMPARE(texts, (QStringList{S("event 0."), S("added"), S("event 20."), S("event 30.")}));
 }
 
 void tst_ZrSurveyExportLogs::logThatIsGone()

@@ -1,25 +1,26 @@
-#include "ZrKit/records/ZrFixRecord.h"
+// Recordings opened: of all sorts of logs, damaged ones, without a place for an index, cancelled.
+
+#include "SurveyRecordingLog.h"
 #include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrWorker.h"
-#include "ZrKit/survey/ZrSurveyRecording.h"
-#include "ZrSonarTestLog.h"
 #include "ZrUtil/IZrProgress.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include <cmath>
-#include <limits>
+#include <algorithm>
 #include <thread>
 
 using sonar_test::Log;
 using sonar_test::SonarLine;
+using survey_recording::AddFix;
+using survey_recording::IsNear;
+using survey_recording::Nav;
+using survey_recording::unknown;
+using survey_recording::WriteWithEvents;
 
 namespace {
-
-const double unknown = std::numeric_limits<double>::quiet_NaN();
 
 class Percents final : public IZrProgress
 {
@@ -37,56 +38,30 @@ public:
     int GetProgress() override { return m_told.isEmpty() ? 0 : m_told.last(); }
 };
 
-bool IsNear(double a, double b, double within)
-{
-    return std::fabs(a - b) <= within;
-}
-
 } // namespace
 
-class tst_ZrSurveyRecording : public QObject
+class tst_ZrSurveyRecording : public QObject, private survey_recording::Folder
 {
     Q_OBJECT
 
 private Q_SLOTS:
 
-    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+    void init() { Begin(); }
 
     void refused_data();
     void refused();
     void navigationAlone();
-    void positionsBetweenRows();
-    void firstPosition();
     void fixesAlone();
     void withSonar();
-    void pingsWithoutNavigation();
-    void pingAt();
-    void pingsIn_data();
-    void pingsIn();
     void oneSideAlone();
     void bottomIsTracked();
     void damaged();
     void damagedCompanions();
-    void events();
     void planBesideIt();
     void progress();
     void cancelled();
     void inAnotherThread();
     void folderThatCannotBeWritten();
-
-private:
-    QString File(const char* name) const { return m_folder->filePath(QString::fromUtf8(name)); }
-
-    static ZrNavRecord Nav(double lat, double lng)
-    {
-        ZrNavRecord nav;
-        nav.latitude = lat;
-        nav.longitude = lng;
-        nav.depth = 10.0F;
-        return nav;
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 void tst_ZrSurveyRecording::refused_data()
@@ -154,69 +129,12 @@ void tst_ZrSurveyRecording::navigationAlone()
     QCOMPARE(recording.Events().Count(), std::size_t(0));
 }
 
-/// On the way to the next row where that comes within ten seconds; else where the last one was.
-void tst_ZrSurveyRecording::positionsBetweenRows()
-{
-    const QString path = File("nav.log");
-    const double t = sonar_test::startTime;
-    QVERIFY(Log(path)
-                .AddNav(t, Nav(44.0, -63.0))
-                .AddNav(t + 10.0, Nav(44.1, -63.2))
-                .AddNav(t + 21.0, Nav(44.2, -63.2))
-                .AddNav(t + 22.0, Nav(unknown, unknown))
-                .AddNav(t + 23.0, Nav(44.3, 179.9))
-                .AddNav(t + 24.0, Nav(44.3, -179.9))
-                .Commit());
-    ZrSurveyRecording recording;
-    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-    const double begin = recording.Times()->Begin();
-    const auto isAt = [&](double seconds, double lat, double lng) {
-        const ZrGeoPoint at = recording.PositionAt(begin + seconds);
-        return IsNear(at.lat, lat, 1e-9) && IsNear(at.lng, lng, 1e-9);
-    };
-    QVERIFY(isAt(0.0, 44.0, -63.0));
-    QVERIFY(isAt(5.0, 44.05, -63.1));
-    QVERIFY(isAt(10.0, 44.1, -63.2));
-    QVERIFY(isAt(15.0, 44.1, -63.2));
-    QVERIFY(isAt(21.0, 44.2, -63.2));
-    // Not through the whole world at the date line.
-    QVERIFY(isAt(23.5, 44.3, 179.9));
-    QVERIFY(isAt(24.0, 44.3, -179.9));
-    QVERIFY(isAt(1e6, 44.3, -179.9));
-    QVERIFY(!recording.PositionAt(begin + 22.5).IsValid());
-    QVERIFY(!recording.PositionAt(unknown).IsValid());
-}
-
-void tst_ZrSurveyRecording::firstPosition()
-{
-    const QString path = File("late.log");
-    const double t = sonar_test::startTime;
-    QVERIFY(Log(path)
-                .AddNav(t, Nav(unknown, unknown))
-                .AddNav(t + 1.0, Nav(44.0, unknown))
-                .AddNav(t + 2.0, Nav(44.1, -63.2))
-                .AddNav(t + 3.0, Nav(44.2, -63.2))
-                .Commit());
-    ZrSurveyRecording recording;
-    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-    const double begin = recording.Times()->Begin();
-    QCOMPARE(recording.FirstPosition(begin + 100.0), begin + 2.0);
-    QCOMPARE(recording.FirstPosition(begin + 2.0), begin + 2.0);
-    QVERIFY(std::isnan(recording.FirstPosition(begin + 1.9)));
-    QVERIFY(std::isnan(recording.FirstPosition(begin - 1.0)));
-    QVERIFY(std::isnan(ZrSurveyRecording().FirstPosition(begin)));
-}
-
 void tst_ZrSurveyRecording::fixesAlone()
 {
     const QString path = File("fix.log");
     Log log(path);
-    for (int i = 0; i < 20; ++i) {
-        ZrFixRecord fix;
-        fix.latitude = 44.0 + i * 1e-5;
-        fix.longitude = -63.0;
-        log.AddItem(ZrFixRecord::RecType, 0, ZrFixRecord::Format, sonar_test::startTime + i, fix.Encode());
-    }
+    for (int i = 0; i < 20; ++i)
+        AddFix(log, i);
     QVERIFY(log.Commit());
     ZrSurveyRecording recording;
     QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
@@ -245,105 +163,6 @@ void tst_ZrSurveyRecording::withSonar()
     // To the south of a line to the east.
     QVERIFY(at.lat < line.PositionOf(50).lat);
     QVERIFY(IsNear(at.lng, line.PositionOf(50).lng, 1e-5));
-}
-
-/// The pings make the time axis then.
-void tst_ZrSurveyRecording::pingsWithoutNavigation()
-{
-    const QString path = File("line.log");
-    SonarLine line;
-    line.hasNav = [](int) { return false; };
-    QVERIFY(WriteLine(path, line));
-    ZrSurveyRecording recording;
-    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-    QVERIFY(recording.HasSonar());
-    QCOMPARE(recording.Series().Count(), std::size_t(0));
-    QVERIFY(IsNear(recording.Times()->End() - recording.Times()->Begin(), 9.9, 1e-6));
-    QVERIFY(IsNear(recording.PingAt(recording.Times()->End()), 99.0, 1e-6));
-    QVERIFY(!recording.PositionAt(recording.Times()->Begin()).IsValid());
-}
-
-void tst_ZrSurveyRecording::pingAt()
-{
-    const QString path = File("line.log");
-    QVERIFY(WriteLine(path, SonarLine()));
-    ZrSurveyRecording recording;
-    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-    const double begin = recording.Times()->Begin();
-    QCOMPARE(recording.PingAt(begin), 0.0);
-    QVERIFY(IsNear(recording.PingAt(begin + 1.05), 10.5, 1e-6));
-    QCOMPARE(recording.PingAt(begin - 5.0), 0.0);
-    QCOMPARE(recording.PingAt(begin + 500.0), 99.0);
-    QVERIFY(std::isnan(recording.PingAt(unknown)));
-    for (const double ping : {0.0, 0.5, 17.25, 98.9, 99.0})
-        QVERIFY(IsNear(recording.PingAt(recording.TimeOfPing(ping)), ping, 1e-4));
-    QCOMPARE(recording.TimeOfPing(-3.0), recording.TimeOfPing(0.0));
-    QCOMPARE(recording.TimeOfPing(1e9), recording.TimeOfPing(99.0));
-    QVERIFY(std::isnan(recording.TimeOfPing(unknown)));
-}
-
-void tst_ZrSurveyRecording::pingsIn_data()
-{
-    QTest::addColumn<int>("sonars");
-    QTest::addColumn<int>("firstNav");
-    QTest::addColumn<int>("endNav");
-    QTest::newRow("each with its record") << 1 << 0 << 40;
-    QTest::newRow("before the first record") << 1 << 15 << 40;
-    QTest::newRow("behind the last record") << 1 << 0 << 25;
-    QTest::newRow("two sonars at once") << 2 << 0 << 40;
-    QTest::newRow("two sonars around the records") << 2 << 15 << 25;
-    QTest::newRow("no records") << 2 << 0 << 0;
-}
-
-/// Several pings may have one time: all of them belong to it.
-void tst_ZrSurveyRecording::pingsIn()
-{
-    QFETCH(int, sonars);
-    QFETCH(int, firstNav);
-    QFETCH(int, endNav);
-    const QString path = File("line.log");
-    SonarLine line;
-    line.samples = 4;
-    Log log(path);
-    for (int i = 0; i < 40; ++i) {
-        if (i >= firstNav && i < endNav)
-            log.AddNav(line.TimeOf(i), line.NavOf(i));
-        for (int source = 1; source <= sonars; ++source) {
-            for (const eSonarSide side : {sidePort, sideStarboard})
-                log.AddPing(line.TimeOf(i), line.PingOf(i, side), false, static_cast<u16>(source));
-        }
-    }
-    QVERIFY(log.Commit());
-    ZrSurveyRecording recording;
-    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-    const std::size_t count = recording.Pings().size();
-    QCOMPARE(count, static_cast<std::size_t>(40 * sonars));
-    std::vector<double> times;
-    for (std::size_t i = 0; i < count; ++i)
-        times.push_back(recording.TimeOfPing(static_cast<double>(i)));
-    QVERIFY(std::is_sorted(times.begin(), times.end()));
-    std::vector<double> ends = times;
-    for (const double time : times)
-        ends.push_back(time + 0.05);
-    ends.push_back(times.front() - 1.0);
-    for (const double from : ends) {
-        for (const double to : ends) {
-            const auto found = recording.PingsIn(from, to);
-            QVERIFY(found.first <= found.second && found.second <= count);
-            for (std::size_t i = 0; i < count; ++i) {
-                const bool isIn = times[i] >= from && times[i] <= to;
-                QCOMPARE(i >= found.first && i < found.second, isIn);
-            }
-        }
-    }
-    constexpr double inf = std::numeric_limits<double>::infinity();
-    const auto isNone = [&](double from, double to) {
-        const auto found = recording.PingsIn(from, to);
-        return found.first == found.second;
-    };
-    QCOMPARE(recording.PingsIn(-inf, inf), std::make_pair(std::size_t(0), count));
-    QVERIFY(isNone(unknown, inf) && isNone(-inf, unknown) && isNone(inf, -inf));
-    QVERIFY(ZrSurveyRecording().PingsIn(-inf, inf) == std::make_pair(std::size_t(0), std::size_t(0)));
 }
 
 void tst_ZrSurveyRecording::oneSideAlone()
@@ -422,34 +241,6 @@ void tst_ZrSurveyRecording::damagedCompanions()
     QVERIFY(recording.HasSonar());
 }
 
-void tst_ZrSurveyRecording::events()
-{
-    const QString path = File("line.log");
-    QVERIFY(WriteLine(path, SonarLine()));
-    {
-        ZrSurveyRecording recording;
-        QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
-        ZrLogEvt evt;
-        evt.time = sonar_test::startTime + 2.0;
-        evt.text = QStringLiteral("Wrack äß");
-        QVERIFY(IsNear(recording.TimeOf(evt), recording.Times()->Begin() + 2.0, 1e-6));
-        evt.time = unknown;
-        QVERIFY(std::isnan(recording.TimeOf(evt)));
-        evt.time = sonar_test::startTime + 2.0;
-        QVERIFY(recording.Events().Add(evt));
-        QString error;
-        QVERIFY2(recording.Events().Save(&error), qPrintable(error));
-        ZrDatasetReader reader;
-        const std::unique_ptr<ZrSurveyDataset> records = recording.IndexRecords(reader);
-        QVERIFY(records);
-        QCOMPARE(records->events.GetCount(), 1);
-    }
-    ZrSurveyRecording again;
-    QVERIFY2(again.Load(path), qPrintable(again.Error()));
-    QCOMPARE(again.Events().Count(), std::size_t(1));
-    QCOMPARE(again.Events().At(0).text, QStringLiteral("Wrack äß"));
-}
-
 void tst_ZrSurveyRecording::planBesideIt()
 {
     const QString path = File("line.log");
@@ -476,6 +267,18 @@ void tst_ZrSurveyRecording::progress()
     QVERIFY(percents.m_told.first() < 40);
     for (const int percent : qAsConst(percents.m_told))
         QVERIFY(percent >= 0 && percent <= 100);
+    QVERIFY(std::is_sorted(percents.m_told.begin(), percents.m_told.end()));
+    // With an index that is there, and of fixes.
+    const QString fixes = File("fix.log");
+    QVERIFY(WriteWithEvents(fixes, ZrFixRecord::RecType));
+    for (const QString& log : {path, fixes, fixes}) {
+        Percents again;
+        ZrSurveyRecording next;
+        next.progress = &again;
+        QVERIFY2(next.Load(log), qPrintable(next.Error()));
+        QVERIFY(std::is_sorted(again.m_told.begin(), again.m_told.end()));
+        QCOMPARE(again.m_told.last(), 100);
+    }
 }
 
 /// Wherever it was, nothing is shown of it.

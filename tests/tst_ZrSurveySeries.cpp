@@ -312,6 +312,7 @@ void tst_ZrSurveySeries::fixesWithoutNavigation()
     log.Add(FixItem(startTime + 60, 44.3, -63.0));
     QVERIFY(Read(log));
     QCOMPARE(m_series.Count(), std::size_t(4));
+    QVERIFY(m_reader.IsOfFixes());
     QVERIFY(std::isnan(m_series.altitude.Value(0)));
     QCOMPARE(m_series.altitude.Value(1), 20.0f);
     QCOMPARE(m_series.depth.Value(1), 0.5f);
@@ -334,6 +335,7 @@ void tst_ZrSurveySeries::fixesInFrontOfNavigation()
     log.Add(FixItem(startTime + 3, 44.0, -63.0));
     log.Add(NavItem(startTime + 4, Nav()));
     QVERIFY(Read(log));
+    QVERIFY(!m_reader.IsOfFixes());
     QCOMPARE(m_series.times->Times(), (std::vector<double>{startTime + 2, startTime + 4}));
     QCOMPARE(m_series.depth.Count(), std::size_t(2));
     QVERIFY(std::isnan(m_series.track[0].latitude));

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void spots();
     void tap();
     void nothingThere();
+    void outsideTheRecords();
     void draw();
     void shadow();
     void wrongSideOfTheShadow();
@@ -118,6 +119,28 @@ void tst_ZrTargetMarker::nothingThere()
 }
 
 /// 20 pings of 0.15 m along the track, on one range.
+/// The last position that was recorded is none for pings long behind it.
+void tst_ZrTargetMarker::outsideTheRecords()
+{
+    const QString path = m_folder.filePath(QStringLiteral("outside.log"));
+    sonar_test::SonarLine line;
+    line.pings = 300;
+    line.hasNav = [](int ping) { return ping >= 120 && ping < 150; };
+    QVERIFY(sonar_test::WriteLine(path, line));
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    ZrTargetMarker marker;
+    marker.SetRecording(&recording);
+    for (const int ping : {25, 119, 149, 245}) // within 10 s
+        QVERIFY2(marker.Tap(Point(ping, sideStarboard, 13.0)), qPrintable(marker.Error()));
+    QVERIFY(!marker.Tap(Point(260.0, sideStarboard, 13.0)));
+    QCOMPARE(marker.Error(), QStringLiteral("No position was recorded near line 261."));
+    QVERIFY(!marker.Tap(Point(15.0, sidePort, 13.0)));
+    QVERIFY(!marker.Draw(Point(130.0, sidePort, 13.0), Point(260.0, sidePort, 13.0)));
+    QVERIFY(!marker.Draw(Point(260.0, sidePort, 13.0), Point(130.0, sidePort, 13.0)));
+    QVERIFY(marker.Draw(Point(130.0, sidePort, 13.0), Point(135.0, sidePort, 13.0)));
+}
+
 void tst_ZrTargetMarker::draw()
 {
     ZrTargetMarker marker;

@@ -150,8 +150,8 @@ void tst_zr_log_dataset::indexBuildsThenReads()
         QCOMPARE(QString::fromUtf8(result.out), text.arg(S(index)));
     }
     QCOMPARE(NamesHere(),
-        (QStringList{
-            S("dive äß.log"), S("dive äß.log.evt"), S("dive äß.log.zri"), S("dive äß.log.zri.json")}));
+        (QStringList{S("dive äß.log"), S("dive äß.log.evt"), S("dive äß.log.evt.json"), S("dive äß.log.zri"),
+            S("dive äß.log.zri.json")}));
 }
 
 void tst_zr_log_dataset::indexJson()
@@ -395,7 +395,12 @@ void tst_zr_log_dataset::eventsAreAddedAndRemoved()
     }
     QCOMPARE(EventTexts(m_log), QStringList{S("early\nin two lines")});
     QCOMPARE(RunLog({S("events"), m_log}).Lines().size(), 2);
-    QCOMPARE(NamesHere().size(), 4);
+    QCOMPARE(NamesHere().size(), 5);
+    // What the log holds does not come back when it is scanned again.
+    QCOMPARE(RunLog({S("index"), m_log, S("--rebuild")}).code, 0);
+    QVERIFY(QFile::remove(m_log + S(".zri")));
+    QCOMPARE(RunLog({S("events"), m_log}).Lines().size(), 2);
+    QCOMPARE(EventTexts(m_log), QStringList{S("early\nin two lines")});
 }
 
 void tst_zr_log_dataset::eventTimes_data()

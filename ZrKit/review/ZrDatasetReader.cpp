@@ -91,8 +91,7 @@ ZrDatasetReader::eResult ZrDatasetReader::Load(const QString& logPath, ZrDataset
         return result;
     }
     if (result == Built) {
-        events.Merge(m_events);
-        if (writeIndex && WriteEvents(logPath, events))
+        if (MergeEvents(logPath, events))
             WriteIndex(logPath, dataset);
         if (restorePlan)
             WritePlan(logPath);
@@ -301,19 +300,19 @@ void ZrDatasetReader::Note(const QString& writeError)
         m_writeError = writeError;
 }
 
-/// Before the index: as long as that is not there, the log's events are found again. The file is read anew,
-/// since somebody may have changed it during the scan; \p events becomes what it holds.
-bool ZrDatasetReader::WriteEvents(const QString& logPath, ZrEventFile& events)
+/// The log's events go into \p events and, if files are to be written, into that beside the log; false when
+/// they are not there. Before the index: as long as that is not there, they are found again. The file is read
+/// anew, since somebody may have changed it during the scan.
+bool ZrDatasetReader::MergeEvents(const QString& logPath, ZrEventFile& events)
 {
-    if (!events.IsChanged())
+    const ZrMergedEvents merged = events.Merged();
+    events.Merge(m_events, merged);
+    if (!writeIndex)
+        return false;
+    if (!events.IsChanged() && merged.HasAll(m_events))
         return true;
-    const auto merge = [this, &events](ZrEventFile& file) {
-        file.Merge(m_events);
-        events.events = file.events;
-        return true;
-    };
     QString error;
-    const bool ok = ZrEventFile::Update(logPath, merge, &error);
+    const bool ok = ZrEventFile::TakeOver(logPath, m_events, events.events, &error);
     Note(error);
     return ok;
 }

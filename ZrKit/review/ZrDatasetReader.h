@@ -28,8 +28,8 @@ struct ZrLogItem;
 /// An index is used when its stamp (see `ZrIndexStamp`) says that it was made from this very log by this
 /// class of dataset, and the positions of its first, middle and last record hold items of its type. Else the
 /// log is scanned. Then, all in one step each and only when the scan is through:
-/// - the events that the log holds are merged into the event file, whose own events all stay
-///   (`ZrEventFile::Merge`);
+/// - the events that the log holds are merged into the event file, whose own events all stay, each of them
+///   once: one that was removed since does not come back (`ZrEventFile::TakeOver`);
 /// - index and stamp are written anew. Without any record there is no index; one of the same record types is
 ///   removed, since a reader without stamps would take it for that of the log;
 /// - a mission plan that the log holds, the last one of several, is restored to log path + ".xml", unless
@@ -109,7 +109,7 @@ private:
     bool TakeItem(const ZrLogItem& item, u64 pos, QFile& payloads, ZrDataset& dataset);
     void TakeEvent(const ZrLogItem& item);
     void TakePlan(const ZrLogItem& item);
-    bool WriteEvents(const QString& logPath, ZrEventFile& events);
+    bool MergeEvents(const QString& logPath, ZrEventFile& events);
     void WriteIndex(const QString& logPath, const ZrDataset& dataset);
     void WriteTable(const QString& logPath, const ZrDataset& dataset);
     void WritePlan(const QString& logPath);

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -27,16 +28,6 @@ bool Before(const ZrLogEvt& a, const ZrLogEvt& b)
     return SortKey(a) < SortKey(b);
 }
 
-/// What makes two events the same. The time is compared by its digits, so that times that are not numbers
-/// are equal to themselves.
-QString Identity(const ZrLogEvt& evt)
-{
-    if (!evt.uid.isNull())
-        return evt.uid.toString();
-    return QString::number(evt.time, 'g', std::numeric_limits<double>::max_digits10) + QLatin1Char(' ')
-        + evt.text;
-}
-
 } // namespace
 
 QString ZrEventFile::PathOf(const QString& logPath)
@@ -48,6 +39,7 @@ ZrEventFile::eState ZrEventFile::Read(const QString& logPath)
 {
     events.clear();
     m_bytes.clear();
+    m_logPath = logPath;
     m_path = PathOf(logPath);
     m_state = QFileInfo::exists(m_path) ? Unreadable : Missing;
     QFile file(m_path);
@@ -79,22 +71,43 @@ void ZrEventFile::Add(const ZrLogEvt& evt)
     events.insert(place, evt);
 }
 
-void ZrEventFile::Merge(const std::vector<ZrLogEvt>& found)
+ZrMergedEvents ZrEventFile::Merged() const
 {
-    QHash<QString, int> known;
+    ZrMergedEvents merged;
+    if (m_state == Whole)
+        merged.Read(m_logPath);
+    return merged;
+}
+
+void ZrEventFile::Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged)
+{
+    struct Known
+    {
+        int here = 0; ///< in the file
+        int before = 0; ///< of the log, that were taken over
+        bool isCounted = false;
+    };
+
+    QHash<QString, Known> known;
     for (const ZrLogEvt& evt : events)
-        ++known[Identity(evt)];
-    std::vector<ZrLogEvt> merged;
-    for (const ZrLogEvt& evt : found)
-        if (known[Identity(evt)]-- <= 0)
-            merged.push_back(evt);
-    if (merged.empty())
+        ++known[ZrMergedEvents::Identity(evt)].here;
+    std::vector<ZrLogEvt> added;
+    for (const ZrLogEvt& evt : found) {
+        Known& same = known[ZrMergedEvents::Identity(evt)];
+        if (!std::exchange(same.isCounted, true))
+            same.before = merged.Count(evt);
+        const bool isBefore = same.before-- > 0; // whatever has become of it
+        const bool isHere = same.here-- > 0;
+        if (!isBefore && !isHere)
+            added.push_back(evt);
+    }
+    if (added.empty())
         return;
     // As if they had been added one by one: of equal times the one added last stands first.
-    std::reverse(merged.begin(), merged.end());
-    merged.insert(merged.end(), events.begin(), events.end());
-    std::stable_sort(merged.begin(), merged.end(), Before);
-    events = std::move(merged);
+    std::reverse(added.begin(), added.end());
+    added.insert(added.end(), events.begin(), events.end());
+    std::stable_sort(added.begin(), added.end(), Before);
+    events = std::move(added);
 }
 
 int ZrEventFile::Remove(const QUuid& uid)
@@ -128,7 +141,7 @@ bool ZrEventFile::KeepDamaged(QString* error) const
 
 bool ZrEventFile::IsChanged() const
 {
-    return m_state == Missing ? !events.empty() : m_state != Whole || Encoded() != m_bytes;
+    return m_state == Missing ? isWanted || !events.empty() : m_state != Whole || Encoded() != m_bytes;
 }
 
 bool ZrEventFile::Write(QString* error)
@@ -150,8 +163,9 @@ bool ZrEventFile::Write(QString* error)
     return true;
 }
 
-bool ZrEventFile::Update(
-    const QString& logPath, const std::function<bool(ZrEventFile&)>& change, QString* error)
+/// Reads the file of \p logPath and has \p work, both under a lock.
+bool ZrEventFile::Locked(
+    const QString& logPath, const std::function<bool(ZrEventFile&)>& work, QString* error)
 {
     constexpr int patienceMs = 10000;
     QLockFile lock(PathOf(logPath) + QLatin1String(".lock"));
@@ -162,7 +176,33 @@ bool ZrEventFile::Update(
     }
     ZrEventFile file;
     file.Read(logPath);
-    return !change(file) || file.Write(error);
+    return work(file);
+}
+
+bool ZrEventFile::Update(
+    const QString& logPath, const std::function<bool(ZrEventFile&)>& change, QString* error)
+{
+    return Locked(
+        logPath, [&](ZrEventFile& file) { return !change(file) || file.Write(error); }, error);
+}
+
+bool ZrEventFile::TakeOver(
+    const QString& logPath, const std::vector<ZrLogEvt>& found, std::vector<ZrLogEvt>& events, QString* error)
+{
+    const auto work = [&](ZrEventFile& file) {
+        ZrMergedEvents merged = file.Merged();
+        const bool isKnown = merged.HasAll(found);
+        file.Merge(found, merged);
+        // What is taken over is kept when it is in the file: between the two nothing can be lost.
+        if (!file.Write(error))
+            return false;
+        merged.Add(found);
+        if (!isKnown && !merged.Write(logPath, error))
+            return false;
+        events = file.events;
+        return true;
+    };
+    return Locked(logPath, work, error);
 }
 
 void ZrEventFile::Fill(ZrDataset& dataset) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/review/ZrMergedEvents.h"
 #include "ZrUtil/ZrLogEvt.h"
 
 #include <QString>
@@ -34,6 +35,7 @@ public:
     };
 
     std::vector<ZrLogEvt> events; ///< in the order of the file
+    bool isWanted = false; ///< there is to be a file, though there are no events and none was there
 
     static QString PathOf(const QString& logPath);
 
@@ -46,11 +48,14 @@ public:
     /// Adds \p evt in front of events of the same time.
     void Add(const ZrLogEvt& evt);
 
-    /// Adds those of \p found, the events that the log itself holds, in its order, which are not among
-    /// `events`. Two are the same when their uids are, or, of two without, their times and texts; the one in
-    /// the file stays, since it may have been edited. Of several equal ones as many are kept as the richer
-    /// side has.
-    void Merge(const std::vector<ZrLogEvt>& found);
+    /// Those of the log that this file, as it was read, has taken over already; none unless it is whole.
+    ZrMergedEvents Merged() const;
+
+    /// Adds those of \p found, the events that the log itself holds, in its order, which are neither among
+    /// `events` nor among \p merged. Two are the same when their uids are, or, of two without, their times
+    /// and texts; the one in the file stays, since it may have been edited. Of several equal ones as many are
+    /// kept as the richer side has.
+    void Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged = ZrMergedEvents());
 
     /// Removes all events with \p uid; how many there were.
     int Remove(const QUuid& uid);
@@ -68,13 +73,21 @@ public:
     static bool Update(
         const QString& logPath, const std::function<bool(ZrEventFile&)>& change, QString* error);
 
+    /// Merges \p found into the file of \p logPath, as `Merge` and `Merged` say, and keeps that they are
+    /// taken over, all under the same lock; \p events become those of the file. False with the reason in \p
+    /// error, and \p events as they were, when a file cannot be locked or written.
+    static bool TakeOver(const QString& logPath, const std::vector<ZrLogEvt>& found,
+        std::vector<ZrLogEvt>& events, QString* error);
+
     /// Replaces the list of \p dataset by copies that know their records.
     void Fill(ZrDataset& dataset) const;
 
 private:
+    static bool Locked(const QString& logPath, const std::function<bool(ZrEventFile&)>& work, QString* error);
     QByteArray Encoded() const;
     bool KeepDamaged(QString* error) const;
 
+    QString m_logPath;
     QString m_path;
     eState m_state = Missing;
     QByteArray m_bytes; ///< of the file

@@ -97,6 +97,21 @@ void ZrEventList::Adopt(const std::vector<ZrLogEvt>& events)
     m_saved = m_entries;
 }
 
+void ZrEventList::AddUnsaved(const std::vector<ZrLogEvt>& events)
+{
+    std::vector<ZrLogEvt> known;
+    for (const Entry& entry : m_entries)
+        known.push_back(entry.evt);
+    // From the last one on: of equal times the one added last stands first.
+    for (auto evt = events.rbegin(); evt != events.rend(); ++evt) {
+        const auto there = Find(known, *evt);
+        if (there == known.end())
+            Put(++m_lastId, true, *evt, anywhere);
+        else
+            known.erase(there);
+    }
+}
+
 bool ZrEventList::IsChanged() const
 {
     return !std::equal(m_entries.begin(), m_entries.end(), m_saved.begin(), m_saved.end(),

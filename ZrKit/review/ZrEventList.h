@@ -43,6 +43,10 @@ public:
     /// of the damage was read, or cannot be read.
     bool Load(const QString& logPath, QString* error = nullptr);
 
+    /// Adds those of \p events that are not in the list, which the event file did not take: they are saved
+    /// with the next change, and cannot be undone.
+    void AddUnsaved(const std::vector<ZrLogEvt>& events);
+
     /// Writes what was changed; see above. False, with a sentence in \p error (may be null) and the file as
     /// it was, when it cannot be written. Nothing is written without changes.
     bool Save(QString* error = nullptr);

@@ -92,8 +92,9 @@ public:
     /// The items from the first record of the part up to the one behind it, byte for byte; from the first
     /// record of the log on all items in front of it too, to its last one all behind it. In front stand, in
     /// the order of the log, the latest items of the coordinate types before the part, so that views have a
-    /// state from its first moment on. Events of the part that the event file of the recording holds go into
-    /// an event file beside \p out; an index that lies there is removed.
+    /// state from its first moment on. Events of the part that the dataset holds go into an event file beside
+    /// \p out, and those that were removed do not come back there either (`ZrMergedEvents`); an index that
+    /// lies there is removed.
     ///
     /// Of a damaged log the items in front of the damage are written; see `Damage`.
     eResult WriteLog(const QString& out);

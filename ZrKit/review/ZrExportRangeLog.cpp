@@ -28,8 +28,8 @@ QString ZrExportRange::Refusal(const QString& log, const QString& out)
     const QFileInfo info(out);
     if (info.exists() && !info.isFile()) // a rename would put a file in the place of a device
         return tr("%1 is no file").arg(out);
-    for (const QString& own : {log, ZrEventFile::PathOf(log), ZrIndexStamp::IndexPathOf(log),
-             ZrIndexStamp::PathOf(log), log + QLatin1String(".xml")}) {
+    for (const QString& own : {log, ZrEventFile::PathOf(log), ZrMergedEvents::PathOf(log),
+             ZrIndexStamp::IndexPathOf(log), ZrIndexStamp::PathOf(log), log + QLatin1String(".xml")}) {
         if (zr::is_same_file(out, own))
             return BelongsToRecording(out);
     }
@@ -105,21 +105,28 @@ bool ZrExportRange::CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 
     return true;
 }
 
-/// \p found beside \p out, in the place of those that lie there.
+/// \p found beside \p out, in the place of those that lie there; and which were removed from the recording,
+/// since its items in \p out would bring them back.
 bool ZrExportRange::WriteEventFile(const QString& out, const std::vector<PlacedEvent>& found)
 {
+    std::vector<ZrLogEvt> all;
+    for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;)
+        all.push_back(*m_dataset.events.GetNext(pos));
+    ZrEventFile ofRecording;
+    ofRecording.Read(m_dataset.fileName);
+    const ZrMergedEvents removed = ofRecording.Merged().Without(all);
     std::vector<ZrLogEvt> events;
     for (const PlacedEvent& placed : found)
         events.push_back(*placed.event);
-    if (events.empty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
+    QFile::remove(ZrMergedEvents::PathOf(out)); // of the log before
+    if (events.empty() && removed.IsEmpty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
         return true;
-    return ZrEventFile::Update(
-        out,
-        [&events](ZrEventFile& file) {
-            file.events = events;
-            return true;
-        },
-        &m_error);
+    const auto replace = [&](ZrEventFile& file) {
+        file.events = events;
+        file.isWanted = !removed.IsEmpty();
+        return true;
+    };
+    return ZrEventFile::Update(out, replace, &m_error) && (removed.IsEmpty() || removed.Write(out, &m_error));
 }
 
 ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)

@@ -46,6 +46,21 @@ double ZrSteadyTime::Append(double time)
     return m_times.back();
 }
 
+void ZrSteadyTime::Prepend(zr::span<const double> logTimes)
+{
+    if (m_runs.empty())
+        return;
+    std::vector<double> steady(logTimes.begin(), logTimes.end());
+    double behind = m_runs.front().begin; // the first stretch has no shift
+    for (auto time = steady.rbegin(); time != steady.rend(); ++time) {
+        if (IsTime(*time))
+            behind = std::min(behind, *time);
+        *time = behind;
+    }
+    m_times.insert(m_times.begin(), steady.begin(), steady.end());
+    m_runs.front().begin = behind;
+}
+
 double ZrSteadyTime::Begin() const
 {
     return m_runs.empty() ? unknown : m_runs.front().begin;

@@ -42,6 +42,11 @@ public:
     /// Adds the record of log time \p time; its steady time, NaN while none is known.
     double Append(double time);
 
+    /// Adds records in front of all others, of which one at least has a known time: of the log times \p
+    /// logTimes, in order. One that is not known or later than the one behind it, since the clock was set
+    /// between, has the steady time of that.
+    void Prepend(zr::span<const double> logTimes);
+
     /// Makes room for \p count records.
     void Reserve(std::size_t count) { m_times.reserve(count); }
 

@@ -237,6 +237,7 @@ bool ZrSurveySeriesReader::Fail(const QString& error, ZrSurveySeries& series)
 {
     m_error = error;
     m_skipped = 0;
+    m_isOfFixes = false;
     series = ZrSurveySeries();
     return false;
 }
@@ -247,6 +248,7 @@ bool ZrSurveySeriesReader::Read(const QString& logPath, ZrSurveySeries& series)
     m_damage.clear();
     m_damagePos = 0;
     m_skipped = 0;
+    m_isOfFixes = false;
     series = ZrSurveySeries();
     ZrLogScan scan;
     scan.progress = progress;
@@ -258,6 +260,7 @@ bool ZrSurveySeriesReader::Read(const QString& logPath, ZrSurveySeries& series)
         u64 pos = 0;
         while (!cancel && scan.Next(item, pos))
             m_skipped += TakeAny(scan, item, rows) ? 0 : 1;
+        m_isOfFixes = !rows.HasNav() && series.Count() > 0;
     } catch (const std::bad_alloc&) {
         return Fail(
             QCoreApplication::translate("ZrSurveySeriesReader", "There is not enough memory for the log"),

@@ -46,6 +46,8 @@ public:
 
     u64 Skipped() const { return m_skipped; } ///< records that could not be used
 
+    bool IsOfFixes() const { return m_isOfFixes; } ///< the rows are those of position fixes
+
 private:
     bool Fail(const QString& error, ZrSurveySeries& series);
 
@@ -53,4 +55,5 @@ private:
     QString m_damage;
     u64 m_damagePos = 0;
     u64 m_skipped = 0;
+    bool m_isOfFixes = false;
 };

@@ -2,6 +2,7 @@
 
 #include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrEventFile.h"
+#include "ZrKit/review/ZrEventTable.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrWorkStage.h"
@@ -36,6 +37,9 @@ ZrSurveyExport::ZrSurveyExport(std::shared_ptr<const ZrSurveyRecording> recordin
 {
     if (std::isnan(from) || std::isnan(to)) // neither is less
         m_from = m_to = std::nan("");
+    const ZrEventList& list = m_recording->Events();
+    for (std::size_t i = 0; i < list.Count(); ++i)
+        m_events.push_back(list.At(i));
     for (const ZrSonarTarget& target : m_recording->Targets()) {
         const double at = m_recording->Times()->FromLog(target.time);
         if (at >= m_from && at <= m_to)
@@ -74,15 +78,24 @@ bool ZrSurveyExport::Fail(const QString& error)
     return false;
 }
 
-ZrSurveyExport::eResult ZrSurveyExport::Run(int kind, const QString& path, IZrProgress* progress)
+/// What is told of the last `Run`.
+void ZrSurveyExport::Forget()
 {
     m_error.clear();
     m_remark.clear();
     m_items = 0;
+    m_isSlantCorrected = false;
+    m_blanking = ZrSonarBlanking::none;
+}
+
+ZrSurveyExport::eResult ZrSurveyExport::Run(int kind, const QString& path, IZrProgress* progress)
+{
+    Forget();
     if (!m_cancel && Write(kind, path, progress))
         return Done;
-    m_remark.clear();
-    m_items = 0;
+    const QString error = m_error;
+    Forget();
+    m_error = error;
     if (m_cancel) {
         m_error.clear();
         return Cancelled;
@@ -107,7 +120,7 @@ QString ZrSurveyExport::WhyNot(int kind, const QString& path) const
         return whyNot;
     QStringList others; // that are written too
     if (kind == segment)
-        others << ZrEventFile::PathOf(path);
+        others << ZrEventFile::PathOf(path) << ZrMergedEvents::PathOf(path);
     else if (kind == mosaic)
         others = ZrMosaicFile::FilesOf(path).mid(1);
     for (const QString& other : others) {
@@ -162,6 +175,20 @@ std::shared_ptr<const ZrSteadyTime> ZrSurveyExport::TimesOf(ZrRecordSource& sour
     return times;
 }
 
+/// Those of a part without records, by their times.
+bool ZrSurveyExport::WriteEventsAlone(const QString& path)
+{
+    std::vector<ZrLogEvt> found;
+    for (const ZrLogEvt& evt : m_events) {
+        const double at = m_recording->TimeOf(evt);
+        if (at >= m_from && at <= m_to)
+            found.push_back(evt);
+    }
+    QString error;
+    m_items = found.size();
+    return ZrEventTable::Write(found, path, &error) || Fail(error);
+}
+
 bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progress)
 {
     constexpr int scanPercent = 50; ///< of a log whose index is out of date, or cannot be kept
@@ -177,13 +204,19 @@ bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progr
     }
     if (!dataset)
         return Fail(reader.Error());
+    ZrEventFile list; // what is shown, saved or not
+    list.events = m_events;
+    list.Fill(*dataset);
     ZrRecordSource& source = *reader.Records();
     const bool isFromIndex = reader.Reason().isEmpty();
     const std::shared_ptr<const ZrSteadyTime> times = TimesOf(source, isFromIndex);
     if (!times)
         return false;
-    ZrExportRange part(
-        *dataset, source, ZrExportRange::FirstFrom(*times, m_from), ZrExportRange::EndAt(*times, m_to));
+    const std::size_t first = ZrExportRange::FirstFrom(*times, m_from);
+    const std::size_t end = ZrExportRange::EndAt(*times, m_to);
+    if (first >= end) // sonar alone, or less than from one record to the next
+        return kind == events ? WriteEventsAlone(path) : Fail(tr("There is no record in this part"));
+    ZrExportRange part(*dataset, source, first, end);
     part.times = times.get();
     const Step step(*this, part.cancel);
     ZrWorkStage stage(progress, m_cancel, part.cancel, isFromIndex ? 0 : scanPercent, 100);

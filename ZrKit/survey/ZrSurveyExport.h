@@ -4,6 +4,7 @@
 #include "ZrKit/sonar/ZrBottomLine.h"
 #include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/sonar/ZrSonarTarget.h"
+#include "ZrUtil/ZrLogEvt.h"
 #include "ZrUtil/ZrTypes.h"
 
 #include <QCoreApplication>
@@ -47,8 +48,9 @@ class ZrSurveyRecording;
 ///     return part.Error();
 /// \endcode
 ///
-/// Threads: made in the thread of the recording, whose targets and bottom line it takes over as they are;
-/// `Run` may be called in any, also while the recording is in use, `Stop` from any other meanwhile.
+/// Threads: made in the thread of the recording, whose events and bottom line it takes over as they are,
+/// those that could not be saved too; `Run` may be called in any, also while the recording is in use, `Stop`
+/// from any other meanwhile.
 class ZR_KIT_EXPORT ZrSurveyExport
 {
     Q_DECLARE_TR_FUNCTIONS(ZrSurveyExport)
@@ -101,6 +103,15 @@ public:
 
     u64 Items() const { return m_items; } ///< items, points, records, events, targets or pings written last
 
+    /// \name What was done to the waterfall written last
+    /// Without any altitude columns are slant range, and of the water the outgoing pulse alone is dark.
+    /// @{
+    bool IsSlantCorrected() const { return m_isSlantCorrected; }
+
+    int Blanking() const { return m_blanking; } ///< a kind of `ZrSonarBlanking`
+
+    /// @}
+
     /// The suffixes of files of a kind, the usual one first; empty for a kind that there is not.
     static QStringList Suffixes(int kind);
 
@@ -122,10 +133,12 @@ private:
     };
 
     bool Fail(const QString& error);
+    void Forget();
     bool Write(int kind, const QString& path, IZrProgress* progress);
     QString WhyNot(int kind, const QString& path) const;
     QString WhyNotFile(const QString& path) const;
     bool WritePart(int kind, const QString& path, IZrProgress* progress);
+    bool WriteEventsAlone(const QString& path);
     std::shared_ptr<const ZrSteadyTime> TimesOf(ZrRecordSource& source, bool isLogUnchanged);
     bool WriteTargets(const QString& path);
     bool OpenLog(ZrSonarLog& log);
@@ -138,6 +151,7 @@ private:
     double m_from;
     double m_to;
     ZrBottomLine m_bottom; ///< that of the recording may be corrected meanwhile
+    std::vector<ZrLogEvt> m_events; ///< all, likewise
     std::vector<ZrSonarTarget> m_targets; ///< of the part
     std::size_t m_firstPing = 0;
     std::size_t m_endPing = 0; ///< behind the last one
@@ -147,4 +161,6 @@ private:
     QString m_error;
     QString m_remark;
     u64 m_items = 0;
+    bool m_isSlantCorrected = false;
+    int m_blanking = ZrSonarBlanking::none;
 };

@@ -13,6 +13,8 @@
 #include <QImageWriter>
 #include <QSaveFile>
 
+#include <cmath>
+
 bool ZrSurveyExport::WriteTargets(const QString& path)
 {
     ZrTargetFile out;
@@ -59,6 +61,9 @@ bool ZrSurveyExport::DrawWaterfall(const QString& path, IZrProgress* progress)
             continue;
         if (!drawing.Render(map, image))
             return Fail(drawing.Error());
+        const bool isBottomKnown = !std::isnan(map.Altitude(static_cast<double>(m_firstPing)));
+        m_isSlantCorrected = map.IsSlantCorrected();
+        m_blanking = blanking == ZrSonarBlanking::water && !isBottomKnown ? ZrSonarBlanking::pulse : blanking;
         break;
     }
     return WritePicture(image, path);

@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -29,7 +30,8 @@
 namespace {
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
-constexpr double mostBetween = 10.0; ///< seconds between rows that a position is taken between
+constexpr double mostBetween
+    = 10.0; ///< seconds between rows that a position is taken between, or beside them
 
 /// Of what was read only tables are left, which grew piece by piece: the rest goes back to the system at
 /// once.
@@ -65,25 +67,17 @@ bool ZrSurveyRecording::Fail(const QString& error)
 bool ZrSurveyRecording::Load(const QString& path)
 {
     m_path = path;
-    if (!LoadRecords() || !LoadSonar())
+    if (!LoadSeries() || !LoadIndex() || !LoadSonar())
         return false;
-    if (m_series->Count() > 0 && !m_series->times->IsEmpty()) {
-        m_times = m_series->times;
-    } else {
-        auto times = std::make_shared<ZrSteadyTime>();
-        times->Reserve(Pings().size());
-        for (std::size_t i = 0; i < Pings().size(); ++i)
-            times->Append(Pings().Time(i));
-        m_times = std::move(times);
-    }
+    LoadTimes();
     if (m_times->IsEmpty()) {
         return Fail(m_isDamaged ? m_remarks.join(QLatin1Char(' '))
                                 : tr("The log holds neither navigation nor side-scan pings."));
     }
-    LoadPingTimes();
     QString error;
     if (!m_events.Load(path, &error))
         m_remarks << error;
+    m_events.AddUnsaved(std::exchange(m_unsaved, {}));
     LoadPlan();
     ReleaseMemory();
     if (progress)
@@ -91,18 +85,70 @@ bool ZrSurveyRecording::Load(const QString& path)
     return true;
 }
 
-/// Most logs have no other times than their pings themselves; of others they are kept.
-void ZrSurveyRecording::LoadPingTimes()
+/// In the log.
+u64 ZrSurveyRecording::PosOf(std::size_t ping) const
 {
-    double near = m_times->Begin();
-    for (std::size_t i = 0; i < Pings().size(); ++i) {
+    const ZrSonarChannel port = Pings().Side(ping, sidePort);
+    const ZrSonarChannel starboard = Pings().Side(ping, sideStarboard);
+    return !port.IsThere() || (starboard.IsThere() && starboard.pos < port.pos) ? starboard.pos : port.pos;
+}
+
+/// Sonar goes on where records end: what lies outside of them has its own times. Few logs have any of it;
+/// then the axis is a copy.
+void ZrSurveyRecording::LoadTimes()
+{
+    const std::size_t count = Pings().size();
+    const bool hasRows = m_series->Count() > 0 && !m_series->times->IsEmpty();
+    m_times = hasRows ? m_series->times : std::make_shared<ZrSteadyTime>();
+    const double begin = m_times->Begin();
+    const double end = m_times->LogTime(m_times->End());
+    bool isInside = true;
+    std::vector<double> before;
+    while (hasRows && before.size() < count && PosOf(before.size()) < m_firstRecord) {
+        before.push_back(Pings().Time(before.size()));
+        isInside = isInside && before.back() >= begin && before.back() <= begin;
+    }
+    std::size_t behind = hasRows ? count : 0;
+    while (behind > before.size() && PosOf(behind - 1) > m_lastRecord)
+        --behind;
+    for (std::size_t i = behind; i < count; ++i) {
         const double time = Pings().Time(i);
-        const double at = m_times->FromLog(time, near);
+        isInside = isInside && time <= end && time >= end - ZrSteadyTime::Disorder;
+    }
+    if (isInside) {
+        LoadPingTimes(0, count);
+        return;
+    }
+    auto times = std::make_shared<ZrSteadyTime>(*m_times);
+    times->Reserve(times->Count() + before.size() + count - behind);
+    times->Prepend(before);
+    for (std::size_t i = behind; i < count; ++i)
+        times->Append(Pings().Time(i));
+    m_times = std::move(times);
+    LoadPingTimes(before.size(), behind);
+}
+
+/// Those in front of \p first and from \p end on are on the axis, at its ends. Most logs have no other times
+/// than their pings themselves; of others they are kept.
+void ZrSurveyRecording::LoadPingTimes(std::size_t first, std::size_t end)
+{
+    const std::size_t count = Pings().size();
+    const auto onAxis = [&](std::size_t ping, double near) {
+        if (ping < first)
+            return m_times->Times()[ping];
+        if (ping >= end)
+            return m_times->Times()[m_times->Count() - count + ping];
+        return m_times->FromLog(Pings().Time(ping), near);
+    };
+    double near = m_times->Begin();
+    for (std::size_t i = 0; i < count; ++i) {
+        const double time = Pings().Time(i);
+        const double at = onAxis(i, near);
         near = std::isnan(at) ? near : std::max(at, near);
         if (m_pingTimes.empty() && near == time)
             continue;
         if (m_pingTimes.empty()) {
-            m_pingTimes.reserve(Pings().size());
+            m_pingTimes.reserve(count);
             for (std::size_t before = 0; before < i; ++before)
                 m_pingTimes.push_back(Pings().Time(before));
         }
@@ -115,41 +161,45 @@ double ZrSurveyRecording::PingTime(std::size_t ping) const
     return m_pingTimes.empty() ? Pings().Time(ping) : m_pingTimes[ping];
 }
 
-bool ZrSurveyRecording::LoadRecords()
+bool ZrSurveyRecording::LoadSeries()
 {
-    // The index is made, or found good; its records are not kept.
-    const auto index = [this](std::size_t& count) {
-        ZrDatasetReader reader;
-        ZrWorkStage stage(progress, cancel, reader.cancel, 0, 30);
-        reader.progress = &stage;
-        const std::unique_ptr<ZrSurveyDataset> dataset = IndexRecords(reader);
-        if (!dataset)
-            return Fail(reader.Error());
-        if (!reader.WriteError().isEmpty())
-            m_remarks << reader.WriteError();
-        count = reader.Records()->Count();
-        return true;
-    };
     ZrSurveySeriesReader reader;
-    {
-        ZrWorkStage stage(progress, cancel, reader.cancel, 30, 50);
-        reader.progress = &stage;
-        if (!reader.Read(m_path, *m_series))
-            return Fail(reader.Error());
-        reader.progress = nullptr;
-    }
+    ZrWorkStage stage(progress, cancel, reader.cancel, 0, 20);
+    reader.progress = &stage;
+    if (!reader.Read(m_path, *m_series))
+        return Fail(reader.Error());
+    // Logs without navigation have their positions in fixes.
+    m_isOfFixes = reader.IsOfFixes();
     if (!reader.Damage().isEmpty()) {
         m_isDamaged = true;
         m_remarks << tr("The log is damaged and is shown up to byte %1: %2")
                          .arg(reader.DamagePos())
                          .arg(reader.Damage());
     }
-    std::size_t count = 0;
-    if (!index(count))
-        return false;
-    // Logs without navigation have their positions in fixes.
-    m_isOfFixes = count == 0 && m_series->Count() > 0;
-    return !m_isOfFixes || index(count);
+    return true;
+}
+
+/// The index is made, or found good; its records are not kept.
+bool ZrSurveyRecording::LoadIndex()
+{
+    ZrDatasetReader reader;
+    ZrWorkStage stage(progress, cancel, reader.cancel, 20, 50);
+    reader.progress = &stage;
+    const std::unique_ptr<ZrSurveyDataset> dataset = IndexRecords(reader);
+    if (!dataset)
+        return Fail(reader.Error());
+    if (!reader.WriteError().isEmpty()) {
+        m_remarks << reader.WriteError();
+        for (ZrListPos* pos = dataset->events.GetHeadPos(); pos;)
+            m_unsaved.push_back(*dataset->events.GetNext(pos));
+    }
+    ZrRecordSource& records = *reader.Records();
+    std::vector<ZrLogRec> record;
+    if (records.Count() > 0 && records.Read(0, 1, record))
+        m_firstRecord = record[0].pos;
+    if (records.Count() > 0 && records.Read(records.Count() - 1, records.Count(), record))
+        m_lastRecord = record[0].pos;
+    return true;
 }
 
 std::unique_ptr<ZrSurveyDataset> ZrSurveyRecording::IndexRecords(ZrDatasetReader& reader) const
@@ -305,16 +355,23 @@ double ZrSurveyRecording::TimeOfPing(double ping) const
     return PingTime(i) + (at - static_cast<double>(i)) * (PingTime(i + 1) - PingTime(i));
 }
 
+bool ZrSurveyRecording::KnowsVehicle(double steady) const
+{
+    const ZrSteadyTime& times = *m_series->times;
+    return steady >= times.Begin() - mostBetween && steady <= times.End() + mostBetween;
+}
+
 ZrGeoPoint ZrSurveyRecording::PositionAt(double steady) const
 {
-    const std::size_t row = m_series->times->RecordAt(steady);
-    if (row >= m_series->Count())
+    const ZrSteadyTime& times = *m_series->times;
+    const std::size_t row = times.RecordAt(steady);
+    if (row >= m_series->Count() || !KnowsVehicle(steady))
         return {unknown, unknown};
     const ZrSurveySeries::Position& from = m_series->track[row];
     if (row + 1 < m_series->Count()) {
         const ZrSurveySeries::Position& to = m_series->track[row + 1];
-        const double begin = m_series->times->Times()[row];
-        const double step = m_series->times->Times()[row + 1] - begin;
+        const double begin = times.Times()[row];
+        const double step = times.Times()[row + 1] - begin;
         const bool isNear
             = step > 0.0 && step <= mostBetween && std::fabs(to.longitude - from.longitude) < 1.0;
         if (isNear && steady > begin) {

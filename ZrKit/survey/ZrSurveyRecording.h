@@ -18,6 +18,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -68,7 +69,8 @@ public:
 
     bool IsDamaged() const { return m_isDamaged; } ///< it is there as far as it is sound
 
-    /// The time axis: of the records or, without any, of the pings.
+    /// The time axis: of the records and of the pings in front of the first and behind the last one; without
+    /// records of all pings.
     const std::shared_ptr<const ZrSteadyTime>& Times() const { return m_times; }
 
     /// The events that were saved, and the record types, for exports; \p reader gives the records, which stay
@@ -115,14 +117,18 @@ public:
     double PingAt(double steady) const; ///< with its fraction; NaN without sonar
 
     /// The pings between two steady times, both included: the first and the one behind the last; the same
-    /// twice when there are none. Several may have one time, as those in front of the first record have.
+    /// twice when there are none. Several may have one time.
     std::pair<std::size_t, std::size_t> PingsIn(double from, double to) const;
 
     double TimeOfPing(double ping) const; ///< steady; likewise
     /// @}
 
+    /// Whether \p steady lies between the first and the last row, or within ten seconds of one of them:
+    /// beyond, nothing is known of the vehicle.
+    bool KnowsVehicle(double steady) const;
+
     /// Position of the row at or before \p steady, moved on towards the next one where that is near in time;
-    /// not valid where none is known.
+    /// not valid where none is known, see `KnowsVehicle` too.
     ZrGeoPoint PositionAt(double steady) const;
 
     /// Steady time of the first row whose position is known, since a vehicle may record before it has one;
@@ -136,8 +142,11 @@ private:
     double PingTime(std::size_t ping) const;
     std::size_t FirstPingFrom(double steady) const;
     std::size_t FirstPingBehind(double steady) const;
-    void LoadPingTimes();
-    bool LoadRecords();
+    u64 PosOf(std::size_t ping) const;
+    void LoadTimes();
+    void LoadPingTimes(std::size_t first, std::size_t end);
+    bool LoadSeries();
+    bool LoadIndex();
     bool LoadSonar();
     bool LoadBottom();
     void LoadPlan();
@@ -148,6 +157,9 @@ private:
     QStringList m_remarks;
     bool m_isDamaged = false;
     bool m_isOfFixes = false; ///< without navigation records
+    u64 m_firstRecord = 0; ///< its position in the log
+    u64 m_lastRecord = std::numeric_limits<u64>::max();
+    std::vector<ZrLogEvt> m_unsaved; ///< events of the log that could not be put into the event file
     std::shared_ptr<ZrSurveySeries> m_series = std::make_shared<ZrSurveySeries>();
     std::shared_ptr<const ZrSteadyTime> m_times;
     ZrEventList m_events;

@@ -63,12 +63,21 @@ bool ZrTargetMarker::Tap(const ZrWaterfallPoint& point)
     return m_wantsShadow ? MarkShadow(*spot) : Mark(*spot);
 }
 
+/// The last position known is none for pings long behind it.
+bool ZrTargetMarker::HasPlace(const ZrSonarSpot& spot)
+{
+    return m_recording->KnowsVehicle(m_recording->TimeOfPing(static_cast<double>(spot.ping)))
+        || Fail(tr("No position was recorded near line %1.").arg(spot.ping + 1));
+}
+
 bool ZrTargetMarker::Mark(const ZrSonarSpot& spot)
 {
     ZrSonarMeasure measure(m_recording->Geo());
     ZrSonarTarget target;
     if (!measure.Place(spot, target))
         return Fail(measure.Error());
+    if (!HasPlace(spot))
+        return false;
     Clear();
     m_target = target;
     return true;
@@ -101,6 +110,8 @@ bool ZrTargetMarker::Draw(const ZrWaterfallPoint& from, const ZrWaterfallPoint& 
     ZrSonarMeasure::Extent extent;
     if (!measure.Place(*a, target) || !measure.Between(*a, *b, extent))
         return Fail(measure.Error());
+    if (!HasPlace(*a) || !HasPlace(*b))
+        return false;
     Clear();
     m_target = target;
     m_target->length = extent.length;

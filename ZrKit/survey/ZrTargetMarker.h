@@ -67,6 +67,7 @@ public:
     void Paint(QPainter& painter, const ZrWaterfallLayout& layout, double unit, const QColor& colour) const;
 
 private:
+    bool HasPlace(const ZrSonarSpot& spot);
     bool Mark(const ZrSonarSpot& spot);
     bool MarkShadow(const ZrSonarSpot& spot);
     bool Fail(const QString& error);

@@ -104,11 +104,11 @@ QString ReviewExport::What() const
     if (m_kind != ZrSurveyExport::waterfall)
         return {};
     QStringList parts;
-    if (m_part->slant)
+    if (m_part->IsSlantCorrected())
         parts << tr("corrected for slant range");
-    if (m_part->blanking == ZrSonarBlanking::pulse)
+    if (m_part->Blanking() == ZrSonarBlanking::pulse)
         parts << tr("without the outgoing pulse");
-    if (m_part->blanking == ZrSonarBlanking::water)
+    if (m_part->Blanking() == ZrSonarBlanking::water)
         parts << tr("with a dark water column");
     return parts.isEmpty() ? QString() : QStringLiteral(", ") + parts.join(QStringLiteral(", "));
 }

@@ -375,7 +375,8 @@ void ReviewPage::ShowCursor()
     m_transport->SetTime(ZrTimeText::Clock(logTime, 2), ZrTimeText::Date(logTime));
     SurveyVehicle::Pose pose;
     const ZrGeoPoint position = m_recording->PositionAt(at);
-    const auto value = [at](const ZrPlotSeries& from) { return static_cast<double>(from.ValueAt(at)); };
+    const double known = m_recording->KnowsVehicle(at) ? at : std::nan("");
+    const auto value = [known](const ZrPlotSeries& from) { return static_cast<double>(from.ValueAt(known)); };
     pose.time = static_cast<qint64>(std::llround(logTime * 1000.0));
     pose.lat = position.lat;
     pose.lng = position.lng;
