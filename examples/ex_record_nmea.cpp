@@ -110,9 +110,10 @@ int main(int argc, char** argv)
         QCoreApplication::quit();
     };
     QObject::connect(&session, &ZrRecordingSession::Failed, fail);
+    QObject::connect(&session, &ZrRecordingSession::SourceLost,
+        [&](const QString& why) { watch.Lose(why, session.Now()); });
     QObject::connect(
-        &session, &ZrRecordingSession::SourceLost, [&watch](const QString& why) { watch.Lose(why); });
-    QObject::connect(&session, &ZrRecordingSession::SourceBack, [&watch] { watch.Lose(QString()); });
+        &session, &ZrRecordingSession::SourceBack, [&] { watch.Lose(QString(), session.Now()); });
 
     // First the log, then the source: of what comes nothing is missed.
     QObject::connect(&session, &ZrRecordingSession::SourceChanged, [&] {

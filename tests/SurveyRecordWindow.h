@@ -4,6 +4,9 @@
 
 #include "GlTest.h"
 #include "TouchOn.h"
+#include "ZrKit/recording/ZrLogWriter.h"
+#include "ZrKit/records/ZrKitTypes.h"
+#include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/review/ZrSurveyDataset.h"
 #include "ZrKit/ui/ZrValueTile.h"
 #include "ZrUiChecks.h"
@@ -12,6 +15,7 @@
 #include "apps/ZrSurvey/RecordPage.h"
 #include "apps/ZrSurvey/StateBanner.h"
 #include "apps/ZrSurvey/SurveyModel.h"
+#include "apps/ZrSurvey/SurveySource.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
 #include <QTemporaryDir>
@@ -30,6 +34,7 @@ private Q_SLOTS:
 
 protected:
     void Open(const QSize& size = QSize(1280, 800));
+    void UseReplay(double latitude, double seconds); ///< as the source
 
     RecordPage& Page() { return *static_cast<RecordPage*>(m_view->GetPage(QStringLiteral("Record"))); }
 
@@ -126,6 +131,23 @@ inline void SurveyRecordWindow::cleanup()
     m_view.reset();
     m_units.reset();
     m_theme.reset();
+}
+
+inline void SurveyRecordWindow::UseReplay(double latitude, double seconds)
+{
+    const QString path = m_dir->filePath(QStringLiteral("old.log"));
+    ZrLogWriter log;
+    QVERIFY(log.Open(path, 100.0));
+    ZrNavRecord nav;
+    nav.latitude = latitude;
+    nav.longitude = -4.0;
+    for (double t = 0.0; t < seconds; t += 0.05) {
+        QVERIFY(log.Write(zr::rec_type(krtNavigation), 1, ZrNavRecord::Format, 100.0 + t, false,
+            zr::bytes_of(nav.Encode())));
+    }
+    QVERIFY(log.Commit());
+    m_view->Model().settings.source = SurveySource::replay;
+    m_view->Model().settings.sourceFile = path;
 }
 
 inline void SurveyRecordWindow::Open(const QSize& size)

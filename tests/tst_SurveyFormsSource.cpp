@@ -24,6 +24,7 @@ private Q_SLOTS:
     void stateOfTheSource();
     void wordsOfTheState_data();
     void wordsOfTheState();
+    void agesOfTheState();
     void unitOfTheCurrent();
 };
 
@@ -143,7 +144,7 @@ void tst_SurveyFormsSource::wordsOfTheState_data()
                           << "receiving 1234 records/s";
     QTest::newRow("damaged") << int(ZrSourceFacts::receiving) << 5.0 << true << 7
                              << "receiving 5.0 sentences/s, 7 bad lines";
-    QTest::newRow("silent") << int(ZrSourceFacts::silent) << 5.0 << true << 0 << "silent for 12 s";
+    QTest::newRow("silent") << int(ZrSourceFacts::silent) << 5.0 << true << 0 << "silent";
     QTest::newRow("unreadable") << int(ZrSourceFacts::unreadable) << 0.0 << true << 9
                                 << "unreadable: no NMEA sentence in 9 lines";
     QTest::newRow("waiting") << int(ZrSourceFacts::waiting) << unknown << false << 0 << "waiting for data";
@@ -167,6 +168,25 @@ void tst_SurveyFormsSource::wordsOfTheState()
     facts.age = 12.0;
     facts.reason = QStringLiteral("Broken");
     QTEST(SurveyFeed::TextOf(facts), "text");
+}
+
+/// By minutes, and of the position apart.
+void tst_SurveyFormsSource::agesOfTheState()
+{
+    ZrSourceFacts facts;
+    facts.state = ZrSourceFacts::silent;
+    facts.age = 59.9;
+    QCOMPARE(SurveyFeed::TextOf(facts), QStringLiteral("silent"));
+    facts.age = 60.0;
+    QCOMPARE(SurveyFeed::TextOf(facts), QStringLiteral("silent for 1 min"));
+    facts.age = 7199.0;
+    facts.badLines = 2;
+    QCOMPARE(SurveyFeed::TextOf(facts), QStringLiteral("silent for 119 min, 2 bad lines"));
+    facts.state = ZrSourceFacts::receiving;
+    facts.positionAge = 5.1;
+    QCOMPARE(SurveyFeed::TextOf(facts), QStringLiteral("receiving, no position, 2 bad lines"));
+    facts.positionAge = 5.0;
+    QCOMPARE(SurveyFeed::TextOf(facts), QStringLiteral("receiving, 2 bad lines"));
 }
 
 void tst_SurveyFormsSource::unitOfTheCurrent()

@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QMap>
+#include <QUdpSocket>
 
 using survey::S;
 
@@ -61,8 +62,9 @@ private:
     int m_frames = 0;
 };
 
-constexpr int quietMs = 600; // longer than any timer of a page that is at rest
+constexpr int quietMs = 600;
 constexpr int idleMs = 1000;
+constexpr int recordIdleMs = 6000; // Record looks at the free space every five seconds
 
 } // namespace
 
@@ -76,6 +78,7 @@ private Q_SLOTS:
     void idle_data();
     void idle();
     void recordDrawsWhatComes();
+    void recordWithASilentSource();
 
 private:
     bool Quiet(PaintLog& log) const;
@@ -168,7 +171,7 @@ void tst_SurveyIdle::idle()
     }
     QVERIFY2(Quiet(log), qPrintable(log.Text()));
     log.Clear();
-    QTest::qWait(idleMs);
+    QTest::qWait(page == S("Record") ? recordIdleMs : idleMs);
     QVERIFY2(log.IsClean(), qPrintable(QStringLiteral("%1 frames; %2").arg(log.Frames()).arg(log.Text())));
     // What is asked for is drawn: the count counts.
     m_view->Page()->Changed();
@@ -208,7 +211,32 @@ void tst_SurveyIdle::recordDrawsWhatComes()
     QTRY_COMPARE_WITH_TIMEOUT(depth->State(), ZrValueTile::stale, 30000);
     QVERIFY2(Quiet(log), qPrintable(log.Text()));
     log.Clear();
-    QTest::qWait(idleMs);
+    QTest::qWait(recordIdleMs);
+    QVERIFY2(log.IsClean(), qPrintable(log.Text()));
+}
+
+/// One that has sent, and sends no more: its age is told by minutes.
+void tst_SurveyIdle::recordWithASilentSource()
+{
+    quint16 port = 0;
+    {
+        QUdpSocket free;
+        QVERIFY(free.bind(QHostAddress(QHostAddress::LocalHost), 0));
+        port = free.localPort();
+    }
+    Settings().udpPort = port;
+    m_view->SettingsEdited();
+    m_view->Show(S("Record"));
+    QTRY_COMPARE(Record().Session().Source(), ZrRecordingSession::sourceOpen);
+    QUdpSocket sender;
+    sender.writeDatagram("$SDDPT,7.0,0.5\r\n", QHostAddress::LocalHost, port);
+    const SurveyFeed& feed = m_view->Model().feed;
+    QTRY_COMPARE(feed.State(), ZrSourceFacts::receiving);
+    QTRY_COMPARE_WITH_TIMEOUT(feed.State(), ZrSourceFacts::silent, 15000);
+    PaintLog log(*m_view);
+    QVERIFY2(Quiet(log), qPrintable(log.Text()));
+    log.Clear();
+    QTest::qWait(recordIdleMs);
     QVERIFY2(log.IsClean(), qPrintable(log.Text()));
 }
 

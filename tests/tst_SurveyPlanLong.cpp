@@ -5,6 +5,8 @@
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/planning/ZrRoutePath.h"
 #include "ZrSanitizer.h"
+#include "apps/ZrSurvey/RecordPage.h"
+#include "apps/ZrSurvey/SurveySource.h"
 
 #include <algorithm>
 #include <functional>
@@ -31,11 +33,14 @@ private Q_SLOTS:
     void lists_data();
     void lists();
     void chartFollowsTheReview();
+    void recordShowsIt();
     void stepsCost_data();
     void stepsCost();
     void frameCosts();
 
 private:
+    void OpenRecord();
+    void Put(int count);
     void Fill(int count);
     double RestMs();
 
@@ -47,8 +52,20 @@ private:
     }
 };
 
+/// Looks at the page "Record" and comes back.
+void tst_SurveyPlanLong::OpenRecord()
+{
+    m_view->Model().settings.source = SurveySource::udp;
+    m_view->Model().settings.udpPort = 0; // any free one, at which nobody sends
+    m_view->Show(QStringLiteral("Record"));
+    QTRY_VERIFY(m_view->GetPage(QStringLiteral("Record"))->isVisible());
+    QTRY_VERIFY(m_view->Model().feed.State() == ZrSourceFacts::waiting);
+    m_view->Show(QStringLiteral("Plan"));
+    QTRY_VERIFY(m_page->isVisible());
+}
+
 /// Lines of a hundred waypoints to and fro.
-void tst_SurveyPlanLong::Fill(int count)
+void tst_SurveyPlanLong::Put(int count)
 {
     ZrWpts route;
     for (int i = 0; i < count; ++i) {
@@ -64,6 +81,12 @@ void tst_SurveyPlanLong::Fill(int count)
     Plan().Route() = route;
     Plan().History().Reset();
     Plan().Edited();
+}
+
+/// The same, on the page.
+void tst_SurveyPlanLong::Fill(int count)
+{
+    Put(count);
     QTRY_COMPARE_WITH_TIMEOUT(List()->Count(), count, 60000);
     QTRY_COMPARE_WITH_TIMEOUT(static_cast<int>(m_page->Chart().Points().size()), count, 60000);
 }
@@ -128,6 +151,31 @@ void tst_SurveyPlanLong::chartFollowsTheReview()
     QTRY_COMPARE(legAt(middle(51)), 51);
 }
 
+/// The page "Record", which draws the plan as well, does so when it is looked at; the turns come later.
+void tst_SurveyPlanLong::recordShowsIt()
+{
+    OpenRecord();
+    const LiveMap& map = static_cast<RecordPage*>(m_view->GetPage(QStringLiteral("Record")))->Map();
+    const i64 before = map.PlanCount();
+    Fill(3000);
+    QCOMPARE(map.PlanCount(), before);
+    m_view->Show(QStringLiteral("Record"));
+    QCOMPARE(map.PlanCount(), i64(3000)); // straight
+    QTRY_VERIFY_WITH_TIMEOUT(map.PlanCount() > 3000, 60000);
+    const i64 measured = map.PlanCount();
+    // Nothing is measured again for the same plan.
+    m_view->Show(QStringLiteral("Plan"));
+    m_view->Show(QStringLiteral("Record"));
+    QCOMPARE(map.PlanCount(), measured);
+    // Shorter ones at once, also while another one is measured.
+    Put(4000);
+    Put(3);
+    QVERIFY(map.PlanCount() != measured);
+    const i64 little = map.PlanCount();
+    QTest::qWait(500);
+    QCOMPARE(map.PlanCount(), little);
+}
+
 void tst_SurveyPlanLong::stepsCost_data()
 {
     QTest::addColumn<int>("key");
@@ -162,6 +210,7 @@ void tst_SurveyPlanLong::stepsCost()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
+    OpenRecord(); // another page that shows the plan
     Fill(10000);
     m_view->setUpdatesEnabled(false);
     Q_EMIT m_page->findChild<PlanListPanel*>()->Chosen(5000);

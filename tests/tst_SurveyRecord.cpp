@@ -1,8 +1,10 @@
 // The page "Record" of the application as a person sees it: sources, map, waterfall and instruments.
 
 #include "DrawnText.h"
+#include "RecordedLog.h"
 #include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapPanel.h"
+#include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/recording/ZrLogWriter.h"
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrKit/records/ZrNavRecord.h"
@@ -20,6 +22,7 @@ class tst_SurveyRecord : public SurveyRecordWindow
 private Q_SLOTS:
     void simulatorIsLive();
     void planThatChanges();
+    void planThatChangesInView();
     void waterfallRuns();
     void bottomLineCanBeSwitchedOff();
     void anglesHaveTheirSign_data();
@@ -94,6 +97,30 @@ void tst_SurveyRecord::planThatChanges()
     m_view->Show(QStringLiteral("Home"));
     m_view->Show(QStringLiteral("Record"));
     QVERIFY(Page().Map().TrailCount() >= trail);
+}
+
+/// As by Undo in a message that stays over a change of pages, or a draft that is read late: the vehicle runs
+/// it, the map shows it, and the log begins with it.
+void tst_SurveyRecord::planThatChangesInView()
+{
+    Open();
+    QTRY_VERIFY(HasPosition());
+    const i64 places = Page().Map().PlanCount();
+    ZrPlanDocument& plan = m_view->Model().plan;
+    plan.Route().linked = true;
+    for (const double lng : {-4.0, -3.998})
+        plan.Route().Add(48.5, lng, eZrWptBlue, ZrWpts::eAddTail);
+    plan.Edited();
+    QVERIFY(Page().Map().PlanCount() != places);
+    QTRY_VERIFY(HasPosition() && std::fabs(Page().Session().State().latitude.value - 48.5) < 0.01);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Page().Session().Status().items > 20);
+    Touch(Button(QStringLiteral("Stop")));
+    QTRY_VERIFY(IsOff());
+    const std::vector<Item> items = ReadLog(Logs().first());
+    QVERIFY(items.front().inf == CRecType(rtMissionPlan));
+    QCOMPARE(items.front().payload, ZrPlanRecord::Encode(plan.Route()));
 }
 
 void tst_SurveyRecord::waterfallRuns()
@@ -366,13 +393,17 @@ void tst_SurveyRecord::idleWithoutData()
 {
     m_view->Model().settings.source = SurveySource::udp;
     m_view->Model().settings.udpPort = 0; // any free one
+    m_view->Model().settings.recordDir = QStringLiteral("/proc"); // whose free space does not change
     Open();
     QTRY_COMPARE(Page().Session().Source(), ZrRecordingSession::sourceOpen);
+    QSignalSpy spaces(&Page().Session(), &ZrRecordingSession::SpaceMeasured);
     QSignalSpy ticks(Page().findChild<QTimer*>(QStringLiteral("tick")), &QTimer::timeout);
     QTRY_VERIFY(ticks.size() > 1);
     QSignalSpy frames(m_view.get(), &SurveyView::FramePainted);
     const int before = ticks.size();
-    QTRY_VERIFY(ticks.size() > before + 3);
+    // Free space is looked at as well.
+    spaces.clear();
+    QTRY_VERIFY_WITH_TIMEOUT(ticks.size() > before + 11 && spaces.size() > 0, 30000);
     QCOMPARE(frames.size(), 0);
 }
 

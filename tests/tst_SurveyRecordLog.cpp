@@ -5,6 +5,7 @@
 #include "ZrKit/review/ZrLogCheck.h"
 #include "ZrUtil/ZrInput.h"
 #include "ZrUtil/ZrPlayer.h"
+#include "ZrUtil/ZrWpts.h"
 #include "apps/ZrSurvey/SurveySource.h"
 
 #include <QSignalSpy>
@@ -18,6 +19,8 @@ private Q_SLOTS:
     void oneTouchRecords();
     void eventsEndInTheLog();
     void notesEndInTheLog();
+    void eventsOfTheFirstSeconds();
+    void eventsThatNoLogTakes();
     void keysDoTheSame();
     void recordingGoesOnBehindOtherPages();
     void stopsBeforeTheDiskIsFull();
@@ -80,6 +83,48 @@ void tst_SurveyRecordLog::notesEndInTheLog()
     QTRY_VERIFY(IsOff());
     QCOMPARE(EventsOf(Logs().first()),
         QStringList({QStringLiteral("rope on the bottom"), QStringLiteral("second")}));
+}
+
+/// The plan is long, and takes its time to be written.
+void tst_SurveyRecordLog::eventsOfTheFirstSeconds()
+{
+    ZrPlanDocument& plan = m_view->Model().plan;
+    for (int i = 0; i < 3000; ++i) {
+        auto wpt = std::make_unique<ZrWpt>();
+        wpt->lat = 48.4 + 1e-4 * i;
+        wpt->lng = -68.8;
+        plan.Route().AddTail(wpt.release());
+    }
+    plan.Route().UpdatePseudo();
+    plan.Edited();
+    Open();
+    QTRY_VERIFY(HasPosition());
+    QTest::keyClick(m_view.get(), Qt::Key_R);
+    QCOMPARE(Page().Session().Recording(), ZrRecordingSession::recordingStarting);
+    QTest::keyClick(m_view.get(), Qt::Key_1);
+    QCOMPARE(Button(QStringLiteral("Target"))->badge, 1);
+    auto* note = Page().findChild<ZrInput*>();
+    note->SetText(QStringLiteral("at once"));
+    QTest::keyClick(note, Qt::Key_Return);
+    QCOMPARE(note->QLineEdit::text(), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(IsOn(), 60000);
+    Touch(Button(QStringLiteral("Stop")));
+    QTRY_VERIFY(IsOff());
+    QCOMPARE(EventsOf(Logs().first()), QStringList({QStringLiteral("Target"), QStringLiteral("at once")}));
+}
+
+/// The recording could not begin.
+void tst_SurveyRecordLog::eventsThatNoLogTakes()
+{
+    m_view->Model().settings.recordDir = QStringLiteral("/proc/none");
+    Open();
+    QTest::keyClick(m_view.get(), Qt::Key_R);
+    QTest::keyClick(m_view.get(), Qt::Key_1);
+    QTRY_COMPARE(m_view->Model().unsaved.Count(), std::size_t(1));
+    QVERIFY(IsOff());
+    QVERIFY2(Banner()->Text().contains(QStringLiteral("1 event of a recording without a log is in memory")),
+        qPrintable(Banner()->Text()));
+    QVERIFY(ActionOf(*Banner(), QStringLiteral("Export events")));
 }
 
 void tst_SurveyRecordLog::keysDoTheSame()

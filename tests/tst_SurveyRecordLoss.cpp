@@ -7,6 +7,7 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QUdpSocket>
 
 class tst_SurveyRecordLoss : public SurveyRecordWindow
 {
@@ -15,8 +16,16 @@ class tst_SurveyRecordLoss : public SurveyRecordWindow
 private Q_SLOTS:
     void lossIsToldUntilItIsOver();
     void connectionInAnotherLanguage();
+    void connectionThatEndsInTheFlow();
+    void receiverWithoutFix();
+    void sourceThatHasEnded();
+    void sourceThatSendsNothing();
+    void portThatIsTaken();
+    void anotherSourceThatSendsNothing();
 
 private:
+    void OpenSilent(int port);
+    QTcpSocket* OpenServed(QTcpServer& server);
     quint16 OpenRefused(QTcpServer& server);
 };
 
@@ -33,6 +42,30 @@ quint16 tst_SurveyRecordLoss::OpenRefused(QTcpServer& server)
     settings.tcpPort = port;
     Open();
     return port;
+}
+
+/// Opens the page with a source at which nobody sends; \p port 0 for any free one.
+void tst_SurveyRecordLoss::OpenSilent(int port)
+{
+    SurveySettings& settings = m_view->Model().settings;
+    settings.source = SurveySource::udp;
+    settings.udpPort = port;
+    Open();
+}
+
+/// Opens the page with \p server as source. \returns its end of the connection
+QTcpSocket* tst_SurveyRecordLoss::OpenServed(QTcpServer& server)
+{
+    if (!server.listen(QHostAddress::LocalHost))
+        return nullptr;
+    SurveySettings& settings = m_view->Model().settings;
+    settings.source = SurveySource::tcp;
+    settings.tcpHost = QStringLiteral("127.0.0.1");
+    settings.tcpPort = server.serverPort();
+    Open();
+    return QTest::qWaitFor([&server] { return server.hasPendingConnections(); })
+        ? server.nextPendingConnection()
+        : nullptr;
 }
 
 /// While nothing comes a recording says so until something does, and the source's button bears a sign.
@@ -95,6 +128,118 @@ void tst_SurveyRecordLoss::connectionInAnotherLanguage()
         qPrintable(feed.Text()));
     QVERIFY(server.listen(QHostAddress::LocalHost, port));
     QTRY_COMPARE_WITH_TIMEOUT(feed.State(), ZrSourceFacts::waiting, 15000);
+}
+
+/// Why is said at once, and on, not that a cable should be looked at.
+void tst_SurveyRecordLoss::connectionThatEndsInTheFlow()
+{
+    QTcpServer server;
+    QTcpSocket* socket = OpenServed(server);
+    QVERIFY(socket);
+    SurveyFeed& feed = m_view->Model().feed;
+    socket->write("$GPGGA,120000.00,5020.000,N,00408.000,W,1,08,1.0,0.0,M,0.0,M,,*4F\r\n");
+    QTRY_COMPARE(feed.State(), ZrSourceFacts::receiving);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    socket->write("$GPGGA,120000.00,5020.000,N,00408.000,W,1,08,1.0,0.0,M,0.0,M,,*4F\r\n");
+    socket->flush();
+    server.close();
+    delete socket;
+    QTRY_COMPARE_WITH_TIMEOUT(feed.State(), ZrSourceFacts::troubled, 3000);
+    QVERIFY(!feed.Text().isEmpty() && feed.Text() == feed.Facts().reason);
+    QVERIFY(Page().findChild<ZrBtn*>(QStringLiteral("source"))->text.endsWith(feed.Text()));
+    QTRY_VERIFY_WITH_TIMEOUT(Banner()->isVisible(), 15000);
+    QCOMPARE(feed.State(), ZrSourceFacts::troubled);
+    QVERIFY2(Banner()->Advice().contains(feed.Facts().reason)
+            && Banner()->Advice().contains(QStringLiteral("tried again")),
+        qPrintable(Banner()->Advice()));
+}
+
+/// It is there and heard: what it lacks is said, and no cable is to be looked at.
+void tst_SurveyRecordLoss::receiverWithoutFix()
+{
+    QTcpServer server;
+    QTcpSocket* socket = OpenServed(server);
+    QVERIFY(socket);
+    QTimer seconds;
+    connect(&seconds, &QTimer::timeout, socket,
+        [socket] { socket->write("$GPGGA,120000.00,,,,,0,00,,,M,,M,,\r\n"); });
+    seconds.start(200);
+    SurveyFeed& feed = m_view->Model().feed;
+    QTRY_COMPARE(feed.State(), ZrSourceFacts::receiving);
+    QVERIFY(feed.Facts().LacksPosition());
+    QCOMPARE(feed.Text(), QStringLiteral("receiving, no position"));
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY_WITH_TIMEOUT(Page().Session().Status().seconds > 7.0, 30000);
+    QCOMPARE(feed.State(), ZrSourceFacts::receiving);
+    QVERIFY(!Banner()->isVisible());
+    QVERIFY(!HasPosition());
+    m_view->Show(QStringLiteral("Home"));
+    const ZrValueTile* data = m_view->GetPage(QStringLiteral("Home"))->findChildren<ZrValueTile*>().value(1);
+    QTRY_COMPARE(data->Value(), QStringLiteral("Receiving"));
+}
+
+/// The simulator has flown its plan, say, and then Record is touched.
+void tst_SurveyRecordLoss::sourceThatHasEnded()
+{
+    UseReplay(48.0, 0.2);
+    Open();
+    QTRY_COMPARE(Page().Session().Source(), ZrRecordingSession::sourceFinished);
+    QVERIFY(!Banner()->isVisible());
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Banner()->isVisible());
+    QVERIFY2(Banner()->Text().contains(QStringLiteral("the source has ended")), qPrintable(Banner()->Text()));
+}
+
+void tst_SurveyRecordLoss::sourceThatSendsNothing()
+{
+    OpenSilent(0);
+    QTRY_COMPARE(m_view->Model().feed.State(), ZrSourceFacts::waiting);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY_WITH_TIMEOUT(Banner()->isVisible(), 15000);
+    QVERIFY2(Banner()->Text().contains(QStringLiteral("no data from UDP")), qPrintable(Banner()->Text()));
+    QVERIFY(Page().Session().Status().seconds > 4.0); // who has just begun may have to wait for the first
+    QCOMPARE(m_view->Model().feed.State(), ZrSourceFacts::waiting);
+    Touch(Button(QStringLiteral("Stop")));
+    QTRY_VERIFY(IsOff());
+    QTRY_VERIFY(!Banner()->isVisible());
+}
+
+void tst_SurveyRecordLoss::portThatIsTaken()
+{
+    QUdpSocket other;
+    QVERIFY(other.bind(QHostAddress(QHostAddress::Any), 0));
+    OpenSilent(other.localPort());
+    QTRY_COMPARE(m_view->Model().feed.State(), ZrSourceFacts::failed);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Banner()->isVisible());
+    QVERIFY2(
+        Banner()->Advice().contains(m_view->Model().feed.Facts().reason), qPrintable(Banner()->Advice()));
+}
+
+/// What is said of a source stays when another one brings nothing either, and is said of that then.
+void tst_SurveyRecordLoss::anotherSourceThatSendsNothing()
+{
+    UseReplay(48.0, 0.2);
+    Open();
+    QTRY_COMPARE(Page().Session().Source(), ZrRecordingSession::sourceFinished);
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Banner()->isVisible());
+    m_view->Model().settings.source = SurveySource::udp;
+    m_view->Model().settings.udpPort = 0;
+    QTRY_COMPARE(m_view->Model().feed.State(), ZrSourceFacts::waiting);
+    QVERIFY(Banner()->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(Banner()->Text().contains(QStringLiteral("no data from UDP")), 15000);
+    QVERIFY(Banner()->isVisible());
+    // Others that come end it.
+    m_view->Model().settings.source = SurveySource::simulator;
+    QTRY_VERIFY(!Banner()->isVisible());
+    QVERIFY(IsOn());
 }
 
 GL_TEST_MAIN(tst_SurveyRecordLoss)

@@ -5,9 +5,6 @@
 #include "SurveyRecordWindow.h"
 #include "ZrKit/map/ZrMapGesture.h"
 #include "ZrKit/map/ZrMapPanel.h"
-#include "ZrKit/recording/ZrLogWriter.h"
-#include "ZrKit/records/ZrKitTypes.h"
-#include "ZrKit/records/ZrNavRecord.h"
 #include "ZrKit/ui/ZrFilePanel.h"
 #include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrForm.h"
@@ -43,8 +40,6 @@ private Q_SLOTS:
 
 private:
     void StopForSpace();
-
-    void UseReplay(double latitude, double seconds);
 };
 
 /// The disk fails while it records, and for another recording too little is free.
@@ -65,23 +60,6 @@ void tst_SurveyRecordTrouble::StopForSpace()
     QTRY_VERIFY(Banner()->Text().contains(QStringLiteral("Only ")));
     QTRY_VERIFY(IsOff());
     settings.stopBelowMegabytes = 1;
-}
-
-void tst_SurveyRecordTrouble::UseReplay(double latitude, double seconds)
-{
-    const QString path = m_dir->filePath(QStringLiteral("old.log"));
-    ZrLogWriter log;
-    QVERIFY(log.Open(path, 100.0));
-    ZrNavRecord nav;
-    nav.latitude = latitude;
-    nav.longitude = -4.0;
-    for (double t = 0.0; t < seconds; t += 0.05) {
-        QVERIFY(log.Write(zr::rec_type(krtNavigation), 1, ZrNavRecord::Format, 100.0 + t, false,
-            zr::bytes_of(nav.Encode())));
-    }
-    QVERIFY(log.Commit());
-    m_view->Model().settings.source = SurveySource::replay;
-    m_view->Model().settings.sourceFile = path;
 }
 
 /// With time, reason, limit and what to do next; longer than any message that goes by itself, and on the
@@ -231,7 +209,7 @@ void tst_SurveyRecordTrouble::onOtherPages()
     QVERIFY(Banner()->isVisible());
 }
 
-/// The recording goes on without data, which is said until it ends or there is another source.
+/// The recording goes on without data, which is said until it ends or others come.
 void tst_SurveyRecordTrouble::sourceThatEnds()
 {
     UseReplay(48.0, 1.5);

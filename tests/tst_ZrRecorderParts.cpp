@@ -50,6 +50,7 @@ private Q_SLOTS:
     void failsWhenTheNextPartCannotBeMade();
     void stopsBetweenPartsWhenTheDiskIsFull();
     void reasonIsTheLastItem();
+    void eventBehindTheReason();
     void neverOverwrites();
     void namesWithoutParts();
     void forgetsTheStateOfAnotherSource();
@@ -322,6 +323,28 @@ void tst_ZrRecorderParts::reasonIsTheLastItem()
     QCOMPARE(event.text, failed[0][0].toString());
     QCOMPARE(event.src, esSystem);
     QVERIFY(!event.uid.isNull());
+}
+
+/// An event for which a part is due on a disk that is full: the reason is written, the event is not.
+void tst_ZrRecorderParts::eventBehindTheReason()
+{
+    ZrRecorder::Options options = Parts(1000);
+    options.stopBelow = 1000;
+    options.logsReason = true;
+    ZrRecorder recorder(options, nullptr);
+    QString error;
+    QVERIFY(recorder.Start(&error));
+    QVERIFY(recorder.AddRecord(CRecType(0, 200), 1, 1.0, QByteArray(400, 'x')));
+    QVERIFY(recorder.AddRecord(CRecType(0, 200), 1, 2.0, QByteArray(400, 'x')));
+    m_free = 999;
+    QVERIFY(!recorder.AddEvent(ZrLogEvt(3.0, esUser, QStringLiteral("Target"))));
+    QVERIFY(!recorder.IsRecording());
+    QVERIFY(!recorder.AddRecord(CRecType(0, 200), 1, 4.0, "x"));
+    std::vector<Item> items = ReadLog(Files().constLast());
+    QCOMPARE(items.size(), std::size_t(3));
+    ZrLogEvt event;
+    event.Load(items.back().payload);
+    QCOMPARE(event.src, esSystem);
 }
 
 void tst_ZrRecorderParts::neverOverwrites()

@@ -89,6 +89,10 @@ private Q_SLOTS:
     void eventsOfASourceWithItsOwnTime();
     void eventsWithoutPosition();
     void eventsNeedARecording();
+    void eventsBeforeTheLog();
+    void eventsBeforeALogThatCannotBe();
+    void sentencesWithoutRecordsAreData_data();
+    void sentencesWithoutRecordsAreData();
     void cannotStart();
     void startsOnce();
     void stopsBeforeTheDiskIsFull();
@@ -344,6 +348,92 @@ void tst_ZrRecordingSession::eventsNeedARecording()
     QVERIFY(!m_session->AddEvent(QStringLiteral("  ")));
     Stop();
     QVERIFY(!m_session->AddEvent(QStringLiteral("Target")));
+}
+
+/// Given while the plan is made: they have the times at which they were given, of the source's clock.
+void tst_ZrRecordingSession::eventsBeforeTheLog()
+{
+    Open();
+    Give(zr::rec_type(krtNavigation), 7000.5, Nav(50.0));
+    QTRY_VERIFY(m_session->State().latitude.IsKnown());
+    const auto mayGoOn = std::make_shared<QSemaphore>();
+    QSemaphoreReleaser whenThisFails(*mayGoOn);
+    m_session->Start(Options(), [mayGoOn] {
+        mayGoOn->acquire();
+        return QByteArray("plan");
+    });
+    QCOMPARE(m_session->Recording(), ZrRecordingSession::recordingStarting);
+    QVERIFY(!m_session->AddEvent(QStringLiteral(" ")));
+    m_now = 1002.0;
+    QVERIFY(m_session->AddEvent(QStringLiteral("first")));
+    m_now = 1003.5;
+    QVERIFY(m_session->AddEvent(QStringLiteral("second")));
+    // What the source tells meanwhile waits as well.
+    QMetaObject::invokeMethod(
+        m_source, [this] { Q_EMIT m_source->Record(zr::rec_type(krtNavigation), 1, 7004.0, Nav(51.0)); },
+        Qt::QueuedConnection);
+    m_now = 1010.0;
+    mayGoOn->release();
+    QTRY_COMPARE(m_session->Recording(), ZrRecordingSession::recordingOn);
+    QVERIFY(m_session->AddEvent(QStringLiteral("third")));
+    Stop();
+    QStringList texts;
+    std::vector<double> times;
+    std::vector<Item> items = ReadLog(m_session->Status().file);
+    for (Item& item : items) {
+        if (!(item.inf == CRecType(rtEvent)))
+            continue;
+        ZrLogEvt event;
+        event.Load(item.payload);
+        texts += event.text;
+        times.push_back(event.time);
+    }
+    QCOMPARE(
+        texts, QStringList({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third")}));
+    QCOMPARE(times, (std::vector<double>{7002.5, 7004.0, 7004.0}));
+}
+
+void tst_ZrRecordingSession::eventsBeforeALogThatCannotBe()
+{
+    std::vector<ZrLogEvt> lost;
+    connect(
+        m_session.get(), &ZrRecordingSession::EventsLost, this, [&lost](const std::vector<ZrLogEvt>& events) {
+            lost.insert(lost.end(), events.begin(), events.end());
+        });
+    ZrRecorder::Options options = Options();
+    options.dir = QStringLiteral("/proc/none");
+    m_session->Start(options);
+    const double before = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
+    QVERIFY(m_session->AddEvent(QStringLiteral("Target")));
+    QTRY_COMPARE(lost.size(), std::size_t(1));
+    QCOMPARE(lost[0].text, QStringLiteral("Target"));
+    QVERIFY(lost[0].time >= before);
+    QCOMPARE(m_session->Recording(), ZrRecordingSession::recordingOff);
+}
+
+void tst_ZrRecordingSession::sentencesWithoutRecordsAreData_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("fix of quality 0") << QByteArray("$GPGGA,120000.00,,,,,0,00,,,M,,M,,");
+    QTest::newRow("void") << QByteArray("$GPRMC,120000.00,V,,,,,,,010121,,,N");
+    QTest::newRow("other ships") << QByteArray("!AIVDM,1,1,,A,15M67F0000G?Uf6E`FepT@3n00Sa,0");
+    QTest::newRow("of a maker") << QByteArray("$PZRX,1,2,3");
+}
+
+/// They say that the device is there, and nothing of a position.
+void tst_ZrRecordingSession::sentencesWithoutRecordsAreData()
+{
+    QFETCH(QByteArray, line);
+    Open();
+    GiveLine("rubbish");
+    QTRY_COMPARE(m_session->News().lineCount, u64(1));
+    QVERIFY(std::isinf(m_session->State().lastData));
+    GiveLine(line);
+    QTRY_COMPARE(m_session->News().lineCount, u64(2));
+    QCOMPARE(m_session->News().damagedLines, u64(1));
+    QCOMPARE(m_session->News().recordCount, u64(0));
+    QCOMPARE(m_session->State().lastData, 1000.0);
+    QVERIFY(!m_session->State().latitude.IsKnown());
 }
 
 void tst_ZrRecordingSession::cannotStart()

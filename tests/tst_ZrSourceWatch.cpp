@@ -16,6 +16,8 @@ private Q_SLOTS:
     void rates();
     void recordsAreCountedWithoutLines();
     void lossEnds();
+    void lossOfAFlow();
+    void positionsHaveTheirOwnAge();
     void anotherSource();
     void badStates();
     void ofASession();
@@ -49,10 +51,11 @@ void tst_ZrSourceWatch::states_data()
     row("a while ago", Session::sourceOpen, 5.1, 9, 0, 0, none, ZrSourceFacts::silent, none);
     row("two bad lines", Session::sourceOpen, never, 2, 2, 0, none, ZrSourceFacts::waiting, none);
     row("three bad lines", Session::sourceOpen, never, 3, 3, 0, none, ZrSourceFacts::unreadable, none);
-    row("one good line", Session::sourceOpen, never, 4, 3, 0, none, ZrSourceFacts::waiting, none);
+    row("one good line", Session::sourceOpen, 0.0, 4, 3, 0, none, ZrSourceFacts::receiving, none);
     row("endless lines", Session::sourceOpen, never, 0, 0, 3, none, ZrSourceFacts::unreadable, none);
     row("tried again", Session::sourceOpen, never, 0, 0, 0, why, ZrSourceFacts::troubled, why);
     row("lost", Session::sourceOpen, 9.0, 9, 0, 0, why, ZrSourceFacts::troubled, why);
+    row("lost a moment ago", Session::sourceOpen, 4.0, 9, 0, 0, why, ZrSourceFacts::troubled, why);
     row("not lost", Session::sourceOpen, 1.0, 9, 0, 0, why, ZrSourceFacts::receiving, none);
 }
 
@@ -72,7 +75,7 @@ void tst_ZrSourceWatch::states()
     news.damagedLines = static_cast<u64>(damaged);
     news.droppedLines = static_cast<u64>(dropped);
     ZrSourceWatch watch;
-    watch.Lose(trouble);
+    watch.Lose(trouble, now - 3.0);
     const ZrSourceFacts facts
         = watch.Look(static_cast<Session::eSource>(source), QStringLiteral("Cannot listen"), news, now);
     QTEST(int(facts.state), "state");
@@ -118,14 +121,64 @@ void tst_ZrSourceWatch::lossEnds()
 {
     ZrSourceWatch watch;
     ZrRecordingNews news;
-    watch.Lose(QStringLiteral("Refused"));
+    watch.Lose(QStringLiteral("Refused"), 9.0);
     QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 10.0).state, ZrSourceFacts::troubled);
-    watch.Lose(QString());
+    watch.Lose(QString(), 10.5);
     QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 11.0).state, ZrSourceFacts::waiting);
-    watch.Lose(QStringLiteral("Refused"));
+    watch.Lose(QStringLiteral("Refused"), 11.5);
     news.state.lastData = 12.0;
     QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 12.0).state, ZrSourceFacts::receiving);
     QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 20.0).state, ZrSourceFacts::silent);
+}
+
+/// A connection that ends while data come is lost at once, and why is said until others come.
+void tst_ZrSourceWatch::lossOfAFlow()
+{
+    const QString why = QStringLiteral("Closed");
+    ZrSourceWatch watch;
+    ZrRecordingNews news;
+    news.lineCount = 9;
+    news.state.lastData = 99.5;
+    QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 99.6).state, ZrSourceFacts::receiving);
+    watch.Lose(why, 100.0);
+    // What came last before it may be told after it.
+    news.lineCount = 10;
+    news.state.lastData = 99.9;
+    for (const double now : {100.0, 104.0, 105.5, 1000.0}) {
+        const ZrSourceFacts facts = watch.Look(Session::sourceOpen, QString(), news, now);
+        QCOMPARE(facts.state, ZrSourceFacts::troubled);
+        QCOMPARE(facts.reason, why);
+    }
+    news.state.lastData = 1000.5;
+    QCOMPARE(watch.Look(Session::sourceOpen, QString(), news, 1001.0).state, ZrSourceFacts::receiving);
+}
+
+/// A receiver without a fix is one that is heard.
+void tst_ZrSourceWatch::positionsHaveTheirOwnAge()
+{
+    ZrSourceWatch watch;
+    ZrRecordingNews news;
+    news.lineCount = 1;
+    news.state.lastData = 10.0;
+    ZrSourceFacts facts = watch.Look(Session::sourceOpen, QString(), news, 10.0);
+    QCOMPARE(facts.state, ZrSourceFacts::receiving);
+    QVERIFY(std::isinf(facts.positionAge));
+    QVERIFY(facts.LacksPosition());
+    QVERIFY(!facts.IsBad());
+    news.state.latitude.Set(50.0, 10.0);
+    facts = watch.Look(Session::sourceOpen, QString(), news, 10.0);
+    QCOMPARE(facts.positionAge, 0.0);
+    QVERIFY(!facts.LacksPosition());
+    news.state.lastData = 16.0;
+    facts = watch.Look(Session::sourceOpen, QString(), news, 16.0);
+    QCOMPARE(facts.state, ZrSourceFacts::receiving);
+    QCOMPARE(facts.positionAge, 6.0);
+    QVERIFY(facts.LacksPosition());
+    // Of one that is silent that is not the trouble.
+    facts = watch.Look(Session::sourceOpen, QString(), news, 30.0);
+    QCOMPARE(facts.state, ZrSourceFacts::silent);
+    QVERIFY(!facts.LacksPosition());
+    QVERIFY(!ZrSourceFacts().LacksPosition());
 }
 
 void tst_ZrSourceWatch::anotherSource()
@@ -134,7 +187,7 @@ void tst_ZrSourceWatch::anotherSource()
     ZrRecordingNews news;
     news.recordCount = 100;
     watch.Look(Session::sourceOpen, QString(), news, 0.0);
-    watch.Lose(QStringLiteral("Refused"));
+    watch.Lose(QStringLiteral("Refused"), 0.5);
     watch.Clear();
     news.recordCount = 200;
     const ZrSourceFacts facts = watch.Look(Session::sourceOpen, QString(), news, 1.0);

@@ -20,6 +20,7 @@ struct ZrLiveState
     ZrLiveValue pitch; ///< degrees, bow up
     ZrLiveValue roll; ///< degrees, starboard down
     ZrLiveValue temperature; ///< degrees Celsius of the water
-    double lastData = -std::numeric_limits<double>::infinity(); ///< when anything came last
+    double lastData
+        = -std::numeric_limits<double>::infinity(); ///< when a record or a sound sentence came last
     double dataTime = 0.0; ///< seconds since the epoch that the newest record tells; 0 before the first
 };

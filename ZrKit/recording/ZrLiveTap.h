@@ -34,6 +34,9 @@ public:
     /// Takes a record of \p time, seconds since the epoch, that came at \p now.
     void Take(CRecType type, u16 format, double time, zr::span<u8> payload, double now);
 
+    /// Takes that a sound sentence came, whether or not a record is decoded from it: `ZrLiveState::lastData`.
+    void TakeSentence(double now) { m_state.lastData = now; }
+
     const ZrLiveState& State() const { return m_state; }
 
     /// The positions since the last call, longitude as x and latitude as y, in degrees.

@@ -214,26 +214,25 @@ void ZrRecorder::AddLine(const QByteArray& line)
     CheckAfterWriting();
 }
 
-void ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteArray& payload)
+bool ZrRecorder::AddRecord(CRecType type, u16 format, double time, const QByteArray& payload)
 {
     if (!IsRecording() || payload.size() >= largestRecord
         || !MakeRoom(ZrLogItem::Size + static_cast<u64>(payload.size())))
-        return;
+        return false;
     LogRecord(type, format, time, payload);
     Remember(type, format, time, payload);
     if (type == zr::rec_type(krtFix))
         ++m_status.fixes;
+    // Each item is looked at when it was written: an error before this one has ended the recording.
     CheckAfterWriting();
+    return m_failure != failureWrite;
 }
 
 bool ZrRecorder::AddEvent(ZrLogEvt event)
 {
     QByteArray bytes;
     event.Save(bytes);
-    const u64 before = Items();
-    AddRecord(CRecType(rtEvent), 0, event.time, bytes);
-    // Each item is looked at when it was written: an error before this one has ended the recording.
-    return Items() > before && m_failure != failureWrite;
+    return AddRecord(CRecType(rtEvent), 0, event.time, bytes);
 }
 
 void ZrRecorder::Remember(CRecType type, u16 format, double time, const QByteArray& payload)

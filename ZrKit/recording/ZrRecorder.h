@@ -103,10 +103,11 @@ public:
     void AddLine(const QByteArray& line);
 
     /// Logs one record whose item carries \p time, seconds since the epoch, rather than that of its arrival:
-    /// for sources that tell their own time, such as simulations. Ignored when \p payload has 1 GiB or more.
-    void AddRecord(CRecType type, u16 format, double time, const QByteArray& payload);
+    /// for sources that tell their own time, such as simulations. False when it is not in the log: nothing is
+    /// recorded, or no longer, the disk does not take it, or \p payload has 1 GiB or more.
+    bool AddRecord(CRecType type, u16 format, double time, const QByteArray& payload);
 
-    /// Logs an event. False when it is not in the log: nothing is recorded, or the disk does not take it.
+    /// Logs an event. False when it is not in the log, see `AddRecord`.
     bool AddEvent(ZrLogEvt event);
 
     /// Remembers a record that came before the recording, for the head of its log.

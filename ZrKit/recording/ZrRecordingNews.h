@@ -27,6 +27,7 @@ struct ZrRecordingNews
     u64 droppedLines = 0; ///< too long to be taken
     u64 lostPings = 0; ///< that were not shown since the screen was too slow; they are recorded all the same
     std::vector<ZrLogEvt> lostEvents; ///< new ones of the user that no log has taken
+    bool tellsTime = false; ///< the source tells the times of its items; else they are those of arrival
     bool isRecording = false;
     ZrRecorder::Status status; ///< of the recording, or of the last one
 };

@@ -132,6 +132,7 @@ void ZrRecordingSession::Start(const ZrRecorder::Options& options, const MakePla
     if (m_recording != recordingOff)
         return;
     m_failure = ZrRecorder::failureNone;
+    m_startAsked = Now();
     SetRecording(recordingStarting);
     ZrRecorder::Options complete = options;
     complete.writesHead = true;
@@ -162,11 +163,21 @@ QString ZrRecordingSession::PositionText() const
         .arg(state.longitude.value, 0, 'f', 7);
 }
 
+/// Of an event that waits for the log, where the source tells the time: what it tells when the worker comes
+/// to the event is later. Seconds since the epoch; 0 leaves the time to the worker.
+double ZrRecordingSession::TimeBeforeStart() const
+{
+    if (m_recording != recordingStarting || !m_news.tellsTime)
+        return 0.0;
+    // No news come meanwhile; the source goes on by the clock unless it has come to its end.
+    return State().dataTime + (m_source == sourceOpen ? Now() - m_startAsked : 0.0);
+}
+
 bool ZrRecordingSession::AddEvent(const QString& label)
 {
-    if (m_recording != recordingOn || label.trimmed().isEmpty())
+    if (!IsRecording() || label.trimmed().isEmpty())
         return false;
-    ZrLogEvt event(0.0, esUser, label);
+    ZrLogEvt event(TimeBeforeStart(), esUser, label);
     event.detail = PositionText();
     event.uid = QUuid::createUuid();
     const double now = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;

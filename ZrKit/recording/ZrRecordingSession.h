@@ -112,8 +112,9 @@ public:
     void MeasureSpace(const QString& dir);
 
     /// Adds an event of the user, of this moment, and with the position in its detail where one is known and
-    /// fresh: degrees, "50.1234567, -4.1234567". False when nothing is recorded or \p label is empty. One
-    /// that the log could not take after all is told by `EventsLost`.
+    /// fresh: degrees, "50.1234567, -4.1234567". False when nothing is recorded or \p label is empty. While
+    /// the recording is about to begin it waits for the log. One that the log could not take after all is
+    /// told by `EventsLost`.
     bool AddEvent(const QString& label);
     /// @}
 
@@ -138,6 +139,7 @@ private:
     void Fail(const QString& message, int failure);
     void TakeNews();
     QString PositionText() const;
+    double TimeBeforeStart() const;
 
     QElapsedTimer m_elapsed;
     std::function<double()> m_clock;
@@ -148,6 +150,7 @@ private:
     int m_asked = 0; ///< calls of `Open` and `Close`
     int m_opening = 0; ///< those that the worker has not answered
     eRecording m_recording = recordingOff;
+    double m_startAsked = 0.0; ///< when, of the clock
     ZrRecorder::eFailure m_failure = ZrRecorder::failureNone;
     ZrRecordingNews m_news;
 };

@@ -145,7 +145,8 @@ void ZrRecordingWorker::End(const QString& reason)
 
 void ZrRecordingWorker::AddEvent(ZrLogEvt event, double now)
 {
-    event.time = m_tellsTime ? m_tap.State().dataTime : now;
+    if (event.time == 0.0)
+        event.time = m_tellsTime ? m_tap.State().dataTime : now;
     if (m_recorder && m_recorder->AddEvent(event))
         return;
     {
@@ -182,6 +183,7 @@ void ZrRecordingWorker::OnLine(const QByteArray& line)
         ++m_damagedLines;
         return;
     }
+    m_tap.TakeSentence(now);
     for (const ZrDecodedRecord& record : m_decoder.Decode(sentence)) {
         ++m_recordCount;
         m_byteCount += ZrLogItem::Size + static_cast<u64>(record.payload.size());
@@ -229,6 +231,7 @@ void ZrRecordingWorker::Tell()
         m_news.byteCount = m_byteCount;
         m_news.damagedLines = m_damagedLines;
         m_news.droppedLines = m_source ? m_source->Dropped() : 0;
+        m_news.tellsTime = m_tellsTime;
         m_news.isRecording = m_recorder && m_recorder->IsRecording();
         if (m_recorder)
             m_news.status = m_recorder->CurrentStatus();

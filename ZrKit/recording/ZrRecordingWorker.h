@@ -34,7 +34,7 @@ public:
 
     void MeasureSpace(const QString& dir);
 
-    /// \p event without time: that of the source's newest record, or \p now, seconds since the epoch.
+    /// \p event without time, 0: that of the source's newest record, or \p now, seconds since the epoch.
     void AddEvent(ZrLogEvt event, double now);
 
     ZrRecordingNews TakeNews(); ///< any thread

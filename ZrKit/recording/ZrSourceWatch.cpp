@@ -9,6 +9,12 @@ void ZrSourceWatch::Clear()
     m_trouble.clear();
 }
 
+void ZrSourceWatch::Lose(const QString& reason, double now)
+{
+    m_trouble = reason;
+    m_lostAt = now;
+}
+
 ZrSourceFacts ZrSourceWatch::Look(const ZrRecordingSession& session)
 {
     return Look(session.Source(), session.SourceText(), session.News(), session.Now());
@@ -21,11 +27,13 @@ ZrSourceFacts ZrSourceWatch::Look(
     facts.isText = news.lineCount > 0;
     facts.badLines = news.damagedLines + news.droppedLines;
     facts.age = now - news.state.lastData;
+    facts.positionAge = news.state.latitude.Age(now);
     m_arrivals.Look(now, facts.isText ? news.lineCount - news.damagedLines : news.recordCount);
     m_bytes.Look(now, news.byteCount);
     facts.perSecond = m_arrivals.PerSecond(now);
     facts.bytesPerSecond = m_bytes.PerSecond(now);
-    if (facts.age <= ZrLiveValue::StaleAfter)
+    // Not the last of what came before, however short ago that was.
+    if (news.state.lastData > m_lostAt)
         m_trouble.clear();
     switch (source) {
     case ZrRecordingSession::sourceNone:
@@ -43,18 +51,17 @@ ZrSourceFacts ZrSourceWatch::Look(
         break;
     case ZrRecordingSession::sourceOpen:
         facts.reason = m_trouble;
-        facts.state = OfOpen(facts, news);
+        facts.state = OfOpen(facts);
         break;
     }
     return facts;
 }
 
-ZrSourceFacts::eState ZrSourceWatch::OfOpen(const ZrSourceFacts& facts, const ZrRecordingNews& news) const
+ZrSourceFacts::eState ZrSourceWatch::OfOpen(const ZrSourceFacts& facts) const
 {
     if (!m_trouble.isEmpty())
         return ZrSourceFacts::troubled;
     if (std::isfinite(facts.age))
         return facts.age > ZrLiveValue::StaleAfter ? ZrSourceFacts::silent : ZrSourceFacts::receiving;
-    const bool hasGood = facts.badLines < news.lineCount;
-    return facts.badLines >= LeastBadLines && !hasGood ? ZrSourceFacts::unreadable : ZrSourceFacts::waiting;
+    return facts.badLines >= LeastBadLines ? ZrSourceFacts::unreadable : ZrSourceFacts::waiting;
 }

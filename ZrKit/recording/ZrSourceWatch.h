@@ -9,9 +9,9 @@
 ///
 /// \code
 /// connect(&session, &ZrRecordingSession::SourceLost, this,
-///     [this](const QString& why) { m_watch.Lose(why); });
+///     [this](const QString& why) { m_watch.Lose(why, session.Now()); });
 /// connect(&session, &ZrRecordingSession::SourceBack, this,
-///     [this] { m_watch.Lose(QString()); });
+///     [this] { m_watch.Lose(QString(), session.Now()); });
 /// ...
 /// const ZrSourceFacts facts = m_watch.Look(session); // twice a second
 /// if (facts.IsBad()) // silent and unreadable sources have no reason
@@ -29,8 +29,9 @@ public:
 
     void Clear(); ///< another source is opened
 
-    /// The connection is lost, for \p reason, or back when that is empty; what comes ends a loss as well.
-    void Lose(const QString& reason) { m_trouble = reason; }
+    /// The connection is lost, for \p reason, or back when that is empty; what comes after \p now, seconds of
+    /// the clock of the session, ends a loss as well.
+    void Lose(const QString& reason, double now);
 
     ZrSourceFacts Look(const ZrRecordingSession& session);
 
@@ -40,9 +41,10 @@ public:
         ZrRecordingSession::eSource source, const QString& text, const ZrRecordingNews& news, double now);
 
 private:
-    ZrSourceFacts::eState OfOpen(const ZrSourceFacts& facts, const ZrRecordingNews& news) const;
+    ZrSourceFacts::eState OfOpen(const ZrSourceFacts& facts) const;
 
     ZrArrivalRate m_arrivals;
     ZrArrivalRate m_bytes;
     QString m_trouble;
+    double m_lostAt = 0.0; ///< when it was told
 };

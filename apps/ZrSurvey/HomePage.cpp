@@ -185,9 +185,12 @@ void HomePage::ShowState()
     ::Show(*m_position, HomeState::Position(vehicle.Current(), vehicle.IsLive(), Age(m_fixClock), isAtEnd));
     const bool isSilent = feed.state == ZrSourceFacts::silent; // the tile tells its age itself
     const QString problem = feed.IsBad() && !isSilent ? model.feed.Text() : QString();
+    // Data without a position are data of no vehicle.
+    const bool isHeard = !vehicle.IsLive() && (isSilent || feed.state == ZrSourceFacts::receiving)
+        && std::isfinite(feed.age);
     ::Show(*m_data,
-        HomeState::Data(
-            SurveySource::Describe(model.settings), vehicle.IsLive(), Age(m_dataClock), problem, isAtEnd));
+        HomeState::Data(SurveySource::Describe(model.settings), vehicle.IsLive() || isHeard,
+            isHeard ? feed.age : Age(m_dataClock), problem, isAtEnd));
     m_data->setToolTip(problem);
     ::Show(*m_recording,
         HomeState::Recording(isOn ? recording.ElapsedText() : QString(), status,

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -17,7 +18,23 @@ constexpr int waypointImage = 3; // of the surface's markers
 constexpr double shortestStep = 1.0; // metres between samples of the plan's way, so that turns are round
 constexpr double mostSamples = 20000.0;
 
+/// Plans of more waypoints are measured in a thread: that may take a second.
+constexpr std::size_t mostAtOnce = 2000;
+
 constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
+
+/// Places of the way along \p route, as `LiveMap::m_planPlaces`.
+std::vector<QPointF> PlacesOf(const ZrWpts& route, const ZrRouteSpeeds& speeds)
+{
+    std::vector<QPointF> places;
+    const ZrRoutePath path(route, speeds);
+    for (const ZrPathSample& sample : path.Sample(std::max(shortestStep, path.Length() / mostSamples))) {
+        const bool isKnown = sample.position.IsValid();
+        places.emplace_back(
+            isKnown ? sample.position.lng : notKnown, isKnown ? sample.position.lat : notKnown);
+    }
+    return places;
+}
 
 } // namespace
 
@@ -37,6 +54,12 @@ LiveMap::LiveMap()
         ShowPlan();
     };
     OnColours();
+}
+
+LiveMap::~LiveMap()
+{
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 /// The vehicle lies over the names: those that it would hide in part are left out as long as it does.
@@ -60,26 +83,57 @@ void LiveMap::OnColours()
     ShowPlan();
 }
 
-void LiveMap::SetPlan(const ZrWpts& route)
+void LiveMap::SetPlan(std::shared_ptr<const ZrWpts> route)
 {
+    m_plan = std::move(route);
     m_planPlaces.clear();
     m_planPoints.clear();
-    const ZrRoutePath path(route);
-    const double step = std::max(shortestStep, path.Length() / mostSamples);
-    for (const ZrPathSample& sample : path.Sample(step)) {
-        const bool isKnown = sample.position.IsValid();
-        m_planPlaces.emplace_back(
-            isKnown ? sample.position.lng : notKnown, isKnown ? sample.position.lat : notKnown);
-    }
-    for (ZrListPos* pos = route.GetHeadPos(); pos;) {
-        const ZrWpt& wpt = *route.GetNext(pos);
+    for (ZrListPos* pos = m_plan->GetHeadPos(); pos;) {
+        const ZrWpt& wpt = *m_plan->GetNext(pos);
         m_planPoints.emplace_back(QPointF(wpt.lng, wpt.lat), wpt.name);
     }
+    if (m_planPoints.size() <= mostAtOnce) {
+        m_planPlaces = PlacesOf(*m_plan, ZrRouteSpeeds());
+    } else {
+        for (const auto& point : m_planPoints)
+            m_planPlaces.push_back(point.first);
+        MeasurePlan();
+    }
+    ShowPlan();
+    LocatePlan();
+}
+
+void LiveMap::LocatePlan()
+{
+    // A new zone shows the plan anew.
     if (!m_planPoints.empty())
         m_way.Locate(m_planPoints.front().first.y(), m_planPoints.front().first.x());
-    ShowPlan();
     if (!m_isFitted)
         FitAll();
+}
+
+/// Of plans that come while one is measured only the newest is measured after it.
+void LiveMap::MeasurePlan()
+{
+    if (m_isMeasuring)
+        return;
+    m_isMeasuring = true;
+    // Its last act is to ask for its places to be taken.
+    m_thread = std::thread([this, plan = m_plan, speeds = ZrRouteSpeeds()] {
+        const auto places = std::make_shared<std::vector<QPointF>>(PlacesOf(*plan, speeds));
+        const auto take = [this, plan, places] {
+            m_thread.join();
+            m_isMeasuring = false;
+            if (plan == m_plan) {
+                m_planPlaces = std::move(*places);
+                ShowPlan();
+                Q_EMIT PlanMeasured();
+            } else if (m_planPoints.size() > mostAtOnce) {
+                MeasurePlan();
+            }
+        };
+        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+    });
 }
 
 void LiveMap::ShowPlan()

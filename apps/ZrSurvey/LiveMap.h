@@ -7,6 +7,8 @@
 #include "ZrKit/map/ZrTrackLayer.h"
 #include "ZrKit/map/ZrVehicleMap.h"
 
+#include <memory>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -19,13 +21,18 @@ class LiveMap : public ZrMapSurface
 
 public:
     LiveMap();
+    ~LiveMap() override; ///< waits for the thread
 
     ZrVehicleMap m_way;
     ZrGridLayer m_grid;
 
-    void SetPlan(const ZrWpts& route);
+    /// The way of a long one is drawn straight until it is measured, in a thread of its own.
+    void SetPlan(std::shared_ptr<const ZrWpts> route);
+    void LocatePlan(); ///< in its zone while there is no trail, and in view while nothing was
     void FitAll(); ///< shows plan and trail
     void OnColours();
+
+    i64 PlanCount() const { return m_planLine.m_track.Count(); } ///< places of its way
 
     i64 TrailCount() const { return m_way.m_trail.m_track.Count(); }
 
@@ -34,13 +41,20 @@ public:
     void OnResize(int width, int height) override;
     void Render() override;
 
+Q_SIGNALS:
+    void PlanMeasured(); ///< another way is drawn
+
 private:
+    void MeasurePlan();
     void ShowPlan();
     void SetGridShown(bool isShown);
 
     ZrTrackLayer m_planLine;
     ZrMarkerLayer m_waypoints;
     ZrLabelLayer m_names;
+    std::shared_ptr<const ZrWpts> m_plan;
+    std::thread m_thread; ///< measures a plan; joined before its results are taken
+    bool m_isMeasuring = false;
     std::vector<QPointF> m_planPlaces; ///< longitude, latitude; NaN for gaps
     std::vector<std::pair<QPointF, QString>> m_planPoints;
     bool m_isFitted = false;

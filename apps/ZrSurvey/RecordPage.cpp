@@ -117,7 +117,7 @@ RecordPage::RecordPage(SurveyView& view)
         m_mapPanel->Moved();
     });
     connect(&m_session, &ZrRecordingSession::Updated, this, &RecordPage::OnNews);
-    connect(&m_session, &ZrRecordingSession::SourceChanged, this, &RecordPage::OnSource);
+    connect(&m_session, &ZrRecordingSession::SourceChanged, this, &RecordPage::ShowSource);
     connect(&m_session, &ZrRecordingSession::RecordingChanged, this, &RecordPage::OnRecording);
     connect(&m_session, &ZrRecordingSession::SpaceMeasured, this, [this](qint64 bytes) {
         m_space = bytes;
@@ -135,11 +135,11 @@ RecordPage::RecordPage(SurveyView& view)
     connect(&m_session, &ZrRecordingSession::Trouble, this, [this](const QString& message) {
         // The banner says that already, and stays.
         const QString reason = View().Model().feed.Facts().reason;
-        if (!m_isLossTold || reason.isEmpty() || !message.contains(reason))
+        if (m_loss.text.isEmpty() || reason.isEmpty() || !message.contains(reason))
             View().Tell(message);
     });
-    connect(&view.Model().plan, &ZrPlanDocument::Changed, this, [this] {
-        ShowPlan();
+    connect(&view.Model().plan, &ZrPlanDocument::Changed, this, &RecordPage::OnPlan);
+    connect(&m_map, &LiveMap::PlanMeasured, this, [this] {
         if (isVisible())
             Changed();
     });
@@ -272,6 +272,7 @@ void RecordPage::ToggleRecording()
         m_session.Stop();
         return;
     }
+    UsePlan(); // the log begins with it
     const SurveySettings& settings = View().Model().settings;
     ZrRecorder::Options options;
     options.dir = settings.recordDir;
@@ -337,15 +338,16 @@ void RecordPage::FitMap()
     Changed();
 }
 
-void RecordPage::AddEvent(const QString& label)
+bool RecordPage::AddEvent(const QString& label)
 {
     // Told by a number on the button: a strip of text would lie over the buttons.
     if (!m_session.AddEvent(label))
-        return;
+        return false;
     const int index = m_eventLabels.indexOf(label);
     ZrBtn* button = index >= 0 ? m_events[index] : m_addNote;
     ++button->badge;
     button->update();
+    return true;
 }
 
 void RecordPage::AddNote()
@@ -355,8 +357,7 @@ void RecordPage::AddNote()
         m_note->setFocus(Qt::OtherFocusReason);
         return;
     }
-    AddEvent(text);
-    if (m_session.Recording() == ZrRecordingSession::recordingOn)
+    if (AddEvent(text))
         m_note->SetText(QString());
     setFocus(Qt::OtherFocusReason); // shortcuts again
 }

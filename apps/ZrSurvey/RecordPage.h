@@ -7,6 +7,7 @@
 #include "ZrKit/recording/ZrSourceWatch.h"
 #include "apps/ZrSurvey/LiveMap.h"
 #include "apps/ZrSurvey/SurveyPage.h"
+#include "apps/ZrSurvey/SurveyRecording.h"
 #include "apps/ZrSurvey/SurveySettings.h"
 
 class QTimer;
@@ -63,7 +64,7 @@ private:
     void Louder();
     void Quieter();
     void ChangeGain(double by);
-    void AddEvent(const QString& label);
+    bool AddEvent(const QString& label);
     void AddNote();
     void EnableEvents();
     QStringList SonarText() const;
@@ -77,6 +78,7 @@ private:
     void OpenSource();
     bool IsPlanNew() const; ///< the simulated vehicle runs another one
     void UsePlan();
+    void OnPlan();
     void ShowPlan();
     void MeasureSpace();
 
@@ -86,7 +88,6 @@ private:
     void OnTrouble(const QString& reason);
     void OnFailed(const QString& message);
     void OnEventsLost(const std::vector<ZrLogEvt>& events);
-    void OnSource();
     void TellModel();
     void ShowState();
     void ShowInstruments();
@@ -95,6 +96,7 @@ private:
     void ShowSource();
     void TellFeed();
     void TellLoss(const ZrSourceFacts& facts);
+    SurveyRecording::Notice LossNotice(const ZrSourceFacts& facts) const;
     void ShowSonar();
 
     ZrRecordingSession m_session;
@@ -140,7 +142,12 @@ private:
     int m_fileKind = 0; ///< of the source that `m_files` asks for, a `SurveySource::eKind`
     QByteArray m_openPlan; ///< that it runs, see `ZrRouteKey`
     ZrSourceWatch m_watch;
-    bool m_isLossTold = false; ///< that nothing comes while it is recorded
+    SurveyRecording::Notice m_loss; ///< that nothing comes while it is recorded, as it was told
+    QString m_lossKey; ///< of the source that it is about
+    QString m_lossTime; ///< when it began
+    double m_flowAt = 0.0; ///< when nothing was to be told, of the session's clock
+    int m_shownPlan = -1; ///< revision of the plan on the map
+    bool m_isShownRun = false; ///< as the simulated vehicle runs it
     u64 m_sourceNumber = 0;
     double m_toldData = 0.0; ///< when the data came that the others were told of, of the session's clock
     double m_toldFix = 0.0; ///< likewise the position

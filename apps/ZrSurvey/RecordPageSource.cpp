@@ -13,9 +13,33 @@
 
 #include <QFileInfo>
 
+#include <memory>
+#include <utility>
+
 namespace {
 
 constexpr double flowing = 1.0; // seconds without data, at most, while they flow
+
+/// Whether a recording should not go on without that being known; \p seconds it did.
+bool IsLoss(const ZrSourceFacts& facts, double seconds)
+{
+    switch (facts.state) {
+    case ZrSourceFacts::receiving:
+    case ZrSourceFacts::opening:
+        return false;
+    case ZrSourceFacts::none:
+    case ZrSourceFacts::waiting:
+        return seconds > ZrLiveValue::StaleAfter;
+    case ZrSourceFacts::troubled: // a connection that comes back at once is none
+        return facts.age > ZrLiveValue::StaleAfter;
+    case ZrSourceFacts::silent:
+    case ZrSourceFacts::unreadable:
+    case ZrSourceFacts::finished:
+    case ZrSourceFacts::failed:
+        break;
+    }
+    return true;
+}
 
 } // namespace
 
@@ -31,7 +55,6 @@ void RecordPage::OpenSource()
     m_openKey = key;
     m_openPlan = ZrRouteKey::Of(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
     m_watch.Clear();
-    m_isLossTold = false; // of the one before
     m_session.Open(SourceMaker::Make(settings, View().Model().plan.Route()));
     ShowPlan();
 }
@@ -54,10 +77,28 @@ void RecordPage::UsePlan()
         View().Tell(tr("The simulator runs the changed plan when the recording has ended"));
 }
 
+/// A page that is not shown has the plan when it is opened.
+void RecordPage::OnPlan()
+{
+    if (!isVisible())
+        return;
+    UsePlan();
+    ShowPlan();
+    Changed();
+}
+
 /// The vehicle's plan, or that which the simulated one runs.
 void RecordPage::ShowPlan()
 {
-    m_map.SetPlan(SourceMaker::PlanOf(View().Model().settings, View().Model().plan.Route()));
+    const SurveyModel& model = View().Model();
+    const bool isRun = model.settings.source == SurveySource::simulator;
+    if (m_shownPlan == model.plan.Revision() && m_isShownRun == isRun) {
+        m_map.LocatePlan();
+        return;
+    }
+    m_shownPlan = model.plan.Revision();
+    m_isShownRun = isRun;
+    m_map.SetPlan(std::make_shared<const ZrWpts>(SourceMaker::PlanOf(model.settings, model.plan.Route())));
 }
 
 void RecordPage::ChooseSource()
@@ -172,41 +213,53 @@ void RecordPage::TellFeed()
 void RecordPage::TellLoss(const ZrSourceFacts& facts)
 {
     SurveyRecording& recording = View().Model().recording;
+    const double now = m_session.Now();
     const bool isBack = facts.state == ZrSourceFacts::receiving;
-    const bool isLost = facts.IsBad() && facts.state != ZrSourceFacts::failed;
-    if (m_isLossTold && (isBack || !recording.IsOn())) {
-        m_isLossTold = false;
-        if (isBack && !recording.Told().isOver)
+    if (isBack || !recording.IsOn()) { // its begin takes away what was told before
+        m_flowAt = now;
+        const bool wasTold = !std::exchange(m_loss, {}).text.isEmpty();
+        m_lossKey.clear();
+        if (wasTold && isBack && !recording.Told().isOver)
             recording.Dismiss();
-    }
-    if (m_isLossTold || !isLost || !recording.IsOn()) // its begin takes away what was told before
         return;
-    m_isLossTold = true;
-    SurveyRecording::Notice notice;
-    notice.text = tr("%1: no data from %2. The recording goes on without.")
-                      .arg(SurveyRecording::TimeNow(), SurveySource::Describe(m_opened));
-    notice.advice = facts.state == ZrSourceFacts::troubled
-        ? tr("%1; it is tried again and again.").arg(facts.reason)
-        : tr("Check the vehicle and its cable, or choose another source.");
+    }
+    if (facts.state == ZrSourceFacts::opening)
+        m_flowAt = now;
+    if (!IsLoss(facts, now - m_flowAt))
+        return;
+    if (std::exchange(m_lossKey, m_openKey) != m_openKey) {
+        m_loss = {};
+        m_lossTime = SurveyRecording::TimeNow();
+    }
+    const SurveyRecording::Notice notice = LossNotice(facts);
+    const bool isKnown = notice.text == m_loss.text;
+    // Why may be known later; what was touched away stays away.
+    if (isKnown && (notice.advice == m_loss.advice || recording.Told().text != m_loss.text))
+        return;
+    m_loss = notice;
     recording.Tell(notice);
 }
 
-/// A recording goes on when its source has ended; that should be known.
-void RecordPage::OnSource()
+/// That nothing comes from the source, or no more.
+SurveyRecording::Notice RecordPage::LossNotice(const ZrSourceFacts& facts) const
 {
-    SurveyRecording& recording = View().Model().recording;
-    const bool isEnded = m_session.Source() == ZrRecordingSession::sourceFinished
-        || m_session.Source() == ZrRecordingSession::sourceFailed;
-    if (isEnded && m_session.IsRecording()) {
-        SurveyRecording::Notice notice;
-        notice.text = tr("%1: the source has ended. The recording goes on without data.")
-                          .arg(SurveyRecording::TimeNow());
+    SurveyRecording::Notice notice;
+    if (facts.state == ZrSourceFacts::finished) {
+        notice.text = tr("%1: the source has ended. The recording goes on without data.").arg(m_lossTime);
         notice.advice = tr("Stop the recording, or choose another source.");
-        recording.Tell(notice);
-    } else if (m_session.Source() == ZrRecordingSession::sourceOpen && !recording.Told().isOver) {
-        recording.Dismiss();
+        return notice;
     }
-    ShowSource();
+    notice.text = tr("%1: no data from %2. The recording goes on without.")
+                      .arg(m_lossTime, SurveySource::Describe(m_opened));
+    if (facts.state == ZrSourceFacts::troubled)
+        notice.advice = tr("%1; it is tried again and again.").arg(facts.reason);
+    else if (facts.state == ZrSourceFacts::failed)
+        notice.advice = tr("%1. Choose another source.").arg(facts.reason);
+    else if (facts.state == ZrSourceFacts::unreadable)
+        notice.advice = tr("What comes cannot be read: check speed and kind of the source.");
+    else
+        notice.advice = tr("Check the vehicle and its cable, or choose another source.");
+    return notice;
 }
 
 void RecordPage::ShowSource()
@@ -226,6 +279,6 @@ void RecordPage::ShowSource()
 /// \p reason why the source has no connection; empty when it is back.
 void RecordPage::OnTrouble(const QString& reason)
 {
-    m_watch.Lose(reason);
+    m_watch.Lose(reason, m_session.Now());
     ShowSource();
 }

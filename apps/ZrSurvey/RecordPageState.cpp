@@ -176,11 +176,14 @@ void RecordPage::ShowInstruments()
 void RecordPage::ShowRecording()
 {
     const bool isOn = m_session.IsRecording();
-    m_record->text = isOn ? tr("Stop") : tr("Record");
-    m_record->img = QImage(isOn ? QStringLiteral(":/icons/stop.png") : QStringLiteral(":/icons/record.png"));
-    m_record->on = isOn;
-    m_record->setAccessibleName(isOn ? tr("Stop recording (R)") : tr("Start recording (R)"));
-    m_record->Changed();
+    if (const QString text = isOn ? tr("Stop") : tr("Record"); m_record->text != text) {
+        m_record->text = text;
+        m_record->img
+            = QImage(isOn ? QStringLiteral(":/icons/stop.png") : QStringLiteral(":/icons/record.png"));
+        m_record->on = isOn;
+        m_record->setAccessibleName(isOn ? tr("Stop recording (R)") : tr("Start recording (R)"));
+        m_record->Changed();
+    }
     const ZrRecorder::Status& status = m_session.Status();
     const bool hasFile = !status.file.isEmpty();
     m_elapsed->Set(hasFile ? View().Model().recording.ElapsedText() : QString(), QString());
@@ -244,7 +247,8 @@ void RecordPage::OnFailed(const QString& message)
 
 void RecordPage::OnEventsLost(const std::vector<ZrLogEvt>& events)
 {
-    View().Model().unsaved.Add(m_session.Status().file, events, tr("the disk did not take them"));
+    View().Model().unsaved.Add(m_hasLog ? m_session.Status().file : QString(), events,
+        m_hasLog ? tr("the disk did not take them") : tr("it could not begin"));
 }
 
 void RecordPage::ShowSonar()

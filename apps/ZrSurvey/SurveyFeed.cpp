@@ -30,10 +30,13 @@ QString SurveyFeed::TextOf(const ZrSourceFacts& facts)
     case ZrSourceFacts::failed:
         return facts.reason;
     case ZrSourceFacts::silent:
-        text = tr("silent for %1 s").arg(facts.age, 0, 'f', 0);
+        text = facts.age < 60.0 ? tr("silent")
+                                : tr("silent for %1 min").arg(static_cast<int>(facts.age / 60.0));
         break;
     case ZrSourceFacts::receiving:
-        if (!std::isfinite(facts.perSecond))
+        if (facts.LacksPosition())
+            text = tr("receiving, no position");
+        else if (!std::isfinite(facts.perSecond))
             text = tr("receiving");
         else if (facts.isText)
             text

@@ -27,7 +27,7 @@ public:
 
     void Want() { Q_EMIT Wanted(); } ///< asks for the source of the settings to be opened
 
-    /// "receiving 12 sentences/s"
+    /// "receiving 12 sentences/s"; ages by minutes, for a page to which nothing comes to draw no more often
     static QString TextOf(const ZrSourceFacts& facts);
 
 Q_SIGNALS:

@@ -61,6 +61,8 @@ void SurveyPage::SetTitle(const QString& title)
 
 void SurveyPage::SetSubtitle(const QString& subtitle)
 {
+    if (subtitle == m_subtitle)
+        return;
     m_subtitle = subtitle;
     update();
 }

@@ -46,7 +46,8 @@ QString UnsavedEvents::Text() const
 {
     QStringList lines;
     for (const Group& group : m_groups) {
-        const QString name = QFileInfo(group.path).fileName();
+        const QString name
+            = group.path.isEmpty() ? tr("a recording without a log") : QFileInfo(group.path).fileName();
         const QString text = group.events.size() == 1 ? tr("1 event of %1 is in memory only: %2")
                                                       : tr("%3 events of %1 are in memory only: %2");
         lines << (group.events.size() == 1

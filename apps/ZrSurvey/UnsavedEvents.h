@@ -16,7 +16,7 @@ class UnsavedEvents : public QObject
 public:
     struct Group
     {
-        QString path; ///< of the log
+        QString path; ///< of the log; empty for that of a recording that could not begin
         std::vector<ZrLogEvt> events;
         QString reason;
     };
