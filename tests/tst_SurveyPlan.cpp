@@ -3,6 +3,8 @@
 #include "SurveyPlanWindow.h"
 #include "TouchOn.h"
 
+#include <QRegularExpression>
+
 class tst_SurveyPlan : public SurveyPlanWindow
 {
     Q_OBJECT
@@ -16,6 +18,10 @@ private Q_SLOTS:
     void secondFingerCancelsTheDrag();
     void panDoesNotDrag();
     void insertIntoLeg();
+    void insertIntoLegOfAChangedRoute_data();
+    void insertIntoLegOfAChangedRoute();
+    void legThatIsGone();
+    void legThatHasMoved();
     void deleteAndUndo();
     void reorder();
     void reverseAndRedo();
@@ -26,6 +32,8 @@ private Q_SLOTS:
     void zoomKeys_data();
     void zoomKeys();
     void zoomKeysTypeInFields();
+    void everyButtonNamesItsKey();
+    void keysOfButtons();
 };
 
 void tst_SurveyPlan::addAtTheCross()
@@ -143,6 +151,116 @@ void tst_SurveyPlan::insertIntoLeg()
     QVERIFY((PixelOf(1) - (PixelOf(0) + PixelOf(2)) / 2).manhattanLength() <= 3);
     Click("undo");
     QCOMPARE(Names().size(), 3);
+}
+
+void tst_SurveyPlan::insertIntoLegOfAChangedRoute_data()
+{
+    QTest::addColumn<bool>("isClosed");
+    QTest::addColumn<int>("from"); // the leg is from it to the next one
+    QTest::addColumn<QString>("act");
+    QTest::addColumn<QStringList>("names");
+    const auto row = [](const char* name, bool isClosed, int from, const char* act, const char* names) {
+        QTest::newRow(name) << isClosed << from << QString::fromLatin1(act)
+                            << QString::fromLatin1(names).split(QLatin1Char(' '));
+    };
+    row("reversed", false, 0, "reverse", "C B + A");
+    row("closing leg", true, 2, "none", "A B C +");
+    row("closing leg, reversed", true, 2, "reverse", "C B A +");
+    row("closed, reversed", true, 1, "reverse", "C + B A");
+    row("undone", false, 1, "undo", "Z A B + C");
+    row("undone by the list of steps", false, 1, "document", "Z A B + C");
+    row("redone", false, 0, "redo", "C B + A");
+    row("other leg moved", false, 1, "move", "A B + C");
+}
+
+/// The leg that was tapped is the one, wherever it is by then.
+void tst_SurveyPlan::insertIntoLegOfAChangedRoute()
+{
+    QFETCH(bool, isClosed);
+    QFETCH(int, from);
+    QFETCH(QString, act);
+    QFETCH(QStringList, names);
+    AddRoute();
+    if (isClosed) {
+        Plan().History().ChangeRoute(QStringLiteral("closing"), [](ZrWpts& route) { route.closed = true; });
+        Plan().Edited();
+    }
+    if (act == QLatin1String("undo") || act == QLatin1String("document")) {
+        ZrWpt* wpt = Plan().History().Add(Wpt(0)->lat, Wpt(0)->lng - 0.001, eZrWptBlue, ZrWpts::eAddHead);
+        wpt->name = QStringLiteral("Z");
+        Plan().History().Reset();
+        Plan().History().Delete(wpt);
+        Plan().Edited();
+    } else if (act == QLatin1String("redo")) {
+        Plan().History().Reverse();
+        Plan().Undo();
+    }
+    QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(3));
+    QTest::qWait(50);
+    const QPoint at = (PixelOf(from) + PixelOf((from + 1) % 3)) / 2;
+    Tap(at);
+    QVERIFY(Button("insert")->isVisible());
+    if (act == QLatin1String("reverse"))
+        QTest::keyClick(m_view.get(), Qt::Key_R, Qt::ControlModifier);
+    else if (act == QLatin1String("undo"))
+        QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    else if (act == QLatin1String("redo"))
+        QTest::keyClick(m_view.get(), Qt::Key_Y, Qt::ControlModifier);
+    else if (act == QLatin1String("document"))
+        QVERIFY(Plan().Undo()); // and the page has not heard of it yet
+    else if (act == QLatin1String("move")) {
+        Plan().History().Move(Wpt(0), Wpt(0)->lat + 1e-4, Wpt(0)->lng);
+        Plan().Edited();
+    }
+    QTest::keyClick(m_view.get(), Qt::Key_Insert);
+    QCOMPARE(Names().replaceInStrings(QRegularExpression(QStringLiteral("^$")), QStringLiteral("+")), names);
+    const int index = names.indexOf(QStringLiteral("+"));
+    QTRY_COMPARE(static_cast<int>(m_page->Chart().Points().size()), names.size());
+    QVERIFY((PixelOf(index) - at).manhattanLength() <= 3);
+}
+
+/// There is nothing to insert into.
+void tst_SurveyPlan::legThatIsGone()
+{
+    AddRoute();
+    Tap((PixelOf(0) + PixelOf(1)) / 2);
+    QVERIFY(Button("insert")->isVisible());
+    // Something else lies between by now.
+    ZrWpt between;
+    between.lat = Wpt(2)->lat;
+    between.lng = Wpt(0)->lng;
+    QVERIFY(Plan().History().InsertPattern({between}, 1));
+    Plan().Edited();
+    QTRY_VERIFY(!Button("insert")->isVisible());
+    QTest::keyClick(m_view.get(), Qt::Key_Insert);
+    QCOMPARE(Plan().Route().GetCount(), 4);
+    // Nor does it come back with the neighbours.
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(!Button("insert")->isVisible());
+    // Of two that are gone.
+    Tap((PixelOf(0) + PixelOf(1)) / 2);
+    QVERIFY(Button("insert")->isVisible());
+    Plan().History().Delete(Wpt(0));
+    Plan().Edited();
+    QTest::keyClick(m_view.get(), Qt::Key_Insert);
+    QCOMPARE(Names(), QStringList({QStringLiteral("B"), QStringLiteral("C")}));
+}
+
+/// What is inserted is on the way, not where that was.
+void tst_SurveyPlan::legThatHasMoved()
+{
+    AddRoute();
+    const QPoint before = (PixelOf(0) + PixelOf(1)) / 2;
+    Tap(before);
+    Plan().History().Move(Wpt(1), Wpt(1)->lat, Wpt(1)->lng + 1e-3);
+    Plan().Edited();
+    QTest::keyClick(m_view.get(), Qt::Key_Insert);
+    QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(4));
+    const QPointF way = PixelOf(2) - PixelOf(0);
+    const QPointF off = PixelOf(1) - PixelOf(0);
+    const double across = (way.x() * off.y() - way.y() * off.x()) / std::hypot(way.x(), way.y());
+    QVERIFY2(std::fabs(across) <= 2.0, qPrintable(QString::number(across)));
+    QVERIFY((PixelOf(1) - before).manhattanLength() > 5);
 }
 
 void tst_SurveyPlan::deleteAndUndo()
@@ -328,6 +446,60 @@ void tst_SurveyPlan::zoomKeysTypeInFields()
     QTest::keyClick(name, Qt::Key_Plus, Qt::KeypadModifier);
     QCOMPARE(name->QLineEdit::text().left(5), QStringLiteral("A+B=-"));
     QCOMPARE(m_page->Map().m_camera.Scale(), scale);
+}
+
+void tst_SurveyPlan::everyButtonNamesItsKey()
+{
+    // "Ctrl+Shift+Z", "Ins", "+": in brackets at the end.
+    const QRegularExpression key(QStringLiteral(R"( \([^ ()]+\)$)"));
+    int count = 0;
+    for (const ZrBtn* button : m_page->findChildren<ZrBtn*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (button->objectName().startsWith(QLatin1String("band_")))
+            continue; // of all pages
+        ++count;
+        QVERIFY2(button->toolTip().contains(key), qPrintable(button->toolTip()));
+    }
+    QVERIFY(count > 20);
+}
+
+void tst_SurveyPlan::keysOfButtons()
+{
+    const auto key = [this](int which) { QTest::keyClick(m_view.get(), static_cast<Qt::Key>(which)); };
+    const QVector<QPair<int, const char*>> tabs{
+        {Qt::Key_2, "tab_target"}, {Qt::Key_3, "tab_warning"}, {Qt::Key_1, "tab_list"}};
+    for (const auto& tab : tabs) {
+        key(tab.first);
+        for (const auto& other : tabs)
+            QCOMPARE(Button(other.second)->on, other.second == tab.second);
+    }
+    key(Qt::Key_M);
+    QVERIFY(VisibleList());
+    for (ZrChoicePanel* panel : m_view->findChildren<ZrChoicePanel*>())
+        panel->Cancel();
+    // Without an area there are no corners, and it is none to keep clear of.
+    key(Qt::Key_C);
+    key(Qt::Key_G);
+    QCOMPARE(m_page->Mode(), PlanPage::modeBrowse);
+    DrawArea();
+    Tap({450, 350});
+    key(Qt::Key_C);
+    QCOMPARE(m_page->Mode(), PlanPage::modeArea);
+    key(Qt::Key_G);
+    QVERIFY(Button("keep_clear")->on);
+    QVERIFY(Plan().Sketch().isNoGo);
+    key(Qt::Key_G);
+    QVERIFY(!Plan().Sketch().isNoGo);
+    key(Qt::Key_G);
+    key(Qt::Key_Escape);
+    QVERIFY(Plan().Areas().empty());
+    QCOMPARE(Plan().NoGo().size(), std::size_t(1));
+    // While lines are planned there are no tabs.
+    Plan().SetAreas(Plan().NoGo());
+    key(Qt::Key_P);
+    QCOMPARE(m_page->Mode(), PlanPage::modePattern);
+    key(Qt::Key_3);
+    key(Qt::Key_Escape);
+    QVERIFY(Button("tab_list")->on);
 }
 
 GL_TEST_MAIN(tst_SurveyPlan)

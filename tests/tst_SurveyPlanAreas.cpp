@@ -12,6 +12,10 @@ private Q_SLOTS:
     void keysAreNotForThePageBehindTheSettings();
     void keepClearIsChecked();
     void patternPreviewAndApply();
+    void previewFollowsThePlan();
+    void previewIsGone_data();
+    void previewIsGone();
+    void areaThatIsGone();
     void patternProblemIsSaid();
     void corridor();
     void findingShowsThePlace();
@@ -78,6 +82,10 @@ void tst_SurveyPlanAreas::patternPreviewAndApply()
     QTRY_VERIFY(panel->IsCurrent());
     const std::size_t wide = panel->Plan().lines.size();
     QVERIFY(wide > 0);
+    const auto tiles = m_page->findChildren<ZrValueTile*>();
+    for (const ZrValueTile* tile : tiles)
+        QCOMPARE(tile->Note(), QStringLiteral("Preview"));
+    QCOMPARE(tiles[2]->Value(), QString::number(wide));
     // Nothing is part of the plan yet.
     QCOMPARE(Plan().Route().GetCount(), 3);
     auto* spacing = panel->findChild<ZrInput*>();
@@ -88,15 +96,113 @@ void tst_SurveyPlanAreas::patternPreviewAndApply()
     QCOMPARE(m_page->Mode(), PlanPage::modePattern);
     QTRY_VERIFY(panel->Plan().lines.size() > wide);
     const int lines = static_cast<int>(panel->Plan().lines.size());
+    // What is told now is told when they are part of the plan.
+    const auto told = [&tiles] {
+        QStringList all;
+        for (const ZrValueTile* tile : tiles)
+            all << tile->Value() + QLatin1Char(' ') + tile->Unit();
+        return all;
+    };
+    const QStringList before = told();
+    QCOMPARE(tiles[3]->Value().toInt(), 3 + static_cast<int>(panel->Plan().waypoints.size()));
     panel->Apply();
     QCOMPARE(m_page->Mode(), PlanPage::modeBrowse);
     QVERIFY(Plan().Route().GetCount() >= 3 + 2 * lines);
     QCOMPARE(Plan().LineCount(), lines);
-    const auto tiles = m_page->findChildren<ZrValueTile*>();
     QCOMPARE(tiles[2]->Value(), QString::number(lines));
+    QTRY_VERIFY(tiles[4]->State() != ZrValueTile::stale);
+    QCOMPARE(told(), before);
+    for (const ZrValueTile* tile : tiles)
+        QCOMPARE(tile->Note(), QString());
     ClickToast();
     QCOMPARE(Plan().Route().GetCount(), 3);
     QVERIFY(Plan().History().CanRedo());
+}
+
+/// Also where it is edited while lines are planned.
+void tst_SurveyPlanAreas::previewFollowsThePlan()
+{
+    DrawArea();
+    AddRoute();
+    Plan().History().Delete(Wpt(2));
+    Plan().Edited();
+    QTRY_COMPARE(m_page->Chart().Points().size(), std::size_t(2));
+    Tap(PixelOf(0));
+    Click("tool_pattern");
+    auto* panel = m_page->findChild<PlanPatternPanel*>();
+    QTRY_VERIFY(panel->IsCurrent());
+    const auto tiles = m_page->findChildren<ZrValueTile*>();
+    const int lines = static_cast<int>(panel->Plan().waypoints.size());
+    QCOMPARE(tiles[3]->Value().toInt(), 2 + lines);
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(m_page->Mode(), PlanPage::modePattern);
+    QTRY_COMPARE(tiles[3]->Value().toInt(), 3 + lines);
+    QTRY_VERIFY(panel->IsCurrent());
+    const QString length = tiles[0]->Value();
+    panel->Apply();
+    QCOMPARE(tiles[0]->Value(), length);
+    QCOMPARE(Plan().Route().GetHead()->name, QStringLiteral("A")); // behind the selected one
+    QVERIFY(Wpt(1)->name.endsWith(QLatin1String(" S")));
+}
+
+void tst_SurveyPlanAreas::previewIsGone_data()
+{
+    QTest::addColumn<bool>("isProblem");
+    QTest::newRow("cancelled") << false;
+    QTest::newRow("without lines") << true;
+}
+
+/// What is told then is the plan.
+void tst_SurveyPlanAreas::previewIsGone()
+{
+    QFETCH(bool, isProblem);
+    DrawArea();
+    AddRoute();
+    const auto tiles = m_page->findChildren<ZrValueTile*>();
+    QTRY_COMPARE(tiles[3]->Value(), QStringLiteral("3"));
+    const QString length = tiles[0]->Value();
+    Click("tool_pattern");
+    auto* panel = m_page->findChild<PlanPatternPanel*>();
+    QTRY_VERIFY(panel->IsCurrent());
+    QVERIFY(tiles[3]->Value().toInt() > 3);
+    QCOMPARE(static_cast<int>(tiles[3]->State()), static_cast<int>(ZrValueTile::preview));
+    if (isProblem) {
+        panel->SetArea(ZrArea());
+        QTRY_VERIFY(!panel->Problem().isEmpty());
+    } else {
+        QTest::keyClick(m_view.get(), Qt::Key_Escape);
+    }
+    QTRY_COMPARE(tiles[3]->Value(), QStringLiteral("3"));
+    QCOMPARE(tiles[0]->Value(), length);
+    QCOMPARE(tiles[2]->Value(), QStringLiteral("0"));
+    QCOMPARE(tiles[0]->Note(), QString());
+    QCOMPARE(static_cast<int>(tiles[3]->State()), static_cast<int>(ZrValueTile::normal));
+}
+
+/// The area that was tapped, not the one that took its place.
+void tst_SurveyPlanAreas::areaThatIsGone()
+{
+    DrawArea();
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
+    ZrArea small = Plan().Areas()[0];
+    small.name = QStringLiteral("Small");
+    small.ring.pop_back();
+    Plan().SetAreas({small, Plan().Areas()[0]});
+    Tap({300, 400}); // in the large one alone
+    QVERIFY(Button("delete_area")->isVisible());
+    Plan().SetAreas({Plan().Areas()[1], Plan().Areas()[0]});
+    QTest::qWait(50);
+    QVERIFY(Button("delete_area")->isVisible());
+    Plan().SetAreas({small});
+    QTRY_VERIFY(!Button("delete_area")->isVisible());
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    Tap({300, 400});
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier); // the order
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
+    QCOMPARE(Plan().Areas()[0].name, QStringLiteral("Small"));
 }
 
 void tst_SurveyPlanAreas::patternProblemIsSaid()

@@ -125,6 +125,7 @@ void tst_SurveyPlanDrawing::movedCornersAreInTheDraft()
     Tap({450, 350});
     Click("corners");
     MouseDrag({650, 500}, {680, 540});
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     QVERIFY(Plan().Areas()[0].ring == before);
     Plan().FlushDraft();
     Killed();
@@ -137,6 +138,7 @@ void tst_SurveyPlanDrawing::movedCornersAreInTheDraft()
     QCOMPARE(Plan().Areas()[0].ring.size(), before.size());
     QVERIFY(Plan().Areas()[0].ring != before);
     Click("undo");
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     QVERIFY(Plan().Areas()[0].ring == before);
 }
 
@@ -242,6 +244,7 @@ void tst_SurveyPlanDrawing::oneHistory()
     DrawArea();
     QCOMPARE(Plan().Areas().size(), std::size_t(1));
     QTest::keyClick(m_view.get(), Qt::Key_R, Qt::ControlModifier);
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     Plan().SetNoGo({{QStringLiteral("Rock"), Plan().Areas()[0].ring}});
     Plan().SetMargin(12.0);
     undo();
@@ -319,6 +322,7 @@ void tst_SurveyPlanDrawing::undoOfDeletionIsForItsPlan()
 void tst_SurveyPlanDrawing::undoWhileCornersAreMoved()
 {
     DrawArea();
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
     const std::vector<ZrGeoPoint> large = Plan().Areas()[0].ring;
     std::vector<ZrArea> areas = Plan().Areas();
     areas.insert(areas.begin(), {QStringLiteral("Small"), {large[0], large[1], large[2]}});

@@ -12,6 +12,8 @@ private Q_SLOTS:
     void damagedFileIsRefused();
     void newCanBeUndone();
     void draftRestored();
+    void undoneIsNotOffered_data();
+    void undoneIsNotOffered();
     void areasAreNotInEveryForm_data();
     void areasAreNotInEveryForm();
     void unsavedPlanIsUnderMore();
@@ -99,6 +101,41 @@ void tst_SurveyPlanFiles::draftRestored()
     m_view.reset();
     Open();
     QCOMPARE(Plan().Route().GetCount(), 0);
+}
+
+void tst_SurveyPlanFiles::undoneIsNotOffered_data()
+{
+    QTest::addColumn<bool>("hasFile");
+    QTest::newRow("a plan as its file has it") << true;
+    QTest::newRow("an empty plan") << false;
+}
+
+/// Nothing was left unsaved, so that the next start says nothing of it.
+void tst_SurveyPlanFiles::undoneIsNotOffered()
+{
+    QFETCH(bool, hasFile);
+    if (hasFile) {
+        AddRoute();
+        const QString path = m_dir->filePath(QStringLiteral("a.json"));
+        QVERIFY(Plan().Save(path));
+        m_view->OpenPlan(path);
+        QTRY_VERIFY(Toast().contains(QLatin1String("opened")));
+        QTest::keyClick(m_view.get(), Qt::Key_R, Qt::ControlModifier);
+    } else {
+        Click("tool_add");
+        Click("add_here");
+        Click("done");
+    }
+    QVERIFY(Plan().HasDraft());
+    Click("undo");
+    QVERIFY(!Plan().IsDirty());
+    QVERIFY(!Plan().HasDraft());
+    m_view->close();
+    m_view.reset();
+    Open();
+    QVERIFY2(!Toast().contains(QLatin1String("not saved")), qPrintable(Toast()));
+    QCOMPARE(Plan().Route().GetCount(), 0);
+    QVERIFY(!Plan().HasDraft());
 }
 
 /// Of every form but one the areas remain to be saved.

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void lists();
     void chartFollowsTheReview();
     void recordShowsIt();
+    void findingOfItsWaypoint();
+    void legOfItsWaypoints();
     void stepsCost_data();
     void stepsCost();
     void frameCosts();
@@ -174,6 +176,61 @@ void tst_SurveyPlanLong::recordShowsIt()
     const i64 little = map.PlanCount();
     QTest::qWait(500);
     QCOMPARE(map.PlanCount(), little);
+}
+
+/// While the plan is looked at again its findings are those of before.
+void tst_SurveyPlanLong::findingOfItsWaypoint()
+{
+    Fill(3000);
+    Plan().History().Change(Wpt(100), QStringLiteral("turn radius"), [](ZrWpt& w) { w.r = 90000.0; });
+    Plan().Edited();
+    const auto rowOf = [this] {
+        for (int row = 0; row < Checks()->Count(); ++row) {
+            if (Checks()->Item(row).title == QLatin1String("Turn longer than its leg"))
+                return row;
+        }
+        return -1;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(rowOf() >= 0, 60000);
+    const int row = rowOf();
+    Plan().History().Delete(Wpt(0));
+    Plan().Edited();
+    Q_EMIT Checks()->Chosen(row);
+    QCOMPARE(List()->Current(), 99);
+    // Nobody is chosen in the place of one that is gone.
+    QTest::keyClick(m_view.get(), Qt::Key_Escape);
+    Plan().History().Delete(Wpt(99));
+    Plan().Edited();
+    Q_EMIT Checks()->Chosen(row);
+    QCOMPARE(List()->Current(), -1);
+}
+
+/// Likewise the way on the map.
+void tst_SurveyPlanLong::legOfItsWaypoints()
+{
+    Fill(3000);
+    const ZrMapView& camera = m_page->Map().m_camera;
+    const auto middle = [&] { return (m_page->Chart().Points()[150] + m_page->Chart().Points()[151]) / 2.0; };
+    const QPointF world = middle();
+    QTRY_COMPARE(m_page->Chart().LegAt(camera, camera.ToPixel(world), 2.0), 150);
+    m_page->Map().m_camera.SetCentre(world);
+    m_page->Map().m_camera.SetScale(0.5);
+    QTest::qWait(50);
+    const ZrWpt* before = Wpt(150);
+    const ZrWpt* behind = Wpt(151);
+    Plan().History().Delete(Wpt(0));
+    Plan().Edited();
+    Tap(m_panel->rect().center());
+    QVERIFY(Button("insert")->isVisible());
+    Plan().History().Delete(Wpt(0));
+    Plan().Edited();
+    QTest::keyClick(m_view.get(), Qt::Key_Insert);
+    QCOMPARE(Plan().Route().GetCount(), 2999);
+    QCOMPARE(Wpt(148), before);
+    QCOMPARE(Wpt(150), behind);
+    const ZrWpt* added = Wpt(149);
+    const QPointF at = m_page->Chart().ToWorld({added->lat, added->lng});
+    QVERIFY((at - world).manhattanLength() < 2.0);
 }
 
 void tst_SurveyPlanLong::stepsCost_data()

@@ -28,6 +28,7 @@ private:
     void OpenAt(const QSize& size, int scale);
     QVector<std::pair<QString, std::function<void()>>> States();
     QRectF OnPage(const QRectF& pixels) const;
+    QVector<QWidget*> Shown() const;
     QVector<QRect> Covers() const;
 };
 
@@ -103,13 +104,22 @@ QRectF tst_SurveyPlanPlaces::OnPage(const QRectF& pixels) const
 }
 
 /// What stands in front of the map, or beside it.
+QVector<QWidget*> tst_SurveyPlanPlaces::Shown() const
+{
+    QVector<QWidget*> shown;
+    for (QWidget* child : m_page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (child->isVisible() && child != m_panel)
+            shown.append(child);
+    }
+    return shown;
+}
+
+/// Likewise, and what is painted behind some of it.
 QVector<QRect> tst_SurveyPlanPlaces::Covers() const
 {
     QVector<QRect> rects;
-    for (const QWidget* child : m_page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (child->isVisible() && child != m_panel)
-            rects.append(child->geometry());
-    }
+    for (const QWidget* child : Shown())
+        rects.append(child->geometry());
     if (!m_page->Strip().isEmpty())
         rects.append(m_page->Strip());
     return rects;
@@ -147,11 +157,7 @@ void tst_SurveyPlanPlaces::controls()
         state.second();
         Settle();
         const QByteArray name = state.first.toUtf8();
-        QVector<QWidget*> shown;
-        for (QWidget* child : m_page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-            if (child->isVisible() && child != m_panel)
-                shown.append(child);
-        }
+        const QVector<QWidget*> shown = Shown();
         for (int i = 0; i < shown.size(); ++i) {
             const QString who = state.first + QLatin1Char(' ') + shown[i]->objectName();
             QVERIFY2(m_page->rect().contains(shown[i]->geometry()), qPrintable(who));

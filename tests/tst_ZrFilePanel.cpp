@@ -78,6 +78,7 @@ private Q_SLOTS:
     void choosesAFolder();
     void missingFolderIsTheOneAbove();
     void goesUp();
+    void tooManyFilesAreTold_data();
     void tooManyFilesAreTold();
 
 private:
@@ -425,15 +426,44 @@ void tst_ZrFilePanel::goesUp()
     QCOMPARE(ListOf(files)->Current(), 0);
 }
 
+void tst_ZrFilePanel::tooManyFilesAreTold_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("open") << int(ZrFilePanel::openFile);
+    QTest::newRow("save") << int(ZrFilePanel::saveFile);
+    QTest::newRow("folder") << int(ZrFilePanel::chooseFolder);
+}
+
 void tst_ZrFilePanel::tooManyFilesAreTold()
 {
-    for (int i = 0; i < ZrFilePanel::MaxEntries + 3; ++i)
-        QVERIFY(Write(m_dir->filePath(QString::number(i))));
-    ZrFilePanel files(m_window.get(), QStringLiteral("Open"));
+    QFETCH(int, mode);
+    for (int i = 0; i < ZrFilePanel::MaxEntries + 3; ++i) {
+        const QString name = QString::number(i);
+        QVERIFY(mode == ZrFilePanel::chooseFolder ? QDir(m_dir->path()).mkdir(name)
+                                                  : Write(m_dir->filePath(name)));
+    }
+    const QString told = QStringLiteral("3 entries are not shown");
+    ZrFilePanel files(m_window.get(), QStringLiteral("Files"));
+    files.SetMode(static_cast<ZrFilePanel::eMode>(mode));
     files.SetFolder(m_dir->path());
+    files.SetFileName(QStringLiteral("plan"));
     Open(files);
     QCOMPARE(ListOf(files)->Items().size(), ZrFilePanel::MaxEntries);
-    QCOMPARE(files.Problem(), QStringLiteral("3 entries are not shown"));
+    QCOMPARE(files.Problem(), told);
+    if (mode == ZrFilePanel::saveFile) {
+        // What is to be saved comes first.
+        files.SetFileName(QStringLiteral("17"));
+        QCOMPARE(files.Problem(), QStringLiteral("17 will be replaced"));
+        files.SetFileName(QString());
+        QCOMPARE(files.Problem(), QStringLiteral("A file name is wanted"));
+        files.SetFileName(QStringLiteral("other"));
+        QCOMPARE(files.Problem(), told);
+        QVERIFY(IsAcceptEnabled(files, QStringLiteral("Save")));
+    }
+    // Another folder is shown whole.
+    files.SetFolder(Folder("small", 2));
+    QTRY_VERIFY(!files.IsReading());
+    QCOMPARE(files.Problem(), QString());
 }
 
 QTEST_MAIN(tst_ZrFilePanel)

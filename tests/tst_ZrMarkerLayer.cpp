@@ -81,6 +81,7 @@ private Q_SLOTS:
     void sameAsTheSurface_data();
     void sameAsTheSurface();
     void sizeFollowsTheTheme();
+    void sizeFollowsTheScreen();
     void turnsWithTheMap();
     void standsBesideItsPlace();
     void largeCoordinates();
@@ -226,6 +227,24 @@ void tst_ZrMarkerLayer::sizeFollowsTheTheme()
     const QRect zoomed = BoxOf(Painted(layer, map::ViewOf(size, origin + QPointF(1, 0), 0.02)));
     QCOMPARE(zoomed.size(), large.size());
     QCOMPARE(zoomed.left(), large.left() - 50);
+}
+
+/// As large on a screen of two device pixels for one, also what is beside its place.
+void tst_ZrMarkerLayer::sizeFollowsTheScreen()
+{
+    ZrMarkerLayer layer;
+    ZrMapMarker marker = Marker(origin);
+    marker.size = 10.0;
+    marker.offset = {8.0, 4.0};
+    layer.SetMarkers({marker});
+    const ZrMapView view = map::ViewOf(size, origin, 1);
+    const QRect once = BoxOf(Painted(layer, view));
+    m_stage->Surface().m_pixelFactor = 2;
+    const QRect twice = BoxOf(Painted(layer, view));
+    QVERIFY(std::abs(twice.width() - 2 * once.width()) <= 2);
+    const QPointF middle(size.width() / 2.0, size.height() / 2.0);
+    const QPointF off = QRectF(twice).center() - middle - (QRectF(once).center() - middle) * 2.0;
+    QVERIFY2(off.manhattanLength() <= 3.0, qPrintable(QString::number(off.manhattanLength())));
 }
 
 void tst_ZrMarkerLayer::turnsWithTheMap()

@@ -29,6 +29,10 @@ private Q_SLOTS:
     void legFollowsTheArc();
     void areas();
     void findingsShareAPin();
+    void pinRects();
+    void pinUnderTheFinger();
+    void namesBesidePins();
+    void footOnALeg();
     void namesBesideTheLegs_data();
     void namesBesideTheLegs();
     void namesOfAreasBetweenTheLines();
@@ -42,6 +46,11 @@ private Q_SLOTS:
 
 private:
     void Show(ZrPlanChart& chart, ZrMapView& view, double radius = 0.0);
+
+    /// Warnings at metres from the corner; \p error is the index of one that is an error.
+    std::vector<ZrRouteFinding> Findings(
+        const ZrPlanChart& chart, const std::vector<QPointF>& offsets, int error = -1) const;
+    std::vector<QPointF> Pins(ZrPlanChart& chart, const QColor& colour) const;
 };
 
 void tst_ZrPlanChart::initTestCase()
@@ -161,41 +170,170 @@ void tst_ZrPlanChart::areas()
     QCOMPARE(chart.AreaAt(view.ToWorld({250, 250}), true), -1);
 }
 
+std::vector<ZrRouteFinding> tst_ZrPlanChart::Findings(
+    const ZrPlanChart& chart, const std::vector<QPointF>& offsets, int error) const
+{
+    const QPointF corner = chart.ToWorld({50.3, -4.1});
+    std::vector<ZrRouteFinding> findings;
+    for (const QPointF& offset : offsets) {
+        ZrRouteFinding finding;
+        finding.severity
+            = static_cast<int>(findings.size()) == error ? ZrRouteFinding::eError : ZrRouteFinding::eWarning;
+        finding.place = chart.ToGeo(corner + offset);
+        findings.push_back(finding);
+    }
+    return findings;
+}
+
+/// Of a colour, where they are.
+std::vector<QPointF> tst_ZrPlanChart::Pins(ZrPlanChart& chart, const QColor& colour) const
+{
+    std::vector<QPointF> places;
+    for (ZrMapLayer* layer : chart.Layers()) {
+        const auto* marks = dynamic_cast<const ZrMarkerLayer*>(layer);
+        for (const ZrMapMarker& marker : marks ? marks->Markers() : std::vector<ZrMapMarker>()) {
+            if (marker.image == 7 && marker.colour == colour)
+                places.push_back(marker.position);
+        }
+    }
+    return places;
+}
+
 /// A track has a finding at every waypoint: pins do not cover one another, and an error is not hidden.
 void tst_ZrPlanChart::findingsShareAPin()
 {
     ZrPlanChart chart;
     ZrMapView view;
     Show(chart, view);
-    const QPointF corner = chart.ToWorld({50.3, -4.1});
-    std::vector<ZrRouteFinding> findings;
-    for (int i = 0; i < 500; ++i) {
-        ZrRouteFinding finding;
-        finding.severity = i == 250 ? ZrRouteFinding::eError : ZrRouteFinding::eWarning;
-        finding.place = chart.ToGeo(corner + QPointF(0.4 * i, 0.0));
-        findings.push_back(finding);
-    }
-    const auto pins = [&chart](const QColor& colour) {
-        std::vector<QPointF> places;
-        for (ZrMapLayer* layer : chart.Layers()) {
-            const auto* marks = dynamic_cast<const ZrMarkerLayer*>(layer);
-            for (const ZrMapMarker& marker : marks ? marks->Markers() : std::vector<ZrMapMarker>()) {
-                if (marker.size == 18.0 && marker.colour == colour)
-                    places.push_back(marker.position);
-            }
-        }
-        return places;
-    };
-    chart.SetFindings(findings);
+    std::vector<QPointF> offsets;
+    for (int i = 0; i < 500; ++i)
+        offsets.emplace_back(0.4 * i, 0.0);
+    chart.SetFindings(Findings(chart, offsets, 250));
     view.SetScale(1.0);
     chart.Match(view);
-    // 200 m, 32 m each, and one square cut at either end; that of the error has no other.
-    const auto shared = pins(ZrTheme::warnCol);
-    QVERIFY2(shared.size() >= 5 && shared.size() <= 7, qPrintable(QString::number(shared.size())));
-    QCOMPARE(pins(ZrTheme::errorCol).size(), std::size_t(1));
-    view.SetScale(0.01);
+    // 200 m: the error in the middle, the others 64 m and more from it and from one another.
+    const auto shared = Pins(chart, ZrTheme::warnCol);
+    QCOMPARE(shared.size(), std::size_t(2));
+    QCOMPARE(Pins(chart, ZrTheme::errorCol).size(), std::size_t(1));
+    // The numbers tell of all of them.
+    const auto* numbers = dynamic_cast<ZrLabelLayer*>(chart.Layers()[3]);
+    QVERIFY(numbers);
+    int told = 0;
+    for (const ZrMapLabel& label : numbers->Labels())
+        told += label.text.toInt();
+    QCOMPARE(told, 500);
+    view.SetScale(0.001);
     chart.Match(view);
-    QCOMPARE(pins(ZrTheme::warnCol).size(), std::size_t(499));
+    QCOMPARE(Pins(chart, ZrTheme::warnCol).size(), std::size_t(499));
+    QVERIFY(numbers->Labels().empty());
+    chart.SetFindings({});
+    chart.Match(view);
+    QVERIFY(Pins(chart, ZrTheme::warnCol).empty());
+}
+
+/// The pixels of a pin are on the screen whatever the scale, and no name is to cover them.
+void tst_ZrPlanChart::pinRects()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    chart.SetFindings(Findings(chart, {{0, 0}, {0.5, 0}, {100, 0}}));
+    for (const double scale : {0.9, 1.1}) {
+        view.SetScale(scale);
+        chart.Match(view);
+        const auto rects = chart.PinRects(view);
+        QCOMPARE(rects.size(), std::size_t(4));
+        const QPointF at = view.ToPixel(chart.ToWorld({50.3, -4.1}));
+        QVERIFY(std::fabs(rects[0].center().x() - at.x()) < 0.01);
+        QVERIFY(rects[0].bottom() <= rects[1].top() + 0.01);
+        QVERIFY(std::fabs(rects[1].bottom() - at.y()) < 0.01);
+        // That of several is larger: there is a number in it.
+        QVERIFY(rects[0].width() > rects[2].width());
+    }
+    // On a screen of two pixels for one.
+    const double width = chart.PinRects(view)[0].width();
+    chart.Match(view, 2);
+    QCOMPARE(chart.PinRects(view)[0].width(), 2.0 * width);
+    // Far away there is nothing to keep clear of.
+    view.Pan({10000.0, 0.0});
+    chart.Match(view);
+    QVERIFY(chart.PinRects(view).empty());
+}
+
+void tst_ZrPlanChart::pinUnderTheFinger()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    std::vector<ZrRouteFinding> findings = Findings(chart, {{0, 0}, {5, 0}, {100, 0}, {3, 4}}, 1);
+    findings[2].severity = ZrRouteFinding::eInfo; // has none
+    chart.SetFindings(findings);
+    chart.Match(view);
+    const auto head = [&] { return chart.PinRects(view)[0].center(); };
+    const ZrPlanChart::Pin pin = chart.PinAt(view, head(), 20.0);
+    QCOMPARE(pin.findings, (std::vector<int>{1, 0, 3})); // the error first
+    QVERIFY(pin.hasParts);
+    QCOMPARE(std::round(pin.bounds.width()), 5.0);
+    QCOMPARE(std::round(pin.bounds.height()), 4.0);
+    QVERIFY(chart.PinAt(view, {300, 180}, 20.0).findings.empty());
+    QVERIFY(chart.PinAt(view, head() + QPointF(30, 0), 20.0).findings.empty());
+    // What it points to is there.
+    const QPointF point = view.ToPixel(chart.ToWorld(findings[1].place));
+    QVERIFY(chart.PinAt(view, point, 100.0).findings.empty());
+    QVERIFY(!chart.PinAt(view, point - QPointF(0, 25), 100.0).findings.empty());
+    // Those in one place do not come apart, however near one looks.
+    chart.SetFindings(Findings(chart, {{0, 0}, {0, 0}, {0.01, 0.0}}));
+    chart.Match(view);
+    const ZrPlanChart::Pin same = chart.PinAt(view, head(), 20.0);
+    QCOMPARE(same.findings.size(), std::size_t(3));
+    QVERIFY(!same.hasParts);
+    QVERIFY(chart.PinAt(ZrMapView(), {0, 0}, -1.0).findings.empty());
+}
+
+/// A name is put where no pin stands, also that of a waypoint whose pin it is.
+void tst_ZrPlanChart::namesBesidePins()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    chart.Match(view);
+    auto* layer = static_cast<ZrLabelLayer*>(chart.Layers().last());
+    const auto boxOf = [&](std::size_t waypoint) {
+        for (const ZrMapLabel& label : layer->Labels()) {
+            if (label.position == chart.Points()[waypoint])
+                return ZrLabelDeclutter::Box(label, layer->TextSize(label.text, label.size), view, 1.0);
+        }
+        return QRectF();
+    };
+    for (std::size_t i = 0; i < 3; ++i) {
+        // Where its name would be.
+        const QRectF before = boxOf(i);
+        QVERIFY(!before.isEmpty());
+        const QPointF corner = view.ToPixel(chart.ToWorld({50.3, -4.1}));
+        const QPointF at = before.center() + QPointF(0, 20) - corner;
+        const QPointF own = view.ToPixel(chart.Points()[i]) - corner;
+        chart.SetFindings(Findings(chart, {{at.x(), -at.y()}, {own.x(), -own.y()}}));
+        chart.Match(view);
+        for (const QRectF& rect : chart.PinRects(view))
+            QVERIFY2(!rect.intersects(boxOf(i)), qPrintable(QString::number(i)));
+        chart.SetFindings({});
+        chart.Match(view);
+        QCOMPARE(boxOf(i), before);
+    }
+}
+
+void tst_ZrPlanChart::footOnALeg()
+{
+    ZrPlanChart chart;
+    ZrMapView view;
+    Show(chart, view);
+    const QPointF foot = chart.FootOnLeg(0, view.ToWorld({230, 270}));
+    const QPointF pixel = view.ToPixel(foot);
+    QVERIFY(std::fabs(pixel.x() - 200.0) < 0.5 && std::fabs(pixel.y() - 270.0) < 0.5);
+    // Beyond its end it is the end.
+    QCOMPARE(chart.FootOnLeg(1, view.ToWorld({350, 150})), chart.Points()[2]);
+    for (const int leg : {-1, 2, 99})
+        QCOMPARE(chart.FootOnLeg(leg, {3, 4}), QPointF(3, 4));
 }
 
 void tst_ZrPlanChart::namesBesideTheLegs_data()

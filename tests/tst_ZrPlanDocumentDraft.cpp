@@ -26,6 +26,11 @@ private Q_SLOTS:
     void draftIsRestored();
     void draftOfAreasAlone();
     void draftIsGoneAfterSaving();
+    void undoneDraftIsGone();
+    void draftOfNothingIsGone();
+    void draftAfterUndoIsThereAtOnce();
+    void undoOfWhatWasNotSavedKeepsIt();
+    void draftOfBeforeIsLeftAlone();
     void drawingIsInTheDraft();
     void damagedDraft_data();
     void damagedDraft();
@@ -140,6 +145,120 @@ void tst_ZrPlanDocumentDraft::draftIsGoneAfterSaving()
     QVERIFY(!plan.HasDraft());
     QTest::qWait(2 * ZrPlanDocument::DraftMilliseconds);
     QVERIFY(!plan.HasDraft());
+}
+
+/// A plan that is as its file has it is not offered as one that was not saved.
+void tst_ZrPlanDocumentDraft::undoneDraftIsGone()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddThree(plan);
+    QVERIFY(plan.Save(At("a.json")));
+    plan.History().Reverse();
+    plan.Edited();
+    plan.FlushDraft();
+    QVERIFY(plan.HasDraft());
+    QVERIFY(plan.Undo());
+    QVERIFY(!plan.HasDraft());
+    plan.FlushDraft();
+    QVERIFY(!QFile::exists(At("draft")));
+    QTest::qWait(2 * ZrPlanDocument::DraftMilliseconds);
+    QVERIFY(!QFile::exists(At("draft")));
+    // A ring that is drawn is in no file.
+    QVERIFY(plan.Redo());
+    plan.SetSketch({{{50.0, -4.0}}, false, -1, false});
+    QVERIFY(plan.Undo());
+    QVERIFY(plan.HasDraft());
+    plan.SetSketch({});
+    QVERIFY(!plan.HasDraft());
+    // Nor are areas, until they are undone.
+    plan.SetAreas({Harbour()});
+    QVERIFY(plan.HasDraft());
+    QVERIFY(plan.Undo());
+    QVERIFY(!plan.HasDraft());
+}
+
+/// However it became empty.
+void tst_ZrPlanDocumentDraft::draftOfNothingIsGone()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddOne(plan);
+    QVERIFY(plan.HasDraft());
+    QVERIFY(plan.Undo());
+    QVERIFY(!plan.HasDraft());
+    AddOne(plan);
+    plan.History().Delete(plan.Route().GetHead());
+    plan.Edited();
+    QVERIFY(!plan.HasDraft());
+    plan.SetMargin(3.0);
+    QVERIFY(plan.HasDraft());
+    // A file that is not empty is not the same.
+    AddOne(plan);
+    QVERIFY(plan.Save(At("a.json")));
+    plan.History().Delete(plan.Route().GetHead());
+    plan.SetMargin(0.0);
+    QVERIFY(plan.HasDraft());
+    // What no file has stays in the draft, though there is nothing to undo.
+    ZrPlanDocument other(At("other"));
+    other.History().Add(50.0, -4.0, eZrWptBlue, ZrWpts::eAddTail);
+    other.History().Reset();
+    other.Edited();
+    QVERIFY(!other.IsDirty());
+    QVERIFY(other.HasDraft());
+}
+
+/// Without a pause that an edit before would want.
+void tst_ZrPlanDocumentDraft::draftAfterUndoIsThereAtOnce()
+{
+    ZrPlanDocument plan(At("draft"));
+    AddOne(plan);
+    QVERIFY(plan.Undo());
+    QVERIFY(plan.Redo());
+    QVERIFY(plan.HasDraft());
+}
+
+/// The step is taken back, and the plan is not saved all the same.
+void tst_ZrPlanDocumentDraft::undoOfWhatWasNotSavedKeepsIt()
+{
+    {
+        ZrPlanDocument plan(At("draft"));
+        AddThree(plan);
+        QVERIFY(plan.Save(At("a.json")));
+        plan.SetMargin(3.0);
+    }
+    ZrPlanDocument plan(At("draft"));
+    QVERIFY(plan.RestoreDraft());
+    plan.History().Reverse();
+    plan.Edited();
+    QVERIFY(plan.Undo());
+    QVERIFY(plan.IsDirty());
+    plan.FlushDraft();
+    ZrPlanDocument after(At("draft"));
+    QVERIFY(after.RestoreDraft());
+    QCOMPARE(after.Margin(), 3.0);
+    // Areas are not in a file of this form.
+    plan.SetAreas({Harbour()});
+    QVERIFY(plan.Save(At("a.gpx")));
+    plan.History().Reverse();
+    plan.Edited();
+    QVERIFY(plan.Undo());
+    plan.FlushDraft();
+    QVERIFY(after.RestoreDraft());
+    QCOMPARE(after.Areas().size(), std::size_t(1));
+}
+
+/// A plan that needs no draft does not touch one that nobody has looked at.
+void tst_ZrPlanDocumentDraft::draftOfBeforeIsLeftAlone()
+{
+    {
+        ZrPlanDocument plan(At("draft"));
+        AddThree(plan);
+    }
+    ZrPlanDocument plan(At("draft"));
+    plan.Edited();
+    plan.FlushDraft();
+    QCOMPARE(plan.ForeignPath(), At("draft"));
+    QVERIFY(plan.RestoreDraft());
+    QCOMPARE(plan.Route().GetCount(), 3);
 }
 
 void tst_ZrPlanDocumentDraft::drawingIsInTheDraft()

@@ -147,6 +147,7 @@ void tst_ZrValueTile::states_data()
     QTest::newRow("warning") << int(ZrValueTile::warning);
     QTest::newRow("error") << int(ZrValueTile::error);
     QTest::newRow("stale") << int(ZrValueTile::stale);
+    QTest::newRow("preview") << int(ZrValueTile::preview);
 }
 
 /// Value and a band along the left edge have the colour of the state; the band alone tells for those who see
@@ -155,8 +156,8 @@ void tst_ZrValueTile::states()
 {
     QFETCH(int, state);
     const auto value = static_cast<ZrValueTile::eState>(state);
-    const QColor colours[]
-        = {ZrTheme::ctrlCol, ZrTheme::goodCol, ZrTheme::warnCol, ZrTheme::errorCol, ZrTheme::ctrlOutlineCol};
+    const QColor colours[] = {ZrTheme::ctrlCol, ZrTheme::goodCol, ZrTheme::warnCol, ZrTheme::errorCol,
+        ZrTheme::ctrlOutlineCol, ZrTheme::ctrlHighlightCol};
     ZrValueTile tile(nullptr, S("Depth"));
     tile.resize(180, 96);
     tile.Set(S("HHH"), QString());

@@ -13,7 +13,6 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
-#include <set>
 #include <utility>
 
 namespace {
@@ -22,12 +21,9 @@ namespace {
 enum eImage : int
 {
     imageArrow = 1,
-    imageCircle = 3,
-    imagePin = 7
+    imageCircle = 3
 };
 
-constexpr double pinSize = 18.0; ///< half its side, design pixels
-constexpr double pinPoint = 11.0 / 12.0; ///< of that its point is below its middle
 constexpr double rotationStep = 10.0; ///< degrees, by which names are put beside their waypoints anew
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -52,6 +48,21 @@ QPointF Foot(const QPointF& p, const QPointF& a, const QPointF& b)
     return a + d * std::clamp(t, 0.0, 1.0);
 }
 
+/// \p foot becomes the place of the line that is nearest; it stays, infinitely far, for a line without any.
+double DistanceTo(const std::vector<QPointF>& line, const QPointF& world, QPointF& foot)
+{
+    double least = infinity;
+    for (std::size_t i = 1; i < line.size(); ++i) {
+        const QPointF at = Foot(world, line[i - 1], line[i]);
+        const double distance = std::hypot(at.x() - world.x(), at.y() - world.y());
+        if (!(distance < least))
+            continue;
+        least = distance;
+        foot = at;
+    }
+    return least;
+}
+
 QPointF Middle(const std::vector<QPointF>& ring)
 {
     return QPolygonF(QVector<QPointF>(ring.begin(), ring.end())).boundingRect().center();
@@ -67,7 +78,7 @@ ZrPlanChart::ZrPlanChart()
 
 QVector<ZrMapLayer*> ZrPlanChart::Layers()
 {
-    return {&m_areaLayer, &m_lineLayer, &m_markLayer, &m_labelLayer};
+    return {&m_areaLayer, &m_lineLayer, &m_markLayer, &m_numberLayer, &m_labelLayer};
 }
 
 void ZrPlanChart::SetOrigin(ZrGeoPoint origin)
@@ -155,24 +166,6 @@ void ZrPlanChart::SetAreas(const std::vector<ZrArea>& areas, const std::vector<Z
     m_areAreasDue = m_areMarksDue = true;
 }
 
-void ZrPlanChart::SetFindings(const std::vector<ZrRouteFinding>& findings)
-{
-    m_findings.clear();
-    for (const ZrRouteFinding& finding : findings) {
-        if (finding.severity == ZrRouteFinding::eInfo || !finding.place.IsValid())
-            continue;
-        ZrMapMarker marker;
-        marker.position = ToWorld(finding.place);
-        // Its point is where it belongs, and leaves the waypoint there to be seen.
-        marker.size = pinSize;
-        marker.offset = {0.0, pinSize * pinPoint};
-        marker.image = imagePin;
-        marker.colour = finding.severity == ZrRouteFinding::eError ? ZrTheme::errorCol : ZrTheme::warnCol;
-        m_findings.push_back(marker);
-    }
-    m_areMarksDue = true;
-}
-
 void ZrPlanChart::SetSelected(int waypoint, int leg)
 {
     if (waypoint == m_waypoint && leg == m_leg)
@@ -190,9 +183,10 @@ void ZrPlanChart::SetFaint(bool isFaint)
     m_areLinesDue = m_areMarksDue = true;
 }
 
-void ZrPlanChart::Match(const ZrMapView& view)
+void ZrPlanChart::Match(const ZrMapView& view, int pixelFactor)
 {
-    const double perPixel = view.Scale() * static_cast<double>(ZrTheme::dp);
+    m_pixel = static_cast<double>(ZrTheme::dp) * pixelFactor;
+    const double perPixel = view.Scale() * m_pixel;
     const double scale = std::exp2(std::round(2.0 * std::log2(perPixel)) / 2.0);
     const double rotation = std::round(view.Rotation() / rotationStep) * rotationStep;
     if ((scale != m_scale || rotation != m_rotation) && scale > 0.0) {
@@ -206,6 +200,7 @@ void ZrPlanChart::Match(const ZrMapView& view)
         BuildLines();
     if (std::exchange(m_areMarksDue, false))
         BuildMarks();
+    m_labelLayer.SetDeclutter(true, PinRects(view));
 }
 
 void ZrPlanChart::BuildAreas()
@@ -265,6 +260,7 @@ void ZrPlanChart::BuildMarks()
 {
     std::vector<ZrMapMarker> markers;
     std::vector<ZrMapLabel> labels;
+    m_pins.Make(m_findings, LeastPin * m_scale);
     for (std::size_t i = 0; i < m_legs.size(); ++i) {
         const auto& line = m_legs[i];
         if (m_isFaint || line.size() < 2 || Length(line) < LeastLeg * m_scale)
@@ -306,7 +302,7 @@ void ZrPlanChart::BuildMarks()
         label.priority = isSelected ? ZrMapLabel::AlwaysShown : i == 0 || i + 1 == m_points.size() ? 2 : 1;
         labels.push_back(label);
     }
-    AddFindings(markers);
+    AddPins(markers);
     const auto name = [this, &labels](const auto& rings, const auto& names, const QColor& colour) {
         for (std::size_t i = 0; i < rings.size(); ++i) {
             ZrMapLabel label;
@@ -327,23 +323,6 @@ void ZrPlanChart::BuildMarks()
     m_markLayer.m_halo = ZrTheme::sea;
     m_markLayer.SetMarkers(std::move(markers));
     m_labelLayer.SetLabels(std::move(labels));
-}
-
-/// One pin where several would cover one another; an error before what it would hide.
-void ZrPlanChart::AddFindings(std::vector<ZrMapMarker>& markers) const
-{
-    const double cell = LeastPin * m_scale;
-    std::set<std::pair<double, double>> taken;
-    for (const bool isError : {true, false}) {
-        for (const ZrMapMarker& pin : m_findings) {
-            if ((pin.colour == ZrTheme::errorCol) != isError)
-                continue;
-            const QPointF at = pin.position / cell;
-            if (!(cell > 0.0) || !IsFinite(at)
-                || taken.insert({std::floor(at.x()), std::floor(at.y())}).second)
-                markers.push_back(pin);
-        }
-    }
 }
 
 QRectF ZrPlanChart::Bounds() const
@@ -377,22 +356,28 @@ int ZrPlanChart::WaypointAt(const ZrMapView& view, const QPointF& pixel, double 
     return nearest;
 }
 
+QPointF ZrPlanChart::FootOnLeg(int leg, const QPointF& world) const
+{
+    QPointF foot = world;
+    if (leg >= 0 && static_cast<std::size_t>(leg) < m_legs.size())
+        DistanceTo(m_legs[static_cast<std::size_t>(leg)], world, foot);
+    return foot;
+}
+
 int ZrPlanChart::LegAt(const ZrMapView& view, const QPointF& pixel, double radius, QPointF* foot) const
 {
     const QPointF world = view.ToWorld(pixel);
     double least = radius * view.Scale();
     int nearest = -1;
     for (std::size_t i = 0; i < m_legs.size(); ++i) {
-        for (std::size_t k = 1; k < m_legs[i].size(); ++k) {
-            const QPointF at = Foot(world, m_legs[i][k - 1], m_legs[i][k]);
-            const double distance = std::hypot(at.x() - world.x(), at.y() - world.y());
-            if (!(distance <= least))
-                continue;
-            least = distance;
-            nearest = static_cast<int>(i);
-            if (foot)
-                *foot = at;
-        }
+        QPointF at;
+        const double distance = DistanceTo(m_legs[i], world, at);
+        if (!(distance <= least))
+            continue;
+        least = distance;
+        nearest = static_cast<int>(i);
+        if (foot)
+            *foot = at;
     }
     return nearest;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrKit/chart/ZrPinGroups.h"
 #include "ZrKit/geo/ZrGridBatch.h"
 #include "ZrKit/map/ZrLabelLayer.h"
 #include "ZrKit/map/ZrMarkerLayer.h"
@@ -37,8 +38,17 @@ class ZR_KIT_EXPORT ZrPlanChart
 public:
     /// Arrows and waypoints of turns are shown where legs are so many design pixels long.
     static constexpr double LeastLeg = 48.0;
-    /// Findings that lie within a square of so many pixels share a pin.
-    static constexpr double LeastPin = 32.0;
+    /// Findings nearer to one another than so many design pixels share a pin, with their number in it: the
+    /// way stays to be seen between the pins.
+    static constexpr double LeastPin = 96.0;
+
+    /// What a pin stands for.
+    struct Pin
+    {
+        std::vector<int> findings; ///< indices of what `SetFindings` got, errors first; empty for no pin
+        QRectF bounds; ///< of their places, world
+        bool hasParts = false; ///< seen from nearer they have pins of their own
+    };
 
     ZrPlanChart();
 
@@ -65,13 +75,14 @@ public:
     /// @}
 
     void SetAreas(const std::vector<ZrArea>& areas, const std::vector<ZrArea>& noGo);
-    void SetFindings(const std::vector<ZrRouteFinding>& findings);
+    void SetFindings(
+        const std::vector<ZrRouteFinding>& findings); ///< infos and those without place have no pin
     void SetSelected(int waypoint, int leg);
     void SetFaint(bool isFaint); ///< behind something else that is drawn: pale lines, no arrows, no names
 
     /// Makes what has changed, and chooses what of the details the scale has room for. Before a frame; costs
-    /// nothing while all stays.
-    void Match(const ZrMapView& view);
+    /// nothing while all stays. \p pixelFactor is that of the surface.
+    void Match(const ZrMapView& view, int pixelFactor = 1);
 
     QRectF Bounds() const; ///< of waypoints and areas, world; null without any
 
@@ -82,6 +93,16 @@ public:
 
     /// The leg nearest to \p pixel within \p radius pixels; \p foot (may be null) gets the place on it.
     int LegAt(const ZrMapView& view, const QPointF& pixel, double radius, QPointF* foot = nullptr) const;
+
+    /// The pin whose head is nearest to \p pixel within \p radius pixels. What is nearer to the place that a
+    /// pin points to is there, not at the pin.
+    Pin PinAt(const ZrMapView& view, const QPointF& pixel, double radius) const;
+
+    /// The place of a leg that is nearest to \p world; that itself for a leg of none.
+    QPointF FootOnLeg(int leg, const QPointF& world) const;
+
+    /// What pins cover, two rectangles each, pixels of \p view: the head, and what is below it.
+    std::vector<QRectF> PinRects(const ZrMapView& view) const;
 
     /// The survey area that holds a place: the last one drawn. \p isNoGo for areas to keep clear of.
     int AreaAt(const QPointF& world, bool isNoGo) const;
@@ -109,7 +130,9 @@ private:
     Ways WaysFrom(const QPointF& origin, double reach, std::size_t first, std::size_t end) const;
     void PutBetween(ZrMapLabel& label);
     void PutBeside(ZrMapLabel& label, std::size_t waypoint, double distance);
-    void AddFindings(std::vector<ZrMapMarker>& markers) const;
+    void AddPins(std::vector<ZrMapMarker>& markers);
+    std::vector<QRectF> PinsFrom(const QPointF& origin, double reach) const;
+    QPointF Turned(const QPointF& offset) const;
     void BuildAreas();
     bool IsShown(std::size_t waypoint) const;
     bool IsLine(std::size_t leg) const;
@@ -118,6 +141,7 @@ private:
     ZrShapeLayer m_areaLayer;
     ZrShapeLayer m_lineLayer;
     ZrMarkerLayer m_markLayer;
+    ZrLabelLayer m_numberLayer; ///< in pins
     ZrLabelLayer m_labelLayer;
     std::vector<Waypoint> m_waypoints;
     std::vector<QPointF> m_points;
@@ -128,7 +152,10 @@ private:
     std::vector<QString> m_areaNames;
     std::vector<std::vector<QPointF>> m_noGo;
     std::vector<QString> m_noGoNames;
-    std::vector<ZrMapMarker> m_findings;
+    std::vector<QPointF> m_findings; ///< errors first, then warnings; world
+    std::vector<int> m_findingOf; ///< index in `SetFindings` of each
+    std::size_t m_errors = 0; ///< of them
+    ZrPinGroups m_pins; ///< of them, at the scale
     int m_waypoint = -1; ///< selected
     int m_leg = -1;
     bool m_isFaint = false;
@@ -136,5 +163,6 @@ private:
     bool m_areLinesDue = false;
     bool m_areMarksDue = false;
     double m_scale = 0.0; ///< metres per design pixel, a power of the square root of 2
+    double m_pixel = 1.0; ///< pixels per design pixel
     double m_rotation = 0.0; ///< of the view, degrees counter-clockwise, by steps
 };

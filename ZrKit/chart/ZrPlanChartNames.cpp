@@ -13,6 +13,7 @@ namespace {
 /// Design pixels that are kept free around a name: the scale is known by steps only.
 constexpr double nameMargin = 2.0;
 constexpr QMarginsF margins(nameMargin, nameMargin, nameMargin, nameMargin);
+constexpr double hidden = 1e6; ///< counted as so many design pixels of legs
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /// Of the line from \p a to \p b.
@@ -55,7 +56,6 @@ ZrPlanChart::Ways ZrPlanChart::WaysFrom(
     const QPointF& origin, double reach, std::size_t first, std::size_t end) const
 {
     Ways ways;
-    const double turn = qDegreesToRadians(m_rotation);
     const QPointF metres(reach * m_scale, reach * m_scale);
     const QPointF low = origin - metres;
     const QPointF high = origin + metres;
@@ -64,13 +64,19 @@ ZrPlanChart::Ways ZrPlanChart::WaysFrom(
         if (least.x() > high.x() || least.y() > high.y() || most.x() < low.x() || most.y() < low.y())
             continue;
         ways.emplace_back();
-        for (const QPointF& world : m_legs[leg]) {
-            const QPointF d = (world - origin) / m_scale;
-            ways.back().emplace_back(d.x() * std::cos(turn) - d.y() * std::sin(turn),
-                -d.x() * std::sin(turn) - d.y() * std::cos(turn));
-        }
+        for (const QPointF& world : m_legs[leg])
+            ways.back().push_back(Turned(world - origin));
     }
     return ways;
+}
+
+/// World metres as design pixels right and down.
+QPointF ZrPlanChart::Turned(const QPointF& offset) const
+{
+    const double turn = qDegreesToRadians(m_rotation);
+    const QPointF d = offset / m_scale;
+    return {
+        d.x() * std::cos(turn) - d.y() * std::sin(turn), -d.x() * std::sin(turn) - d.y() * std::cos(turn)};
 }
 
 /// The name of an area in the middle of it, or above or below the line that runs there.
@@ -94,7 +100,7 @@ void ZrPlanChart::PutBetween(ZrMapLabel& label)
     }
 }
 
-/// To the side of its waypoint where no leg runs through it; to the right before any other.
+/// To the side of its waypoint where no leg runs through it and no pin stands; to the right before any other.
 void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double distance)
 {
     struct Side
@@ -107,6 +113,8 @@ void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double dist
     const QSizeF size = m_labelLayer.TextSize(label.text, label.size);
     const std::size_t first = waypoint > 2 ? waypoint - 2 : 0;
     const Ways ways = WaysFrom(m_points[waypoint], infinity, first, waypoint + 2);
+    const std::vector<QRectF> pins
+        = PinsFrom(m_points[waypoint], size.width() + size.height() + distance + nameMargin);
     double least = infinity;
     for (const Side& side : sides) {
         // Diagonally it comes as near as beside.
@@ -117,7 +125,11 @@ void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double dist
         };
         const QRectF box(
             QPointF(along(offset.x(), side.x, size.width()), along(offset.y(), side.y, size.height())), size);
-        const double length = LengthInside(ways, box.marginsAdded(margins));
+        // A pin hides more than any leg.
+        const QRectF room = box.marginsAdded(margins);
+        const bool isHidden = std::any_of(
+            pins.begin(), pins.end(), [&room](const QRectF& pin) { return pin.intersects(room); });
+        const double length = LengthInside(ways, room) + (isHidden ? hidden : 0.0);
         if (!(length < least))
             continue;
         least = length;

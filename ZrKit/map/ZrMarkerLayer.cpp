@@ -138,7 +138,8 @@ void ZrMarkerLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
     gl.glUniform1i(m_program.Uniform(surface, "uTexUnit"), 0);
     gl.glUniform2f(m_program.Uniform(surface, "uHalf"), static_cast<float>(view.Width()) / 2.0F,
         static_cast<float>(view.Height()) / 2.0F);
-    gl.glUniform1f(m_program.Uniform(surface, "uDesign"), ZrTheme::DpF(1.0F));
+    gl.glUniform1f(m_program.Uniform(surface, "uDesign"),
+        ZrTheme::DpF(1.0F) * static_cast<float>(surface.m_pixelFactor));
     gl.glUniform2f(m_program.Uniform(surface, "uHaloWidth"),
         std::isfinite(m_haloWidth) ? std::max(m_haloWidth, 0.0F) : 0.0F,
         static_cast<float>(ZrMarkerAtlas::Border) / static_cast<float>(ZrMarkerAtlas::Side));

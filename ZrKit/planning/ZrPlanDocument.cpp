@@ -81,16 +81,7 @@ void ZrPlanDocument::SetSketch(const ZrPlanSketch& sketch)
     if (sketch == m_sketch)
         return;
     m_sketch = sketch;
-    SketchChanged();
-}
-
-void ZrPlanDocument::SketchChanged()
-{
-    // A plan that is as its file has it needs no draft.
-    if (IsDirty())
-        Drafted();
-    else
-        RemoveDraft();
+    MatchDraft();
 }
 
 bool ZrPlanDocument::FinishSketch()
@@ -119,7 +110,7 @@ bool ZrPlanDocument::FinishSketch()
     if (isArea)
         ChangeAreas(sketch.edited >= 0 ? tr("Change area") : tr("Draw area"), finish);
     if (revision == m_revision && !sketch.IsEmpty())
-        SketchChanged();
+        MatchDraft();
     return isArea;
 }
 
@@ -139,19 +130,8 @@ void ZrPlanDocument::Edited()
 {
     Forget();
     ++m_revision;
-    Drafted();
+    MatchDraft();
     Q_EMIT Changed();
-}
-
-/// The draft is to be written, at once where it was not just now.
-void ZrPlanDocument::Drafted()
-{
-    if (!m_isDraftDue)
-        m_draftWait.start();
-    m_isDraftDue = true;
-    if (!m_draftTimer->isActive() || m_draftWait.elapsed() >= DraftMostMilliseconds)
-        WriteDraft();
-    m_draftTimer->start(DraftMilliseconds);
 }
 
 void ZrPlanDocument::Forget()
@@ -178,17 +158,22 @@ const std::vector<ZrRouteFinding>& ZrPlanDocument::Findings()
     return *m_findings;
 }
 
-int ZrPlanDocument::LineCount() const
+int ZrPlanDocument::LinesOf(const ZrWpts& route)
 {
     int count = 0;
-    for (ZrListPos* pos = m_route.GetHeadPos(); pos;)
-        count += m_route.GetNext(pos)->name.endsWith(QLatin1String(" S")) ? 1 : 0;
+    for (ZrListPos* pos = route.GetHeadPos(); pos;)
+        count += route.GetNext(pos)->name.endsWith(QLatin1String(" S")) ? 1 : 0;
     return count;
 }
 
 QString ZrPlanDocument::Name() const
 {
     return ZrPlanDrafts::NameOf(m_path);
+}
+
+bool ZrPlanDocument::IsEmpty() const
+{
+    return m_route.IsEmpty() && m_areas.IsEmpty() && m_sketch.IsEmpty();
 }
 
 bool ZrPlanDocument::IsDirty() const

@@ -43,8 +43,9 @@ class ZrPlanReader;
 ///
 /// The draft is replaced in one step, by a thread of its own that begins at once after an edit; of edits that
 /// follow within `DraftMilliseconds`, as in a drag, the last one is written when they pause, and one every
-/// `DraftMostMilliseconds` while they do not. It is removed when the plan is saved whole. A draft that cannot
-/// be read is set aside, as PATH.damaged, and never overwritten.
+/// `DraftMostMilliseconds` while they do not. It is removed when the plan is saved whole, when undo makes it
+/// what its file has, and when nothing is left in a plan that has no file. A draft that cannot be read is set
+/// aside, as PATH.damaged, and never overwritten.
 ///
 /// What was not saved when `New`, `Open`, `Take`, `Restore` or `RestoreKept` put another plan in its place is
 /// kept in a folder, see `Kept`; they wait for the draft of it, which most often is written by then. Where it
@@ -124,7 +125,10 @@ public:
     /// What is to be said about it, likewise.
     const std::vector<ZrRouteFinding>& Findings();
 
-    int LineCount() const; ///< survey lines: legs of waypoints named "… S" to "… E" by a pattern
+    int LineCount() const { return LinesOf(m_route); }
+
+    /// Survey lines: legs of waypoints named "… S" to "… E" by a pattern.
+    static int LinesOf(const ZrWpts& route);
 
     /// \name File
     /// @{
@@ -215,8 +219,10 @@ Q_SIGNALS:
 
 private:
     void Forget();
+    bool IsEmpty() const; ///< of all but settings of the route
+    bool NeedsDraft() const;
+    void MatchDraft();
     void Drafted();
-    void SketchChanged();
     void RemoveDraft();
     void WriteDraft();
     void OnDraftDone(const QString& error);

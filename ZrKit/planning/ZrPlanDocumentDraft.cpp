@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <utility>
 
@@ -48,9 +49,38 @@ void ZrPlanDocument::DiscardDraft()
     RemoveDraft();
 }
 
+/// Whether the plan could not be had again without it. One that has no file is nowhere else, whatever its
+/// history says.
+bool ZrPlanDocument::NeedsDraft() const
+{
+    return m_path.isEmpty() ? !IsEmpty() : IsDirty();
+}
+
+/// After an edit. The draft of a run before is no business of a plan that needs none.
+void ZrPlanDocument::MatchDraft()
+{
+    if (NeedsDraft())
+        Drafted();
+    else if (!m_isForeign)
+        RemoveDraft();
+}
+
+/// The draft is to be written, at once where it was not just now.
+void ZrPlanDocument::Drafted()
+{
+    if (!m_isDraftDue)
+        m_draftWait.start();
+    m_isDraftDue = true;
+    if (!m_draftTimer->isActive() || m_draftWait.elapsed() >= DraftMostMilliseconds)
+        WriteDraft();
+    m_draftTimer->start(DraftMilliseconds);
+}
+
+/// The next edit has it written at once.
 void ZrPlanDocument::RemoveDraft()
 {
     m_isDraftDue = false;
+    m_draftTimer->stop();
     m_written.reset();
     SecureForeign();
     if (HasDraft() && !m_isStuck)
@@ -115,8 +145,7 @@ bool ZrPlanDocument::KeepUnsaved(const QString& spared)
 {
     m_keptPath.clear();
     SecureForeign();
-    const bool isEmpty = m_route.IsEmpty() && m_areas.IsEmpty() && m_sketch.IsEmpty();
-    if (!m_kept || isEmpty || !IsDirty())
+    if (!m_kept || IsEmpty() || !IsDirty())
         return true;
     // What was made for the draft need not be made once more; nor does the thread of the draft remove now
     // what was kept before.

@@ -1,5 +1,6 @@
 #include "ZrKit/planning/ZrPlanReview.h"
 
+#include "ZrKit/planning/ZrLegEnds.h"
 #include "ZrKit/planning/ZrPlanDocument.h"
 #include "ZrKit/planning/ZrRouteCheck.h"
 
@@ -41,6 +42,7 @@ void ZrPlanReview::Start()
         ZrRouteCheck::Options options;
         std::vector<ZrRouteFinding> findings;
         std::unique_ptr<ZrRoutePath> path;
+        std::vector<QUuid> ids;
     };
 
     auto job = std::make_shared<Job>();
@@ -52,11 +54,13 @@ void ZrPlanReview::Start()
     m_thread = std::thread([this, job, state = m_wanted] {
         job->findings = ZrRouteCheck::Run(job->route, job->options);
         job->path = std::make_unique<ZrRoutePath>(job->route, *job->options.speeds);
+        job->ids = ZrLegEnds::Ids(job->route);
         const auto take = [this, job, state] {
             m_thread.join();
             m_isRunning = false;
             m_findings = std::move(job->findings);
             m_path = std::move(job->path);
+            m_ids = std::move(job->ids);
             m_seen = state;
             if (!IsCurrent())
                 Start();

@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrRoutePath.h"
 
 #include <QObject>
+#include <QUuid>
 
 #include <memory>
 #include <thread>
@@ -39,6 +40,9 @@ public:
 
     const ZrRoutePath* Path() const { return m_path.get(); } ///< null before the first `Ready`
 
+    /// The waypoints that the path leads along, in their order; empty before the first `Ready`.
+    const std::vector<QUuid>& Ids() const { return m_ids; }
+
     int Count(ZrRouteFinding::eSeverity severity) const; ///< of findings
 
 Q_SIGNALS:
@@ -51,6 +55,7 @@ private:
     std::thread m_thread; ///< looks; joined before its results are taken
     std::vector<ZrRouteFinding> m_findings;
     std::unique_ptr<ZrRoutePath> m_path;
+    std::vector<QUuid> m_ids;
     int m_wanted = 0; ///< counts the states of the plan
     int m_seen = -1; ///< the state that the findings are of
     bool m_isRunning = false;

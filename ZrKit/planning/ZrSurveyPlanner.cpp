@@ -10,6 +10,7 @@ struct ZrSurveyPlanner::Job
 {
     ZrSurveyPlan plan;
     std::vector<ZrWpt> waypoints;
+    ZrSurveyPreview preview;
     QString error;
     std::atomic<bool> cancel{false};
 
@@ -24,10 +25,20 @@ struct ZrSurveyPlanner::Job
         plan = made;
         waypoints = plan.Waypoints();
     }
+
+    void Look(const ZrSurveyPreview::Base& base, const ZrRouteSpeeds& speeds)
+    {
+        if (waypoints.empty() || cancel)
+            return;
+        ZrSurveyPreview::Base now = base;
+        now.check.speeds = speeds;
+        preview = ZrSurveyPreview::Of(now, plan, waypoints);
+    }
 };
 
 ZrSurveyPlanner::ZrSurveyPlanner(QObject* parent)
     : QObject(parent)
+    , m_base(std::make_shared<const ZrSurveyPreview::Base>())
     , m_result(std::make_shared<Job>())
 {
 }
@@ -50,9 +61,19 @@ const std::vector<ZrWpt>& ZrSurveyPlanner::Waypoints() const
     return m_result->waypoints;
 }
 
+const ZrSurveyPreview& ZrSurveyPlanner::Preview() const
+{
+    return m_result->preview;
+}
+
 QString ZrSurveyPlanner::Error() const
 {
     return m_result->error;
+}
+
+void ZrSurveyPlanner::SetBase(std::shared_ptr<const ZrSurveyPreview::Base> base)
+{
+    m_base = base ? std::move(base) : std::make_shared<const ZrSurveyPreview::Base>();
 }
 
 void ZrSurveyPlanner::Make(const ZrArea& area, const ZrSurveyPatternSettings& settings)
@@ -79,7 +100,10 @@ void ZrSurveyPlanner::Make(const std::vector<ZrGeoPoint>& guide, const ZrSurveyC
 void ZrSurveyPlanner::Start(std::function<void(Job&)> make)
 {
     ++m_wanted;
-    m_next = std::move(make);
+    m_next = [make = std::move(make), base = m_base, speeds = ZrRouteSpeeds()](Job& job) {
+        make(job);
+        job.Look(*base, speeds);
+    };
     if (!m_job)
         Run();
 }

@@ -6,6 +6,7 @@
 #include "ZrKit/planning/ZrSurveyCorridorSettings.h"
 #include "ZrKit/planning/ZrSurveyPatternSettings.h"
 #include "ZrKit/planning/ZrSurveyPlan.h"
+#include "ZrKit/planning/ZrSurveyPreview.h"
 #include "ZrUtil/ZrWpt.h"
 
 #include <QObject>
@@ -41,6 +42,10 @@ public:
     explicit ZrSurveyPlanner(QObject* parent = nullptr);
     ~ZrSurveyPlanner() override;
 
+    /// The plan that the lines are for, from the next `Make` on; its speeds are those of the process then.
+    /// Without a call, or null: an empty one.
+    void SetBase(std::shared_ptr<const ZrSurveyPreview::Base> base);
+
     void Make(const ZrArea& area, const ZrSurveyPatternSettings& settings); ///< lines over an area
     void Make(const std::vector<ZrGeoPoint>& guide, const ZrSurveyCorridorSettings& settings); ///< along it
 
@@ -52,6 +57,8 @@ public:
     const ZrSurveyPlan& Plan() const; ///< empty when there is a problem
 
     const std::vector<ZrWpt>& Waypoints() const; ///< as a route has them
+
+    const ZrSurveyPreview& Preview() const; ///< the plan with the lines in it
 
     QString Error() const; ///< why there are none, a sentence; else empty
 
@@ -69,6 +76,7 @@ private:
     void Start(std::function<void(Job&)> make);
     void Run();
 
+    std::shared_ptr<const ZrSurveyPreview::Base> m_base;
     std::thread m_thread; ///< plans; joined before its results are looked at
     std::shared_ptr<Job> m_result;
     std::shared_ptr<Job> m_job; ///< under way; null for none

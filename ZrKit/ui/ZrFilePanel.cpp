@@ -212,7 +212,7 @@ void ZrFilePanel::Fill()
     StopReading();
     m_entries.clear();
     m_error.clear();
-    SetProblem(QString());
+    m_leftOut.clear();
     m_list->m_empty.clear();
     m_list->SetItems({});
     ShowTitle();
@@ -247,7 +247,7 @@ void ZrFilePanel::Show(const Reading& reading)
     }
     m_from.clear();
     if (reading.reader.Left() > 0)
-        SetProblem(tr("%1 entries are not shown").arg(reading.reader.Left()));
+        m_leftOut = tr("%1 entries are not shown").arg(reading.reader.Left());
     ShowState();
     m_reading.reset();
     Q_EMIT FolderRead(Folder());
@@ -313,21 +313,20 @@ QString ZrFilePanel::Chosen() const
 
 void ZrFilePanel::ShowState()
 {
-    SetAcceptEnabled(m_error.isEmpty() && (m_mode == openFile || !Chosen().isEmpty()));
-    if (!m_error.isEmpty()) {
-        SetProblem(m_error);
-        return;
-    }
-    if (m_mode != saveFile)
-        return;
     const QString path = Chosen();
-    if (path.isEmpty())
+    const QFileInfo file(path);
+    const bool isFolder = m_mode == saveFile && !path.isEmpty() && file.isDir();
+    SetAcceptEnabled(m_error.isEmpty() && !isFolder && (m_mode == openFile || !path.isEmpty()));
+    if (!m_error.isEmpty())
+        SetProblem(m_error);
+    else if (m_mode == saveFile && path.isEmpty())
         SetProblem(tr("A file name is wanted"));
-    else if (QFileInfo(path).isDir())
+    else if (isFolder)
         SetProblem(tr("%1 is a folder").arg(FileName()));
+    else if (m_mode == saveFile && file.exists())
+        SetProblem(tr("%1 will be replaced").arg(FileName()));
     else
-        SetProblem(QFileInfo::exists(path) ? tr("%1 will be replaced").arg(FileName()) : QString());
-    SetAcceptEnabled(!path.isEmpty() && !QFileInfo(path).isDir());
+        SetProblem(m_leftOut);
 }
 
 bool ZrFilePanel::OnAccept()

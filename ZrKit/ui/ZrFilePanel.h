@@ -44,7 +44,8 @@ public:
         chooseFolder = 2
     };
 
-    static constexpr int MaxEntries = 2000; ///< of a folder; what is more is told, and not shown
+    /// Of a folder; that there are more is told where nothing more urgent is, and they are not shown.
+    static constexpr int MaxEntries = 2000;
     static constexpr int DelayMilliseconds = 200;
 
     /// \param purpose begins the title, the folder follows it: "Open a plan – surveys"; empty for that alone
@@ -117,6 +118,7 @@ private:
     QStringList m_placePaths;
     std::shared_ptr<Reading> m_reading; ///< null unless it is under way
     QString m_error; ///< why the folder cannot be read
+    QString m_leftOut; ///< that not all of it is shown; empty when it is
     QString m_from; ///< the folder that one has come up from, made the current row
     QTimer* m_slow; ///< until it is said that it is read
 };

@@ -24,6 +24,8 @@ QColor ColourOf(ZrValueTile::eState state)
         return ZrTheme::errorCol;
     case ZrValueTile::stale:
         return ZrTheme::ctrlOutlineCol;
+    case ZrValueTile::preview:
+        return ZrTheme::ctrlHighlightCol;
     case ZrValueTile::normal:
         break;
     }

@@ -31,7 +31,8 @@ public:
         good = 1,
         warning = 2,
         error = 3,
-        stale = 4
+        stale = 4,
+        preview = 5 ///< of what is shown and not done yet
     };
 
     ZrValueTile(QWidget* parent, const QString& caption);

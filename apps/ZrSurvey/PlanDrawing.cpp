@@ -2,8 +2,10 @@
 
 #include "ZrKit/chart/ZrPlanChart.h"
 #include "ZrKit/map/ZrMapView.h"
+#include "ZrKit/planning/ZrSurveyPreview.h"
 #include "ZrUtil/ZrTheme.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -15,7 +17,7 @@ constexpr int imageCircle = 3; ///< of `ZrGlSurface::m_markers`
 void PlanDrawing::Clear()
 {
     SetRing({});
-    m_pattern = ZrSurveyPlan();
+    m_pattern.clear();
     Build(false);
 }
 
@@ -46,9 +48,19 @@ void PlanDrawing::Redo()
         m_ring = m_steps[++m_step];
 }
 
-void PlanDrawing::SetPattern(const ZrSurveyPlan& plan)
+void PlanDrawing::SetPattern(const ZrSurveyPreview& preview)
 {
-    m_pattern = plan;
+    m_pattern.clear();
+    m_pattern.reserve(preview.legs.size());
+    for (const ZrSurveyPreview::Leg& leg : preview.legs) {
+        Way way;
+        way.isLine = leg.isLine;
+        way.points.reserve(leg.points.size());
+        for (const ZrGeoPoint& point : leg.points)
+            way.points.push_back(m_chart.ToWorld(point));
+        m_pattern.push_back(std::move(way));
+    }
+    std::stable_partition(m_pattern.begin(), m_pattern.end(), [](const Way& way) { return !way.isLine; });
 }
 
 void PlanDrawing::Add(const QPointF& world)
@@ -95,18 +107,10 @@ void PlanDrawing::Build(bool isNoGo)
     }
     m_lines.AddArea(ring, isNoGo ? ZrTheme::errorCol : ZrTheme::goodCol, 60);
     m_lines.AddLine(ring, 2.5, ZrTheme::ctrlHighlightCol, ring.size() > 2);
-    std::vector<QPointF> way;
-    for (const ZrSurveyWaypoint& waypoint : m_pattern.waypoints)
-        way.push_back(m_chart.ToWorld(waypoint.position));
     QColor faint = ZrTheme::ctrlHighlightCol;
     faint.setAlpha(130);
-    m_lines.AddLine(way, 1.5, faint);
-    for (const ZrSurveyLine& line : m_pattern.lines) {
-        std::vector<QPointF> points;
-        for (const ZrGeoPoint& point : line.points)
-            points.push_back(m_chart.ToWorld(point));
-        m_lines.AddLine(std::move(points), 3.0, ZrTheme::ctrlHighlightCol);
-    }
+    for (const Way& way : m_pattern)
+        m_lines.AddLine(way.points, way.isLine ? 3.0 : 1.5, way.isLine ? ZrTheme::ctrlHighlightCol : faint);
     m_marks.m_halo = ZrTheme::sea;
     m_marks.SetMarkers(std::move(markers));
 }

@@ -3,13 +3,13 @@
 #include "ZrKit/map/ZrMarkerLayer.h"
 #include "ZrKit/map/ZrShapeLayer.h"
 #include "ZrKit/planning/ZrArea.h"
-#include "ZrKit/planning/ZrSurveyPlan.h"
 
 #include <vector>
 
 class ZrMapLayer;
 class ZrMapView;
 class ZrPlanChart;
+struct ZrSurveyPreview;
 
 /// What is drawn on the map of the page "Plan" and not part of the plan yet: the corners of an area, or the
 /// lines of a pattern.
@@ -25,7 +25,8 @@ public:
 
     void Clear();
     void SetRing(const std::vector<ZrGeoPoint>& corners); ///< begins with these, without anything to undo
-    void SetPattern(const ZrSurveyPlan& plan); ///< shows it
+    void SetPattern(
+        const ZrSurveyPreview& preview); ///< shows it; to be set anew where the chart has another origin
 
     const std::vector<ZrGeoPoint>& Ring() const { return m_ring; }
 
@@ -45,13 +46,20 @@ public:
     void Build(bool isNoGo); ///< after a change, and of the colours
 
 private:
+    /// A leg of the pattern.
+    struct Way
+    {
+        std::vector<QPointF> points; ///< world
+        bool isLine = false;
+    };
+
     void Record();
 
     const ZrPlanChart& m_chart;
     std::vector<ZrGeoPoint> m_ring;
     std::vector<std::vector<ZrGeoPoint>> m_steps{{}}; ///< the ring as each step left it; never empty
     std::size_t m_step = 0; ///< the one that the ring is of
-    ZrSurveyPlan m_pattern;
+    std::vector<Way> m_pattern; ///< main ones last: they are drawn over the others
     ZrShapeLayer m_lines;
     ZrMarkerLayer m_marks;
 };

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -41,14 +42,6 @@ QString Units()
     return QStringLiteral("%1 %2 %3 %4")
         .arg(ZrUnits::shortLengthUnit, ZrUnits::longLengthUnit, ZrUnits::speedUnit)
         .arg(static_cast<int>(ZrUnits::GetGeoStyle()));
-}
-
-QString DurationText(double seconds)
-{
-    if (!std::isfinite(seconds) || seconds < 0.0 || seconds > 1e8)
-        return {};
-    const auto minutes = static_cast<qint64>(std::llround(seconds / 60.0));
-    return QStringLiteral("%1:%2").arg(minutes / 60).arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
 } // namespace
@@ -126,7 +119,7 @@ void PlanPage::AddBand()
     m_redo = add("redo", tr("Redo (Ctrl+Shift+Z)"), [this] { Redo(); });
     add("open", tr("Open a plan (Ctrl+O)"), [this] { m_files->ShowOpen(); });
     add("save", tr("Save the plan (Ctrl+S)"), [this] { SavePlan(false); });
-    add("more", tr("New, save as, export, unsaved plans"), [this] { ShowMore(); });
+    add("more", tr("New, save as, export, unsaved plans (M)"), [this] { ShowMore(); });
 }
 
 void PlanPage::AddTools()
@@ -160,14 +153,11 @@ void PlanPage::AddBar()
         = add("add", "insert", tr("Insert"), tr("Insert a waypoint here (Ins)"), [this] { InsertIntoLeg(); });
     m_linesOver = add(
         "pattern", "lines", tr("Lines"), tr("Survey lines over this area (P)"), [this] { StartPattern(); });
-    m_corners = add("edit", "corners", tr("Corners"), tr("Move the corners"), [this] { EditArea(); });
+    m_corners = add("edit", "corners", tr("Corners"), tr("Move the corners (C)"), [this] { EditArea(); });
     m_deleteArea
         = add("delete", "delete_area", tr("Delete"), tr("Delete this area (Del)"), [this] { DeleteArea(); });
-    m_keepClear = add("warning", "keep_clear", tr("No-go"), tr("The way must stay out of this area"), [this] {
-        KeepSketch();
-        m_drawing.Build(m_keepClear->on);
-        Changed();
-    });
+    m_keepClear = add("warning", "keep_clear", tr("No-go"), tr("The way must stay out of this area (G)"),
+        [this] { ShowNoGo(); });
     m_keepClear->checkable = true;
     m_removeLast = add("undo", "remove_last", tr("Last"), tr("Remove the last corner (Backspace)"),
         [this] { RemoveLastCorner(); });
@@ -184,9 +174,9 @@ void PlanPage::AddSide()
             QStringLiteral("tab_") + QString::fromLatin1(icon), text, hint, [this, side] { ShowSide(side); });
         m_tabs.append(button);
     };
-    add("list", tr("Route"), tr("The waypoints in their order"), sideList);
-    add("target", tr("Waypoint"), tr("What the selected waypoint is"), sidePoint);
-    add("warning", tr("Checks"), tr("What there is to say about the plan"), sideChecks);
+    add("list", tr("Route"), tr("The waypoints in their order (1)"), sideList);
+    add("target", tr("Waypoint"), tr("What the selected waypoint is (2)"), sidePoint);
+    add("warning", tr("Checks"), tr("What there is to say about the plan (3)"), sideChecks);
 }
 
 void PlanPage::Connect()
@@ -232,26 +222,10 @@ void PlanPage::Connect()
     connect(m_list, &PlanListPanel::MoveWanted, this, &PlanPage::MoveSelected);
     connect(m_list, &PlanListPanel::ReverseWanted, this, &PlanPage::Reverse);
     connect(m_list, &PlanListPanel::DeleteWanted, this, &PlanPage::DeleteSelected);
-    connect(m_pattern, &PlanPatternPanel::Planned, this, [this] {
-        if (m_mode != modePattern)
-            return;
-        m_drawing.SetPattern(m_pattern->Plan());
-        m_drawing.Build(false);
-        Changed();
-    });
+    connect(m_pattern, &PlanPatternPanel::Planned, this, &PlanPage::ShowPattern);
     connect(m_pattern, &PlanPatternPanel::Applied, this, &PlanPage::ApplyPattern);
     connect(m_pattern, &PlanPatternPanel::CancelWanted, this, [this] { SetMode(modeBrowse); });
-    connect(m_checks, &ZrTouchList::Chosen, this, [this](int row) {
-        const auto& findings = m_review.Findings();
-        if (row < 0 || row >= static_cast<int>(findings.size()))
-            return;
-        const ZrRouteFinding& finding = findings[static_cast<std::size_t>(row)];
-        if (finding.index >= 0)
-            Select(finding.index);
-        CentreOn(finding.place);
-        // A row has no room for all of it.
-        View().Tell(finding.text);
-    });
+    connect(m_checks, &ZrTouchList::Chosen, this, &PlanPage::ChooseFinding);
     connect(m_check, &ZrValueTile::Clicked, this, [this] { ShowSide(sideChecks); });
 }
 
@@ -265,7 +239,7 @@ void PlanPage::zr_paintGL()
     // Units are changed by the forms, which stand before this page and have it painted.
     if (m_units != Units())
         Later();
-    m_chart.Match(m_map.m_camera);
+    m_chart.Match(m_map.m_camera, m_map.m_pixelFactor);
     m_map.Render();
 }
 
@@ -303,6 +277,11 @@ const ZrRoutePath& PlanPage::Path()
     if (Plan().Route().GetCount() <= mostAtOnce)
         return Plan().Path();
     return m_review.Path() ? *m_review.Path() : none;
+}
+
+std::vector<QUuid> PlanPage::WayIds() const
+{
+    return Plan().Route().GetCount() <= mostAtOnce ? ZrLegEnds::Ids(Plan().Route()) : m_review.Ids();
 }
 
 /// The map is in the zone of the plan.
@@ -370,16 +349,9 @@ void PlanPage::Refresh()
     m_units = Units();
     MatchOrigin();
     RestoreCamera();
-    int index = 0;
-    m_selected = -1;
-    for (ZrListPos* pos = Plan().Route().GetHeadPos(); pos && !m_selectedId.isNull(); ++index) {
-        if (Plan().Route().GetNext(pos)->uuid == m_selectedId)
-            m_selected = index;
-    }
-    const auto areas = static_cast<int>((m_isNoGo ? Plan().NoGo() : Plan().Areas()).size());
-    if (m_area >= areas)
-        m_area = -1;
+    MatchSelection();
     MatchChart();
+    MatchPattern();
     m_chart.SetSelected(m_selected, m_leg);
     if (m_isFitDue && isVisible() && !m_files->IsRestoring())
         Fit();
@@ -388,9 +360,45 @@ void PlanPage::Refresh()
     ShowState();
 }
 
+/// Indices are those of the plan as it is: whatever came before what is selected, or took its place.
+void PlanPage::MatchSelection()
+{
+    m_selected = IndexOf(m_selectedId);
+    if (m_legEnds.PlaceIn(Plan().Route()) < 0)
+        LeaveLeg();
+    if (HasLeg())
+        m_leg = m_legEnds.IndexIn(Path().Legs(), WayIds());
+    if (m_area < 0)
+        return;
+    const auto& areas = AreasOf(m_isNoGo);
+    const auto isIt = [this](const ZrArea& area) {
+        return area.name == m_selectedArea.name && area.ring == m_selectedArea.ring;
+    };
+    if (m_area < static_cast<int>(areas.size()) && isIt(areas[static_cast<std::size_t>(m_area)]))
+        return;
+    const auto at = std::find_if(areas.begin(), areas.end(), isIt);
+    m_area = at == areas.end() ? -1 : static_cast<int>(at - areas.begin());
+}
+
+void PlanPage::MatchPattern()
+{
+    const int revision = Plan().Revision();
+    if (m_mode != modePattern || m_patternPlan == revision)
+        return;
+    m_patternPlan = revision;
+    auto base = std::make_shared<ZrSurveyPreview::Base>();
+    base->route = Plan().Route();
+    base->index = PatternPlace();
+    base->check.noGo = Plan().NoGo();
+    base->check.margin = Plan().Margin();
+    m_pattern->SetBase(std::move(base));
+}
+
 void PlanPage::MatchChart()
 {
     const bool isDue = std::exchange(m_isChartDue, false);
+    if (isDue && m_isPreview)
+        m_drawing.SetPattern(m_pattern->Preview());
     const int plan = Plan().Revision();
     const int review = m_review.Seen();
     const bool isMeasuredHere = Plan().Route().GetCount() <= mostAtOnce;
@@ -409,8 +417,12 @@ void PlanPage::Fit()
 {
     m_isFitDue = false;
     const QRectF bounds = m_chart.Bounds();
-    if (bounds.isNull() && Plan().Route().IsEmpty() && Plan().Areas().empty())
-        return;
+    if (!bounds.isNull() || !Plan().Route().IsEmpty() || !Plan().Areas().empty())
+        FitTo(bounds);
+}
+
+void PlanPage::FitTo(const QRectF& bounds)
+{
     // The tools to the left and the tiles below cover a part of the map; names stand to the right of their
     // waypoints.
     const double ratio = devicePixelRatioF();
@@ -426,65 +438,6 @@ void PlanPage::Fit()
     camera.SetCentre(free.Centre());
     camera.Pan({(left - right) / 2.0, -below / 2.0});
     m_panel->Moved();
-}
-
-void PlanPage::ShowTotals()
-{
-    const ZrRoutePath& path = Path();
-    const int waypoints = Plan().Route().GetCount();
-    const bool hasWay = waypoints > 1;
-    m_length->Set(hasWay ? ZrUnits::GetLengthString(path.Length(), 2, false) : QString(),
-        ZrUnits::GetLengthUnits(path.Length()));
-    m_duration->Set(hasWay ? DurationText(path.Duration()) : QString(), tr("h"));
-    m_lines->Set(QString::number(Plan().LineCount()), QString());
-    m_count->Set(QString::number(waypoints), QString());
-    // Of a plan that is not begun there is nothing wrong yet.
-    const bool isBegun = waypoints > 0;
-    const int errors = isBegun ? m_review.Count(ZrRouteFinding::eError) : 0;
-    const int warnings = isBegun ? m_review.Count(ZrRouteFinding::eWarning) : 0;
-    m_check->Set(!isBegun            ? QString()
-            : errors + warnings == 0 ? tr("OK")
-                                     : QString::number(errors + warnings),
-        QString());
-    m_check->SetState(!isBegun      ? ZrValueTile::normal
-            : !m_review.IsCurrent() ? ZrValueTile::stale
-            : errors > 0            ? ZrValueTile::error
-            : warnings > 0          ? ZrValueTile::warning
-                                    : ZrValueTile::good);
-    m_tabs[sideChecks]->badge = errors + warnings;
-    m_tabs[sideChecks]->update();
-    m_margin->Show();
-}
-
-void PlanPage::ShowChecks()
-{
-    const bool isBegun = !Plan().Route().IsEmpty();
-    m_checks->m_empty = isBegun  ? tr("No findings")
-        : Plan().Areas().empty() ? tr("Add a waypoint or draw an area")
-                                 : tr("Add a waypoint, or survey lines over the area");
-    m_checks->viewport()->update();
-    m_checks->SetRows(isBegun ? static_cast<int>(m_review.Findings().size()) : 0,
-        [this](int row) { return CheckRow(row); });
-}
-
-ZrListItem PlanPage::CheckRow(int row) const
-{
-    // The list may be of a state before.
-    const auto& findings = m_review.Findings();
-    if (row >= static_cast<int>(findings.size()))
-        return {};
-    const ZrRouteFinding& finding = findings[static_cast<std::size_t>(row)];
-    ZrListItem item;
-    item.title = finding.Title();
-    item.subtitle = finding.text;
-    item.data = finding.text + QString::number(finding.index);
-    const bool isError = finding.severity == ZrRouteFinding::eError;
-    const bool isInfo = finding.severity == ZrRouteFinding::eInfo;
-    item.image = QImage(isError ? QStringLiteral(":/icons/error.png")
-            : isInfo            ? QStringLiteral(":/icons/info.png")
-                                : QStringLiteral(":/icons/warning.png"));
-    item.edge = isError ? ZrTheme::errorCol : isInfo ? ZrTheme::ctrlOutlineCol : ZrTheme::warnCol;
-    return item;
 }
 
 void PlanPage::ShowSide(eSide side)

@@ -3,7 +3,9 @@
 #include "ZrKit/chart/ZrPlanChart.h"
 #include "ZrKit/map/ZrGridLayer.h"
 #include "ZrKit/map/ZrMapSurface.h"
+#include "ZrKit/planning/ZrLegEnds.h"
 #include "ZrKit/planning/ZrPlanReview.h"
+#include "ZrKit/planning/ZrPlanTotals.h"
 #include "apps/ZrSurvey/PlanDrawing.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 
@@ -100,15 +102,23 @@ private:
     void Later();
     void Refresh();
     void MatchOrigin();
+    void MatchSelection(); ///< where what is selected is by now
+    void MatchPattern(); ///< has the lines planned for the plan as it is
     void MatchChart(); ///< gives the chart what is new of the plan
     void RestoreCamera();
     void KeepCamera();
+    void FitTo(const QRectF& bounds); ///< in what is free of the map; world
+    ZrPlanTotals Totals(); ///< of the plan, or what a preview makes of it
     void ShowTotals();
     void ShowChecks();
     ZrListItem CheckRow(int row) const;
+    void ChooseFinding(int row);
+    void ChoosePin(const ZrPlanChart::Pin& pin);
+    void ShowPattern();
     void ShowState();
     void ShowSide(eSide side);
     const ZrRoutePath& Path();
+    std::vector<QUuid> WayIds() const; ///< the waypoints of `Path`
     double TouchRadius() const; ///< pixels of the map
     QPointF Crosshair() const; ///< world
     void CentreOn(ZrGeoPoint place);
@@ -116,10 +126,16 @@ private:
     // What the user does.
     ZrPlanDocument& Plan() const;
     ZrWpt* Waypoint(int index) const;
+    int IndexOf(const QUuid& waypoint) const; ///< -1 when it is not there
+    const std::vector<ZrArea>& AreasOf(bool isNoGo) const;
 
     int Selected() const { return m_selected; }
 
     void Select(int waypoint, int leg = -1, int area = -1, bool isNoGo = false);
+
+    bool HasLeg() const { return !m_legEnds.IsNull(); } ///< selected
+
+    void LeaveLeg();
     void OnTapped(const QPointF& world, const QPointF& pixel);
     bool Claims(const QPointF& pixel);
     void OnDragged(int drag, const QPointF& world);
@@ -144,7 +160,9 @@ private:
     void DeleteArea();
     void StartPattern();
     void StartCorridor();
+    int PatternPlace() const; ///< of the waypoint before which lines go
     void ApplyPattern();
+    void ShowNoGo(); ///< whether the area that is drawn is one
     void ShowMore();
     void TellUndo(const QString& text);
 
@@ -202,10 +220,14 @@ private:
     bool m_isOpened = false; ///< has been shown once
     int m_selected = -1; ///< waypoint
     QUuid m_selectedId;
-    int m_leg = -1;
-    QPointF m_legFoot; ///< where it was tapped, world
+    ZrLegEnds m_legEnds; ///< of the selected leg; null for none
+    int m_leg = -1; ///< it, as the way that is shown counts; -1 where that has no such leg
+    ZrGeoPoint m_legFoot; ///< where it was tapped
     int m_area = -1;
     bool m_isNoGo = false; ///< of the area
+    ZrArea m_selectedArea; ///< what it is
+    int m_patternPlan = -1; ///< revision that lines are planned for; -1 while none are
+    bool m_isPreview = false; ///< what is told of is the plan with these lines
     int m_editedArea = -1; ///< whose corners are being moved; -1 for a new one
     int m_corner = -1; ///< that is dragged
     ZrGeoPoint m_dragStart;

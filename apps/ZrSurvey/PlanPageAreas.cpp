@@ -21,7 +21,7 @@ void PlanPage::TakeSketch()
     if (sketch.IsEmpty())
         return;
     SetMode(modeArea);
-    const auto& areas = sketch.isEditedNoGo ? Plan().NoGo() : Plan().Areas();
+    const auto& areas = AreasOf(sketch.isEditedNoGo);
     m_editedArea = sketch.edited < static_cast<int>(areas.size()) ? sketch.edited : -1;
     m_isNoGo = sketch.isEditedNoGo;
     m_keepClear->on = sketch.isNoGo;
@@ -84,11 +84,19 @@ void PlanPage::FinishArea()
     });
 }
 
+void PlanPage::ShowNoGo()
+{
+    KeepSketch();
+    m_drawing.Build(m_keepClear->on);
+    m_keepClear->update();
+    Changed();
+}
+
 void PlanPage::EditArea()
 {
     const bool isNoGo = m_isNoGo;
     const int index = m_area;
-    const auto& areas = isNoGo ? Plan().NoGo() : Plan().Areas();
+    const auto& areas = AreasOf(isNoGo);
     if (index < 0 || index >= static_cast<int>(areas.size()))
         return;
     const std::vector<ZrGeoPoint> ring = areas[static_cast<std::size_t>(index)].ring;
@@ -102,7 +110,7 @@ void PlanPage::EditArea()
 
 void PlanPage::DeleteArea()
 {
-    const auto& areas = m_isNoGo ? Plan().NoGo() : Plan().Areas();
+    const auto& areas = AreasOf(m_isNoGo);
     if (m_area < 0 || m_area >= static_cast<int>(areas.size()))
         return;
     const QString name = areas[static_cast<std::size_t>(m_area)].name;

@@ -10,6 +10,8 @@
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -17,6 +19,12 @@ namespace {
 
 /// About a finger's tip, design pixels.
 constexpr float touchRadius = 32.0F;
+
+/// Of the head of a pin, pixels: what it points to is touched beside it.
+double PinRadius()
+{
+    return static_cast<double>(std::max(ZrTheme::DpF(22.0F), 22.0F));
+}
 
 } // namespace
 
@@ -29,6 +37,21 @@ ZrWpt* PlanPage::Waypoint(int index) const
 {
     const ZrWpts& route = Plan().Route();
     return index < 0 ? nullptr : route.GetAt(route.FindIndex(index));
+}
+
+int PlanPage::IndexOf(const QUuid& waypoint) const
+{
+    int index = 0;
+    for (ZrListPos* pos = waypoint.isNull() ? nullptr : Plan().Route().GetHeadPos(); pos; ++index) {
+        if (Plan().Route().GetNext(pos)->uuid == waypoint)
+            return index;
+    }
+    return -1;
+}
+
+const std::vector<ZrArea>& PlanPage::AreasOf(bool isNoGo) const
+{
+    return isNoGo ? Plan().NoGo() : Plan().Areas();
 }
 
 double PlanPage::TouchRadius() const
@@ -80,9 +103,11 @@ void PlanPage::SetMode(eMode mode)
     m_editedArea = -1;
     m_keepClear->on = false;
     m_mode = mode;
+    m_isPreview = false;
+    m_patternPlan = -1;
     m_chart.SetFaint(mode == modePattern);
     if (mode != modeBrowse) {
-        m_leg = -1;
+        LeaveLeg();
         m_area = -1;
     }
     ShowSide(m_side);
@@ -94,11 +119,21 @@ void PlanPage::Select(int waypoint, int leg, int area, bool isNoGo)
     const ZrWpt* wpt = Waypoint(waypoint);
     m_selectedId = wpt ? wpt->uuid : QUuid();
     m_selected = wpt ? waypoint : -1;
-    m_leg = leg;
+    m_legEnds = leg < 0 ? ZrLegEnds() : ZrLegEnds::Of(Path().Legs(), WayIds(), leg);
     m_area = area;
     m_isNoGo = isNoGo;
+    const auto& areas = AreasOf(isNoGo);
+    const bool isArea = area >= 0 && area < static_cast<int>(areas.size());
+    m_selectedArea = isArea ? areas[static_cast<std::size_t>(area)] : ZrArea();
+    MatchSelection();
     m_chart.SetSelected(m_selected, m_leg);
     ShowState();
+}
+
+void PlanPage::LeaveLeg()
+{
+    m_legEnds = {};
+    m_leg = -1;
 }
 
 void PlanPage::OnTapped(const QPointF& world, const QPointF& pixel)
@@ -116,13 +151,20 @@ void PlanPage::OnTapped(const QPointF& world, const QPointF& pixel)
     }
     if (m_mode == modePattern)
         return;
+    const ZrPlanChart::Pin pin = m_chart.PinAt(camera, pixel, PinRadius() * devicePixelRatioF());
+    if (!pin.findings.empty()) {
+        ChoosePin(pin);
+        return;
+    }
     const int waypoint = m_chart.WaypointAt(camera, pixel, TouchRadius());
     if (waypoint >= 0) {
         Select(waypoint);
         return;
     }
-    const int leg = m_chart.LegAt(camera, pixel, TouchRadius() / 2.0, &m_legFoot);
+    QPointF foot;
+    const int leg = m_chart.LegAt(camera, pixel, TouchRadius() / 2.0, &foot);
     if (leg >= 0) {
+        m_legFoot = m_chart.ToGeo(foot);
         Select(-1, leg);
         return;
     }
@@ -209,7 +251,7 @@ void PlanPage::AddWaypoint(const QPointF& world, int before)
         Plan().History().Record(tr("Insert waypoint"));
     }
     m_selectedId = added->uuid;
-    m_leg = -1;
+    LeaveLeg();
     m_area = -1;
     Plan().Edited();
     Refresh();
@@ -229,12 +271,11 @@ void PlanPage::AddHere(const QPointF& world)
 
 void PlanPage::InsertIntoLeg()
 {
-    const auto& legs = Path().Legs();
-    if (m_leg < 0 || static_cast<std::size_t>(m_leg) >= legs.size())
-        return;
-    // The leg that closes a route ends at its first waypoint, and what is inserted there comes last.
-    const int to = legs[static_cast<std::size_t>(m_leg)].to;
-    AddWaypoint(m_legFoot, to == 0 ? Plan().Route().GetCount() : to);
+    Refresh();
+    const int place = m_legEnds.PlaceIn(Plan().Route());
+    // It may have moved since it was tapped.
+    if (place >= 0)
+        AddWaypoint(m_chart.FootOnLeg(m_leg, m_chart.ToWorld(m_legFoot)), place);
 }
 
 void PlanPage::TellUndo(const QString& text)
@@ -338,6 +379,11 @@ void PlanPage::StartCorridor()
     m_pattern->SetGuide(guide);
 }
 
+int PlanPage::PatternPlace() const
+{
+    return m_selected >= 0 ? m_selected + 1 : Plan().Route().GetCount();
+}
+
 /// The lines of what is shown, in time: `PlanPatternPanel::Apply`.
 void PlanPage::ApplyPattern()
 {
@@ -351,7 +397,7 @@ void PlanPage::ApplyPattern()
                         .arg(ZrSurveyPlanner::MostWaypoints));
         return;
     }
-    Plan().History().InsertPattern(waypoints, m_selected >= 0 ? m_selected + 1 : count);
+    Plan().History().InsertPattern(waypoints, PatternPlace());
     m_selectedId = QUuid();
     Plan().Edited();
     SetMode(modeBrowse);

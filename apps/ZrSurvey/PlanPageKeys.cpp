@@ -2,6 +2,7 @@
 
 #include "ZrKit/map/ZrMapGesture.h"
 #include "ZrKit/planning/ZrPlanDocument.h"
+#include "ZrUtil/ZrBtn.h"
 #include "apps/ZrSurvey/PlanFiles.h"
 #include "apps/ZrSurvey/PlanPage.h"
 #include "apps/ZrSurvey/PlanPatternPanel.h"
@@ -69,6 +70,27 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     case Qt::Key_F:
         Fit();
         return true;
+    case Qt::Key_M:
+        ShowMore();
+        return true;
+    case Qt::Key_C:
+        if (!m_corners->isVisible())
+            return false;
+        EditArea();
+        return true;
+    case Qt::Key_G:
+        if (m_mode != modeArea)
+            return false;
+        m_keepClear->on = !m_keepClear->on;
+        ShowNoGo();
+        return true;
+    case Qt::Key_1:
+    case Qt::Key_2:
+    case Qt::Key_3:
+        if (m_mode == modePattern)
+            return false;
+        ShowSide(key == Qt::Key_1 ? sideList : key == Qt::Key_2 ? sidePoint : sideChecks);
+        return true;
     case Qt::Key_Insert:
         if (m_mode == modeAdd || m_mode == modeArea)
             AddHere(Crosshair());
@@ -93,7 +115,7 @@ bool PlanPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
         m_pattern->Apply();
         return true;
     case Qt::Key_Escape:
-        if (m_mode == modeBrowse && m_selected < 0 && m_leg < 0 && m_area < 0)
+        if (m_mode == modeBrowse && m_selected < 0 && !HasLeg() && m_area < 0)
             return false;
         if (m_mode == modeBrowse)
             Select(-1);

@@ -190,7 +190,7 @@ void PlanPage::ShowState()
         tool->update();
 
     const bool isBrowsing = m_mode == modeBrowse;
-    m_insert->setVisible(isBrowsing && m_leg >= 0);
+    m_insert->setVisible(isBrowsing && HasLeg());
     m_linesOver->setVisible(isBrowsing && m_area >= 0 && !m_isNoGo);
     m_corners->setVisible(isBrowsing && m_area >= 0);
     m_deleteArea->setVisible(isBrowsing && m_area >= 0);
@@ -213,7 +213,7 @@ void PlanPage::ShowState()
         m_hint = tr("Leg of %1 %2")
                      .arg(ZrUnits::GetLengthString(length, 1, false), ZrUnits::GetLengthUnits(length));
     } else if (isBrowsing && m_area >= 0) {
-        const auto& areas = m_isNoGo ? Plan().NoGo() : Plan().Areas();
+        const auto& areas = AreasOf(m_isNoGo);
         const auto index = static_cast<std::size_t>(m_area);
         m_hint = index < areas.size() ? areas[index].name : QString();
     }

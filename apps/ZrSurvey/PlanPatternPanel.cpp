@@ -10,7 +10,9 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -113,6 +115,12 @@ PlanPatternPanel::PlanPatternPanel(SurveyView& view, QWidget* parent)
     m_sign->setSingleShot(true);
     m_sign->setInterval(signMs);
     connect(m_sign, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+}
+
+void PlanPatternPanel::SetBase(std::shared_ptr<const ZrSurveyPreview::Base> base)
+{
+    m_planner.SetBase(std::move(base));
+    Later();
 }
 
 void PlanPatternPanel::SetArea(const ZrArea& area)
@@ -247,12 +255,13 @@ void PlanPatternPanel::paintEvent(QPaintEvent* event)
     }
     painter.setPen(ZrTheme::ctrlCol);
     const auto length = [](double metres) {
-        return ZrUnits::GetLengthString(metres, 1, false) + QLatin1Char(' ')
-            + ZrUnits::GetLengthUnits(metres);
+        return std::isfinite(metres)
+            ? ZrUnits::GetLengthString(metres, 2, false) + QLatin1Char(' ') + ZrUnits::GetLengthUnits(metres)
+            : QStringLiteral("–");
     };
     const ZrSurveyPlan& plan = Plan();
     QString text = tr("Lines: %1").arg(plan.lines.size()) + QLatin1Char('\n')
-        + tr("%1 on lines, %2 in all").arg(length(plan.lineLength), length(plan.pathLength));
+        + tr("%1 on lines, %2 in all").arg(length(plan.lineLength), length(Preview().length));
     if (!plan.findings.empty())
         text += QStringLiteral("\n") + plan.findings.front().text;
     painter.drawText(m_textRect, flags, text);

@@ -8,6 +8,9 @@
 
 #include <QTimer>
 
+#include <memory>
+#include <vector>
+
 class ZrSlider;
 
 /// Survey lines over an area, or along a guide, before they become part of the plan.
@@ -21,10 +24,15 @@ class PlanPatternPanel : public PlanPanel
 public:
     PlanPatternPanel(SurveyView& view, QWidget* parent);
 
+    /// The plan that the lines are for; plans them anew.
+    void SetBase(std::shared_ptr<const ZrSurveyPreview::Base> base);
+
     void SetArea(const ZrArea& area); ///< plans lines over it
     void SetGuide(const std::vector<ZrGeoPoint>& guide); ///< plans lines along it
 
     const ZrSurveyPlan& Plan() const { return m_planner.Plan(); } ///< empty when there is a problem
+
+    const ZrSurveyPreview& Preview() const { return m_planner.Preview(); } ///< of the plan with the lines
 
     QString Problem() const { return m_planner.Error(); }
 
