@@ -1,5 +1,6 @@
 // The page "Review": events, and what is exported of a recording.
 
+#include "DrawnText.h"
 #include "SurveyReviewWindow.h"
 #include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/review/ZrEventFile.h"
@@ -13,6 +14,7 @@
 #include "ZrSurveyLog.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewText.h"
 #include "apps/ZrSurvey/StateBanner.h"
 
 class tst_SurveyReviewEvents : public SurveyReviewWindow
@@ -29,6 +31,9 @@ private Q_SLOTS:
     void eventsThatCannotBeSaved();
     void flagsAreTheirEvents();
     void positionsAreInTheStyle();
+    void keysAreForTheEventAtTheCursor();
+    void choiceEndsWithTheCursor();
+    void rowsOfTheList();
     void exports();
     void pictureIsAsShown();
 
@@ -127,6 +132,8 @@ void tst_SurveyReviewEvents::timeOfAnEvent()
     const double before = events.At(0).time;
     const double second = events.At(1).time;
     QVERIFY(second - before > 0.0 && second - before < 20.0);
+    Page().GoTo(Rec().TimeOf(events.At(0)));
+    QCOMPARE(Page().Events().Current(), 0);
     Page().Events().Edit(0);
     ZrTextPanel* panel = Panel();
     QVERIFY(panel);
@@ -147,9 +154,11 @@ void tst_SurveyReviewEvents::timeOfAnEvent()
     QVERIFY2(std::fabs(now - before - seconds) < 0.001, qPrintable(QString::number(now - before)));
     if (seconds == 0.0)
         QCOMPARE(now, before); // to the last bit, though less is shown
-    // In order, and the list stays with it.
+    // In order; the list stays with it,
     QCOMPARE(events.At(seconds > 10.0 ? 1 : 0).text, QStringLiteral("Wreck, bow"));
+    // and the cursor goes along.
     QCOMPARE(Page().Events().Current(), seconds > 10.0 ? 1 : 0);
+    QVERIFY(std::fabs(Page().Clock().Time() - Rec().TimeOf(events.At(seconds > 10.0 ? 1 : 0))) < 1e-6);
     QVERIFY2(Toast().contains(QStringLiteral("changed")), qPrintable(Toast()));
     ZrEventFile file;
     QCOMPARE(file.Read(m_log), ZrEventFile::Whole);
@@ -307,15 +316,129 @@ void tst_SurveyReviewEvents::positionsAreInTheStyle()
         ZrUnits::SetGeoStyle(eGeoStyle(style));
         m_view->SettingsEdited();
         const QString shown = ZrPositionShown::Text(48.4457404, -68.8281234);
-        QTRY_VERIFY(subtitle(0).startsWith(shown));
-        QVERIFY2(subtitle(0).startsWith(shown) && !subtitle(0).contains(noted), qPrintable(subtitle(0)));
-        QVERIFY(subtitle(0).contains(ZrTimeText::Clock(Rec().Events().At(0).time)));
+        const QString lines = ZrTimeText::DateClock(Rec().Events().At(0).time, 1) + QLatin1Char('\n') + shown;
+        QTRY_COMPARE(subtitle(0), lines);
         QVERIFY(subtitle(1).endsWith(QStringLiteral("thick")));
         const int room = Page().Events().List().viewport()->width() - ZrTheme::DpI(30);
         const int wide = QFontMetrics(ZrLegible::Font(15)).horizontalAdvance(shown);
         QVERIFY2(wide <= room, qPrintable(QStringLiteral("%1 of %2").arg(wide).arg(room)));
     }
     QCOMPARE(Rec().Events().At(0).detail, noted);
+}
+
+/// F6 and Delete never change what is elsewhere, whichever event was chosen or added last.
+void tst_SurveyReviewEvents::keysAreForTheEventAtTheCursor()
+{
+    Open(m_log);
+    const ZrEventList& events = Rec().Events();
+    for (const double ping : {100.0, 200.0})
+        Page().Events().Add(Rec().TimeOfPing(ping), QString::number(ping));
+    // Added away from the cursor, and the list is hidden.
+    Page().GoTo(Rec().TimeOfPing(20.0));
+    QCOMPARE(Page().Events().Current(), -1);
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QCOMPARE(events.Count(), std::size_t(2));
+    QCOMPARE(Toast(), QStringLiteral("No event at the cursor"));
+    QTest::keyClick(m_view.get(), Qt::Key_F6);
+    QVERIFY(!Panel());
+    // Scrubbed onto the second, but for a little.
+    Page().GoTo(Rec().TimeOfPing(200.0) + 0.8 * ReviewEvents::AtCursor);
+    QCOMPARE(Page().Events().Current(), 1);
+    QTest::keyClick(m_view.get(), Qt::Key_F6);
+    QVERIFY(Panel());
+    QCOMPARE(static_cast<QLineEdit&>(Panel()->Input()).text(), QStringLiteral("200"));
+    Panel()->Cancel();
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QCOMPARE(events.Count(), std::size_t(1));
+    QCOMPARE(events.At(0).text, QStringLiteral("100"));
+    // What is next in the list is not what is at the cursor.
+    QCOMPARE(Page().Events().Current(), -1);
+    QTest::keyClick(m_view.get(), Qt::Key_Delete);
+    QCOMPARE(events.Count(), std::size_t(1));
+    // Taken back it is there again, and the current one.
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(events.Count(), std::size_t(2));
+    QCOMPARE(Page().Events().Current(), 1);
+    QTest::keyClick(m_view.get(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(Page().Events().Current(), -1);
+}
+
+/// Chosen in the list, in the time line or by the keys of the list, until the cursor leaves it.
+void tst_SurveyReviewEvents::choiceEndsWithTheCursor()
+{
+    Open(m_log);
+    const double at = Rec().TimeOfPing(100.0);
+    Page().Events().Add(at, QStringLiteral("Wreck"));
+    Page().Events().Add(at + 0.4 * ReviewEvents::AtCursor, QStringLiteral("Rope"));
+    Page().Events().Add(Rec().TimeOfPing(200.0), QStringLiteral("Buoy"));
+    QTest::keyClick(m_view.get(), Qt::Key_L, Qt::ControlModifier);
+    Settle();
+    ZrTouchList& list = Page().Events().List();
+    auto* remove = Page().Events().findChild<ZrBtn*>(QStringLiteral("delete"));
+    Page().GoTo(Rec().TimeOfPing(20.0));
+    QVERIFY(remove && !remove->isEnabled());
+    QCOMPARE(list.Current(), -1);
+    // Of two that are near the chosen one, as long as it is.
+    Q_EMIT list.Chosen(1);
+    QCOMPARE(list.Current(), 1);
+    QVERIFY(remove->isEnabled());
+    Page().GoTo(at);
+    QCOMPARE(Page().Events().Current(), 1);
+    Page().GoTo(at - 2.0 * ReviewEvents::AtCursor);
+    QCOMPARE(Page().Events().Current(), -1);
+    QVERIFY(!remove->isEnabled());
+    Page().GoTo(at);
+    QCOMPARE(Page().Events().Current(), 0);
+    // Down to the next but one.
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_Down);
+    QTest::keyClick(&list, Qt::Key_Down);
+    QCOMPARE(Page().Events().Current(), 2);
+    QVERIFY(std::fabs(Page().Clock().Time() - Rec().TimeOfPing(200.0)) < 1e-6);
+    QTest::mouseClick(remove, Qt::LeftButton);
+    QCOMPARE(Rec().Events().Count(), std::size_t(2));
+    QCOMPARE(Rec().Events().At(1).text, QStringLiteral("Rope"));
+    QVERIFY(!remove->isEnabled());
+}
+
+/// The time of a target stands first, and no line of it is cut off, in whatever window and units.
+void tst_SurveyReviewEvents::rowsOfTheList()
+{
+    Open(m_log);
+    ZrSonarTarget target;
+    target.time = Rec().Times()->LogTime(Rec().TimeOfPing(100.0));
+    target.position = Rec().PositionAt(Rec().TimeOfPing(100.0));
+    target.length = 27.38;
+    target.width = 10.48;
+    target.height = 11.03;
+    Page().Events().Add(ZrTargetEvent::ToEvent(target, QStringLiteral("Target 1")));
+    Page().Events().Add(Rec().TimeOfPing(200.0), QStringLiteral("Remark"));
+    QTest::keyClick(m_view.get(), Qt::Key_L, Qt::ControlModifier);
+    const QString clock = ZrTimeText::Clock(target.time, 1);
+    for (const QSize size : {QSize(900, 600), QSize(1280, 800), QSize(2560, 1440)}) {
+        m_view->resize(size);
+        QTRY_COMPARE(Page().size(), size);
+        for (const bool isMetric : {true, false}) {
+            isMetric ? ZrUnits::SetToMetric() : ZrUnits::SetToImperial();
+            m_view->SettingsEdited();
+            const QString first = clock
+                + (isMetric ? QStringLiteral("  27.38 × 10.48 × 11.03 m") : QStringLiteral("  89.83"));
+            QTRY_VERIFY(Page().Events().List().Items()[0].subtitle.startsWith(first));
+            Settle();
+            const QVector<DrawnText> drawn = TextDevice::Of(*Page().Events().List().viewport());
+            QCOMPARE(drawn.size(), 5); // name, time and size, place; name, time
+            for (const DrawnText& text : drawn) {
+                QVERIFY2(!text.text.contains(QChar(0x2026)), qPrintable(text.text));
+                QVERIFY2(text.room.contains(text.ink), qPrintable(text.text));
+            }
+            QVERIFY2(drawn[1].text.startsWith(clock), qPrintable(drawn[1].text));
+        }
+    }
+    // Alone, or with a height alone.
+    target.length = target.width = std::nan("");
+    QVERIFY(
+        review::size_text(target.length, target.width, target.height).startsWith(QStringLiteral("– × – × ")));
+    QCOMPARE(review::size_text(target.length, target.width, std::nan("")), QString());
 }
 
 void tst_SurveyReviewEvents::exports()

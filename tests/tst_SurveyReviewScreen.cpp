@@ -1,16 +1,21 @@
 // The page "Review": what is on the screen at every size, colour and scale; keys; what is drawn and read.
 
+#include "DrawnText.h"
 #include "SurveyReviewWindow.h"
+#include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/map/ZrGridLayer.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/sonar/ZrSonarPalette.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrPaletteBtn.h"
 #include "ZrKit/ui/ZrPlotPanel.h"
+#include "ZrUtil/ZrSlider.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMap.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
+#include "apps/ZrSurvey/ReviewText.h"
 
 #include <QProcess>
 
@@ -24,6 +29,10 @@ private Q_SLOTS:
     void keys();
     void everySize();
     void everyColour();
+    void headersAreNeverEmpty_data();
+    void headersAreNeverEmpty();
+    void marksShowAtNight();
+    void lookLeavesTheWaterfall();
     void toolsAtEverySize();
     void nightPalettes();
     void messagesLeaveControls();
@@ -171,6 +180,117 @@ void tst_SurveyReviewScreen::everyColour()
     }
 }
 
+void tst_SurveyReviewScreen::headersAreNeverEmpty_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("hasList");
+    QTest::addColumn<int>("style");
+    for (const QSize size : {QSize(900, 600), QSize(1280, 800), QSize(2560, 1440)}) {
+        for (const bool hasList : {false, true}) {
+            for (const int style : {int(eGeoDeg), int(eGeoDMSFrac), int(eGeoUTM)})
+                QTest::addRow("%dx%d, list %d, style %d", size.width(), size.height(), int(hasList), style)
+                    << size << hasList << style;
+        }
+    }
+}
+
+/// The position and the line of the waterfall stand above their panes, whole, in one line or in two.
+void tst_SurveyReviewScreen::headersAreNeverEmpty()
+{
+    QFETCH(QSize, size);
+    QFETCH(bool, hasList);
+    QFETCH(int, style);
+    ZrUnits::SetGeoStyle(eGeoStyle(style));
+    Open(m_log);
+    Page().GoTo(Rec().TimeOfPing(150.0));
+    if (hasList)
+        QTest::keyClick(m_view.get(), Qt::Key_L, Qt::ControlModifier);
+    m_view->resize(size);
+    QTRY_COMPARE(Page().size(), size);
+    Settle();
+    const ZrGeoPoint at = Rec().PositionAt(Page().Clock().Time());
+    const QString bottom = review::length_text(Rec().Bottom().Altitude(150), 1);
+    QStringList texts[2]; // of the map, of the waterfall
+    const QRect panes[2] = {Page().Map().Panel().geometry(), Page().Sonar().Panel().geometry()};
+    for (const DrawnText& drawn : TextDevice::Of(Page(), {})) {
+        for (int pane = 0; pane < 2; ++pane) {
+            const QRect above(panes[pane].x(), panes[pane].y() - 44, panes[pane].width(), 44);
+            if (!QRectF(above).contains(drawn.ink.center()))
+                continue;
+            texts[pane] << drawn.text;
+            QVERIFY2(drawn.pixels >= 14, qPrintable(drawn.text));
+            QVERIFY2(
+                drawn.ink.right() < panes[pane].right() - (pane == 0 ? 3 : 6) * 44, qPrintable(drawn.text));
+        }
+    }
+    const QString position = ZrPositionShown::Text(at.lat, at.lng);
+    QCOMPARE(texts[0].join(QStringLiteral("  ")), position);
+    const QString line = texts[1].join(QLatin1Char(' '));
+    const bool isShort = line == QStringLiteral("Bottom ") + bottom;
+    QVERIFY2(isShort || line == QStringLiteral("Line 151 of 300, bottom at ") + bottom
+            || line == QStringLiteral("Line 151 of 300 bottom at ") + bottom,
+        qPrintable(line));
+    QVERIFY(!isShort || size.width() < 1200);
+}
+
+/// Events and targets over the waterfall are brighter than anything of it at night, and have a dark edge.
+void tst_SurveyReviewScreen::marksShowAtNight()
+{
+    Open(m_log);
+    Page().Events().Add(Rec().TimeOfPing(150.0), QStringLiteral("Wreck"));
+    Page().GoTo(Rec().TimeOfPing(170.0));
+    m_view->SetColours(ZrColourScheme::night);
+    WaitForLines();
+    const QImage picture = m_view->grab().toImage();
+    const QRect panel = Page().Sonar().Panel().geometry();
+    const int y = panel.y() + qRound(Page().Sonar().Panel().YOf(150.0) / m_view->devicePixelRatioF());
+    const auto light = [&](const QRect& area) {
+        int most = 0;
+        for (int row = area.top(); row <= area.bottom(); ++row)
+            for (int x = area.left(); x <= area.right(); ++x)
+                most = std::max(most, qGray(picture.pixel(x, row)));
+        return most;
+    };
+    const int mark = light(QRect(panel.x() + 2, y - 2, 20, 5));
+    const int other = light(QRect(panel.x() + 60, y - 20, 150, 40));
+    QVERIFY2(mark >= 150 && mark > other + 40, qPrintable(QStringLiteral("%1 %2").arg(mark).arg(other)));
+    Keep(QStringLiteral("night"));
+}
+
+/// Beside the list of events and over one pane alone as well; nothing shows through it.
+void tst_SurveyReviewScreen::lookLeavesTheWaterfall()
+{
+    Open(m_log);
+    Page().GoTo(Rec().TimeOfPing(150.0));
+    const ReviewLook& look = Page().Sonar().Look();
+    const ZrWaterfallPanel& panel = Page().Sonar().Panel();
+    for (const QSize size : {QSize(900, 600), QSize(1280, 800), QSize(2560, 1440)}) {
+        m_view->resize(size);
+        QTRY_COMPARE(Page().size(), size);
+        for (const bool hasList : {false, true}) {
+            Page().Events().setVisible(hasList);
+            QTest::keyClick(m_view.get(), Qt::Key_P);
+            WaitForLines();
+            const QString name = QStringLiteral("look-%1-%2").arg(size.width()).arg(int(hasList));
+            QVERIFY2(!look.geometry().intersects(panel.geometry()),
+                qPrintable(name + QStringLiteral(": %1").arg(look.y() - panel.geometry().bottom())));
+            QVERIFY(!hasList || look.geometry().right() < Page().Events().x());
+            // Between the palettes and the sliders lies its own colour alone.
+            const QImage picture = m_view->grab().toImage();
+            const int x = look.x() + look.findChildren<ZrSlider*>().first()->x() - ZrTheme::DpI(12);
+            for (int y = look.y() + 8; y < look.geometry().bottom() - 8; ++y)
+                QCOMPARE(picture.pixelColor(x, y), ZrTheme::formBack);
+            Keep(name);
+            QTest::keyClick(m_view.get(), Qt::Key_2);
+            QVERIFY2(look.y() - panel.y() > panel.height() / 2, qPrintable(name));
+            Keep(name + QStringLiteral("-large"));
+            QTest::keyClick(m_view.get(), Qt::Key_2);
+            QTest::keyClick(m_view.get(), Qt::Key_P);
+            QVERIFY(!look.isVisible());
+        }
+    }
+}
+
 /// The panels over the waterfall fit into it, and fingers hit what is in them.
 void tst_SurveyReviewScreen::toolsAtEverySize()
 {
@@ -186,10 +306,14 @@ void tst_SurveyReviewScreen::toolsAtEverySize()
             QWidget* panel = key == Qt::Key_K ? static_cast<QWidget*>(&Page().Sonar().Bottom())
                                               : static_cast<QWidget*>(&Page().Sonar().Look());
             QVERIFY(panel->isVisible());
-            QRect room = Page().Sonar().Panel().geometry();
-            if (key == Qt::Key_P)
-                room.setBottom(Page().Bar().y() - 1);
-            QVERIFY2(room.contains(panel->geometry()), qPrintable(name));
+            // Drawn on is the waterfall; what its look is chosen by leaves all of it in sight.
+            const QRect waterfall = Page().Sonar().Panel().geometry();
+            if (key == Qt::Key_K)
+                QVERIFY2(waterfall.contains(panel->geometry()), qPrintable(name));
+            else
+                QVERIFY2(
+                    !panel->geometry().intersects(waterfall) && panel->geometry().bottom() < Page().Bar().y(),
+                    qPrintable(name));
             const QList<ZrBtn*> buttons = panel->findChildren<ZrBtn*>();
             QVERIFY(buttons.size() >= 3);
             for (int i = 0; i < buttons.size(); ++i) {
@@ -263,8 +387,22 @@ void tst_SurveyReviewScreen::messagesLeaveControls()
         QVERIFY2(!toast.intersects(Page().Sonar().Look().geometry()),
             qPrintable(
                 QStringLiteral("%1 %2").arg(toast.y()).arg(Page().Sonar().Look().geometry().bottom())));
+        QVERIFY(toast.bottom() < Page().Sonar().Look().y());
+        // Whichever came first.
+        QTest::keyClick(m_view.get(), Qt::Key_P);
+        QVERIFY(m_view->findChild<ZrToast*>()->geometry().bottom() > toast.bottom());
+        QTest::keyClick(m_view.get(), Qt::Key_P);
+        QCOMPARE(m_view->findChild<ZrToast*>()->geometry(), toast);
         Keep(QStringLiteral("look%1").arg(size.width()));
         QTest::keyClick(m_view.get(), Qt::Key_P);
+        // With one pane alone the scale at its lower edge is left in sight.
+        for (const int pane : {int(Qt::Key_1), int(Qt::Key_2)}) {
+            QTest::keyClick(m_view.get(), static_cast<Qt::Key>(pane));
+            m_view->Tell(QStringLiteral("Event added"));
+            const QRect told = m_view->findChild<ZrToast*>()->geometry();
+            QVERIFY(told.bottom() < Page().Bar().y() - ZrTheme::DpI(ZrGridLayer::ScaleRoom));
+            QTest::keyClick(m_view.get(), static_cast<Qt::Key>(pane));
+        }
     }
     // Nor are the controls of the list; and the tool has room beside it in the smallest window.
     m_view->resize(900, 600);
@@ -366,12 +504,14 @@ void tst_SurveyReviewScreen::keysAreInToolTips()
 {
     Open(m_log);
     QStringList hints;
-    for (const ZrBtn* button : Page().findChildren<ZrBtn*>())
+    for (const ZrBtn* button : Page().findChildren<ZrBtn*>()) {
         hints << button->toolTip();
-    for (const char* key :
-        {"Space", "Shift+Space", "Left", "Right", "Shift+Left", "Shift+Right", "−", "+", "A", "B", "L", "E",
-            "Shift+E", "Ctrl+E", "T", "Ctrl+O", "Ctrl+L", "Ctrl+S", "F", "Shift+F", "1", "2", "3", "P", "S",
-            "O", "W", "K", "M", "G", "F6", "Del", "Ctrl+Z", "Ctrl+Y", "D", "Esc", "Return"}) {
+        QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->text + button->objectName()));
+    }
+    for (const char* key : {"Space", "Shift+Space", "Left", "Right", "Shift+Left", "Shift+Right", "−", "+",
+             "A", "B", "L", "E", "Shift+E", "Ctrl+E", "T", "Ctrl+O", "Ctrl+L", "Ctrl+S", "F", "Shift+F", "1",
+             "2", "3", "P", "S", "O", "W", "K", "M", "G", "F6", "Del", "Ctrl+Z", "Ctrl+Y", "D", "Shift+D",
+             "H", "C", "Esc", "Return"}) {
         const QString named = QLatin1Char('(') + QString::fromUtf8(key);
         bool isThere = false;
         for (const QString& hint : hints)

@@ -1,6 +1,8 @@
 // The page "Review": targets are measured in the waterfall, the bottom line is corrected there.
 
 #include "SurveyReviewWindow.h"
+#include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/sonar/ZrBottomFile.h"
 #include "ZrKit/sonar/ZrSonarBlanking.h"
 #include "ZrKit/ui/ZrTouchList.h"
@@ -153,9 +155,13 @@ void tst_SurveyReviewSonar::targetsAreEvents()
     QVERIFY(std::fabs(target.position.lat - 48.445) < 0.01);
     QVERIFY(target.length > 0.5 && target.width > 0.5);
     const auto subtitle = [this] { return Page().Events().List().Items()[0].subtitle; };
-    QVERIFY2(subtitle().contains(QStringLiteral("along")), qPrintable(subtitle()));
-    QVERIFY2(subtitle().contains(QString::number(target.length, 'f', 2) + QStringLiteral(" m")),
-        qPrintable(subtitle()));
+    // When, how large, and below that where.
+    const QString shown = QStringLiteral("%1  %2 × %3 m\n%4")
+                              .arg(ZrTimeText::Clock(target.time, 1))
+                              .arg(target.length, 0, 'f', 2)
+                              .arg(target.width, 0, 'f', 2)
+                              .arg(ZrPositionShown::Text(target.position.lat, target.position.lng));
+    QCOMPARE(subtitle(), shown);
     // Its name is edited as that of any event; it stays a target.
     Page().Events().Edit(0);
     TypeText(QStringLiteral("Anchor"));

@@ -30,6 +30,8 @@ class tst_ZrAxisTicks : public QObject
 private Q_SLOTS:
     void labels_data();
     void labels();
+    void angles_data();
+    void angles();
     void widenedRange();
     void labelsOfOtherValues();
     void absurdRanges_data();
@@ -67,6 +69,41 @@ void tst_ZrAxisTicks::labels()
     QFETCH(int, most);
     QFETCH(QString, expected);
     QCOMPARE(Labels(ZrAxisTicks(low, high, most)), expected);
+}
+
+void tst_ZrAxisTicks::angles_data()
+{
+    QTest::addColumn<double>("low");
+    QTest::addColumn<double>("high");
+    QTest::addColumn<int>("most");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("a turn") << 0.0 << 360.0 << 5 << QStringLiteral("0 90 180 270 360");
+    QTest::newRow("a turn, low") << 0.0 << 360.0 << 3 << QStringLiteral("0 180 360");
+    QTest::newRow("to and fro") << 80.4 << 268.3 << 3 << QStringLiteral("90 180");
+    QTest::newRow("to and fro, high") << 80.4 << 268.3 << 6 << QStringLiteral("90 120 150 180 210 240");
+    QTest::newRow("half a quarter") << -20.0 << 30.0 << 6 << QStringLiteral("-20 -10 0 10 20 30");
+    QTest::newRow("over north") << 341.0 << 363.0 << 3 << QStringLiteral("345 360");
+    QTest::newRow("no twenties") << 0.0 << 60.0 << 4 << QStringLiteral("0 30 60");
+    QTest::newRow("a degree") << 86.0 << 87.0 << 6 << QStringLiteral("86.0 86.2 86.4 86.6 86.8 87.0");
+    QTest::newRow("two turns") << 0.0 << 720.0 << 3 << QStringLiteral("0 360 720");
+    QTest::newRow("many turns") << -100.0 << 7300.0 << 5 << QStringLiteral("0 3600 7200");
+    QTest::newRow("equal") << 90.0 << 90.0 << 3 << QStringLiteral("90");
+}
+
+/// Of degrees: round numbers are those of a compass.
+void tst_ZrAxisTicks::angles()
+{
+    QFETCH(double, low);
+    QFETCH(double, high);
+    QFETCH(int, most);
+    QFETCH(QString, expected);
+    const ZrAxisTicks ticks(low, high, most, ZrAxisTicks::angular);
+    QCOMPARE(Labels(ticks), expected);
+    QVERIFY(static_cast<int>(ticks.Values().size()) <= most);
+    QVERIFY(ticks.Low() <= low && ticks.High() >= high);
+    const double quarter = 90.0 / ticks.Step();
+    QVERIFY(ticks.Step() > 90.0 || std::fabs(quarter - std::round(quarter)) < 1e-9);
 }
 
 void tst_ZrAxisTicks::widenedRange()
@@ -108,8 +145,10 @@ void tst_ZrAxisTicks::absurdRanges()
 {
     QFETCH(double, low);
     QFETCH(double, high);
-    for (const int most : {-1, 0, 2, 10, 1000000000}) {
-        const ZrAxisTicks ticks(low, high, most);
+    for (int way = 0; way < 10; ++way) {
+        const int most[] = {-1, 0, 2, 10, 1000000000};
+        const ZrAxisTicks ticks(
+            low, high, most[way / 2], way % 2 == 0 ? ZrAxisTicks::decimal : ZrAxisTicks::angular);
         QVERIFY(ticks.Step() > 0.0);
         QVERIFY(std::isfinite(ticks.Low()) && std::isfinite(ticks.High()));
         QVERIFY(ticks.Low() < ticks.High());

@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -61,6 +62,9 @@ private Q_SLOTS:
     void everyAxisHasNumbers_data();
     void everyAxisHasNumbers();
     void numbersOfAllTicks();
+    void headings_data();
+    void headings();
+    void curvesOfOneColour();
 
 private:
     void Show();
@@ -370,6 +374,85 @@ void tst_ZrPlotPanel::numbersOfAllTicks()
     QVERIFY(m_panel->Labels(9).isEmpty());
     m_panel->SetTimeLine(nullptr);
     QVERIFY(m_panel->Labels(0).isEmpty());
+}
+
+void tst_ZrPlotPanel::headings_data()
+{
+    QTest::addColumn<double>("from"); // of the curve, which has no leaps
+    QTest::addColumn<double>("to");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<QString>("expected"); // from below
+
+    QTest::newRow("lines to and fro") << 80.4 << 268.3 << 100 << QStringLiteral("90 180");
+    QTest::newRow("higher") << 80.4 << 268.3 << 200 << QStringLiteral("90 120 150 180 210 240");
+    QTest::newRow("round") << 0.0 << 360.0 << 200 << QStringLiteral("0 90 180 270 360");
+    QTest::newRow("round, low") << 0.0 << 360.0 << 100 << QStringLiteral("0 180 360");
+    QTest::newRow("over north") << 345.0 << 366.0 << 100 << QStringLiteral("345 360");
+    QTest::newRow("over north, mostly behind it") << 350.0 << 400.0 << 100 << QStringLiteral("0 30");
+    QTest::newRow("west of north") << -100.0 << -5.0 << 100 << QStringLiteral("270 330");
+    QTest::newRow("after many turns") << 3690.0 << 3870.0 << 100 << QStringLiteral("90 180 270");
+    QTest::newRow("two turns") << 725.0 << 1450.0 << 100 << QStringLiteral("360 720");
+}
+
+/// A curve that runs over north has an axis all the same on which larger numbers stand higher.
+void tst_ZrPlotPanel::headings()
+{
+    QFETCH(double, from);
+    QFETCH(double, to);
+    QFETCH(int, height);
+    QFETCH(QString, expected);
+    ZrPlotSeries series(m_data->times);
+    for (int i = 0; i < 100; ++i)
+        series.Append(static_cast<float>(from + (to - from) * i / 99.0));
+    m_panel->SetPlots(
+        {{QStringLiteral("Heading"), ZrPlotPanel::angle, false, {{&series, QColor(), QString()}}}});
+    m_panel->resize(600, height);
+    QVector<ZrPlotPanel::Label> labels = m_panel->Labels(0);
+    std::sort(
+        labels.begin(), labels.end(), [](const auto& a, const auto& b) { return a.rect.y() > b.rect.y(); });
+    QStringList texts;
+    for (const ZrPlotPanel::Label& label : qAsConst(labels)) {
+        QVERIFY2(texts.isEmpty() || label.text.toDouble() > texts.last().toDouble(), qPrintable(label.text));
+        // Nothing but whole turns is left out.
+        QCOMPARE(std::remainder(label.value - label.text.toDouble(), 360.0), 0.0);
+        texts << label.text;
+    }
+    QCOMPARE(texts.join(QLatin1Char(' ')), expected);
+}
+
+/// Where colours say little, as at night, a curve is dashed, and so is the piece of it beside its value.
+void tst_ZrPlotPanel::curvesOfOneColour()
+{
+    ZrPlotSeries flat(m_data->times);
+    for (int i = 0; i < 100; ++i)
+        flat.Append(3.0F);
+    const QColor red(255, 0, 0);
+    ZrPlotPanel::Plot plot{QStringLiteral("Both"), ZrPlotPanel::number, false,
+        {{&m_data->depth, QColor(0, 255, 0), QStringLiteral("a")}, {&flat, red, QStringLiteral("b")}}};
+    const auto longest = [&](const QRect& area) {
+        // Of the rows in it, in one go, where it is red.
+        const QImage image = Painted(*m_panel);
+        int most = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y) {
+            int run = 0;
+            for (int x = area.left(); x <= area.right(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                run = colour.red() > 100 && colour.green() < 90 && colour.blue() < 90 ? run + 1 : 0;
+                most = std::max(most, run);
+            }
+        }
+        return most;
+    };
+    m_panel->SetPlots({plot});
+    const QRect curves = m_panel->PlotRect(0);
+    const QRect head(curves.x() + 60, 0, curves.width() - 60, curves.y());
+    QVERIFY(longest(curves) > curves.width() / 2);
+    const int solid = longest(head);
+    QVERIFY2(solid >= 12, qPrintable(QString::number(solid)));
+    plot.curves[1].style = Qt::DashLine;
+    m_panel->SetPlots({plot});
+    QVERIFY2(longest(curves) < 20, qPrintable(QString::number(longest(curves))));
+    QVERIFY(longest(head) < solid);
 }
 
 QTEST_MAIN(tst_ZrPlotPanel)

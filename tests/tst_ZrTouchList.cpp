@@ -84,6 +84,10 @@ private Q_SLOTS:
     void textIsNeverTiny();
     void linesInTheMiddle_data();
     void linesInTheMiddle();
+
+    void moreLines_data() { linesInTheMiddle_data(); }
+
+    void moreLines();
     void manyRows();
     void rowsAreMadeWhenSeen();
     void rowsInsteadOfItems();
@@ -540,6 +544,37 @@ void tst_ZrTouchList::linesInTheMiddle()
         const double off = (inks[0].top() + inks[1].bottom()) / 2.0 - QRectF(at).center().y();
         QVERIFY2(std::fabs(off) <= 1.5 * std::max(scale, 1.0), qPrintable(QString::number(off)));
     }
+}
+
+/// A row with three of them is as tall as they need, and none is cut off; a screen reader has all.
+void tst_ZrTouchList::moreLines()
+{
+    QFETCH(double, scale);
+    const ZrThemeState theme(scale);
+    ZrTouchList list(nullptr);
+    list.resize(600, 500);
+    ZrListItem item;
+    item.title = QStringLiteral("HHH");
+    item.subtitle = QStringLiteral("HH\nH");
+    ZrListItem less = item;
+    less.subtitle = QStringLiteral("HH");
+    list.SetItems({item, less, item});
+    QVERIFY(RowRect(list, 0).height() >= RowRect(list, 1).height());
+    for (const int row : {0, 2}) {
+        const QRect at = RowRect(list, row);
+        QVector<DrawnText> lines;
+        for (const DrawnText& drawn : TextDevice::Of(*list.viewport())) {
+            if (QRectF(at).contains(drawn.ink.center()))
+                lines.append(drawn);
+        }
+        QCOMPARE(lines.size(), 3);
+        QCOMPARE(lines[2].text, QStringLiteral("H"));
+        for (int i = 1; i < 3; ++i)
+            QVERIFY(lines[i - 1].ink.bottom() < lines[i].ink.top());
+        QVERIFY(lines[0].ink.top() >= at.top() + 3 && lines[2].ink.bottom() <= at.bottom() - 3);
+        QCOMPARE(lines[1].pixels, lines[2].pixels);
+    }
+    QCOMPARE(list.model()->index(0, 0).data(Qt::AccessibleTextRole).toString(), QStringLiteral("HHH, HH, H"));
 }
 
 void tst_ZrTouchList::manyRows()

@@ -35,6 +35,8 @@ constexpr double barHeight = 10.0;
 constexpr double casing = 2.0;
 constexpr double arrowRadius = 34.0;
 
+static_assert(edge + barTextHeight + barHeight + 2.0 * casing == double(ZrGridLayer::ScaleRoom));
+
 constexpr int middleGrey = 128;
 
 constexpr double farthest = 2e7; ///< metres

@@ -48,6 +48,7 @@ public:
 
     static constexpr int DrawCalls = 2; ///< lines and shapes, texts
     static constexpr double LeastSpacing = 40.0; ///< design pixels
+    static constexpr float ScaleRoom = 54.0F; ///< at the lower edge, for the scale bar, design pixels
 
     bool m_hasGrid = true;
     bool m_hasTexts = true; ///< of the grid

@@ -9,6 +9,9 @@ namespace {
 constexpr double largest = 1e300; ///< leaves room for sums and for the next multiple
 constexpr int mostDecimals = 9; ///< more are shown as a power of ten
 constexpr double mostPlain = 1e9; ///< likewise for digits in front of the point
+constexpr double slack = 1e-9; ///< what rounding may add to a share
+constexpr double turn = 360.0; ///< degrees
+constexpr double largestDecimal = 10.0 * (1.0 + slack); ///< step of angles, degrees
 
 double Finite(double value)
 {
@@ -17,7 +20,7 @@ double Finite(double value)
 
 } // namespace
 
-ZrAxisTicks::ZrAxisTicks(double low, double high, int most)
+ZrAxisTicks::ZrAxisTicks(double low, double high, int most, eSteps steps)
 {
     double first = std::min(Finite(low), Finite(high));
     double last = std::max(Finite(low), Finite(high));
@@ -31,13 +34,10 @@ ZrAxisTicks::ZrAxisTicks(double low, double high, int most)
     }
     const double count = std::min(std::max(most, 2), MostTicks) - 1;
     const double least = std::max(last / count - first / count, resolution);
-    m_power = static_cast<int>(std::floor(std::log10(least)));
-    const double share = least / std::pow(10.0, m_power);
-    m_digit = share <= 1.0 + 1e-9 ? 1.0 : share <= 2.0 + 1e-9 ? 2.0 : share <= 5.0 + 1e-9 ? 5.0 : 10.0;
-    if (m_digit > 5.0) {
-        m_digit = 1.0;
-        ++m_power;
-    }
+    if (steps == angular && least > largestDecimal)
+        SetAngle(first, last, count);
+    else
+        SetStep(least);
     m_step = Multiple(1.0);
     m_decimals = std::max(0, -m_power);
     m_low = Multiple(std::floor(first / m_step + 1e-9));
@@ -46,6 +46,32 @@ ZrAxisTicks::ZrAxisTicks(double low, double high, int most)
     const double end = std::floor(last / m_step + 1e-9);
     for (double k = begin; k <= end && m_values.size() < MostTicks; k += 1.0)
         m_values.push_back(Multiple(k));
+}
+
+/// The next step from \p least on, but for rounding.
+void ZrAxisTicks::SetStep(double least)
+{
+    m_power = static_cast<int>(std::floor(std::log10(least)));
+    const double share = least / std::pow(10.0, m_power);
+    m_digit = share <= 1.0 + slack ? 1.0 : share <= 2.0 + slack ? 2.0 : share <= 5.0 + slack ? 5.0 : 10.0;
+    if (m_digit > 5.0) {
+        m_digit = 1.0;
+        ++m_power;
+    }
+}
+
+/// The first step above the decimal ones with no more than \p count spans between its ticks.
+void ZrAxisTicks::SetAngle(double first, double last, double count)
+{
+    for (const double step : {15.0, 30.0, 45.0, 90.0, 180.0, turn}) {
+        if (std::floor(last / step + slack) - std::ceil(first / step - slack) <= count) {
+            m_digit = step;
+            m_power = 0;
+            return;
+        }
+    }
+    SetStep((last / count - first / count) / turn);
+    m_digit *= turn;
 }
 
 /// \p count times the step, rounded once where it can be: three tenths are 0.3.

@@ -9,7 +9,7 @@
 struct ZrListItem
 {
     QString title;
-    QString subtitle; ///< in a second line, smaller; may be empty
+    QString subtitle; ///< in a second line, smaller; may be empty, or have line breaks
     QString detail; ///< at the right edge, for instance a length; may be empty
     QImage image; ///< at the left edge: an icon (alpha mask, painted in the colour of the text) or a picture
     bool isPicture = false; ///< the image is a picture

@@ -23,6 +23,8 @@ constexpr float leastHeight = 64.0F; ///< of a plot, design pixels
 constexpr float twoColumns = 900.0F; ///< from this width on, design pixels
 constexpr float leastTwoColumns = 640.0F; ///< where plots are left out otherwise
 constexpr float tickDistance = 22.0F; ///< design pixels at least
+constexpr float sampleWidth = 20.0F; ///< of a curve in front of its value, design pixels
+constexpr double turn = 360.0; ///< degrees
 
 QColor ColourOf(const ZrPlotPanel::Curve& curve)
 {
@@ -63,8 +65,28 @@ QString UnitOf(int quantity)
 
 double Turned(double degrees)
 {
-    const double turned = std::fmod(degrees, 360.0);
-    return turned < 0.0 ? turned + 360.0 : turned;
+    const double turned = std::fmod(degrees, turn);
+    return turned < 0.0 ? turned + turn : turned;
+}
+
+/// Whole turns that the numbers of an axis go without. All of them the same: a number that began anew at
+/// north would stand above larger ones. The middle of what is visible is between 0 and 360 then.
+double TurnsLess(const ZrPlotSeries::Extent& extent)
+{
+    const double low = static_cast<double>(extent.min);
+    const double span = std::min(static_cast<double>(extent.max) - low, turn);
+    return turn * std::floor((low + span / 2.0) / turn);
+}
+
+QPen PenOf(const ZrPlotPanel::Curve& curve)
+{
+    QPen pen(ColourOf(curve), PenWidth());
+    if (curve.style == Qt::SolidLine)
+        return pen;
+    // Caps of the usual kind would fill the gaps of so thin a line.
+    pen.setCapStyle(Qt::FlatCap);
+    pen.setStyle(curve.style);
+    return pen;
 }
 
 } // namespace
@@ -279,7 +301,8 @@ ZrAxisTicks ZrPlotPanel::TicksOf(int plot, const ZrPlotSeries::Extent& extent) c
 {
     const double scale = ScaleOf(m_plots[plot].quantity);
     const int most = std::max(PlotRect(plot).height() / std::max(ZrTheme::DpI(tickDistance), 1), 2);
-    return {static_cast<double>(extent.min) * scale, static_cast<double>(extent.max) * scale, most};
+    return {static_cast<double>(extent.min) * scale, static_cast<double>(extent.max) * scale, most,
+        m_plots[plot].quantity == angle ? ZrAxisTicks::angular : ZrAxisTicks::decimal};
 }
 
 int ZrPlotPanel::YOf(int plot, double value, const ZrAxisTicks& ticks) const
@@ -300,10 +323,10 @@ QVector<ZrPlotPanel::Label> ZrPlotPanel::Labels(int plot) const
     const QRect rect = PlotRect(plot);
     const int high = QFontMetrics(SmallFont()).height();
     const int left = Area(plot % Columns()).x() - Area(0).x();
+    const double less = m_plots[plot].quantity == angle ? TurnsLess(extent) : 0.0;
     const auto label = [&](double value, int y) {
-        const double shown = m_plots[plot].quantity == angle ? Turned(value) : value;
-        return Label{
-            value, QRect(left, y - high / 2, rect.x() - ZrTheme::DpI(6) - left, high), ticks.Label(shown)};
+        return Label{value, QRect(left, y - high / 2, rect.x() - ZrTheme::DpI(6) - left, high),
+            ticks.Label(value - less)};
     };
     QVector<Label> labels;
     for (const double value : ticks.Values()) {
@@ -325,42 +348,55 @@ QVector<ZrPlotPanel::Label> ZrPlotPanel::Labels(int plot) const
     return labels;
 }
 
-void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
+/// The caption, and behind it the values at the cursor.
+void ZrPlotPanel::PaintHead(QPainter& painter, int index, const QRect& head)
 {
     const Plot& plot = m_plots[index];
-    const QRect rect = PlotRect(index);
     const QFontMetrics metrics = painter.fontMetrics();
-    const ZrPlotSeries::Extent extent = ExtentOf(index);
-
-    // The caption, and behind it the values at the cursor.
-    int x = rect.x();
-    const QRect head(x, rect.y() - metrics.height() - ZrTheme::DpI(2), rect.width(), metrics.height());
     painter.setPen(ZrTheme::bodyCol);
     painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter, plot.caption);
     int right = head.right() + 1;
-    const int captionEnd = x + metrics.horizontalAdvance(plot.caption) + ZrTheme::DpI(12);
+    const int captionEnd = head.x() + metrics.horizontalAdvance(plot.caption) + ZrTheme::DpI(12);
+    const int between = ZrTheme::DpI(16);
+    const int count = plot.curves.size();
     const auto told = [&](int i, bool withName) {
         const QString text = ValueText(index, i);
         const QString& name = plot.curves[i].name;
         return !withName || name.isEmpty() ? text : name + QLatin1Char(' ') + text;
     };
-    const int between = ZrTheme::DpI(16);
-    int all = -between;
-    for (int i = 0; i < plot.curves.size(); ++i)
-        all += metrics.horizontalAdvance(told(i, true)) + 2 + between;
-    // Without their names they have their colours still.
-    const bool isNamed = all <= right - captionEnd;
-    for (int i = plot.curves.size() - 1; i >= 0; --i) {
+    const auto width = [&](int i, bool withName) { return metrics.horizontalAdvance(told(i, withName)) + 2; };
+    int named = -between;
+    for (int i = 0; i < count; ++i)
+        named += width(i, true) + between;
+    // A piece of the curve in front of each name; where that is too much the names alone, which a piece
+    // without a name stands for where they are too much as well.
+    const int sample = ZrTheme::DpI(sampleWidth) + ZrTheme::DpI(6);
+    const bool isNamed = named <= right - captionEnd;
+    const bool isSampled = count > 1 && (!isNamed || named + count * sample <= right - captionEnd);
+    for (int i = count - 1; i >= 0; --i) {
         const Curve& curve = plot.curves[i];
-        const QString text = told(i, isNamed);
-        const int width = metrics.horizontalAdvance(text) + 2;
-        if (right - width < captionEnd)
+        const int wide = width(i, isNamed) + (isSampled ? sample : 0);
+        if (right - wide < captionEnd)
             break;
-        painter.setPen(plot.curves.size() > 1 && curve.colour.isValid() ? curve.colour : ZrTheme::ctrlCol);
-        painter.drawText(
-            QRect(right - width, head.y(), width, head.height()), Qt::AlignRight | Qt::AlignVCenter, text);
-        right -= width + between;
+        painter.setPen(count > 1 && curve.colour.isValid() ? curve.colour : ZrTheme::ctrlCol);
+        painter.drawText(QRect(right - wide, head.y(), wide, head.height()),
+            Qt::AlignRight | Qt::AlignVCenter, told(i, isNamed));
+        if (isSampled) {
+            const int y = head.center().y();
+            painter.setPen(PenOf(curve));
+            painter.drawLine(right - wide, y, right - wide + ZrTheme::DpI(sampleWidth), y);
+        }
+        right -= wide + between;
     }
+}
+
+void ZrPlotPanel::PaintPlot(QPainter& painter, int index)
+{
+    const Plot& plot = m_plots[index];
+    const QRect rect = PlotRect(index);
+    const int high = painter.fontMetrics().height();
+    const ZrPlotSeries::Extent extent = ExtentOf(index);
+    PaintHead(painter, index, {rect.x(), rect.y() - high - ZrTheme::DpI(2), rect.width(), high});
     painter.setPen(QPen(ZrTheme::gridCol, 1));
     painter.drawRect(rect.adjusted(0, 0, -1, -1));
     if (!extent.IsKnown()) {
@@ -394,7 +430,7 @@ QVector<double> ZrPlotPanel::KeyOf(const Curve& curve, double low, double high, 
     return {static_cast<double>(reinterpret_cast<quintptr>(curve.series)),
         static_cast<double>(curve.series->Count()), m_line->VisibleBegin(), m_line->VisibleEnd(),
         m_line->AreGapsCut() ? 1.0 : 0.0, m_line->LongestStep(), low, high, isDown ? 1.0 : 0.0,
-        static_cast<double>(ColourOf(curve).rgba()), PenWidth()};
+        static_cast<double>(ColourOf(curve).rgba()), PenWidth(), static_cast<double>(curve.style)};
 }
 
 void ZrPlotPanel::PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low,
@@ -403,7 +439,7 @@ void ZrPlotPanel::PaintCurve(QPainter& painter, const Curve& curve, const QRect&
     m_decimator.mostStep = m_line->LongestStep();
     QPolygonF line;
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(ColourOf(curve), PenWidth()));
+    painter.setPen(PenOf(curve));
     const auto draw = [&painter, &line] {
         if (line.size() > 1)
             painter.drawPolyline(line);

@@ -41,7 +41,7 @@ public:
         number, ///< as it is
         length, ///< metres, shown in the short unit
         speed, ///< metres per second
-        angle, ///< degrees without leaps, shown as 0 to 360
+        angle, ///< degrees without leaps; values are shown as 0 to 360, axes have the quarters of a turn
         tilt ///< degrees, as they are
     };
 
@@ -50,6 +50,7 @@ public:
         const ZrPlotSeries* series = nullptr; ///< must stay
         QColor colour; ///< the theme's highlight while invalid
         QString name; ///< in front of its value, where a plot has several
+        Qt::PenStyle style = Qt::SolidLine; ///< what tells curves apart that are of much the same colour
     };
 
     struct Plot
@@ -79,7 +80,8 @@ public:
     /// A number beside the value axis.
     struct Label
     {
-        double value = 0.0; ///< in the units in force, as the curves have it
+        double value
+            = 0.0; ///< in the units in force, as the curves have it; of angles the text may lack turns
         QRect rect; ///< of the widget
         QString text;
     };
@@ -117,6 +119,7 @@ private:
     int YOf(int plot, double value, const ZrAxisTicks& ticks) const;
     double FractionAt(double x) const;
     void PaintPlot(QPainter& painter, int index);
+    void PaintHead(QPainter& painter, int index, const QRect& head);
     QVector<double> KeyOf(const Curve& curve, double low, double high, bool isDown) const;
     void PaintCurve(QPainter& painter, const Curve& curve, const QRect& rect, double low, double high,
         double scale, bool isDown);

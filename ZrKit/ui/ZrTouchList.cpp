@@ -16,6 +16,15 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+QStringList Lines(const ZrListItem& item)
+{
+    return item.subtitle.split(QLatin1Char('\n'));
+}
+
+} // namespace
+
 class ZrTouchList::Model : public QAbstractListModel
 {
 public:
@@ -39,7 +48,7 @@ public:
     {
         if (role == Qt::AccessibleTextRole || role == Qt::DisplayRole) {
             const ZrListItem item = Item(index.row());
-            QStringList parts{item.title, item.subtitle, item.detail};
+            QStringList parts = QStringList{item.title} + Lines(item) + QStringList{item.detail};
             parts.removeAll(QString());
             return parts.join(QStringLiteral(", "));
         }
@@ -72,8 +81,12 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& /*option*/, const QModelIndex& index) const override
     {
-        const bool isTall = !m_list.Item(index.row()).subtitle.isEmpty();
-        return {ZrTheme::DpI(100), std::max(ZrTheme::DpI(isTall ? RowHeight : 56), 44)};
+        const ZrListItem item = m_list.Item(index.row());
+        const int lines = Lines(item).size();
+        int height = std::max(ZrTheme::DpI(item.subtitle.isEmpty() ? 56 : RowHeight), 44);
+        if (lines > 1)
+            height = std::max(height, TextHeight(lines) + 2 * ZrTheme::DpI(8));
+        return {ZrTheme::DpI(100), height};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
@@ -107,6 +120,13 @@ public:
     }
 
 private:
+    /// Of the title and so many lines below it.
+    static int TextHeight(int lines)
+    {
+        return QFontMetrics(ZrLegible::Font(18)).height()
+            + lines * QFontMetrics(ZrLegible::Font(15)).height();
+    }
+
     /// Returns the width that the image takes.
     static int PaintImage(QPainter& painter, const ZrListItem& item, const QRect& area)
     {
@@ -141,15 +161,20 @@ private:
             painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, title);
             return;
         }
-        // Both as one in the middle of the row, as the picture is.
+        // All as one in the middle of the row, as the picture is.
+        const QStringList lines = Lines(item);
         const int high = painter.fontMetrics().height();
-        const int low = QFontMetrics(ZrLegible::Font(15)).height();
-        const int top = area.y() + (area.height() - high - low) / 2;
-        painter.drawText(QRect(area.x(), top, area.width(), high), Qt::AlignLeft | Qt::AlignTop, title);
+        int y = area.y() + (area.height() - TextHeight(lines.size())) / 2;
+        painter.drawText(QRect(area.x(), y, area.width(), high), Qt::AlignLeft | Qt::AlignTop, title);
+        y += high;
         painter.setFont(ZrLegible::Font(15));
         painter.setPen(ZrTheme::bodyCol);
-        painter.drawText(QRect(area.x(), top + high, area.width(), low), Qt::AlignLeft | Qt::AlignTop,
-            painter.fontMetrics().elidedText(item.subtitle, Qt::ElideRight, area.width()));
+        const int low = painter.fontMetrics().height();
+        for (const QString& line : lines) {
+            painter.drawText(QRect(area.x(), y, area.width(), low), Qt::AlignLeft | Qt::AlignTop,
+                painter.fontMetrics().elidedText(line, Qt::ElideRight, area.width()));
+            y += low;
+        }
     }
 
     ZrTouchList& m_list;

@@ -29,7 +29,8 @@ class ZR_KIT_EXPORT ZrTouchList : public QListView
     Q_OBJECT
 
 public:
-    static constexpr float RowHeight = 72.0F; ///< design pixels; rows without a subtitle take 56
+    static constexpr float RowHeight = 72.0F; ///< design pixels; rows without a subtitle take 56, those with
+                                              ///< more than one line of it what they need
 
     QString m_empty; ///< shown while there is no item
 

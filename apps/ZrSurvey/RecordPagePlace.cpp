@@ -205,8 +205,8 @@ void RecordPage::PaintSonar(QPainter& painter) const
     ZrWaterfallOverlay::PaintScale(painter, layout, font, ZrColourScheme::OverPicture(scaleColour));
 }
 
-/// The event buttons and the note.
+/// The event buttons and the note, and the scales of map and waterfall above them.
 int RecordPage::FreeBelow() const
 {
-    return height() - m_note->y();
+    return height() - m_note->y() + ZrTheme::DpI(ZrGridLayer::ScaleRoom);
 }

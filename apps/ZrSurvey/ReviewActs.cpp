@@ -118,7 +118,6 @@ void ReviewPage::StepEvent(int direction)
     m_clock.Pause();
     GoTo(m_recording->TimeOf(events.At(event)));
     m_events->SetCurrent(static_cast<int>(event));
-    m_bar->SetCurrentEvent(FlagOf(static_cast<int>(event)));
 }
 
 void ReviewPage::SetRangeEnd(int end)
@@ -248,10 +247,10 @@ bool ReviewPage::OnKey(int key, Qt::KeyboardModifiers modifiers)
     case Qt::Key_3:
         return click(m_plotsLarge);
     case Qt::Key_F6:
-        m_events->Edit(m_events->Current());
+        m_events->EditCurrent();
         return true;
     case Qt::Key_Delete:
-        m_events->Remove(m_events->Current());
+        m_events->RemoveCurrent();
         return true;
     case Qt::Key_Z:
     case Qt::Key_Y:
@@ -291,6 +290,13 @@ bool ReviewPage::OnToolKey(int key, Qt::KeyboardModifiers modifiers)
         measure.Store();
         return true;
     }
+    if (measure.IsOn() && measure.Target() && (key == Qt::Key_H || key == Qt::Key_C)) {
+        if (key == Qt::Key_H)
+            measure.ToggleShadow();
+        else
+            measure.Clear();
+        return true;
+    }
     if (!bottom.IsOn())
         return false;
     switch (key) {
@@ -304,7 +310,10 @@ bool ReviewPage::OnToolKey(int key, Qt::KeyboardModifiers modifiers)
             bottom.Undo();
         return true;
     case Qt::Key_D:
-        bottom.Detect();
+        if (isShift)
+            bottom.SetSides((bottom.Sides() + 1) % ReviewBottom::sidesCount);
+        else
+            bottom.Detect();
         return true;
     case Qt::Key_Delete:
         bottom.TakeBack();

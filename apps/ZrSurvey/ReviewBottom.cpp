@@ -57,9 +57,12 @@ ReviewBottom::ReviewBottom(QWidget* parent, SurveyView& view, ZrWaterfallPanel& 
 {
     hide();
     setAccessibleName(tr("Correct the bottom line"));
-    m_sideButtons = {Text(this, ZrBtn::typeStd, tr("P"), tr("The detection listens to port alone")),
-        Text(this, ZrBtn::typeStd, tr("P+S"), tr("The detection listens to both sides together")),
-        Text(this, ZrBtn::typeStd, tr("S"), tr("The detection listens to starboard alone"))};
+    m_sideButtons = {Text(this, ZrBtn::typeStd, tr("P"),
+                         tr("The detection listens to port alone (Shift+D goes through them)")),
+        Text(this, ZrBtn::typeStd, tr("P+S"),
+            tr("The detection listens to both sides together (Shift+D goes through them)")),
+        Text(this, ZrBtn::typeStd, tr("S"),
+            tr("The detection listens to starboard alone (Shift+D goes through them)"))};
     for (int i = 0; i < m_sideButtons.size(); ++i)
         connect(m_sideButtons[i], &ZrBtn::Clicked, this, [this, i] { SetSides(i); });
     connect(m_undo, &ZrBtn::Clicked, this, &ReviewBottom::Undo);

@@ -28,7 +28,8 @@ public:
     {
         portAlone,
         bothSides,
-        starboardAlone
+        starboardAlone,
+        sidesCount
     };
 
     ReviewBottom(QWidget* parent, SurveyView& view, ZrWaterfallPanel& panel);
@@ -42,6 +43,9 @@ public:
     ZrBottomEditor& Editor() { return m_editor; }
 
     void SetSides(int sides);
+
+    int Sides() const { return m_sides; } ///< an `eSides`
+
     void Undo();
     void Redo();
     void TakeBack(); ///< what was drawn in the lines that are in view

@@ -50,18 +50,23 @@ ReviewEvents::ReviewEvents(QWidget* parent, SurveyView& view)
     , m_banner(new StateBanner(this, view, StateBanner::aboutEvents))
     , m_list(new ZrTouchList(this))
     , m_text(new ZrTextPanel(&view))
-    , m_edit(Tool(this, "edit", tr("Edit the event (F6)")))
-    , m_remove(Tool(this, "delete", tr("Remove the event (Del)")))
+    , m_edit(Tool(this, "edit", tr("Edit the event at the cursor (F6)")))
+    , m_remove(Tool(this, "delete", tr("Remove the event at the cursor (Del)")))
     , m_undo(Tool(this, "undo", tr("Undo (Ctrl+Z)")))
     , m_redo(Tool(this, "redo", tr("Redo (Ctrl+Y)")))
-    , m_close(Tool(this, "cancel", tr("Close the list")))
+    , m_close(Tool(this, "cancel", tr("Close the list (Ctrl+L)")))
 {
     m_list->m_empty = tr("No events yet. Add one at the cursor with E.");
     connect(m_banner, &ZrBanner::Changed, this, &ReviewEvents::Place);
     connect(m_list, &ZrTouchList::Chosen, this, &ReviewEvents::Chosen);
+    connect(m_list, &ZrTouchList::CurrentChanged, this, [this](int row) {
+        // By keys; the focus alone chooses nothing.
+        if (m_list->selectionModel()->isRowSelected(row, QModelIndex()))
+            Q_EMIT Chosen(row);
+    });
     connect(m_list, &ZrTouchList::Held, this, &ReviewEvents::Edit);
-    connect(m_edit, &ZrBtn::Clicked, this, [this] { Edit(m_list->Current()); });
-    connect(m_remove, &ZrBtn::Clicked, this, [this] { Remove(m_list->Current()); });
+    connect(m_edit, &ZrBtn::Clicked, this, &ReviewEvents::EditCurrent);
+    connect(m_remove, &ZrBtn::Clicked, this, &ReviewEvents::RemoveCurrent);
     connect(m_undo, &ZrBtn::Clicked, this, &ReviewEvents::Undo);
     connect(m_redo, &ZrBtn::Clicked, this, &ReviewEvents::Redo);
     connect(m_close, &ZrBtn::Clicked, this, &ReviewEvents::Closed);
@@ -70,22 +75,37 @@ ReviewEvents::ReviewEvents(QWidget* parent, SurveyView& view)
 void ReviewEvents::Show(ZrSurveyRecording* recording)
 {
     m_recording = recording;
+    m_cursor = std::numeric_limits<double>::quiet_NaN();
+    m_current = 0;
     Fill();
 }
 
-/// Of a target its size and place in the units in force.
-QString ReviewEvents::Subtitle(const ZrLogEvt& evt) const
+/// When it was, then what else is known, in the units in force; a position in a line of its own.
+QString ReviewEvents::Lines(const ZrLogEvt& evt) const
 {
-    ZrSonarTarget target;
+    const auto beside = [](QStringList texts) {
+        texts.removeAll(QString());
+        return texts.join(QStringLiteral("  "));
+    };
+    const auto below = [](const QString& line, const QString& position) {
+        return line.isEmpty() ? position : line + QLatin1Char('\n') + position;
+    };
     const QString time = ZrTimeText::DateClock(evt.time, 1);
+    ZrSonarTarget target;
     if (!ZrTargetEvent::ToTarget(evt, target)) {
         const QString detail = evt.detail.simplified();
         const QString shown = ZrPositionShown::OfDetail(detail);
-        // A position and the day have no room beside each other, and the day is that of the recording.
-        if (shown != detail)
-            return shown + QStringLiteral("  ") + ZrTimeText::Clock(evt.time);
-        return detail.isEmpty() ? time : time + QStringLiteral("  ") + detail;
+        return shown == detail ? beside({time, detail}) : below(time, shown);
     }
+    // Sizes and the day have no room beside each other, and the day is that of the recording.
+    const QString size = review::size_text(target.length, target.width, target.height);
+    return below(size.isEmpty() ? time : beside({ZrTimeText::Clock(evt.time, 1), size}),
+        review::position_text(target.position.lat, target.position.lng));
+}
+
+/// The size in words, and the place.
+QString ReviewEvents::Details(const ZrSonarTarget& target) const
+{
     QStringList sizes;
     const auto add = [&sizes](const QString& name, double metres) {
         if (std::isfinite(metres))
@@ -101,25 +121,39 @@ QString ReviewEvents::Subtitle(const ZrLogEvt& evt) const
 void ReviewEvents::Fill()
 {
     QVector<ZrListItem> items;
+    std::vector<double> steady;
     if (m_recording) {
         const ZrEventList& events = m_recording->Events();
         for (std::size_t i = 0; i < events.Count(); ++i) {
             const ZrLogEvt& evt = events.At(i);
             ZrListItem item;
             item.title = evt.text.isEmpty() ? tr("Event") : evt.text.simplified();
-            item.subtitle = Subtitle(evt);
+            item.subtitle = Lines(evt);
+            steady.push_back(m_recording->TimeOf(evt));
             ZrSonarTarget target;
             item.edge = ZrTargetEvent::ToTarget(evt, target) ? ZrTheme::ctrlHighlightCol : ZrTheme::warnCol;
             items.append(item);
         }
     }
     m_list->SetItems(items);
+    m_flags = ZrEventFlags(steady);
+    const int current = Current();
+    const bool isKept = current >= 0 && (m_flags.FlagOf(current) < 0 || IsAtCursor(current));
+    SetCurrent(isKept ? current : m_flags.At(m_cursor, AtCursor));
     setProperty(unitsShown, Units());
     const bool hasLog = m_recording != nullptr;
     m_undo->setEnabled(hasLog && m_recording->Events().CanUndo());
     m_redo->setEnabled(hasLog && m_recording->Events().CanRedo());
-    m_edit->setEnabled(!items.isEmpty());
-    m_remove->setEnabled(!items.isEmpty());
+}
+
+/// What was added or changed is the current one if the cursor is there, else the list shows it.
+void ReviewEvents::Reveal(u64 id)
+{
+    const int event = static_cast<int>(m_recording->Events().IndexOf(id));
+    if (IsAtCursor(event))
+        SetCurrent(event);
+    else
+        m_list->scrollTo(m_list->model()->index(event, 0));
 }
 
 bool ReviewEvents::Save()
@@ -183,7 +217,7 @@ void ReviewEvents::Add(const ZrLogEvt& evt)
     ZrEventList& events = m_recording->Events();
     const u64 id = events.Add(evt);
     const bool isSaved = Save();
-    SetCurrent(static_cast<int>(events.IndexOf(id)));
+    Reveal(id);
     if (isSaved)
         TellUndo(tr("Event \"%1\" added").arg(evt.text.simplified()));
 }
@@ -197,10 +231,9 @@ void ReviewEvents::Edit(int row)
     ZrSonarTarget target;
     const bool isTarget = ZrTargetEvent::ToTarget(before, target);
     const QString shown = isTarget ? QString() : ZrTimeText::DateClock(before.time, 3);
-    QString hint = Subtitle(before);
-    if (!isTarget)
-        hint = tr(
-            "The time: 12:34:56.5, 2021-05-03 12:34:56, or +2.5 and -2.5 for seconds later and earlier.");
+    const QString hint = isTarget
+        ? Details(target)
+        : tr("The time: 12:34:56.5, 2021-05-03 12:34:56, or +2.5 and -2.5 for seconds later and earlier.");
     m_text->Ask(tr("Edit event"), hint, before.text,
         [this, id, before, shown](const QString& words) { return Change(id, before, words, shown); });
     // A target is where it was marked, and then.
@@ -227,10 +260,15 @@ QString ReviewEvents::Change(u64 id, const ZrLogEvt& before, const QString& word
             return error;
     }
     ZrEventList& events = m_recording->Events();
+    const bool isCurrent = m_current == id;
     if (!events.Edit(id, evt))
         return {};
     const bool isSaved = Save();
-    SetCurrent(static_cast<int>(events.IndexOf(id)));
+    // The cursor goes along.
+    if (isCurrent)
+        Q_EMIT Chosen(static_cast<int>(events.IndexOf(id)));
+    else
+        Reveal(id);
     if (isSaved)
         TellUndo(tr("Event \"%1\" changed").arg(plain));
     return {};
@@ -264,14 +302,57 @@ void ReviewEvents::Redo()
     }
 }
 
-void ReviewEvents::SetCurrent(int row)
+void ReviewEvents::EditCurrent()
 {
-    m_list->SetCurrent(row);
+    if (Current() >= 0)
+        Edit(Current());
+    else if (m_recording)
+        m_view.Tell(tr("No event at the cursor"));
+}
+
+void ReviewEvents::RemoveCurrent()
+{
+    if (Current() >= 0)
+        Remove(Current());
+    else if (m_recording)
+        m_view.Tell(tr("No event at the cursor"));
+}
+
+bool ReviewEvents::IsAtCursor(int event) const
+{
+    return m_flags.IsAt(event, m_cursor, AtCursor);
+}
+
+void ReviewEvents::SetCursor(double steady)
+{
+    if (steady == m_cursor)
+        return;
+    m_cursor = steady;
+    const int current = Current();
+    if (current >= 0 && IsAtCursor(current))
+        return;
+    const int event = m_flags.At(m_cursor, AtCursor);
+    if (event != current)
+        SetCurrent(event);
+}
+
+void ReviewEvents::SetCurrent(int event)
+{
+    const bool isThere = m_recording && event >= 0 && event < static_cast<int>(m_recording->Events().Count());
+    m_current = isThere ? m_recording->Events().Id(static_cast<std::size_t>(event)) : 0;
+    m_list->SetCurrent(isThere ? event : -1);
+    m_edit->setEnabled(isThere);
+    m_remove->setEnabled(isThere);
+    Q_EMIT CurrentChanged(isThere ? event : -1);
 }
 
 int ReviewEvents::Current() const
 {
-    return m_list->Current();
+    if (!m_recording || m_current == 0)
+        return -1;
+    const ZrEventList& events = m_recording->Events();
+    const std::size_t event = events.IndexOf(m_current);
+    return event < events.Count() ? static_cast<int>(event) : -1;
 }
 
 void ReviewEvents::Restyle()

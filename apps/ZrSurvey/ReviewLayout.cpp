@@ -1,5 +1,7 @@
 // Where things are on the page "Review", and what it paints itself.
 
+#include "ZrKit/geo/ZrPositionShown.h"
+#include "ZrKit/map/ZrGridLayer.h"
 #include "ZrKit/map/ZrMapPanel.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
@@ -10,6 +12,7 @@
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMap.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 #include "apps/ZrSurvey/ReviewPage.h"
@@ -18,8 +21,11 @@
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyView.h"
 
+#include <QFontMetrics>
 #include <QPainter>
+#include <QStringList>
 #include <QTimer>
+#include <QVector>
 
 #include <algorithm>
 #include <cmath>
@@ -29,6 +35,7 @@ namespace {
 /// Shares of the page's height and width.
 constexpr double plotsShare = 0.38;
 constexpr double mapShare = 0.46;
+constexpr int sonarTools = 6; ///< buttons above the waterfall
 
 /// What frames may draw: see `ReviewPage::zr_paintGL`.
 enum eReady : int
@@ -43,6 +50,61 @@ int HeaderHeight()
 {
     return std::max(ZrTheme::DpI(48), 44);
 }
+
+/// What a header may tell: parts, and what stands between them in one line.
+struct Way
+{
+    QStringList parts;
+    QString between;
+};
+
+/// The text of a header as it has room.
+struct Heading
+{
+    QFont font;
+    QStringList lines;
+    bool isWhole = true;
+
+    /// \p parts in one line, with \p between them, or the last of them in a second one; elided where that is
+    /// too much as well.
+    Heading(const QStringList& parts, const QString& between, const QSize& room)
+        : font(ZrLegible::Fitting(review::body_font(), parts.join(between), room.width()))
+        , lines(parts.join(between))
+    {
+        if (Fits(room))
+            return;
+        if (parts.size() > 1) {
+            lines = QStringList{QStringList(parts.mid(0, parts.size() - 1)).join(between), parts.last()};
+            font = review::body_font();
+        }
+        while (!Fits(room) && font.pixelSize() > ZrLegible::LeastText)
+            font.setPixelSize(font.pixelSize() - 1);
+        isWhole = Fits(room);
+        const QFontMetrics metrics(font);
+        for (QString& line : lines)
+            line = metrics.elidedText(line, Qt::ElideRight, room.width());
+    }
+
+    bool Fits(const QSize& room) const
+    {
+        const QFontMetrics metrics(font);
+        return lines.size() * metrics.height() <= room.height()
+            && std::all_of(lines.begin(), lines.end(),
+                [&](const QString& line) { return metrics.horizontalAdvance(line) <= room.width(); });
+    }
+
+    void Paint(QPainter& painter, const QRect& room) const
+    {
+        painter.setFont(font);
+        painter.setPen(ZrTheme::ctrlCol);
+        const int high = painter.fontMetrics().height();
+        int y = room.y() + (room.height() - lines.size() * high) / 2;
+        for (const QString& line : lines) {
+            painter.drawText(room.x(), y + painter.fontMetrics().ascent(), line);
+            y += high;
+        }
+    }
+};
 
 } // namespace
 
@@ -99,10 +161,14 @@ void ReviewPage::OnColours()
     SurveyPage::OnColours();
 }
 
-/// The transport and the time line.
+/// The transport, the time line and what lies above it: messages leave the scales of map and waterfall in
+/// sight, where these reach down to them, and the panel of the waterfall's look.
 int ReviewPage::FreeBelow() const
 {
-    return height() - m_bar->y();
+    const bool isLook = m_sonar->Look().isVisibleTo(this);
+    const int free = height() - (isLook ? m_sonar->Look().y() : m_bar->y());
+    const bool isScale = isLook || !m_plots->isVisibleTo(this);
+    return free + (isScale ? ZrTheme::DpI(ZrGridLayer::ScaleRoom) : 0);
 }
 
 int ReviewPage::FreeRight() const
@@ -162,7 +228,14 @@ void ReviewPage::Place()
     QRect map = top;
     QRect sonar = top;
     if (isMap && isSonar) {
-        map.setWidth(qRound(top.width() * mapShare));
+        // Beside the tools of the waterfall its bottom is told.
+        QFont least = ZrTheme::font;
+        least.setPixelSize(ZrLegible::LeastText);
+        const QFontMetrics metrics(least);
+        const int told = std::max(
+            metrics.horizontalAdvance(tr("Bottom")), metrics.horizontalAdvance(QStringLiteral("888.8 ft")));
+        const int tools = sonarTools * HeaderHeight() + told + 2 * gap;
+        map.setWidth(std::min(qRound(top.width() * mapShare), top.width() - gap - tools));
         sonar.setLeft(map.right() + 1 + gap);
     }
     m_mapHeader = isMap ? HeaderOf(map) : QRect();
@@ -170,7 +243,7 @@ void ReviewPage::Place()
     m_plotsHeader = QRect();
     m_map->Panel().setVisible(isMap);
     m_map->Panel().setGeometry(map.adjusted(0, HeaderHeight(), 0, 0));
-    m_sonar->Place(sonar.adjusted(0, HeaderHeight(), 0, 0), isSonar);
+    m_sonar->Place(sonar.adjusted(0, HeaderHeight(), 0, 0), panes, isSonar);
     m_plots->setVisible(isPlots);
     const int side = HeaderHeight();
     m_plots->setGeometry(plots.adjusted(0, 0, -side - gap, 0));
@@ -189,25 +262,46 @@ void ReviewPage::Place()
     m_list->setEnabled(hasLog);
     m_list->on = hasEvents;
     m_list->Changed();
+    View().PlaceToast();
     update();
 }
 
-void ReviewPage::PaintHeader(QPainter& painter, const QRect& header, const QString& text, int right)
+/// Where the vehicle was, and which line of the waterfall that is.
+void ReviewPage::PaintHeaders(QPainter& painter)
 {
-    if (header.isEmpty())
+    // The first way that has room, with less around it if need be; the last one is shortened.
+    const auto paint = [&](const QRect& header, int right, const QVector<Way>& ways) {
+        painter.fillRect(header, ZrTheme::toolBack);
+        for (const Way& way : ways) {
+            for (const int gap : {2 * Gap(), Gap()}) {
+                const QRect room(
+                    header.x() + gap, header.y(), right - header.x() - gap - gap / 2, header.height());
+                const Heading heading(way.parts, way.between, room.size());
+                if (!heading.isWhole && (&way != &ways.last() || gap != Gap()))
+                    continue;
+                heading.Paint(painter, room);
+                return;
+            }
+        }
+    };
+    if (!m_mapHeader.isEmpty()) {
+        const ZrGeoPoint at = m_recording->PositionAt(m_clock.Time());
+        QStringList position = ZrPositionShown::Parts(at.lat, at.lng);
+        if (position.isEmpty())
+            position << review::position_text(at.lat, at.lng);
+        paint(m_mapHeader, m_fit->x(), {{position, QStringLiteral("  ")}});
+    }
+    if (m_sonarHeader.isEmpty())
         return;
-    painter.fillRect(header, ZrTheme::toolBack);
-    painter.setFont(review::body_font());
-    painter.setPen(ZrTheme::ctrlCol);
-    const QRect room(header.x() + 2 * Gap(), header.y(), right - header.x() - 3 * Gap(), header.height());
-    painter.setFont(ZrLegible::Fitting(painter.font(), text, room.width()));
-    const QFontMetrics metrics = painter.fontMetrics();
-    // A position that is too long for one line stands in two; what does not fit even so is in the plots.
-    QString lines = text;
-    if (metrics.horizontalAdvance(text) > room.width())
-        lines.replace(QLatin1String("  "), QLatin1String("\n"));
-    if (room.contains(metrics.boundingRect(room, Qt::AlignLeft | Qt::AlignVCenter, lines)))
-        painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, lines);
+    const auto line = static_cast<std::size_t>(std::lround(m_recording->PingAt(m_clock.Time())));
+    // That of the bottom line: the plot beside it has what the vehicle measured. Where there is no room for
+    // both it is what matters.
+    const QString altitude = review::length_text(m_recording->Bottom().Altitude(line), 1);
+    paint(m_sonarHeader, m_look->x(),
+        {{{tr("Line %1 of %2").arg(line + 1).arg(m_recording->Pings().size()),
+              tr("bottom at %1").arg(altitude)},
+             QStringLiteral(", ")},
+            {{tr("Bottom"), altitude}, QStringLiteral(" ")}});
 }
 
 void ReviewPage::paintEvent(QPaintEvent* event)
@@ -248,19 +342,5 @@ void ReviewPage::paintEvent(QPaintEvent* event)
         painter.drawText(
             m_map->Panel().geometry(), Qt::AlignCenter | Qt::TextWordWrap, tr("The map is being made …"));
     }
-    const ZrGeoPoint at = m_recording->PositionAt(m_clock.Time());
-    PaintHeader(painter, m_mapHeader, review::position_text(at.lat, at.lng), m_fit->x());
-    if (m_sonarHeader.isEmpty())
-        return;
-    const double ping = m_recording->PingAt(m_clock.Time());
-    const auto line = static_cast<std::size_t>(std::lround(ping));
-    const QString altitude = review::length_text(m_recording->Bottom().Altitude(line), 1);
-    // Where there is no room for both the altitude is what matters.
-    const int room = m_look->x() - m_sonarHeader.x() - 3 * Gap();
-    const QString all
-        = tr("Line %1 of %2, altitude %3").arg(line + 1).arg(m_recording->Pings().size()).arg(altitude);
-    QFont smallest = ZrTheme::font;
-    smallest.setPixelSize(ZrLegible::LeastText);
-    const bool isRoom = QFontMetrics(smallest).horizontalAdvance(all) <= room;
-    PaintHeader(painter, m_sonarHeader, isRoom ? all : altitude, m_look->x());
+    PaintHeaders(painter);
 }

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int fewColumns = 5;
+constexpr int fewColumns = 5; ///< of palettes, at least
 
 /// A palette and its name.
 int PaletteHeight()
@@ -105,60 +105,69 @@ void ReviewLook::ShowChosen()
     }
 }
 
-void ReviewLook::Place(const QRect& area)
+/// Palettes at the left, in as few rows as leave the sliders room beside them; a low strip, so that what is
+/// above stays in sight.
+void ReviewLook::Place(const QRect& area, int least)
 {
     const int margin = ZrTheme::DpI(12);
     const int gap = ZrTheme::DpI(4);
-    const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
-    const int most = area.width() - 2 * margin;
+    const int between = 2 * margin;
+    const int inside = area.width() - 2 * margin;
     const int count = m_palettes.size();
-    int slider = std::max(ZrTheme::DpI(72), m_gain->minimumSizeHint().height());
-    int width = std::min(std::max(ZrTheme::DpI(520), 400), most);
-    int columns = fewColumns;
-    int sliderRows = 2;
-    const auto above = [&] { return margin + (count + columns - 1) / columns * (PaletteHeight() + gap); };
-    const auto high = [&] { return above() + sliderRows * slider + label + RowHeight() + 2 * margin; };
     const QFont small = ZrLegible::Font(13);
-    // Where the page is low, the sliders are side by side; where it is lower still, more palettes are in a
-    // row of a wider panel.
-    if (high() > area.height())
-        sliderRows = 1;
-    if (high() > area.height()) {
-        const int beside = std::max(ZrTheme::DpI(8), 5) + 2; // of a name in its button
-        int widest = 1;
-        for (const ZrBtn* palette : qAsConst(m_palettes))
-            widest = std::max(widest, QFontMetrics(small).horizontalAdvance(palette->text) + beside);
-        width = std::min(2 * width, most);
-        columns = std::clamp((width - 2 * margin + gap) / (widest + gap), 1, count);
-        // Rows that are alike.
-        columns = (count + (count + columns - 1) / columns - 1) / ((count + columns - 1) / columns);
-    }
-    if (high() > area.height())
-        slider = std::max((area.height() - high()) / sliderRows + slider, 44);
-    const int top = above();
-    const int height = std::min(high(), area.height());
-    setGeometry(area.right() - width - margin, area.y() + margin / 2, width, height);
-    const int swatch = (width - 2 * margin - (columns - 1) * gap) / columns;
+    const QFontMetrics names(small);
+    int widest = 1;
+    for (const ZrBtn* palette : qAsConst(m_palettes))
+        widest = std::max(widest, names.horizontalAdvance(palette->text) + std::max(ZrTheme::DpI(8), 5) + 2);
+    const int controlsLeast = ControlsWidth();
+    int rows = 0;
+    int columns = count;
+    int left = 0;
+    do {
+        ++rows;
+        columns = (count + rows - 1) / rows;
+        left = columns * (widest + gap) - gap;
+    } while (left + between + controlsLeast > inside && columns > fewColumns);
+    // What is left over is for both.
+    const int spare = std::max(inside - left - between - controlsLeast, 0);
+    left = std::min(left + spare / 2, inside - between - std::min(controlsLeast, inside / 2));
+    const int label = QFontMetrics(ZrTheme::font).height() + ZrTheme::DpI(4);
+    const int slider = m_gain->minimumSizeHint().height();
+    const int palettes = rows * (PaletteHeight() + gap) - gap;
+    const int controls = slider + gap + label + RowHeight();
+    const int needed = std::max(palettes, controls) + 2 * ZrTheme::DpI(8);
+    const int height = std::min(std::max(needed, least), area.height());
+    setGeometry(area.x(), area.bottom() + 1 - height, area.width(), height);
+    const int swatch = (left - (columns - 1) * gap) / columns;
     for (int i = 0; i < count; ++i) {
         m_palettes[i]->font = small;
         m_palettes[i]->setGeometry(margin + (i % columns) * (swatch + gap),
-            margin + (i / columns) * (PaletteHeight() + gap), swatch, PaletteHeight());
+            (height - palettes) / 2 + (i / columns) * (PaletteHeight() + gap), swatch, PaletteHeight());
         m_palettes[i]->Changed();
     }
-    const int inside = width - 2 * margin;
-    if (sliderRows == 2) {
-        m_gain->setGeometry(margin, top, inside, slider);
-        m_contrast->setGeometry(margin, top + slider, inside, slider);
-    } else {
-        const int half = (inside - 2 * margin) / 2;
-        m_gain->setGeometry(margin, top, half, slider);
-        m_contrast->setGeometry(margin + inside - half, top, half, slider);
-    }
-    m_waterLabel = QRect(margin, top + sliderRows * slider + margin / 2, inside, label);
-    const int third = inside / 3;
+    const int x = margin + left + between;
+    const int room = inside - left - between;
+    const int top = (height - controls) / 2;
+    const int half = (room - between) / 2;
+    m_gain->setGeometry(x, top, half, slider);
+    m_contrast->setGeometry(x + room - half, top, half, slider);
+    m_waterLabel = QRect(x, top + slider + gap, room, label);
+    const int third = room / 3;
     for (int kind = 0; kind < m_water.size(); ++kind)
-        m_water[kind]->setGeometry(margin + kind * third, m_waterLabel.bottom() + 1, third, RowHeight());
+        m_water[kind]->setGeometry(x + kind * third, m_waterLabel.bottom() + 1, third, RowHeight());
     update();
+}
+
+/// What the sliders beside each other and the buttons below them need.
+int ReviewLook::ControlsWidth() const
+{
+    const QFontMetrics metrics(ZrTheme::ctrlFont);
+    const int slider = std::max(metrics.horizontalAdvance(m_contrast->text + QStringLiteral("  0.00")),
+        metrics.horizontalAdvance(m_gain->text + QStringLiteral("  -20.0 ") + m_gain->unit));
+    int button = 0;
+    for (const ZrBtn* water : m_water)
+        button = std::max(button, metrics.horizontalAdvance(water->text) + 2 * ZrTheme::DpI(10));
+    return std::max({2 * slider + 2 * ZrTheme::DpI(12), 3 * button, 2 * m_gain->minimumSizeHint().width()});
 }
 
 void ReviewLook::mousePressEvent(QMouseEvent* event)
@@ -170,8 +179,9 @@ void ReviewLook::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    // Opaque: scales and curves below would be read as its own.
     QColor back = ZrTheme::formBack;
-    back.setAlpha(240);
+    back.setAlpha(255);
     painter.setPen(QPen(ZrTheme::formBdr, 1));
     painter.setBrush(back);
     painter.drawRoundedRect(rect().adjusted(0, 0, -1, -1), ZrTheme::rxy, ZrTheme::rxy);

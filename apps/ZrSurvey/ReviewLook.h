@@ -7,8 +7,8 @@ class SurveySettings;
 class ZrBtn;
 class ZrSlider;
 
-/// A panel over the waterfall for its palette, gain, contrast and what is shown of the water column, which
-/// shows at once what is changed.
+/// A panel for the palette of the waterfall, its gain, contrast and what is shown of the water column. The
+/// waterfall, which shows at once what is changed, stays in sight above it.
 class ReviewLook : public QWidget
 {
     Q_OBJECT
@@ -16,7 +16,8 @@ class ReviewLook : public QWidget
 public:
     ReviewLook(QWidget* parent, SurveySettings& settings);
 
-    void Place(const QRect& area); ///< the part of the page that it may cover
+    /// At the lower edge of \p area, as wide as it and \p least pixels high.
+    void Place(const QRect& area, int least);
     void Load(); ///< what the settings say
 
 Q_SIGNALS:
@@ -28,6 +29,7 @@ protected:
 
 private:
     void ShowChosen();
+    int ControlsWidth() const;
 
     SurveySettings& m_settings;
     ZrSlider* m_gain;

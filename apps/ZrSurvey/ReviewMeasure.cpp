@@ -3,7 +3,6 @@
 #include "ZrKit/map/ZrWaterfallOverlay.h"
 #include "ZrKit/map/ZrWaterfallPanel.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
-#include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrLegible.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
@@ -24,10 +23,11 @@ ReviewMeasure::ReviewMeasure(QWidget* parent, ZrWaterfallPanel& panel)
     hide();
     m_shadowButton->text = tr("Height");
     m_shadowButton->checkable = true;
-    m_shadowButton->setToolTip(tr("Tap the end of the target's shadow"));
+    m_shadowButton->setToolTip(tr("Tap the end of the target's shadow (H)"));
     m_store->text = tr("Store");
     m_store->setToolTip(tr("Keep it as an event (Return)"));
     m_clear->text = tr("Clear");
+    m_clear->setToolTip(tr("Forget what was measured (C)"));
     connect(m_shadowButton, &ZrBtn::Toggled, this, [this](bool on) {
         m_marker.SetWantsShadow(on);
         update();
@@ -55,6 +55,12 @@ void ReviewMeasure::SetOn(bool on)
     Update();
     if (isNew)
         Q_EMIT OnChanged();
+}
+
+void ReviewMeasure::ToggleShadow()
+{
+    m_marker.SetWantsShadow(!m_marker.WantsShadow());
+    Update();
 }
 
 void ReviewMeasure::Clear()
@@ -132,7 +138,7 @@ void ReviewMeasure::PaintMarks(QPainter& painter)
     if (m_isOn)
         m_marker.Paint(painter, m_panel.Layout(),
             static_cast<double>(ZrTheme::dp) * m_panel.devicePixelRatioF(),
-            ZrColourScheme::OverPicture(QColor(90, 230, 255)));
+            review::mark_ink(QColor(90, 230, 255)));
 }
 
 void ReviewMeasure::Restyle()

@@ -23,6 +23,7 @@ public:
 
     bool IsOn() const { return m_isOn; }
 
+    void ToggleShadow(); ///< whether the next tap is the end of the target's shadow
     void Clear();
     void Store(); ///< what was marked last, if anything
 

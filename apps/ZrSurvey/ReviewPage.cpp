@@ -128,7 +128,7 @@ void ReviewPage::Connect()
     connect(m_look, &ZrBtn::Clicked, this, [this] {
         m_sonar->Look().Load();
         m_sonar->Look().setVisible(!m_sonar->Look().isVisible());
-        m_sonar->Look().raise();
+        Place();
         ShowState();
     });
     connect(m_gaps, &ZrBtn::Clicked, this, [this] {
@@ -176,13 +176,12 @@ void ReviewPage::Connect()
         pause();
         GoTo(m_recording->TimeOf(m_recording->Events().At(static_cast<std::size_t>(event))));
         m_events->SetCurrent(event);
-        m_bar->SetCurrentEvent(FlagOf(event));
     };
-    connect(m_bar, &ZrTimeBar::EventTapped, this, [this, toEvent](int flag) {
-        if (flag >= 0 && flag < static_cast<int>(m_flags.size()))
-            toEvent(m_flags[static_cast<std::size_t>(flag)]);
-    });
+    connect(m_bar, &ZrTimeBar::EventTapped, this,
+        [this, toEvent](int flag) { toEvent(m_events->Flags().EventOf(flag)); });
     connect(m_events, &ReviewEvents::Chosen, this, toEvent);
+    connect(m_events, &ReviewEvents::CurrentChanged, this,
+        [this](int event) { m_bar->SetCurrentEvent(m_events->Flags().FlagOf(event)); });
     connect(m_events, &ReviewEvents::Changed, this, &ReviewPage::ShowEvents);
     connect(m_events, &ReviewEvents::Unsaved, this, [this] {
         m_events->show();
@@ -333,7 +332,7 @@ void ReviewPage::ShowPlots()
     m_bar->SetProfile(&series.depth);
     m_plots->SetPlots({{tr("Depth and seabed"), ZrPlotPanel::length, true,
                            {{&series.depth, ZrTheme::ctrlHighlightCol, tr("Depth")},
-                               {&series.seabed, ZrTheme::warnCol, tr("Seabed")}}},
+                               {&series.seabed, ZrTheme::warnCol, tr("Seabed"), Qt::DashLine}}},
         {tr("Altitude"), ZrPlotPanel::length, false, {{&series.altitude, QColor(), QString()}}},
         {tr("Heading"), ZrPlotPanel::angle, false, {{&series.heading, QColor(), QString()}}},
         {tr("Speed"), ZrPlotPanel::speed, false, {{&series.speed, QColor(), QString()}}}});
@@ -372,6 +371,7 @@ void ReviewPage::ShowCursor()
     m_plots->SetCursor(at);
     m_map->SetCursor(at);
     m_sonar->SetCursor(at);
+    m_events->SetCursor(at);
     m_transport->SetTime(ZrTimeText::Clock(logTime, 2), ZrTimeText::Date(logTime));
     SurveyVehicle::Pose pose;
     const ZrGeoPoint position = m_recording->PositionAt(at);
@@ -393,33 +393,12 @@ void ReviewPage::ShowCursor()
 
 void ReviewPage::ShowEvents()
 {
-    // The bar wants them by steady time, the list has them by that of the log: a clock that was set back puts
-    // them in another order, and those without a time have no flag.
-    std::vector<std::pair<double, int>> flags;
-    const ZrEventList& events = m_recording->Events();
-    for (std::size_t i = 0; i < events.Count(); ++i) {
-        const double at = m_recording->TimeOf(events.At(i));
-        if (!std::isnan(at))
-            flags.emplace_back(at, static_cast<int>(i));
-    }
-    std::sort(flags.begin(), flags.end());
-    std::vector<double> steady;
-    m_flags.clear();
-    for (const auto& [at, event] : flags) {
-        steady.push_back(at);
-        m_flags.push_back(event);
-    }
-    m_bar->SetEvents(std::move(steady));
+    m_bar->SetEvents(m_events->Flags().Times());
+    m_bar->SetCurrentEvent(m_events->Flags().FlagOf(m_events->Current()));
     m_map->ShowEvents();
     m_sonar->ShowEvents();
     m_list->badge = static_cast<i32>(m_recording->Events().Count());
     m_list->Changed();
-}
-
-int ReviewPage::FlagOf(int event) const
-{
-    const auto found = std::find(m_flags.begin(), m_flags.end(), event);
-    return found == m_flags.end() ? -1 : static_cast<int>(found - m_flags.begin());
 }
 
 void ReviewPage::ShowState()

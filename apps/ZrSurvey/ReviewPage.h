@@ -96,7 +96,6 @@ private:
     void ShowPlots();
     void ShowCursor();
     void ShowEvents();
-    int FlagOf(int event) const; ///< in the time bar; -1 for none
     void ShowState();
     void Enlarge(ePane pane);
     bool OnToolKey(int key, Qt::KeyboardModifiers modifiers);
@@ -107,7 +106,7 @@ private:
     void ExportPart();
     void AskFile();
     QRect HeaderOf(const QRect& pane) const;
-    void PaintHeader(QPainter& painter, const QRect& header, const QString& text, int right);
+    void PaintHeaders(QPainter& painter);
 
     ReviewMap* m_map;
     ReviewSonar* m_sonar;
@@ -143,7 +142,6 @@ private:
     std::shared_ptr<ZrSurveyRecording> m_recording;
     std::shared_ptr<ZrSurveyRecording> m_loading;
     ZrPlayClock m_clock;
-    std::vector<int> m_flags; ///< of the time bar: the events that they are of
     double m_now = 0.0; ///< seconds that frames have taken
     int m_ready = 0; ///< of what is drawn in the context, see `zr_paintGL`
     ZrWorker m_worker;

@@ -6,11 +6,11 @@
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrColourScheme.h"
 #include "ZrKit/ui/ZrLegible.h"
-#include "ZrKit/ui/ZrToast.h"
 #include "ZrUtil/ZrTheme.h"
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
+#include "apps/ZrSurvey/ReviewText.h"
 #include "apps/ZrSurvey/SurveyModel.h"
 #include "apps/ZrSurvey/SurveyPage.h"
 #include "apps/ZrSurvey/SurveyView.h"
@@ -28,11 +28,6 @@ const QColor cursorColour(255, 255, 255);
 const QColor eventColour(255, 190, 40);
 const QColor shade(0, 0, 0, 150);
 const QColor edge(0, 0, 0);
-
-QColor Ink(const QColor& colour)
-{
-    return ZrColourScheme::OverPicture(colour);
-}
 
 } // namespace
 
@@ -147,21 +142,23 @@ void ReviewSonar::ShowSettings()
     m_panel->Refresh();
 }
 
-void ReviewSonar::Place(const QRect& area, bool isVisible)
+void ReviewSonar::Place(const QRect& area, const QRect& panes, bool isVisible)
 {
     m_panel->setVisible(isVisible);
     m_panel->setGeometry(area);
-    const int bottom = m_page.height() - m_page.FreeBelow();
-    m_measure->Place(area, bottom);
-    m_measure->setVisible(isVisible && m_measure->IsOn());
-    m_measure->Restyle();
-    m_bottom->Place(area);
-    m_bottom->setVisible(isVisible && m_bottom->IsOn());
-    // Over the plots as well, as far as messages leave room: it goes with what is beside it.
-    m_look->Place(QRect(area.topLeft(), QPoint(area.right(), bottom - 1 - ZrToast::Room())));
+    // Over all of the plots: what it changes is to be seen.
+    m_look->Place(panes, panes.bottom() - area.bottom() - m_page.Gap() + 1);
     if (!isVisible)
         m_look->hide();
     m_look->raise();
+    QRect free = area;
+    if (m_look->isVisibleTo(&m_page))
+        free.setBottom(std::min(area.bottom(), m_look->y() - 1));
+    m_measure->Place(free, m_look->isVisibleTo(&m_page) ? m_look->y() : panes.bottom() + 1);
+    m_measure->setVisible(isVisible && m_measure->IsOn());
+    m_measure->Restyle();
+    m_bottom->Place(free);
+    m_bottom->setVisible(isVisible && m_bottom->IsOn());
 }
 
 void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layout)
@@ -176,7 +173,7 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
         m_bottom->Paint(painter, layout);
     QFont font = ZrTheme::font;
     font.setPixelSize(qRound(ZrLegible::Px(14) * m_panel->devicePixelRatioF()));
-    ZrWaterfallOverlay::PaintScale(painter, layout, font, Ink(QColor(235, 240, 245)));
+    ZrWaterfallOverlay::PaintScale(painter, layout, font, ZrColourScheme::OverPicture(QColor(235, 240, 245)));
     const double width = m_panel->width() * m_panel->devicePixelRatioF();
     PaintEvents(painter, layout);
     double y = m_panel->YOf(m_panel->Cursor());
@@ -186,7 +183,7 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
         y = std::clamp(y, half, std::max(layout.View().rect.height() - half, half));
         painter.setPen(QPen(shade, 2.0 * half));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));
-        painter.setPen(QPen(Ink(cursorColour), std::max(1.5 * unit, 1.0)));
+        painter.setPen(QPen(ZrColourScheme::OverPicture(cursorColour), std::max(1.5 * unit, 1.0)));
         painter.drawLine(QPointF(0.0, y), QPointF(width, y));
     }
     m_measure->PaintMarks(painter);
@@ -196,6 +193,7 @@ void ReviewSonar::PaintOverlay(QPainter& painter, const ZrWaterfallLayout& layou
 void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout)
 {
     const double unit = static_cast<double>(ZrTheme::dp) * m_panel->devicePixelRatioF();
+    const QColor ink = review::mark_ink(eventColour);
     const ZrEventList& events = m_recording->Events();
     for (std::size_t i = 0; i < events.Count(); ++i) {
         const double y = m_panel->YOf(m_recording->PingAt(m_recording->TimeOf(events.At(i))));
@@ -204,7 +202,7 @@ void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout
         const QPointF flag[]
             = {{28.0 * unit, y - 6.0 * unit}, {38.0 * unit, y}, {28.0 * unit, y + 6.0 * unit}};
         // The dark edge is what shows on the bright end of a palette.
-        for (const QPen& pen : {QPen(edge, 6.0 * unit), QPen(Ink(eventColour), 2.0 * unit)}) {
+        for (const QPen& pen : {QPen(edge, 6.0 * unit), QPen(ink, 2.0 * unit)}) {
             painter.setPen(pen);
             painter.setBrush(pen.color());
             painter.drawLine(QPointF(0.0, y), QPointF(28.0 * unit, y));
@@ -221,7 +219,7 @@ void ReviewSonar::PaintEvents(QPainter& painter, const ZrWaterfallLayout& layout
         const double radius = 9.0 * unit;
         painter.setPen(QPen(edge, 6.0 * unit));
         painter.drawEllipse(at, radius, radius);
-        painter.setPen(QPen(Ink(eventColour), 2.0 * unit));
+        painter.setPen(QPen(ink, 2.0 * unit));
         painter.drawEllipse(at, radius, radius);
     }
     painter.setRenderHint(QPainter::Antialiasing, false);

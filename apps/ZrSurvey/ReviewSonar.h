@@ -44,7 +44,8 @@ public:
     void SetCursor(double steady);
     void ShowEvents(); ///< after a change of those of the recording
     void ShowSettings(); ///< those of the display of sonar
-    void Place(const QRect& area, bool isVisible);
+    /// \param area of the waterfall; \param panes all of them, over which its panels may lie
+    void Place(const QRect& area, const QRect& panes, bool isVisible);
 
 Q_SIGNALS:
     void ScrubBegan();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QFont>
 #include <QString>
 
@@ -11,6 +12,14 @@ QString length_text(double metres, int places);
 QString speed_text(double metresPerSecond);
 QString angle_text(double degrees);
 QString position_text(double latitude, double longitude);
+
+/// "7.38 × 0.48 × 1.03 m": what is known of a target's length along the track, its width and its height, the
+/// others as a dash; without the last where it is not known. Empty when nothing is.
+QString size_text(double length, double width, double height);
+
+/// Of marks over the waterfall, which at night is a dim red: as bright as the night allows, where
+/// `ZrColourScheme::OverPicture` would keep them as dark as what is below.
+QColor mark_ink(const QColor& colour);
 
 QFont body_font(); ///< the theme's, never smaller than can be read at arm's length
 

@@ -61,6 +61,7 @@ public:
     /// Shows a message for some seconds; with \p action a button that calls \p run.
     void Tell(const QString& text, const QString& action = QString(), const std::function<void()>& run = {});
     void Warn(const QString& text); ///< shows an error, longer
+    void PlaceToast(); ///< after a change of what the page keeps free of messages
 
     /// Gives the keys to what is in front, a panel, the settings or the page, unless a control in it has them
     /// already. A key that nothing was chosen for with Tab is then a shortcut, and presses no button.
@@ -100,7 +101,6 @@ private:
     void BuildNext();
     void LoadSettings();
     void ApplyColours();
-    void PlaceToast();
     void PlaceForms();
 
     std::unique_ptr<SurveyModel> m_model;

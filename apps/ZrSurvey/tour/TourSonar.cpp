@@ -6,6 +6,7 @@
 #include "ZrKit/review/ZrTimeText.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
 #include "ZrKit/ui/ZrChoicePanel.h"
+#include "ZrKit/ui/ZrPaletteBtn.h"
 #include "ZrKit/ui/ZrTextPanel.h"
 #include "ZrKit/ui/ZrTouchList.h"
 #include "ZrUtil/ZrBtn.h"
@@ -187,9 +188,10 @@ void tour::sonar(Tour& tour)
         const int palette = at.settings.palette;
         hand.Press(QStringLiteral("palette"));
         auto& look = hand.FindAny<ReviewLook>(&at.page);
-        for (const double share : {0.07, 0.93, 0.5}) {
+        const auto palettes = look.findChildren<ZrPaletteBtn*>();
+        for (const int each : {0, 4, 2}) {
             const int before = at.settings.palette;
-            hand.TapAt(look, QPoint(qRound(look.width() * share), 30));
+            hand.Tap(*palettes.at(each));
             tour.Expect(at.settings.palette != before, QStringLiteral("another palette than %1").arg(before),
                 QString::number(at.settings.palette));
         }
