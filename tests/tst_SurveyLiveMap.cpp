@@ -54,7 +54,7 @@ void tst_SurveyLiveMap::init()
     for (const double east : {0.0, 0.0005, 0.0010})
         route.Add(lat, lng + east, eZrWptBlue, ZrWpts::eAddTail)->name
             = QStringLiteral("L%1 E").arg(++number);
-    m_map->SetPlan(route);
+    m_map->SetPlan(std::make_shared<const ZrWpts>(route));
     m_map->m_way.m_isFollowing = false;
     m_context->TakeErrors();
 }
