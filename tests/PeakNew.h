@@ -53,6 +53,16 @@ void* operator new(std::size_t size)
     return peak_new::Allocate(size);
 }
 
+// Of the standard library this one calls the one above; of the address sanitizer it does not.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+{
+    try {
+        return peak_new::Allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* memory) noexcept
 {
     peak_new::Free(memory);

@@ -104,14 +104,15 @@ QVector<ZrDepthLegend::Label> ZrDepthLegend::Labels() const
     const int high = QFontMetrics(Small()).height();
     const ZrAxisTicks ticks = Ticks(m_shallow, m_deep);
     const int left = bar.right() + 1 + Margin();
+    // A bar that is lower than a number has it at its top.
+    const int lowest = std::max(bar.bottom() + 1 - high, bar.top());
     for (const double value : ticks.Values()) {
         const double depth = value / Scale();
         const double share = (depth - m_shallow) / (m_deep - m_shallow);
         const int y = bar.y() + qRound(share * (bar.height() - 1));
-        labels.append({depth,
-            QRect(left, std::clamp(y - high / 2, bar.top(), bar.bottom() + 1 - high),
-                width() - left - Margin(), high),
-            ticks.Label(value)});
+        labels.append(
+            {depth, QRect(left, std::clamp(y - high / 2, bar.top(), lowest), width() - left - Margin(), high),
+                ticks.Label(value)});
     }
     return labels;
 }
