@@ -121,7 +121,7 @@ void tst_SurveyRecordLog::eventsThatNoLogTakes()
     QTest::keyClick(m_view.get(), Qt::Key_R);
     QTest::keyClick(m_view.get(), Qt::Key_1);
     QTRY_COMPARE(m_view->Model().unsaved.Count(), std::size_t(1));
-    QVERIFY(IsOff());
+    QTRY_VERIFY(IsOff());
     QVERIFY2(Banner()->Text().contains(QStringLiteral("1 event of a recording without a log is in memory")),
         qPrintable(Banner()->Text()));
     QVERIFY(ActionOf(*Banner(), QStringLiteral("Export events")));
