@@ -8,6 +8,19 @@
 
 #include <QProcess>
 
+namespace {
+
+QProcessEnvironment WithoutDisplay()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    return environment;
+}
+
+} // namespace
+
 class tst_SurveyStart : public SurveyWindow
 {
     Q_OBJECT
@@ -175,11 +188,7 @@ void tst_SurveyStart::process()
 void tst_SurveyStart::processWithoutDisplay()
 {
     QProcess survey;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("DISPLAY"));
-    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    survey.setProcessEnvironment(environment);
+    survey.setProcessEnvironment(WithoutDisplay());
     survey.start(QStringLiteral(ZR_BIN_DIR "/ZrSurvey"), {QStringLiteral("--time-start")});
     QVERIFY(survey.waitForFinished(60000));
     QVERIFY(survey.exitStatus() == QProcess::CrashExit || survey.exitCode() != 0);
@@ -207,11 +216,7 @@ void tst_SurveyStart::answersWithoutDisplay()
     QFETCH(int, code);
     QFETCH(QString, said);
     QProcess survey;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("DISPLAY"));
-    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    survey.setProcessEnvironment(environment);
+    survey.setProcessEnvironment(WithoutDisplay());
     survey.start(QStringLiteral(ZR_BIN_DIR "/ZrSurvey"), arguments);
     QVERIFY(survey.waitForFinished(60000));
     QCOMPARE(survey.exitStatus(), QProcess::NormalExit);

@@ -32,6 +32,22 @@ ZrMapMarker MarkerAt(const QPointF& pixel, double size)
     return marker;
 }
 
+/// A mark at the left and a position, both in the way.
+struct MarkAndTrack
+{
+    MarkAndTrack()
+    {
+        markers.SetMarkers({MarkerAt({100, 50}, 10.0)});
+        track.m_track.Append(1000.0, 2000.0);
+        obstacles.m_markers = {&markers};
+        obstacles.m_tracks = {&track};
+    }
+
+    ZrMarkerLayer markers;
+    ZrTrackLayer track;
+    ZrMapObstacles obstacles;
+};
+
 } // namespace
 
 class tst_ZrMapObstacles : public QObject
@@ -217,47 +233,35 @@ void tst_ZrMapObstacles::longTrack()
 
 void tst_ZrMapObstacles::lookTellsChanges()
 {
-    ZrMarkerLayer markers;
-    markers.SetMarkers({MarkerAt({100, 50}, 10.0)});
-    ZrTrackLayer track;
-    track.m_track.Append(1000.0, 2000.0);
-    ZrMapObstacles obstacles;
-    obstacles.m_markers = {&markers};
-    obstacles.m_tracks = {&track};
-    QVERIFY(obstacles.Look(View(), 1.0));
-    QVERIFY(!obstacles.Look(View(), 1.0));
-    QVERIFY(obstacles.Look(View(), 2.0));
+    MarkAndTrack map;
+    QVERIFY(map.obstacles.Look(View(), 1.0));
+    QVERIFY(!map.obstacles.Look(View(), 1.0));
+    QVERIFY(map.obstacles.Look(View(), 2.0));
     ZrMapView other = View();
     other.Pan({5.0, 0.0});
-    QVERIFY(obstacles.Look(other, 2.0));
-    QVERIFY(!obstacles.Look(other, 2.0));
-    markers.SetMarkers({MarkerAt({101, 50}, 10.0)});
-    QVERIFY(obstacles.Look(other, 2.0));
-    track.m_track.Append(1001.0, 2000.0);
-    QVERIFY(obstacles.Look(other, 2.0));
+    QVERIFY(map.obstacles.Look(other, 2.0));
+    QVERIFY(!map.obstacles.Look(other, 2.0));
+    map.markers.SetMarkers({MarkerAt({101, 50}, 10.0)});
+    QVERIFY(map.obstacles.Look(other, 2.0));
+    map.track.m_track.Append(1001.0, 2000.0);
+    QVERIFY(map.obstacles.Look(other, 2.0));
     // As many positions as before, elsewhere.
-    track.m_track.Clear();
-    track.m_track.Append(1500.0, 2000.0);
-    track.m_track.Append(1501.0, 2000.0);
-    QVERIFY(obstacles.Look(other, 2.0));
-    QVERIFY(!obstacles.Look(other, 2.0));
+    map.track.m_track.Clear();
+    map.track.m_track.Append(1500.0, 2000.0);
+    map.track.m_track.Append(1501.0, 2000.0);
+    QVERIFY(map.obstacles.Look(other, 2.0));
+    QVERIFY(!map.obstacles.Look(other, 2.0));
 }
 
 void tst_ZrMapObstacles::hidden()
 {
-    ZrMarkerLayer markers;
-    markers.SetMarkers({MarkerAt({100, 50}, 10.0)});
-    ZrTrackLayer track;
-    track.m_track.Append(1000.0, 2000.0);
-    ZrMapObstacles obstacles;
-    obstacles.m_markers = {&markers};
-    obstacles.m_tracks = {&track};
-    obstacles.Look(View(), 1.0);
+    MarkAndTrack map;
+    map.obstacles.Look(View(), 1.0);
     const QRectF all(0, 0, 400, 300);
-    QVERIFY(obstacles.HasMark(all) && obstacles.HasLine(all));
-    markers.m_isVisible = track.m_isVisible = false;
-    QVERIFY(obstacles.Look(View(), 1.0));
-    QVERIFY(!obstacles.HasMark(all) && !obstacles.HasLine(all));
+    QVERIFY(map.obstacles.HasMark(all) && map.obstacles.HasLine(all));
+    map.markers.m_isVisible = map.track.m_isVisible = false;
+    QVERIFY(map.obstacles.Look(View(), 1.0));
+    QVERIFY(!map.obstacles.HasMark(all) && !map.obstacles.HasLine(all));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrMapObstacles)

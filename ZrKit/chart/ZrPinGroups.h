@@ -33,7 +33,10 @@ public:
     /// \param distance above 0; otherwise every place is a group
     void Make(const std::vector<QPointF>& places, double distance);
 
-    const std::vector<Group>& Groups() const { return m_groups; } ///< in the order of the places that they stand at
+    const std::vector<Group>& Groups() const
+    {
+        return m_groups;
+    } ///< in the order of the places that they stand at
 
     /// The groups that stand in a square of twice \p reach around a place, indices.
     std::vector<int> Near(const QPointF& place, double reach) const;
