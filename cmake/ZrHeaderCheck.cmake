@@ -16,6 +16,8 @@ function(zr_add_header_check)
     endforeach()
     add_library(header_check OBJECT ${sources})
     target_link_libraries(header_check PRIVATE zr_private_options ZrKit)
+    # Only whether they compile matters.
+    target_compile_options(header_check PRIVATE -O0 -g0)
 endfunction()
 
 zr_add_header_check()
