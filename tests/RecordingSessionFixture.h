@@ -2,6 +2,7 @@
 
 // A recording session whose source a test holds by its strings, on a clock and a disk of the test's own.
 
+#include "ZrKit/recording/ZrCallQueue.h"
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
 #include "ZrKit/records/ZrNavRecord.h"
@@ -10,6 +11,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <future>
 #include <memory>
 
 namespace recording_session {
@@ -21,6 +23,17 @@ inline QByteArray Nav(double latitude)
     nav.longitude = -4.0;
     nav.heading = 45.0F;
     return nav.Encode();
+}
+
+/// Runs \p what on the thread of \p calls, and waits for it.
+template <class What> void RunOn(ZrCallQueue& calls, What what)
+{
+    std::promise<void> done;
+    calls.Give([&] {
+        what();
+        done.set_value();
+    });
+    done.get_future().wait();
 }
 
 /// A source whose strings a test pulls.
@@ -36,6 +49,7 @@ public:
     using ZrLineSource::TellBack;
     using ZrLineSource::TellLost;
 
+    ZrCallQueue m_calls; ///< of the thread of the source
     QString m_lostAtStart; ///< why there is no connection yet; may be empty
 
     bool Start(QString* error) override
@@ -79,8 +93,8 @@ protected:
     /// Runs on the thread of the source, and waits for it.
     template <class What> void Pull(What what)
     {
-        QMetaObject::invokeMethod(
-            m_source, [this, &what] { what(*m_source); }, Qt::BlockingQueuedConnection);
+        FakeSource& source = *m_source;
+        RunOn(source.m_calls, [&] { what(source); });
     }
 
     void GiveLine(const QByteArray& line)
@@ -121,7 +135,7 @@ protected:
     std::atomic<double> m_now{1000.0};
     std::atomic<qint64> m_free{1000000000};
     std::unique_ptr<ZrRecordingSession> m_session;
-    FakeSource* m_source = nullptr;
+    std::atomic<FakeSource*> m_source{nullptr}; ///< made on its thread
 };
 
 } // namespace recording_session

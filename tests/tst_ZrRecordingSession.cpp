@@ -37,6 +37,7 @@ QStringList LogsIn(const QString& path)
 
 using recording_session::FakeSource;
 using recording_session::Nav;
+using recording_session::RunOn;
 
 } // namespace
 
@@ -347,15 +348,16 @@ void tst_ZrRecordingSession::slowScreenGetsOneBatch()
 void tst_ZrRecordingSession::udp()
 {
     std::atomic<ZrUdpSource*> source{nullptr};
-    m_session->Open([&source] {
+    std::atomic<ZrCallQueue*> calls{nullptr};
+    m_session->Open([&source, &calls] {
         auto* made = new ZrUdpSource(0, nullptr);
+        calls = new ZrCallQueue(made);
         source = made;
         return made;
     });
     QTRY_COMPARE(m_session->Source(), ZrRecordingSession::sourceOpen);
     u16 port = 0;
-    QMetaObject::invokeMethod(
-        source.load(), [&] { port = source.load()->Port(); }, Qt::BlockingQueuedConnection);
+    RunOn(*calls, [&] { port = source.load()->Port(); });
     const QString file = Record();
     QUdpSocket sender;
     sender.writeDatagram(
@@ -435,14 +437,11 @@ void tst_ZrRecordingSession::lossOfTheSourceBefore()
     QSignalSpy lost(m_session.get(), &ZrRecordingSession::SourceLost);
     QSignalSpy back(m_session.get(), &ZrRecordingSession::SourceBack);
     QSemaphore go;
-    QMetaObject::invokeMethod(
-        m_source,
-        [this, &go] {
-            go.acquire();
-            m_source->TellLost(QStringLiteral("pulled"));
-            m_source->TellBack();
-        },
-        Qt::QueuedConnection);
+    m_source.load()->m_calls.Give([&go, source = m_source.load()] {
+        go.acquire();
+        source->TellLost(QStringLiteral("pulled"));
+        source->TellBack();
+    });
     m_session->Open([] { return new FakeSource(QString()); });
     go.release();
     QTRY_COMPARE(m_session->Source(), ZrRecordingSession::sourceOpen);

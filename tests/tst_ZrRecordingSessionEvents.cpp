@@ -125,9 +125,9 @@ void tst_ZrRecordingSessionEvents::eventsBeforeTheLog()
     m_now = 1003.5;
     QVERIFY(m_session->AddEvent(QStringLiteral("second")));
     // What the source tells meanwhile waits as well.
-    QMetaObject::invokeMethod(
-        m_source, [this] { Q_EMIT m_source->Record(zr::rec_type(krtNavigation), 1, 7004.0, Nav(51.0)); },
-        Qt::QueuedConnection);
+    m_source.load()->m_calls.Give([source = m_source.load()] {
+        Q_EMIT source->Record(zr::rec_type(krtNavigation), 1, 7004.0, Nav(51.0));
+    });
     m_now = 1010.0;
     mayGoOn->release();
     QTRY_COMPARE(m_session->Recording(), ZrRecordingSession::recordingOn);

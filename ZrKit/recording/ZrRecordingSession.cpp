@@ -89,9 +89,7 @@ void ZrRecordingSession::Fail(const QString& message, int failure)
 /// Has the worker do \p what, on its thread, when it comes to it.
 void ZrRecordingSession::Do(std::function<void(ZrRecordingWorker&)> what)
 {
-    ZrRecordingWorker* const worker = m_worker;
-    QMetaObject::invokeMethod(
-        worker, [worker, what = std::move(what)] { what(*worker); }, Qt::QueuedConnection);
+    m_worker->Calls().Give([worker = m_worker, what = std::move(what)] { what(*worker); });
 }
 
 void ZrRecordingSession::SetSource(eSource source, const QString& text)

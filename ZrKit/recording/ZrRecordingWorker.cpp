@@ -42,6 +42,7 @@ template <class T> std::size_t Append(std::vector<T>& waiting, std::vector<T>&& 
 
 ZrRecordingWorker::ZrRecordingWorker(std::function<double()> clock)
     : m_clock(std::move(clock))
+    , m_calls(new ZrCallQueue(this))
     , m_tick(new QTimer(this))
     , m_decoder(QDate())
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZrKit/recording/ZrCallQueue.h"
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrLiveTap.h"
 #include "ZrKit/recording/ZrRecorder.h"
@@ -15,7 +16,7 @@ class ZrLogEvt;
 
 /// The part of a `ZrRecordingSession` that lives in its thread: source, decoder, recorder.
 ///
-/// All functions but `TakeNews` are called on its thread, through queued calls.
+/// All functions but `Calls` and `TakeNews` are called on its thread, through the queue of the former.
 class ZrRecordingWorker : public QObject
 {
     Q_OBJECT
@@ -26,6 +27,8 @@ public:
 
     explicit ZrRecordingWorker(std::function<double()> clock);
     ~ZrRecordingWorker() override;
+
+    ZrCallQueue& Calls() { return *m_calls; } ///< any thread
 
     void Open(const MakeSource& make);
     void Close();
@@ -60,6 +63,7 @@ private:
     void End(const QString& reason);
 
     std::function<double()> m_clock;
+    ZrCallQueue* m_calls;
     QTimer* m_tick;
     std::unique_ptr<ZrLineSource> m_source;
     std::unique_ptr<ZrRecorder> m_recorder; ///< of the recording, or of the last one
