@@ -137,10 +137,11 @@ void tst_ZrCallQueue::emptyCall()
 
 void tst_ZrCallQueue::callEndsTheQueue()
 {
-    std::promise<void> done;
+    ZrCallQueue* after = nullptr;
+    m_calls->Give([&after] { after = new ZrCallQueue; });
+    Wait();
     m_calls->Give([this] { delete m_calls; });
-    auto* after = new ZrCallQueue;
-    after->moveToThread(&m_thread);
+    std::promise<void> done;
     after->Give([&done, after] {
         after->deleteLater();
         done.set_value();

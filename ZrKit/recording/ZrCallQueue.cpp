@@ -13,11 +13,10 @@ void ZrCallQueue::Give(std::function<void()> call)
 {
     if (!call)
         return;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_calls.push_back(std::move(call));
-    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_calls.push_back(std::move(call));
     // The event only wakes: what it carried would cross threads under Qt's own locks, which no checker sees.
+    // It is posted under the lock, since a call that can be taken may end the queue.
     QMetaObject::invokeMethod(this, "RunNext", Qt::QueuedConnection);
 }
 
