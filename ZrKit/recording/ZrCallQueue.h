@@ -16,8 +16,8 @@
 /// \endcode
 ///
 /// What a function has captured was written before `Give` and is handed over under a mutex: no other lock is
-/// needed for it. The thread must run an event loop; each function is a turn of it, so that timers and sockets
-/// have theirs in between. Functions that wait when the queue ends are not run any more.
+/// needed for it. The thread must run an event loop; each function is a turn of it, so that timers and
+/// sockets have theirs in between. Functions that wait when the queue ends are not run any more.
 ///
 /// Threads: `Give` is for any, as long as the queue lives; all else belongs to its own.
 class ZR_KIT_EXPORT ZrCallQueue : public QObject
