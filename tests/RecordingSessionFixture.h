@@ -2,10 +2,10 @@
 
 // A recording session whose source a test holds by its strings, on a clock and a disk of the test's own.
 
-#include "ZrKit/recording/ZrCallQueue.h"
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrRecordingSession.h"
 #include "ZrKit/records/ZrNavRecord.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

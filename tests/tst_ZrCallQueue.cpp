@@ -1,4 +1,4 @@
-#include "ZrKit/recording/ZrCallQueue.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 
 #include <QThread>
 #include <QtTest>

@@ -66,6 +66,6 @@ void ZrPlanReview::Start()
                 Start();
             Q_EMIT Ready();
         };
-        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        m_calls.Give(take);
     });
 }

@@ -3,6 +3,7 @@
 #include "ZrKit/ZrKitExport.h"
 #include "ZrKit/planning/ZrRouteFinding.h"
 #include "ZrKit/planning/ZrRoutePath.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 
 #include <QObject>
 #include <QUuid>
@@ -52,6 +53,7 @@ private:
     void Start();
 
     ZrPlanDocument& m_plan;
+    ZrCallQueue m_calls{this}; ///< of the thread of the plan
     std::thread m_thread; ///< looks; joined before its results are taken
     std::vector<ZrRouteFinding> m_findings;
     std::unique_ptr<ZrRoutePath> m_path;

@@ -272,7 +272,8 @@ private:
 std::vector<ZrRouteFinding> ZrRouteCheck::Run(const ZrWpts& route, const Options& options)
 {
     std::vector<ZrRouteFinding> findings;
-    const ZrRouteSpeeds speeds = options.speeds.value_or(ZrRouteSpeeds());
+    // Those of the process are not even looked at where others are given: another thread may change them.
+    const ZrRouteSpeeds speeds = options.speeds ? *options.speeds : ZrRouteSpeeds();
     const ZrRoutePath path(route, speeds);
     PointChecks(route, path, speeds, findings).Run();
 

@@ -123,6 +123,6 @@ void ZrSurveyPlanner::Run()
     };
     m_thread = std::thread([this, take, job = m_job, make = std::exchange(m_next, nullptr)] {
         make(*job);
-        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        m_calls.Give(take);
     });
 }

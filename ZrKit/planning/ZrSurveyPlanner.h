@@ -7,6 +7,7 @@
 #include "ZrKit/planning/ZrSurveyPatternSettings.h"
 #include "ZrKit/planning/ZrSurveyPlan.h"
 #include "ZrKit/planning/ZrSurveyPreview.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 #include "ZrUtil/ZrWpt.h"
 
 #include <QObject>
@@ -77,6 +78,7 @@ private:
     void Run();
 
     std::shared_ptr<const ZrSurveyPreview::Base> m_base;
+    ZrCallQueue m_calls{this}; ///< of the thread that the planner lives on
     std::thread m_thread; ///< plans; joined before its results are looked at
     std::shared_ptr<Job> m_result;
     std::shared_ptr<Job> m_job; ///< under way; null for none

@@ -40,7 +40,7 @@ ZrSurveyPreview ZrSurveyPreview::Of(
     Insert(route, first, waypoints);
 
     ZrSurveyPreview preview;
-    const ZrRoutePath path(route, base.check.speeds.value_or(ZrRouteSpeeds()));
+    const ZrRoutePath path(route, base.check.speeds ? *base.check.speeds : ZrRouteSpeeds());
     auto ways = path.LegLines();
     const auto isNew = [first, end](int waypoint) { return waypoint >= first && waypoint < end; };
     for (std::size_t i = 0; i < path.Legs().size(); ++i) {

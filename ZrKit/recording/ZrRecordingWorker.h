@@ -1,11 +1,11 @@
 #pragma once
 
-#include "ZrKit/recording/ZrCallQueue.h"
 #include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrLiveTap.h"
 #include "ZrKit/recording/ZrRecorder.h"
 #include "ZrKit/recording/ZrRecordingNews.h"
 #include "ZrKit/records/ZrNmeaDecoder.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 
 #include <functional>
 #include <memory>

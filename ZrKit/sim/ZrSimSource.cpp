@@ -185,7 +185,7 @@ bool ZrSimSource::Start(QString* error)
     m_worker->factor = m_factor;
     Worker* const worker = m_worker.get();
     const auto post
-        = [this] { QMetaObject::invokeMethod(this, &ZrSimSource::Deliver, Qt::QueuedConnection); };
+        = [this] { QMetaObject::invokeMethod(this, "Deliver", Qt::QueuedConnection); };
     try {
         worker->thread = std::thread([worker, post] { worker->Run(post); });
     } catch (const std::system_error& failure) {
@@ -214,7 +214,7 @@ void ZrSimSource::SetPaused(bool paused)
         return;
     m_worker->SetPace(m_paused, m_factor);
     if (!paused)
-        QMetaObject::invokeMethod(this, &ZrSimSource::Deliver, Qt::QueuedConnection); // of what has waited
+        QMetaObject::invokeMethod(this, "Deliver", Qt::QueuedConnection); // of what has waited
 }
 
 std::size_t ZrSimSource::Waiting() const
@@ -258,7 +258,7 @@ void ZrSimSource::Deliver()
         if (m_paused)
             return;
         if (given == MaxWaiting) {
-            QMetaObject::invokeMethod(this, &ZrSimSource::Deliver, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, "Deliver", Qt::QueuedConnection);
             return;
         }
         if (!worker->Take(entry))

@@ -70,7 +70,7 @@ public:
 private:
     struct Worker;
 
-    void Deliver();
+    Q_INVOKABLE void Deliver();
 
     ZrWpts m_plan;
     ZrSimSettings m_settings;

@@ -132,7 +132,7 @@ void LiveMap::MeasurePlan()
                 MeasurePlan();
             }
         };
-        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        m_calls.Give(take);
     });
 }
 

@@ -6,6 +6,7 @@
 #include "ZrKit/map/ZrMarkerLayer.h"
 #include "ZrKit/map/ZrTrackLayer.h"
 #include "ZrKit/map/ZrVehicleMap.h"
+#include "ZrKit/threads/ZrCallQueue.h"
 
 #include <memory>
 #include <thread>
@@ -53,6 +54,7 @@ private:
     ZrMarkerLayer m_waypoints;
     ZrLabelLayer m_names;
     std::shared_ptr<const ZrWpts> m_plan;
+    ZrCallQueue m_calls; ///< of the page
     std::thread m_thread; ///< measures a plan; joined before its results are taken
     bool m_isMeasuring = false;
     std::vector<QPointF> m_planPlaces; ///< longitude, latitude; NaN for gaps
