@@ -20,9 +20,12 @@ runs the main job on the real side-scan line in data/sidescan-xtf, first on the 
   8. plans a small survey over the area of the side-scan line, checks it, and writes it as GeoJSON and GPX,
   9. draws the side-scan line as a waterfall and as a mosaic with a world file, and measures where the wreck's stem is,
 
-and then in the application: with a display it opens ZrSurvey on the side-scan line; without one ZrSurvey goes through
+and then in the application: with a display it opens ZrSurvey on a copy of the side-scan line; without one ZrSurvey goes through
 the main job by itself on a virtual display (plans, records, reviews, measures, exports), looks after each station
 whether all is as it must be, and leaves a picture of each in DIR/tour.
+
+Files in DIR that an earlier run wrote are replaced, events and indexes beside its logs too. The copy in DIR/review stays
+with all that was added to it: events, targets, bottom line.
 
 Options:
   --out DIR   where the results go (default: out/ beside this script)
@@ -106,8 +109,10 @@ zr_say; zr_say "Results in $out:"
 done)
 
 if [ -n "$has_display" ]; then
-    zr_say; zr_say "== ZrSurvey on the side-scan line"
-    exec "$bin/ZrSurvey" "$log"
+    review=$out/review/$(basename "$log")
+    zr_keep_copy "$log" "$review"
+    zr_say; zr_say "== ZrSurvey on the side-scan line, $review"
+    exec "$bin/ZrSurvey" "$review"
 fi
 zr_say; zr_say "== ZrSurvey goes through the main job (no display: on a virtual one)"
 status=0

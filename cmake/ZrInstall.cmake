@@ -54,17 +54,22 @@ foreach(package ZrUtil ZrKit)
 endforeach()
 
 # Tools.
-if(TARGET zr)
-    set_target_properties(zr PROPERTIES INSTALL_RPATH "$ORIGIN/${zr_bin_to_lib}")
-    install(TARGETS zr RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tools)
+set(zr_tools)
+foreach(tool zr ZrSurvey)
+    if(TARGET ${tool})
+        list(APPEND zr_tools ${tool})
+        set_target_properties(${tool} PROPERTIES INSTALL_RPATH "$ORIGIN/${zr_bin_to_lib}")
+        install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tools)
+    endif()
+endforeach()
+# The line that the tour of ZrSurvey looks for.
+if(TARGET ZrSurvey)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/sidescan-xtf
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/ZrSurvey/data COMPONENT Tools)
 endif()
 
 # The proof of all this: a project that uses the installed package.
 if(ZRUTIL_BUILD_TESTS)
-    set(zr_tools)
-    if(TARGET zr)
-        set(zr_tools zr)
-    endif()
     set(zr_consumer_flags ${CMAKE_CXX_FLAGS})
     if(ZRUTIL_SANITIZE)
         string(APPEND zr_consumer_flags " -fsanitize=${ZRUTIL_SANITIZE}")
@@ -73,7 +78,7 @@ if(ZRUTIL_BUILD_TESTS)
         -DSOURCE_DIR=${PROJECT_SOURCE_DIR} -DBUILD_DIR=${PROJECT_BINARY_DIR}
         -DWORK_DIR=${PROJECT_BINARY_DIR}/consumer -DVERSION=${PROJECT_VERSION}
         -DINCLUDE_DIR=${CMAKE_INSTALL_INCLUDEDIR} -DLIB_DIR=${CMAKE_INSTALL_LIBDIR}
-        -DBIN_DIR=${CMAKE_INSTALL_BINDIR} -DTOOLS=${zr_tools}
+        -DBIN_DIR=${CMAKE_INSTALL_BINDIR} "-DTOOLS=${zr_tools}"
         -DGENERATOR=${CMAKE_GENERATOR} -DCXX=${CMAKE_CXX_COMPILER} -DCXX_FLAGS=${zr_consumer_flags}
         -DBUILD_TYPE=${CMAKE_BUILD_TYPE}
         -P ${PROJECT_SOURCE_DIR}/tests/consumer/run_consumer.cmake)

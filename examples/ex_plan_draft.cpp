@@ -4,8 +4,9 @@
 //
 // Offers what an earlier run has left in DRAFT, by taking it up; otherwise begins a plan of two waypoints.
 // Adds a waypoint, prints the plan and what is to be said about it, and saves it as PLAN, whose suffix names
-// the form: .json, .gpx, .kml, .csv … Without PLAN it ends unsaved, as a program that crashed would, and the
-// draft remains. Exit code 0, 1 for wrong arguments, 2 when a file cannot be read or written.
+// the form: .json, .xml, .gpx, .kml, .geojson, else a list (.txt). Without PLAN it ends unsaved, as a program
+// that crashed would, and the draft remains. Exit code 0, 1 for wrong arguments, 2 when a file cannot be read
+// or written.
 
 #include "ZrKit/planning/ZrPlanDocument.h"
 

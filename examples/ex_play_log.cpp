@@ -2,7 +2,8 @@
 //
 //     ex_play_log LOG
 //
-// Exit code 0 when the log was played to its end, 2 when it could not be opened or is damaged.
+// Exit code 0 when the log was played to its end, 1 for wrong arguments, 2 when it could not be opened or is
+// damaged.
 
 #include "ZrKit/records/ZrKitTypes.h"
 #include "ZrKit/records/ZrNavRecord.h"

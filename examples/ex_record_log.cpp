@@ -2,7 +2,8 @@
 //
 //     ex_record_log FOLDER
 //
-// Prints the path of the log. Exit code 0 when every item reached the disk.
+// Prints the path of the log. Exit code 0 when every item reached the disk, 1 for wrong arguments, 3 when
+// the log could not be made or written.
 
 #include "ZrKit/records/ZrNavRecord.h"
 #include "ZrUtil/ZrLogger.h"

@@ -11,8 +11,9 @@
 //     file:PATH           a file of sentences, replayed ten times as fast as their times say
 //     log:PATH            a log, replayed likewise
 //
-// Records into a new log in DIR until the source is at its end, or for so many seconds. Prints a line each
-// second and what was recorded. Exit code 0, 1 for wrong arguments, 2 when it cannot be recorded.
+// Records into a new log in DIR until the source is at its end, or for so many seconds; ports and servers
+// have no end, and a program that is interrupted leaves a sound log. Prints a line each second and what was
+// recorded. Exit code 0, 1 for wrong arguments, 2 when it cannot be recorded.
 
 #include "ZrKit/geo/ZrPositionShown.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
@@ -93,8 +94,8 @@ int main(int argc, char** argv)
     const ZrRecordingSession::MakeSource make
         = argc >= 3 ? SourceOf(QString::fromLocal8Bit(argv[2])) : ZrRecordingSession::MakeSource();
     bool ok = argc == 3 || argc == 4;
-    const double seconds = argc == 4 ? QString::fromLocal8Bit(argv[3]).toDouble(&ok) : 3600.0;
-    if (!ok || !make || !(seconds > 0.0) || seconds > 86400.0) {
+    const double seconds = argc == 4 ? QString::fromLocal8Bit(argv[3]).toDouble(&ok) : 0.0;
+    if (!ok || !make || (argc == 4 && !(seconds > 0.0)) || seconds > 86400.0) {
         std::fprintf(stderr,
             "Usage: ex_record_nmea DIR udp:PORT|tcp:HOST:PORT|serial:DEVICE:BAUD|file:PATH|"
             "log:PATH [SECONDS]\n");
@@ -132,7 +133,8 @@ int main(int argc, char** argv)
     QTimer ticks;
     QObject::connect(&ticks, &QTimer::timeout, [&] { Print(session, watch.Look(session)); });
     ticks.start(1000);
-    QTimer::singleShot(static_cast<int>(seconds * 1000.0), &session, &ZrRecordingSession::Stop);
+    if (seconds > 0.0)
+        QTimer::singleShot(static_cast<int>(seconds * 1000.0), &session, &ZrRecordingSession::Stop);
 
     ZrRecorder::Options options;
     options.dir = QString::fromLocal8Bit(argv[1]);

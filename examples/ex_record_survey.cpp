@@ -42,8 +42,8 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     bool ok = argc == 2 || argc == 3;
-    const double seconds = argc == 3 ? QString::fromLocal8Bit(argv[2]).toDouble(&ok) : 60.0;
-    if (!ok || !(seconds > 0.0) || seconds > 86400.0) {
+    const double seconds = argc == 3 ? QString::fromLocal8Bit(argv[2]).toDouble(&ok) : 0.0;
+    if (!ok || (argc == 3 && !(seconds > 0.0)) || seconds > 86400.0) {
         std::fprintf(stderr, "Usage: ex_record_survey DIR [SECONDS]\n");
         return 1;
     }
@@ -89,7 +89,8 @@ int main(int argc, char** argv)
             static_cast<unsigned long long>(session.Status().bytes));
     });
     ticks.start(1000);
-    QTimer::singleShot(static_cast<int>(seconds * 1000.0), &session, &ZrRecordingSession::Stop);
+    if (seconds > 0.0)
+        QTimer::singleShot(static_cast<int>(seconds * 1000.0), &session, &ZrRecordingSession::Stop);
 
     session.Open(MakeVehicle);
     QCoreApplication::exec();

@@ -3,7 +3,7 @@
 //     ex_route FILE
 //
 // Prints the waypoints, the length and the duration of the route. Exit code 0 when the file was written and
-// reads back as the same route.
+// reads back as the same route, 1 for wrong arguments, 3 when not.
 
 #include "ZrUtil/ZrSetApp.h"
 #include "ZrUtil/ZrWpts.h"

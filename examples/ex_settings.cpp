@@ -4,7 +4,7 @@
 //
 // Prints the settings of a sonar as FILE has them (its defaults the first time), sets the range in metres and
 // saves them. Damage FILE and run it again: the settings come from the last good copy beside it. Exit code 0
-// when they were saved.
+// when they were saved, 1 for wrong arguments, 3 when not.
 
 #include "ZrKit/settings/ZrSettingsFile.h"
 #include "ZrUtil/IPersistable.h"

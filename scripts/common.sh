@@ -38,10 +38,10 @@ zr_install() {
     rm -f "$log"
 }
 
-# zr_build PRESET [TARGET...]: configures once and builds. A terminal sees one moving line, a file a line per tenth;
-# everything goes to build/PRESET.log, its end is shown when the build fails.
+# zr_build PRESET [TARGET...]: configures once and builds. A terminal sees one moving line, and errors as they come. A
+# file has a line per tenth; the rest goes to build/PRESET.log, whose end is shown when the build fails.
 zr_build() {
-    local preset=$1 log targets=()
+    local preset=$1 log where='' targets=()
     shift
     [ $# -gt 0 ] && targets=(--target "$@")
     log=$zr_root/build/$preset.log
@@ -66,11 +66,24 @@ zr_build() {
                         printf "Building %s: %d of %d\n", preset, part[1], part[2]
                         fflush()
                     }
-                }'
-        status=${PIPESTATUS[0]}
-        [ "$status" -eq 0 ] || grep -v '^\[' "$log" | tail -n 60 >&2
+                }' || status=${PIPESTATUS[0]}
+        where=", see $log"
+        [ "$status" -eq 0 ] || grep -v '^\[' "$log" | tail -n 60 >&2 || true
     fi
-    [ "$status" -eq 0 ] || zr_fail "building failed, see $log"
+    [ "$status" -eq 0 ] || zr_fail "building failed$where"
+}
+
+# zr_keep_copy LOG COPY: COPY holds what LOG holds. What lies beside LOG (index, events) comes along with the first copy
+# only: what lies beside a copy a person may have added to.
+zr_keep_copy() {
+    local log=$1 copy=$2 file
+    mkdir -p "$(dirname "$copy")"
+    if [ ! -e "$copy" ]; then
+        for file in "$log".*; do
+            [ ! -f "$file" ] || [ -e "$copy${file#"$log"}" ] || cp "$file" "$copy${file#"$log"}"
+        done
+    fi
+    cmp -s "$log" "$copy" || cp "$log" "$copy"
 }
 
 # zr_without_display COMMAND...: runs it on a virtual display, with OpenGL computed by the processor. Whatever ends this

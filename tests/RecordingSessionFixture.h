@@ -50,6 +50,7 @@ public:
     using ZrLineSource::TellLost;
 
     ZrCallQueue m_calls; ///< of the thread of the source
+    Pace m_pace; ///< set before anything comes
     QString m_lostAtStart; ///< why there is no connection yet; may be empty
 
     bool Start(QString* error) override
@@ -61,6 +62,8 @@ public:
     }
 
     QString Name() const override { return QStringLiteral("fake"); }
+
+    Pace TimePace() const override { return m_pace; }
 
 private:
     QString m_problem;

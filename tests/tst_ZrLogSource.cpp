@@ -79,6 +79,7 @@ void tst_ZrLogSource::keepsThePace()
 {
     const QString path = Write({{CRecType(0, 16), 100.0, "a", false}, {CRecType(0, 16), 120.0, "b", false}});
     ZrLogSource source(path, 100.0, nullptr);
+    QCOMPARE(source.TimePace().speed, 100.0);
     QSignalSpy finished(&source, &ZrLineSource::Finished);
     std::vector<Entry> found;
     Collect(source, found);

@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <limits>
 #include <vector>
 
 namespace {
@@ -35,6 +36,8 @@ private Q_SLOTS:
     void eventsWithoutPosition();
     void eventsNeedARecording();
     void eventsBeforeTheLog();
+    void eventsAtThePaceOfTheSource_data();
+    void eventsAtThePaceOfTheSource();
     void eventsBeforeALogThatCannotBe();
     void eventsThatNoLogTakes();
     void sentencesWithoutRecordsAreData_data();
@@ -147,6 +150,51 @@ void tst_ZrRecordingSessionEvents::eventsBeforeTheLog()
     QCOMPARE(
         texts, QStringList({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("third")}));
     QCOMPARE(times, (std::vector<double>{7002.5, 7004.0, 7004.0}));
+}
+
+void tst_ZrRecordingSessionEvents::eventsAtThePaceOfTheSource_data()
+{
+    QTest::addColumn<double>("speed");
+    QTest::addColumn<double>("mostAhead");
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("second");
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("faster") << 20.0 << inf << 7040.5 << 7060.5;
+    QTest::newRow("faster, up to its room") << 20.0 << 50.0 << 7040.5 << 7050.5;
+    QTest::newRow("slower") << 0.5 << inf << 7001.5 << 7002.0;
+    QTest::newRow("held") << 0.0 << inf << 7000.5 << 7000.5;
+}
+
+/// They lie where the vehicle was when they were given.
+void tst_ZrRecordingSessionEvents::eventsAtThePaceOfTheSource()
+{
+    QFETCH(double, speed);
+    QFETCH(double, mostAhead);
+    QFETCH(double, first);
+    QFETCH(double, second);
+    Open();
+    Pull([&](FakeSource& source) { source.m_pace = {speed, mostAhead}; });
+    Give(zr::rec_type(krtNavigation), 7000.5, Nav(50.0));
+    QTRY_VERIFY(m_session->State().latitude.IsKnown());
+    const auto mayGoOn = std::make_shared<QSemaphore>();
+    QSemaphoreReleaser whenThisFails(*mayGoOn);
+    m_session->Start(Options(), [mayGoOn] {
+        mayGoOn->acquire();
+        return QByteArray();
+    });
+    m_now = 1002.0;
+    QVERIFY(m_session->AddEvent(QStringLiteral("first")));
+    m_now = 1003.0;
+    QVERIFY(m_session->AddEvent(QStringLiteral("second")));
+    mayGoOn->release();
+    QTRY_COMPARE(m_session->Recording(), ZrRecordingSession::recordingOn);
+    Stop();
+    std::vector<double> times;
+    for (const Item& item : ReadLog(m_session->Status().file)) {
+        if (item.inf == CRecType(rtEvent))
+            times.push_back(item.inf.time);
+    }
+    QCOMPARE(times, (std::vector<double>{first, second}));
 }
 
 void tst_ZrRecordingSessionEvents::eventsBeforeALogThatCannotBe()

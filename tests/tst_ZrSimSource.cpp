@@ -259,6 +259,30 @@ private Q_SLOTS:
         QCOMPARE(records, expected);
     }
 
+    void paceOfItsTime()
+    {
+        ZrSimSource source(MakePlan(longWay, 3.0), Small(), nullptr);
+        source.SetFactor(50.0);
+        QCOMPARE(source.TimePace().speed, 50.0);
+        double last = 0.0;
+        std::size_t records = 0;
+        connect(&source, &ZrSimSource::Record, this, [&](CRecType, u16, double time) {
+            last = time;
+            if (++records == ZrSimSource::MaxWaiting)
+                source.Stop();
+        });
+        QString error;
+        QVERIFY(source.Start(&error));
+        // Nobody takes anything: so far its time goes on.
+        while (source.Waiting() < ZrSimSource::MaxWaiting)
+            QThread::msleep(5);
+        const double most = source.TimePace().mostAhead;
+        QTRY_COMPARE_WITH_TIMEOUT(records, std::size_t(ZrSimSource::MaxWaiting), patience);
+        QVERIFY2(std::fabs(last - Small().start - most) < 0.5, qPrintable(QString::number(most)));
+        source.SetPaused(true);
+        QCOMPARE(source.TimePace().speed, 0.0);
+    }
+
     void endsWithAMessage()
     {
         ZrSimSettings settings = Small();

@@ -31,6 +31,11 @@ private Q_SLOTS:
     void sonarOutsideTheRecords();
     void clockSetOutsideTheRecords();
     void recordsAndSonarTogether();
+    void recordsAndSonarApart_data();
+    void recordsAndSonarApart();
+    void sonarLate();
+    void sonarInFrontOfItsRecords();
+    void clockSetBehindTheRecords();
 };
 
 /// On the way to the next row where that comes within ten seconds; else where the last one was.
@@ -203,7 +208,7 @@ void tst_ZrSurveyRecordingTimes::sonarOutsideTheRecords()
     const ZrSteadyTime& times = *recording.Times();
     QCOMPARE(times.Begin(), line.TimeOf(0));
     QCOMPARE(times.End(), line.TimeOf(999));
-    QCOMPARE(times.Count(), std::size_t(1001)); // the ping of the last record comes behind it
+    QCOMPARE(times.Count(), std::size_t(1000));
     QCOMPARE(recording.Series().Count(), std::size_t(400));
     QCOMPARE(recording.Series().times->Begin(), line.TimeOf(200));
     for (const int ping : {0, 1, 199, 200, 201, 599, 600, 601, 998, 999}) {
@@ -264,6 +269,122 @@ void tst_ZrSurveyRecordingTimes::recordsAndSonarTogether()
     ZrSurveyRecording recording;
     QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
     QCOMPARE(recording.Times().get(), static_cast<const ZrSteadyTime*>(recording.Series().times.get()));
+}
+
+void tst_ZrSurveyRecordingTimes::recordsAndSonarApart_data()
+{
+    QTest::addColumn<bool>("isSonarFirst");
+    QTest::addColumn<int>("firstNav");
+    QTest::addColumn<int>("endNav");
+    for (const bool isSonarFirst : {false, true}) {
+        const char* order = isSonarFirst ? "sonar first" : "records first";
+        QTest::addRow("%s", order) << isSonarFirst << 0 << 400;
+        QTest::addRow("%s, earlier and later than the records", order) << isSonarFirst << 100 << 300;
+        QTest::addRow("%s, within the records", order) << isSonarFirst << -50 << 450;
+    }
+}
+
+/// All of the one stored in front of all of the other: times tell what belongs together.
+void tst_ZrSurveyRecordingTimes::recordsAndSonarApart()
+{
+    QFETCH(bool, isSonarFirst);
+    QFETCH(int, firstNav);
+    QFETCH(int, endNav);
+    const QString path = File("line.log");
+    SonarLine records;
+    SonarLine sonar;
+    sonar.pings = 400;
+    sonar.samples = 4;
+    sonar.hasNav = [](int) { return false; };
+    Log log(path);
+    if (isSonarFirst)
+        log.Add(sonar);
+    for (int i = firstNav; i < endNav; ++i)
+        log.AddNav(records.TimeOf(i), records.NavOf(i));
+    if (!isSonarFirst)
+        log.Add(sonar);
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    QCOMPARE(recording.Pings().size(), std::size_t(400));
+    QCOMPARE(recording.Times()->Begin(), sonar.TimeOf(std::min(firstNav, 0)));
+    QCOMPARE(recording.Times()->End(), sonar.TimeOf(std::max(endNav, 400) - 1));
+    for (const int ping : {0, 1, 99, 100, 101, 200, 299, 300, 301, 398, 399}) {
+        QCOMPARE(recording.TimeOfPing(ping), sonar.TimeOf(ping));
+        QCOMPARE(recording.PingAt(sonar.TimeOf(ping)), double(ping));
+        QVERIFY(recording.PositionAt(recording.TimeOfPing(ping)).IsValid());
+    }
+    QCOMPARE(recording.PingsIn(sonar.TimeOf(150), sonar.TimeOf(160)),
+        std::make_pair(std::size_t(150), std::size_t(161)));
+}
+
+/// It comes 3 s after its time, behind the last record too; the clock was not set for that.
+void tst_ZrSurveyRecordingTimes::sonarLate()
+{
+    const QString path = File("line.log");
+    SonarLine line;
+    line.samples = 4;
+    Log log(path);
+    for (int i = 0; i < 130; ++i) {
+        if (i < 100)
+            log.AddNav(line.TimeOf(i), line.NavOf(i));
+        if (i >= 30) {
+            for (const eSonarSide side : {sidePort, sideStarboard})
+                log.AddPing(line.TimeOf(i - 30), line.PingOf(i - 30, side));
+        }
+    }
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    QCOMPARE(recording.Times()->Runs().size(), std::size_t(1));
+    QCOMPARE(recording.Times()->End(), line.TimeOf(99));
+    for (const int ping : {0, 40, 69, 70, 85, 99})
+        QCOMPARE(recording.TimeOfPing(ping), line.TimeOf(ping));
+}
+
+/// Stored before the first record, but later than it.
+void tst_ZrSurveyRecordingTimes::sonarInFrontOfItsRecords()
+{
+    const QString path = File("line.log");
+    SonarLine line;
+    line.samples = 4;
+    Log log(path);
+    for (int i = 0; i < 105; ++i) {
+        if (i < 100) {
+            for (const eSonarSide side : {sidePort, sideStarboard})
+                log.AddPing(line.TimeOf(i), line.PingOf(i, side));
+        }
+        if (i >= 5)
+            log.AddNav(line.TimeOf(i - 5), line.NavOf(i - 5));
+    }
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    for (const int ping : {0, 1, 3, 4, 5, 6, 50, 99})
+        QCOMPARE(recording.TimeOfPing(ping), line.TimeOf(ping));
+}
+
+/// Into times that records have: among pings that lay between the records these come behind them.
+void tst_ZrSurveyRecordingTimes::clockSetBehindTheRecords()
+{
+    const QString path = File("line.log");
+    SonarLine line;
+    line.samples = 4;
+    Log log(path);
+    const auto timeOf = [&](int ping) { return line.TimeOf(ping) - (ping < 120 ? 0.0 : 10.0); };
+    for (int i = 0; i < 150; ++i) {
+        if (i < 100)
+            log.AddNav(timeOf(i), line.NavOf(i));
+        for (const eSonarSide side : {sidePort, sideStarboard})
+            log.AddPing(timeOf(i), line.PingOf(i, side));
+    }
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    QCOMPARE(recording.TimeOfPing(119.0), timeOf(119));
+    QVERIFY(IsNear(recording.TimeOfPing(120.0), timeOf(119), 1e-6));
+    QVERIFY(IsNear(recording.TimeOfPing(149.0), timeOf(119) + 2.9, 1e-6));
+    QVERIFY(IsNear(recording.Times()->LogTime(recording.TimeOfPing(140.0)), timeOf(140), 1e-6));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrSurveyRecordingTimes)

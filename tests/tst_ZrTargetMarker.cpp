@@ -23,6 +23,9 @@ private Q_SLOTS:
     void tap();
     void nothingThere();
     void outsideTheRecords();
+    void positionsFarApart();
+    void placedByTime();
+    void linesFromOne();
     void draw();
     void shadow();
     void wrongSideOfTheShadow();
@@ -118,7 +121,6 @@ void tst_ZrTargetMarker::nothingThere()
     QVERIFY(marker.Target() && !marker.Extent());
 }
 
-/// 20 pings of 0.15 m along the track, on one range.
 /// The last position that was recorded is none for pings long behind it.
 void tst_ZrTargetMarker::outsideTheRecords()
 {
@@ -141,6 +143,61 @@ void tst_ZrTargetMarker::outsideTheRecords()
     QVERIFY(marker.Draw(Point(130.0, sidePort, 13.0), Point(135.0, sidePort, 13.0)));
 }
 
+/// Between two positions that are minutes apart a place is a guess.
+void tst_ZrTargetMarker::positionsFarApart()
+{
+    const QString path = m_folder.filePath(QStringLiteral("apart.log"));
+    sonar_test::SonarLine line;
+    line.interval = 1.0;
+    line.pings = 220;
+    line.hasNav = [](int ping) { return ping <= 20 || ping == 60 || ping >= 200; };
+    QVERIFY(sonar_test::WriteLine(path, line));
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    ZrTargetMarker marker;
+    marker.SetRecording(&recording);
+    for (const int ping : {10, 40, 60, 210})
+        QVERIFY2(marker.Tap(Point(ping, sideStarboard, 13.0)), qPrintable(marker.Error()));
+    QVERIFY(!marker.Tap(Point(130.0, sideStarboard, 13.0)));
+    QCOMPARE(marker.Error(), QStringLiteral("No position was recorded near line 131."));
+}
+
+/// The place is that of the pose, which goes by time: the clock was set back behind the records, and the
+/// pings lie long behind them on the axis.
+void tst_ZrTargetMarker::placedByTime()
+{
+    const QString path = m_folder.filePath(QStringLiteral("set.log"));
+    sonar_test::SonarLine line;
+    sonar_test::Log log(path);
+    const auto timeOf = [&](int ping) { return line.time + ping - (ping < 120 ? 0.0 : 60.0); };
+    for (int i = 0; i < 150; ++i) {
+        if (i < 100)
+            log.AddNav(timeOf(i), line.NavOf(i));
+        for (const eSonarSide side : {sidePort, sideStarboard})
+            log.AddPing(timeOf(i), line.PingOf(i, side));
+    }
+    QVERIFY(log.Commit());
+    ZrSurveyRecording recording;
+    QVERIFY2(recording.Load(path), qPrintable(recording.Error()));
+    QVERIFY(!recording.KnowsVehicle(recording.TimeOfPing(140.0)));
+    ZrTargetMarker marker;
+    marker.SetRecording(&recording);
+    QVERIFY2(marker.Tap(Point(140.0, sideStarboard, 13.0)), qPrintable(marker.Error()));
+    QVERIFY(!marker.Tap(Point(115.0, sideStarboard, 13.0)));
+}
+
+/// As the review counts them.
+void tst_ZrTargetMarker::linesFromOne()
+{
+    ZrTargetMarker marker;
+    marker.SetRecording(&m_recording);
+    QVERIFY(!marker.Tap(Point(50.0, sideStarboard, 1.05)));
+    QCOMPARE(marker.Error(),
+        QStringLiteral(
+            "Sample 10 of line 51 lies in the water column: at 1.05 m, the seabed begins at 5.00 m"));
+}
+
+/// 20 pings of 0.15 m along the track, on one range.
 void tst_ZrTargetMarker::draw()
 {
     ZrTargetMarker marker;

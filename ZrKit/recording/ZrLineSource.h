@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QString>
 
+#include <limits>
+
 /// Where a recorder gets its data from: standard input, a port, a file that is replayed, a simulation.
 ///
 /// Most give lines. Those that know more than lines can say give records instead.
@@ -19,6 +21,13 @@ class ZR_KIT_EXPORT ZrLineSource : public QObject
     Q_OBJECT
 
 public:
+    /// How the time of a source goes on while nobody takes what it gives. A plain value.
+    struct Pace
+    {
+        double speed = 1.0; ///< seconds of its time in a second; 0 when it holds, or when nobody knows
+        double mostAhead = std::numeric_limits<double>::infinity(); ///< seconds of its time, then it holds
+    };
+
     explicit ZrLineSource(QObject* parent);
     ~ZrLineSource() override;
 
@@ -27,6 +36,10 @@ public:
 
     /// What the source is, for messages: "UDP port 10110".
     virtual QString Name() const = 0;
+
+    /// How the times that it tells go on: by the clock unless a source knows better. On the thread that the
+    /// source lives on.
+    virtual Pace TimePace() const { return {}; }
 
     /// Lines that were too long and had to be dropped.
     virtual u64 Dropped() const { return m_splitter.Dropped(); }

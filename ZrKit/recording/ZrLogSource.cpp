@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QtEndian>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -63,6 +64,14 @@ bool ZrLogSource::Start(QString* error)
     m_clock.start();
     m_timer->start(0);
     return true;
+}
+
+/// What was not taken in time comes all at once.
+ZrLineSource::Pace ZrLogSource::TimePace() const
+{
+    Pace pace;
+    pace.speed = std::max(m_speed, 0.0);
+    return pace;
 }
 
 void ZrLogSource::OnPayload(const ZrLogItemInf& inf, zr::span<u8> payload, u64 pos)

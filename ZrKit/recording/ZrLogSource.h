@@ -29,6 +29,7 @@ public:
     ZrLogSource(const QString& path, double speed, QObject* parent);
     bool Start(QString* error) override;
     QString Name() const override;
+    Pace TimePace() const override;
 
 private:
     void OnDue();

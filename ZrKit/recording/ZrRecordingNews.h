@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZrKit/recording/ZrLineSource.h"
 #include "ZrKit/recording/ZrLivePing.h"
 #include "ZrKit/recording/ZrLiveState.h"
 #include "ZrKit/recording/ZrRecorder.h"
@@ -28,6 +29,7 @@ struct ZrRecordingNews
     u64 lostPings = 0; ///< that were not shown since the screen was too slow; they are recorded all the same
     std::vector<ZrLogEvt> lostEvents; ///< new ones of the user that no log has taken
     bool tellsTime = false; ///< the source tells the times of its items; else they are those of arrival
+    ZrLineSource::Pace pace; ///< of these times
     bool isRecording = false;
     ZrRecorder::Status status; ///< of the recording, or of the last one
 };

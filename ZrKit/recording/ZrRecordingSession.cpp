@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <utility>
 
 ZrRecordingSession::ZrRecordingSession(QObject* parent)
@@ -167,8 +168,10 @@ double ZrRecordingSession::TimeBeforeStart() const
 {
     if (m_recording != recordingStarting || !m_news.tellsTime)
         return 0.0;
-    // No news come meanwhile; the source goes on by the clock unless it has come to its end.
-    return State().dataTime + (m_source == sourceOpen ? Now() - m_startAsked : 0.0);
+    // No news come meanwhile: the source goes on at its own pace, as far as it does without being heard,
+    // unless it has come to its end.
+    const double ahead = std::min((Now() - m_startAsked) * m_news.pace.speed, m_news.pace.mostAhead);
+    return State().dataTime + (m_source == sourceOpen ? ahead : 0.0);
 }
 
 bool ZrRecordingSession::AddEvent(const QString& label)

@@ -113,8 +113,9 @@ public:
 
     /// Adds an event of the user, of this moment, and with the position in its detail where one is known and
     /// fresh: degrees, "50.1234567, -4.1234567". False when nothing is recorded or \p label is empty. While
-    /// the recording is about to begin it waits for the log. One that the log could not take after all is
-    /// told by `EventsLost`.
+    /// the recording is about to begin it waits for the log; where the source tells the time, its moment is
+    /// the one that the source has come to at its pace, see `ZrLineSource::TimePace`. One that the log could
+    /// not take after all is told by `EventsLost`.
     bool AddEvent(const QString& label);
     /// @}
 

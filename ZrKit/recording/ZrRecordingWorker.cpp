@@ -233,6 +233,7 @@ void ZrRecordingWorker::Tell()
         m_news.damagedLines = m_damagedLines;
         m_news.droppedLines = m_source ? m_source->Dropped() : 0;
         m_news.tellsTime = m_tellsTime;
+        m_news.pace = m_source ? m_source->TimePace() : ZrLineSource::Pace();
         m_news.isRecording = m_recorder && m_recorder->IsRecording();
         if (m_recorder)
             m_news.status = m_recorder->CurrentStatus();

@@ -10,12 +10,12 @@ constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double earliest = -62135596800.0; ///< 0001-01-01
 constexpr double latest = 253402300800.0; ///< 10000-01-01
 
-bool IsTime(double time)
+} // namespace
+
+bool ZrSteadyTime::IsTime(double time)
 {
     return time >= earliest && time < latest;
 }
-
-} // namespace
 
 ZrSteadyTime::ZrSteadyTime(zr::span<const double> logTimes)
 {

@@ -36,6 +36,9 @@ public:
         double shift; ///< steady time less log time, seconds
     };
 
+    /// Whether \p time can be one: finite and within the years 1 to 9999.
+    static bool IsTime(double time);
+
     ZrSteadyTime() = default;
     explicit ZrSteadyTime(zr::span<const double> logTimes);
 

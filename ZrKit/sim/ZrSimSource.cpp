@@ -179,6 +179,7 @@ bool ZrSimSource::Start(QString* error)
     }
     m_state = survey->Vehicle().State();
     m_percent = 0;
+    m_recordRate = survey->RecordRate();
     m_worker = std::make_unique<Worker>(std::move(survey));
     m_worker->since = Clock::now();
     m_worker->paused = m_paused;
@@ -200,6 +201,15 @@ bool ZrSimSource::Start(QString* error)
 QString ZrSimSource::Name() const
 {
     return QCoreApplication::translate("ZrSimSource", "simulated vehicle");
+}
+
+ZrLineSource::Pace ZrSimSource::TimePace() const
+{
+    Pace pace;
+    pace.speed = m_paused ? 0.0 : m_factor;
+    if (m_recordRate > 0.0)
+        pace.mostAhead = static_cast<double>(MaxWaiting) / m_recordRate;
+    return pace;
 }
 
 void ZrSimSource::Stop()

@@ -43,6 +43,9 @@ public:
 
     QString Name() const override;
 
+    /// The factor, as far as `MaxWaiting` records reach; 0 while it is held.
+    Pace TimePace() const override;
+
     /// Ends the simulation; nothing comes any more, `Finished` neither. Harmless when it does not run.
     void Stop();
 
@@ -76,6 +79,7 @@ private:
     ZrSimSettings m_settings;
     ZrSimVehicleState m_state;
     int m_percent = 0;
+    double m_recordRate = 0.0; ///< a second of simulated time
     bool m_paused = false;
     double m_factor = 1.0;
     std::unique_ptr<Worker> m_worker; ///< null unless running

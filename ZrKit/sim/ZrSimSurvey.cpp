@@ -211,6 +211,14 @@ void ZrSimSurvey::Log(eStream stream)
     }
 }
 
+double ZrSimSurvey::RecordRate() const
+{
+    double rate = 0.0;
+    for (int stream = 0; stream < streamCount; ++stream)
+        rate += m_streams[stream].rate * (stream == streamPing ? 2.0 : 1.0); // both sides
+    return rate;
+}
+
 int ZrSimSurvey::Percent() const
 {
     const double length = m_vehicle->Length();

@@ -60,6 +60,8 @@ public:
     /// Percent of the way that lie behind the vehicle.
     int Percent() const;
 
+    double RecordRate() const; ///< records in a second of the survey, on average
+
 private:
     /// What is logged at a rate; the order is that of records of one moment.
     enum eStream : int

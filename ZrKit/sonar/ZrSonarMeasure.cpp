@@ -24,23 +24,23 @@ bool ZrSonarMeasure::Check(const ZrSonarSpot& spot)
     if (count == 0)
         return Fail(tr("There are no side-scan lines"));
     if (spot.ping >= count)
-        return Fail(tr("There is no line %1; the last one is %2").arg(spot.ping).arg(count - 1));
+        return Fail(tr("There is no line %1; the last one is %2").arg(Line(spot.ping)).arg(Line(count - 1)));
     if (!std::isfinite(spot.sample))
         return Fail(tr("The sample is not a number"));
     if (!std::isfinite(m_geo.SlantRange(spot))) {
-        return Fail(spot.side == sidePort ? tr("Line %1 has no port side").arg(spot.ping)
-                                          : tr("Line %1 has no starboard side").arg(spot.ping));
+        return Fail(spot.side == sidePort ? tr("Line %1 has no port side").arg(Line(spot.ping))
+                                          : tr("Line %1 has no starboard side").arg(Line(spot.ping)));
     }
     if (!m_geo.Holds(spot)) {
         return Fail(tr("Line %1 has no sample %2; the last one is %3")
-                        .arg(spot.ping)
+                        .arg(Line(spot.ping))
                         .arg(spot.sample)
                         .arg(m_geo.Pings().Side(spot.ping, spot.side).sampleCount - 1));
     }
     if (m_geo.IsInWater(spot)) {
         return Fail(tr("Sample %1 of line %2 lies in the water column: at %3 m, the seabed begins at %4 m")
                         .arg(spot.sample)
-                        .arg(spot.ping)
+                        .arg(Line(spot.ping))
                         .arg(m_geo.SlantRange(spot), 0, 'f', 2)
                         .arg(m_geo.Altitude(spot.ping), 0, 'f', 2));
     }
@@ -53,7 +53,7 @@ bool ZrSonarMeasure::Place(const ZrSonarSpot& spot, ZrSonarTarget& target)
         return false;
     const ZrGeoPoint position = m_geo.Position(spot);
     if (!position.IsValid())
-        return Fail(tr("The position or the heading at line %1 is not known").arg(spot.ping));
+        return Fail(tr("The position or the heading at line %1 is not known").arg(Line(spot.ping)));
     target.spot = spot;
     target.time = m_geo.Pings().Time(spot.ping);
     target.position = position;
@@ -99,7 +99,7 @@ bool ZrSonarMeasure::Height(const ZrSonarSpot& top, double shadowEnd, Shadow& sh
         return Fail(tr("The altitude of the sonar is not known, and without it no height"));
     const double altitude = m_geo.Altitude(top.ping);
     if (!(altitude > 0.0))
-        return Fail(tr("The altitude of the sonar at line %1 is 0").arg(top.ping));
+        return Fail(tr("The altitude of the sonar at line %1 is 0").arg(Line(top.ping)));
     if (shadowEnd <= top.sample) {
         return Fail(tr("The shadow ends at sample %1, which does not lie behind its beginning at sample %2")
                         .arg(shadowEnd)

@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QString>
 
+#include <cstddef>
+
 class ZrSonarGeo;
 
 /// Measures what is seen in a side-scan line: where it lies, how long and wide it is, how high it stands.
@@ -44,8 +46,10 @@ public:
         double step = 0.0; ///< change of `height` when one end of the shadow is off by a sample
     };
 
-    explicit ZrSonarMeasure(const ZrSonarGeo& geo)
+    /// \param firstLine number of the first ping in sentences for the user
+    explicit ZrSonarMeasure(const ZrSonarGeo& geo, std::size_t firstLine = 0)
         : m_geo(geo)
+        , m_firstLine(firstLine)
     {
     }
 
@@ -78,9 +82,12 @@ public:
     QString Error() const { return m_error; } ///< why the last call failed; else empty
 
 private:
+    std::size_t Line(std::size_t ping) const { return ping + m_firstLine; }
+
     bool Check(const ZrSonarSpot& spot);
     bool Fail(const QString& error);
 
     const ZrSonarGeo& m_geo;
+    std::size_t m_firstLine;
     QString m_error;
 };

@@ -56,6 +56,23 @@ template <class IsThere> std::size_t FirstOf(std::size_t count, const IsThere& i
     return first;
 }
 
+/// The place of the log time \p time between records, nearest to \p near and not further back from there
+/// than times may fall; NaN when it lies at none.
+double PlaceOf(const ZrSteadyTime& times, double time, double near)
+{
+    double found = unknown;
+    for (const ZrSteadyTime::Run& run : times.Runs()) {
+        const double steady = time + run.shift;
+        const double at = std::max(steady, run.begin);
+        const bool isHeld = at - steady <= ZrSteadyTime::Disorder && steady <= run.end;
+        if (!isHeld || at < near - ZrSteadyTime::Disorder)
+            continue;
+        if (std::isnan(found) || std::fabs(at - near) < std::fabs(found - near))
+            found = at;
+    }
+    return found;
+}
+
 } // namespace
 
 bool ZrSurveyRecording::Fail(const QString& error)
@@ -93,39 +110,70 @@ u64 ZrSurveyRecording::PosOf(std::size_t ping) const
     return !port.IsThere() || (starboard.IsThere() && starboard.pos < port.pos) ? starboard.pos : port.pos;
 }
 
-/// Sonar goes on where records end: what lies outside of them has its own times. Few logs have any of it;
-/// then the axis is a copy.
+/// The first ping whose time lies between the records; the \p front ones were stored before them.
+std::size_t ZrSurveyRecording::FirstInside(std::size_t front) const
+{
+    const std::size_t count = Pings().size();
+    const double begin = m_times->Begin();
+    const auto placeOf = [&](std::size_t ping) { return PlaceOf(*m_times, Pings().Time(ping), begin); };
+    const auto isInside
+        = [&](std::size_t ping) { return Pings().Time(ping) >= begin && !std::isnan(placeOf(ping)); };
+    std::size_t first = 0;
+    if (front == 0) {
+        // Stored behind the records; earlier than they are only those that run on into them.
+        while (first < count && !(Pings().Time(first) >= begin) && !(placeOf(first) > begin))
+            ++first;
+        return first < count && !std::isnan(placeOf(first)) ? first : 0;
+    }
+    if (front == count) {
+        while (first < count && !isInside(first))
+            ++first;
+        return first;
+    }
+    for (first = front; first > 0 && isInside(first - 1);)
+        --first;
+    return first;
+}
+
+/// Sonar goes on where records end: what lies outside of them, in time as well as in the log, has its own
+/// times. Few logs have any of it; then the axis is a copy.
 void ZrSurveyRecording::LoadTimes()
 {
     const std::size_t count = Pings().size();
     const bool hasRows = m_series->Count() > 0 && !m_series->times->IsEmpty();
     m_times = hasRows ? m_series->times : std::make_shared<ZrSteadyTime>();
-    const double begin = m_times->Begin();
-    const double end = m_times->LogTime(m_times->End());
-    bool isInside = true;
-    std::vector<double> before;
-    while (hasRows && before.size() < count && PosOf(before.size()) < m_firstRecord) {
-        before.push_back(Pings().Time(before.size()));
-        isInside = isInside && before.back() >= begin && before.back() <= begin;
-    }
+    std::size_t front = 0;
+    while (hasRows && front < count && PosOf(front) < m_firstRecord)
+        ++front;
     std::size_t behind = hasRows ? count : 0;
-    while (behind > before.size() && PosOf(behind - 1) > m_lastRecord)
+    while (behind > front && PosOf(behind - 1) > m_lastRecord)
         --behind;
-    for (std::size_t i = behind; i < count; ++i) {
-        const double time = Pings().Time(i);
-        isInside = isInside && time <= end && time >= end - ZrSteadyTime::Disorder;
+    const std::size_t first = hasRows && (behind == 0 || front > 0) ? FirstInside(front) : 0;
+    // Pings that came later than their records are still between them; where times fall the clock was set.
+    std::size_t end = front == count ? first : std::max(behind, first);
+    double near = end > first ? m_times->FromLog(Pings().Time(end - 1), m_times->End()) : m_times->Begin();
+    for (; hasRows && end < count; ++end) {
+        const double time = Pings().Time(end);
+        const double at = PlaceOf(*m_times, time, near);
+        if (std::isnan(at) && ZrSteadyTime::IsTime(time))
+            break;
+        near = std::isnan(at) ? near : std::max(at, near);
     }
-    if (isInside) {
+    if (first == 0 && end == count) {
         LoadPingTimes(0, count);
         return;
     }
     auto times = std::make_shared<ZrSteadyTime>(*m_times);
-    times->Reserve(times->Count() + before.size() + count - behind);
+    times->Reserve(times->Count() + first + count - end);
+    std::vector<double> before;
+    before.reserve(first);
+    for (std::size_t i = 0; i < first; ++i)
+        before.push_back(Pings().Time(i));
     times->Prepend(before);
-    for (std::size_t i = behind; i < count; ++i)
+    for (std::size_t i = end; i < count; ++i)
         times->Append(Pings().Time(i));
     m_times = std::move(times);
-    LoadPingTimes(before.size(), behind);
+    LoadPingTimes(first, end);
 }
 
 /// Those in front of \p first and from \p end on are on the axis, at its ends. Most logs have no other times

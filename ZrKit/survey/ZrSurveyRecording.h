@@ -69,8 +69,8 @@ public:
 
     bool IsDamaged() const { return m_isDamaged; } ///< it is there as far as it is sound
 
-    /// The time axis: of the records and of the pings in front of the first and behind the last one; without
-    /// records of all pings.
+    /// The time axis: of the records and of the pings before the first and behind the last one; without
+    /// records of all pings. Where pings stand in the log counts only for those whose time no record has.
     const std::shared_ptr<const ZrSteadyTime>& Times() const { return m_times; }
 
     /// The events that were saved, and the record types, for exports; \p reader gives the records, which stay
@@ -143,6 +143,7 @@ private:
     std::size_t FirstPingFrom(double steady) const;
     std::size_t FirstPingBehind(double steady) const;
     u64 PosOf(std::size_t ping) const;
+    std::size_t FirstInside(std::size_t front) const;
     void LoadTimes();
     void LoadPingTimes(std::size_t first, std::size_t end);
     bool LoadSeries();

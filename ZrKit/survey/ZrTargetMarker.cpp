@@ -8,6 +8,14 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+constexpr std::size_t firstLine = 1; ///< as people count
+constexpr double mostBeside = 10.0; ///< seconds from a fix to a ping that is placed by it alone
+constexpr double mostBetween = 60.0; ///< seconds between two fixes; beyond, a place between them is a guess
+
+} // namespace
+
 void ZrTargetMarker::SetRecording(const ZrSurveyRecording* recording)
 {
     m_recording = recording;
@@ -63,16 +71,20 @@ bool ZrTargetMarker::Tap(const ZrWaterfallPoint& point)
     return m_wantsShadow ? MarkShadow(*spot) : Mark(*spot);
 }
 
-/// The last position known is none for pings long behind it.
+/// The last position known is none for pings long behind it. The place of a spot is that of its pose: by the
+/// time of the ping, wherever it lies on the axis.
 bool ZrTargetMarker::HasPlace(const ZrSonarSpot& spot)
 {
-    return m_recording->KnowsVehicle(m_recording->TimeOfPing(static_cast<double>(spot.ping)))
-        || Fail(tr("No position was recorded near line %1.").arg(spot.ping + 1));
+    const double gap = m_recording->Pings()[spot.ping].pose.gap;
+    const auto isBetween
+        = [&] { return m_recording->KnowsVehicle(m_recording->TimeOfPing(static_cast<double>(spot.ping))); };
+    return gap <= mostBeside || (gap <= mostBetween && isBetween())
+        || Fail(tr("No position was recorded near line %1.").arg(spot.ping + firstLine));
 }
 
 bool ZrTargetMarker::Mark(const ZrSonarSpot& spot)
 {
-    ZrSonarMeasure measure(m_recording->Geo());
+    ZrSonarMeasure measure(m_recording->Geo(), firstLine);
     ZrSonarTarget target;
     if (!measure.Place(spot, target))
         return Fail(measure.Error());
@@ -87,7 +99,7 @@ bool ZrTargetMarker::MarkShadow(const ZrSonarSpot& spot)
 {
     if (spot.side != m_target->spot.side)
         return Fail(tr("The shadow lies on the target's side of the track."));
-    ZrSonarMeasure measure(m_recording->Geo());
+    ZrSonarMeasure measure(m_recording->Geo(), firstLine);
     ZrSonarMeasure::Shadow shadow;
     if (!measure.Height(m_target->spot, spot.sample, shadow))
         return Fail(measure.Error());
@@ -105,7 +117,7 @@ bool ZrTargetMarker::Draw(const ZrWaterfallPoint& from, const ZrWaterfallPoint& 
     const std::optional<ZrSonarSpot> b = SpotAt(to);
     if (!a || !b)
         return Fail(tr("Nothing was recorded at one of the ends."));
-    ZrSonarMeasure measure(m_recording->Geo());
+    ZrSonarMeasure measure(m_recording->Geo(), firstLine);
     ZrSonarTarget target;
     ZrSonarMeasure::Extent extent;
     if (!measure.Place(*a, target) || !measure.Between(*a, *b, extent))

@@ -29,8 +29,9 @@ class ZrWaterfallLayout;
 /// \endcode
 ///
 /// Functions that measure are false, with a sentence for the user in `Error` and the marks as they were,
-/// where nothing was recorded and where `ZrSonarMeasure` refuses. One thread; the recording must outlive its
-/// use here.
+/// where nothing was recorded, where `ZrSonarMeasure` refuses, and where no position was recorded near:
+/// within ten seconds, or a minute between two. Lines are counted from 1 there. One thread; the recording
+/// must outlive its use here.
 class ZR_KIT_EXPORT ZrTargetMarker
 {
     Q_DECLARE_TR_FUNCTIONS(ZrTargetMarker)

@@ -1,5 +1,6 @@
 // A recording on a map and in 3D, side by side; a tap on its way moves the vehicle there.
 //     review_scene FILE [--screenshot FILE]: a log, or a recording in a foreign form, whose log is made first
+//     and gone at the end
 // Exit code 1 for wrong arguments, 2 when the recording cannot be read, 3 when the picture cannot be written.
 
 #include "ZrKit/chart/ZrRecordingChart.h"
@@ -146,7 +147,7 @@ struct RecordingView final : ZrAppView
             [loading = m_loading] { loading->cancel = true; });
     }
 
-    /// What a tap in the middle of the first line of a waterfall would tell.
+    /// What a tap in the middle of the starboard side, in the middle line of a waterfall, would tell.
     void TellTarget() const
     {
         ZrTargetMarker marker;

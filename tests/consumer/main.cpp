@@ -1,6 +1,9 @@
 #include <ZrDebugLog/ZrDebugLog.h>
 #include <ZrKit/records/ZrDepthRecord.h>
 #include <ZrKit/records/ZrKitTypes.h>
+#include <ZrKit/ui/ZrBanner.h>
+#include <ZrUtil/ZrAppView.h>
+#include <ZrUtil/ZrBtn.h>
 #include <ZrUtil/ZrConsole.h>
 #include <ZrUtil/ZrLstMgd.h>
 #include <ZrUtil/ZrSpan.h>
@@ -20,7 +23,7 @@ void Check(bool good, const char* what)
 
 } // namespace
 
-// One call into each library, and one template that lives in the headers alone.
+// Some calls into each library, and one template that lives in the headers alone.
 int main()
 {
     Check(std::strcmp(zr_debug_log_level_to_string(ZR_DEBUG_LOG_WARNING), "") != 0, "debug log");
@@ -37,5 +40,9 @@ int main()
     written.depth = 12.5f;
     ZrDepthRecord read;
     Check(ZrDepthRecord::Decode(zr::bytes_of(written.Encode()), read) && read.depth == 12.5f, "record");
+    // Widgets and positions are part of the interface.
+    for (const QMetaObject* type :
+        {&ZrBtn::staticMetaObject, &ZrAppView::staticMetaObject, &ZrBanner::staticMetaObject})
+        Check(type->inherits(&QWidget::staticMetaObject), type->className());
     return failures == 0 ? 0 : 1;
 }
