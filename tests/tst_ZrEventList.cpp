@@ -60,7 +60,6 @@ private Q_SLOTS:
     void eventsWithoutUid();
     void undoAfterSave();
     void damagedFile();
-    void unsavedOfTheLog();
     void cannotBeSaved_data();
     void cannotBeSaved();
 };
@@ -428,26 +427,6 @@ void tst_ZrEventList::cannotBeSaved()
     QVERIFY(!events.Save(nullptr));
     QVERIFY(events.IsChanged()); // to be tried again
     QCOMPARE(Texts(events), S("a"));
-}
-
-/// Those of the log that the event file did not take.
-void tst_ZrEventList::unsavedOfTheLog()
-{
-    QVERIFY(WriteWhole(m_log + S(".evt"), EventFile({{2.0, S("saved"), Uid(1)}, {3.0, S("twin"), QUuid()}})));
-    ZrEventList events;
-    QVERIFY(events.Load(m_log));
-    ZrLogEvt saved = Evt(2.0, "saved");
-    saved.uid = Uid(1);
-    events.AddUnsaved({Evt(1.0, "first"), saved, Evt(3.0, "twin"), Evt(3.0, "twin"), Evt(unknown, "none")});
-    QCOMPARE(Texts(events), S("first saved twin twin none"));
-    QVERIFY(events.IsChanged() && !events.CanUndo());
-    events.AddUnsaved({});
-    QCOMPARE(events.Count(), std::size_t(5));
-    QVERIFY(events.Remove(events.Id(4)));
-    QString error;
-    QVERIFY2(events.Save(&error), qPrintable(error));
-    QCOMPARE(EventTexts(m_log), (QStringList{S("first"), S("saved"), S("twin"), S("twin")}));
-    QVERIFY(!events.IsChanged());
 }
 
 QTEST_GUILESS_MAIN(tst_ZrEventList)

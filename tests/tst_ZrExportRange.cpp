@@ -14,7 +14,6 @@ namespace {
 using export_range::Body;
 using survey::Event;
 using survey::EventFile;
-using survey::EventItem;
 using survey::EventTexts;
 using survey::NavItem;
 using survey::S;
@@ -61,7 +60,6 @@ private Q_SLOTS:
     void stateIsNotTakenFromAWrongIndex();
     void eventsOfThePart();
     void filesOfAnEarlierLog();
-    void removedEventsStayAway();
     void damagedLog();
     void logThatHasChanged();
     void partIsAWholeLog();
@@ -188,40 +186,6 @@ void tst_ZrExportRange::filesOfAnEarlierLog()
     QVERIFY(!QFileInfo::exists(m_out + S(".zri")));
     QVERIFY(!QFileInfo::exists(m_out + S(".zri.json")));
     QVERIFY(!QFileInfo::exists(m_out + S(".evt.json")));
-}
-
-/// Their items are in the part, but they do not come back with it.
-void tst_ZrExportRange::removedEventsStayAway()
-{
-    LogBytes log;
-    for (int i = 0; i < 10; ++i)
-        log.Add(NavItem(i)).Add(EventItem({startTime + i, S("event %1").arg(i), Uid(i + 1)}));
-    QVERIFY(WriteWhole(m_log, log.Bytes()));
-    {
-        ZrSurveyDataset dataset;
-        ZrDatasetReader reader;
-        QCOMPARE(reader.Read(m_log, dataset), ZrDatasetReader::Built);
-    }
-    QCOMPARE(EventTexts(m_log).size(), 10);
-    QVERIFY(WriteWhole(m_log + S(".evt"), EventFile({{startTime + 4, S("event 4"), Uid(5)}})));
-    QVERIFY(QFile::remove(m_log + S(".zri")));
-    Load(log.Bytes());
-    for (const int first : {3, 6}) { // with events and without any
-        const QStringList texts = first == 3 ? QStringList{S("event 4")} : QStringList();
-        ZrExportRange part(m_dataset, static_cast<std::size_t>(first), static_cast<std::size_t>(first + 3));
-        QCOMPARE(part.WriteLog(m_out), ZrExportRange::Done);
-        QCOMPARE(EventTexts(m_out), texts);
-        for (int opened = 0; opened < 2; ++opened) {
-            ZrSurveyDataset dataset;
-            ZrDatasetReader reader;
-            QCOMPARE(reader.Read(m_out, dataset), ZrDatasetReader::Built);
-            QCOMPARE(dataset.recs.size(), std::size_t(3));
-            QCOMPARE(EventTexts(m_out), texts);
-            QVERIFY(QFile::remove(m_out + S(".zri")));
-        }
-        for (const char* suffix : {".evt", ".evt.json"})
-            QVERIFY(QFile::remove(m_out + S(suffix)));
-    }
 }
 
 void tst_ZrExportRange::damagedLog()

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void damagedLog();
     void logThatHasGrown();
     void removedEventsOfAGrowingLog();
+    void eventsThatCannotBeKept();
     void logThatIsGone();
     void recordsThatAreNoRows();
     void folderThatCannotBeWritten();
@@ -36,11 +37,37 @@ private Q_SLOTS:
     void mosaicHoldsThePartAlone();
 
 private:
+    /// So many records a second apart, each tenth with an event behind it.
+    static bool WriteEvents(const QString& log, int count);
+
+    static QStringList TextsOf(const ZrEventList& events)
+    {
+        QStringList texts;
+        for (std::size_t i = 0; i < events.Count(); ++i)
+            texts << events.At(i).text;
+        return texts;
+    }
+
     /// A log of so many lines, with three events, opened once.
     std::shared_ptr<ZrSurveyRecording> Long(qint64 lines);
 
     std::map<qint64, std::shared_ptr<ZrSurveyRecording>> m_long;
 };
+
+bool tst_ZrSurveyExportLogs::WriteEvents(const QString& log, int count)
+{
+    Log growing(log);
+    for (int i = 0; i < count; ++i) {
+        growing.AddNav(startTime + i, SonarLine().NavOf(i));
+        ZrLogEvt evt(startTime + i, esUser, S("event %1.").arg(i));
+        evt.uid = QUuid(static_cast<uint>(i + 1), 1, 2, 3, 4, 5, 6, 7, 8, 9, 10);
+        QByteArray bytes;
+        evt.Save(bytes);
+        if (i % 10 == 0)
+            growing.AddItem(rtEvent, 0, 0, startTime + i, bytes);
+    }
+    return growing.Commit();
+}
 
 std::shared_ptr<ZrSurveyRecording> tst_ZrSurveyExportLogs::Long(qint64 lines)
 {
@@ -109,20 +136,7 @@ void tst_ZrSurveyExportLogs::logThatHasGrown()
 void tst_ZrSurveyExportLogs::removedEventsOfAGrowingLog()
 {
     const QString log = File(S("growing.log"));
-    const auto write = [&](int count) {
-        Log growing(log);
-        for (int i = 0; i < count; ++i) {
-            growing.AddNav(startTime + i, SonarLine().NavOf(i));
-            ZrLogEvt evt(startTime + i, esUser, S("event %1.").arg(i));
-            evt.uid = QUuid(static_cast<uint>(i + 1), 1, 2, 3, 4, 5, 6, 7, 8, 9, 10);
-            QByteArray bytes;
-            evt.Save(bytes);
-            if (i % 10 == 0)
-                growing.AddItem(rtEvent, 0, 0, startTime + i, bytes);
-        }
-        return growing.Commit();
-    };
-    QVERIFY(write(30));
+    QVERIFY(WriteEvents(log, 30));
     const auto recording = Opened(log);
     QVERIFY(recording);
     ZrEventList& events = recording->Events();
@@ -131,7 +145,7 @@ void tst_ZrSurveyExportLogs::removedEventsOfAGrowingLog()
     int lines = 31;
     for (const int kind :
         {ZrSurveyExport::events, ZrSurveyExport::track, ZrSurveyExport::segment, ZrSurveyExport::records}) {
-        QVERIFY(write(lines++));
+        QVERIFY(WriteEvents(log, lines++));
         ZrSurveyExport part(recording, recording->Times()->Begin(), recording->Times()->End());
         QCOMPARE(part.Run(kind, OutOf(kind)), ZrSurveyExport::Done);
         QVERIFY(!Content(OutOf(kind)).contains("event 10.") || kind == ZrSurveyExport::segment);
@@ -142,10 +156,32 @@ void tst_ZrSurveyExportLogs::removedEventsOfAGrowingLog()
     QCOMPARE(segment->Events().Count(), std::size_t(2));
     events.Add(ZrLogEvt(startTime + 1.0, esUser, S("added")));
     QVERIFY(events.Save());
-    QStringList texts;
-    for (std::size_t i = 0; i < events.Count(); ++i)
-        texts << events.At(i).text;
-    QCOMPARE(texts, (QStringList{S("event 0."), S("added"), S("event 20."), S("event 30.")}));
+    QCOMPARE(TextsOf(events), (QStringList{S("event 0."), S("added"), S("event 20."), S("event 30.")}));
+}
+
+/// A part has those of the list, whatever its items say: nothing is saved of what was removed or moved.
+void tst_ZrSurveyExportLogs::eventsThatCannotBeKept()
+{
+    const QString log = File(S("read only.log"));
+    QVERIFY(WriteEvents(log, 40));
+    QVERIFY(QDir().mkpath(log + S(".evt/in the way")));
+    const auto recording = Opened(log);
+    QVERIFY(recording);
+    ZrEventList& events = recording->Events();
+    QCOMPARE(events.Count(), std::size_t(4));
+    ZrLogEvt moved = events.At(2);
+    moved.time = startTime + 35.0;
+    QVERIFY(events.Edit(events.Id(2), moved) && events.Remove(events.Id(1)));
+    QVERIFY(!events.Save());
+    const double begin = recording->Times()->Begin();
+    ZrSurveyExport part(recording, begin, begin + 30.0);
+    QCOMPARE(part.Run(ZrSurveyExport::segment, File(S("part.log"))), ZrSurveyExport::Done);
+    for (int opened = 0; opened < 2; ++opened) {
+        const auto segment = Opened(File(S("part.log")));
+        QVERIFY(segment);
+        QCOMPARE(TextsOf(segment->Events()), (QStringList{S("event 0."), S("event 30.")}));
+        QVERIFY(QFile::remove(File(S("part.log.zri"))));
+    }
 }
 
 void tst_ZrSurveyExportLogs::logThatIsGone()

@@ -31,6 +31,8 @@ private Q_SLOTS:
     void init() { Begin(); }
 
     void sonarOutsideTheRecords();
+    void eventsOutsideTheRecords();
+    void segmentOfSonarOutsideTheRecords();
     void noPingInThePart();
     void targetsOfThePart();
     void eventsOfThatMoment();
@@ -71,9 +73,92 @@ void tst_ZrSurveyExportShown::sonarOutsideTheRecords()
         QCOMPARE(part.Run(kind, OutOf(kind) + S("x")), ZrSurveyExport::Failed);
         QCOMPARE(part.Error(), S("There is no record in this part"));
     }
-    QCOMPARE(part.Run(ZrSurveyExport::events, File(S("none.csv"))), ZrSurveyExport::Failed);
-    QCOMPARE(part.Error(), S("There are no events to write"));
-    QVERIFY(!QFile::exists(File(S("none.csv"))));
+    // Without events as where there are records: the heading alone.
+    ZrSurveyExport records(recording, line.TimeOf(22), line.TimeOf(30));
+    for (ZrSurveyExport* const from : {&part, &records}) {
+        QCOMPARE(from->Run(ZrSurveyExport::events, File(S("none.csv"))), ZrSurveyExport::Done);
+        QCOMPARE(from->Items(), u64(0));
+        QCOMPARE(Content(File(S("none.csv"))).count('\n'), 1);
+    }
+}
+
+/// Events are of a part by their times, not by the records nearest to them.
+void tst_ZrSurveyExportShown::eventsOutsideTheRecords()
+{
+    SonarLine line;
+    line.pings = 80;
+    line.hasNav = [](int ping) { return ping >= 20 && ping < 50; };
+    const QString log = File(S("early.log"));
+    QVERIFY(WriteLine(log, line));
+    const auto recording = Opened(log);
+    QVERIFY(recording);
+    for (const int ping : {5, 15, 30, 55, 75})
+        QVERIFY(recording->Events().Add(ZrLogEvt(line.TimeOf(ping), esUser, S("at %1.").arg(ping))));
+    QVERIFY(recording->Events().Add(ZrLogEvt(unknown, esUser, S("at any time."))));
+    QVERIFY(recording->Events().Add(ZrLogEvt(startTime + 1e6, esUser, S("far away."))));
+    const QStringList all{
+        S("at 5."), S("at 15."), S("at 30."), S("at 55."), S("at 75."), S("far away."), S("at any time.")};
+    const auto held = [&](int from, int to, int kind) {
+        ZrSurveyExport part(recording, line.TimeOf(from) - 0.01, line.TimeOf(to) + 0.01);
+        const bool isDone = part.Run(kind, OutOf(kind)) == ZrSurveyExport::Done;
+        const QByteArray written = Content(OutOf(kind));
+        QStringList texts;
+        for (const QString& text : all) {
+            if (written.contains(text.toUtf8()))
+                texts << text;
+        }
+        return isDone ? texts : QStringList{part.Error()};
+    };
+    for (const int kind : {ZrSurveyExport::events, ZrSurveyExport::track}) {
+        QCOMPARE(held(20, 49, kind), QStringList{S("at 30.")});
+        QCOMPARE(held(10, 60, kind), (QStringList{S("at 15."), S("at 30."), S("at 55.")}));
+        // What has no place cannot be in a track for other programs.
+        QCOMPARE(held(0, 79, kind), all.mid(0, kind == ZrSurveyExport::events ? 7 : 6));
+        QCOMPARE(held(1, 79, kind), all.mid(0, 6)); // one without a time belongs to the whole
+    }
+    QCOMPARE(held(50, 60, ZrSurveyExport::events), QStringList{S("at 55.")});
+    // Without any record too.
+    line.hasNav = [](int) { return false; };
+    QVERIFY(WriteLine(File(S("alone.log")), line));
+    const auto alone = Opened(File(S("alone.log")));
+    QVERIFY(alone);
+    QVERIFY(alone->Events().Add(ZrLogEvt(unknown, esUser, S("at any time."))));
+    ZrSurveyExport part(alone, alone->Times()->Begin(), alone->Times()->End());
+    QCOMPARE(part.Run(ZrSurveyExport::events, File(S("alone.csv"))), ZrSurveyExport::Done);
+    QVERIFY(Content(File(S("alone.csv"))).contains("at any time."));
+}
+
+/// A log of its own has the pings of the part, and its events, also where no record tells the end of it.
+void tst_ZrSurveyExportShown::segmentOfSonarOutsideTheRecords()
+{
+    SonarLine line;
+    line.pings = 120;
+    line.hasNav = [](int ping) { return (ping >= 20 && ping < 50) || (ping >= 90 && ping < 100); };
+    const QString log = File(S("early.log"));
+    QVERIFY(WriteLine(log, line));
+    const auto recording = Opened(log);
+    QVERIFY(recording);
+    QVERIFY(recording->Events().Add(ZrLogEvt(line.TimeOf(80), esUser, S("behind the part"))));
+    const auto pings = [&](int from, int to) {
+        ZrSurveyExport part(recording, line.TimeOf(from) - 0.01, line.TimeOf(to) + 0.01);
+        const QString out = OutOf(ZrSurveyExport::segment);
+        const auto segment
+            = part.Run(ZrSurveyExport::segment, out) == ZrSurveyExport::Done ? Opened(out) : nullptr;
+        const std::size_t count = segment ? segment->Pings().size() : 0;
+        if (count == 0 || (segment->Events().Count() > 0) != (from <= 80 && to >= 80))
+            return QVector<int>();
+        const auto number = [&](std::size_t i) {
+            return static_cast<int>(std::lround((segment->Pings().Time(i) - line.TimeOf(0)) / line.interval));
+        };
+        return QVector<int>{number(0), number(count - 1), static_cast<int>(count)};
+    };
+    QCOMPARE(pings(0, 119), (QVector<int>{0, 119, 120}));
+    // Behind the first record the ping in front of the part is its state.
+    QCOMPARE(pings(20, 49), (QVector<int>{19, 49, 31}));
+    QCOMPARE(pings(10, 60), (QVector<int>{10, 60, 51}));
+    QCOMPARE(pings(15, 30), (QVector<int>{15, 30, 16}));
+    QCOMPARE(pings(30, 119), (QVector<int>{29, 119, 91}));
+    QCOMPARE(pings(95, 110), (QVector<int>{94, 110, 17}));
 }
 
 /// Between two pings, which are 0.1 s apart: neither of them is drawn.

@@ -39,6 +39,8 @@ private Q_SLOTS:
     void removedEventsStayAway();
     void events();
     void eventsThatCannotBeKept();
+    void removedBeforeTheyCouldBeKept();
+    void takenOverBeforeThatWasKept();
 };
 
 /// It is found good and not made anew.
@@ -144,6 +146,48 @@ void tst_ZrSurveyRecordingEvents::eventsThatCannotBeKept()
     QCOMPARE(TextsOf(recording),
         (QStringList{QStringLiteral("event 0"), QStringLiteral("event 8"), QStringLiteral("event 16")}));
     QVERIFY(!QFileInfo::exists(path + QStringLiteral(".evt")));
+}
+
+/// An event file can be written again, and what was removed until then stays away.
+void tst_ZrSurveyRecordingEvents::removedBeforeTheyCouldBeKept()
+{
+    const QString path = File("events.log");
+    QVERIFY(WriteWithEvents(path, ZrNavRecord::RecType));
+    QVERIFY(QDir().mkdir(path + QStringLiteral(".evt")));
+    ZrSurveyRecording recording;
+    QVERIFY(recording.Load(path));
+    QVERIFY(!recording.Remarks().isEmpty());
+    QCOMPARE(TextsOf(recording).size(), 3);
+    QVERIFY(QDir().rmdir(path + QStringLiteral(".evt")));
+    QVERIFY(recording.Events().Remove(recording.Events().Id(1)));
+    QVERIFY(recording.Events().Save());
+    const QStringList left{QStringLiteral("event 0"), QStringLiteral("event 16")};
+    for (int i = 0; i < 2; ++i) {
+        ZrSurveyRecording again;
+        QVERIFY(again.Load(path));
+        QCOMPARE(again.Remarks(), QStringList());
+        QCOMPARE(TextsOf(again), left);
+        QFile::remove(path + QStringLiteral(".zri"));
+    }
+}
+
+/// By an earlier version, of which the index tells: also where it cannot be kept now.
+void tst_ZrSurveyRecordingEvents::takenOverBeforeThatWasKept()
+{
+    const QString path = File("events.log");
+    const QString taken = path + QStringLiteral(".evt.json");
+    QVERIFY(WriteWithEvents(path, ZrNavRecord::RecType));
+    {
+        ZrSurveyRecording recording;
+        QVERIFY(recording.Load(path));
+        QVERIFY(recording.Events().Remove(recording.Events().Id(1)) && recording.Events().Save());
+    }
+    QVERIFY(QFile::remove(taken) && QDir().mkpath(taken + QStringLiteral("/in the way")));
+    QVERIFY(QFile::remove(path + QStringLiteral(".zri")));
+    ZrSurveyRecording recording;
+    QVERIFY(recording.Load(path));
+    QVERIFY(!recording.Remarks().isEmpty());
+    QCOMPARE(TextsOf(recording), (QStringList{QStringLiteral("event 0"), QStringLiteral("event 16")}));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrSurveyRecordingEvents)

@@ -82,8 +82,10 @@ ZrDatasetReader::eResult ZrDatasetReader::Load(const QString& logPath, ZrDataset
     m_reason = rebuild ? QCoreApplication::translate("ZrDatasetReader", "it was asked for")
                        : WhyOutdated(logPath, dataset, events);
     eResult result = cancel ? Cancelled : FromIndex;
-    if (!cancel && !m_reason.isEmpty())
+    if (!cancel && !m_reason.isEmpty()) {
+        m_knownEvents = KnownBefore(logPath);
         result = Scan(logPath, dataset);
+    }
     if (result == Unreadable || result == Cancelled) {
         dataset.ClearData();
         m_records.reset();
@@ -144,6 +146,15 @@ QString ZrDatasetReader::WhyOutdated(const QString& logPath, ZrDataset& dataset,
     m_stamp = stamp;
     m_records = std::move(table);
     return QString();
+}
+
+/// How many events of the log an earlier scan has found: in front of what it has got since.
+std::size_t ZrDatasetReader::KnownBefore(const QString& logPath)
+{
+    ZrIndexStamp stamp;
+    const bool isKnown = stamp.Read(logPath) && stamp.logEvents > 0
+        && stamp.logDigest == ZrIndexStamp::DigestOfLog(logPath, stamp.logSize);
+    return isKnown ? static_cast<std::size_t>(stamp.logEvents) : 0;
 }
 
 ZrDatasetReader::eResult ZrDatasetReader::Scan(const QString& logPath, ZrDataset& dataset)
@@ -305,14 +316,14 @@ void ZrDatasetReader::Note(const QString& writeError)
 /// anew, since somebody may have changed it during the scan.
 bool ZrDatasetReader::MergeEvents(const QString& logPath, ZrEventFile& events)
 {
-    const ZrMergedEvents merged = events.Merged();
-    events.Merge(m_events, merged);
+    const bool isKept = events.Merged().HasAll(m_events);
+    events.Merge(m_events, events.Merged(m_events, m_knownEvents));
     if (!writeIndex)
         return false;
-    if (!events.IsChanged() && merged.HasAll(m_events))
+    if (!events.IsChanged() && isKept)
         return true;
     QString error;
-    const bool ok = ZrEventFile::TakeOver(logPath, m_events, events.events, &error);
+    const bool ok = ZrEventFile::TakeOver(logPath, m_events, events.events, &error, m_knownEvents);
     Note(error);
     return ok;
 }

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -95,6 +96,13 @@ public:
 
     u64 ErrorPos() const { return m_stamp.errorPos; } ///< position of the item that cannot be read
 
+    /// The events that the log itself holds, in its order, when it was `Built`.
+    const std::vector<ZrLogEvt>& LogEvents() const { return m_events; }
+
+    /// How many of them, from the first one on, the scan for an index before had found; see
+    /// `ZrEventFile::Merged`.
+    std::size_t KnownEvents() const { return m_knownEvents; }
+
     /// The first file that could not be written, and why; empty when all went well.
     QString WriteError() const { return m_writeError; }
 
@@ -102,6 +110,7 @@ private:
     eResult Load(const QString& logPath, ZrDataset& dataset);
     QString WhyOutdated(const QString& logPath, ZrDataset& dataset, const ZrEventFile& events);
     std::unique_ptr<ZrRecordSource> OpenTable(const QString& logPath, ZrDataset& dataset) const;
+    static std::size_t KnownBefore(const QString& logPath);
     void BeginIndex(const QString& logPath, const ZrDataset& dataset);
     bool PutAside(ZrDataset& dataset, bool isAll);
     eResult Scan(const QString& logPath, ZrDataset& dataset);
@@ -119,6 +128,7 @@ private:
     QString m_writeError;
     ZrIndexStamp m_stamp;
     std::vector<ZrLogEvt> m_events; ///< found in the log
+    std::size_t m_knownEvents = 0; ///< the first of them
     QByteArray m_plan; ///< the last one in the log
     std::array<u64, 8> m_crdPos{}; ///< latest position of each coordinate type
     std::vector<u8> m_payload; ///< of the item at hand

@@ -71,15 +71,19 @@ void ZrEventFile::Add(const ZrLogEvt& evt)
     events.insert(place, evt);
 }
 
-ZrMergedEvents ZrEventFile::Merged() const
+ZrMergedEvents ZrEventFile::Merged(const std::vector<ZrLogEvt>& found, std::size_t known) const
 {
     ZrMergedEvents merged;
-    if (m_state == Whole)
-        merged.Read(m_logPath);
+    if (m_state != Whole)
+        return merged;
+    merged.Read(m_logPath);
+    const auto count = static_cast<std::ptrdiff_t>(std::min(known, found.size()));
+    merged.Add({found.begin(), found.begin() + count});
     return merged;
 }
 
-void ZrEventFile::Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged)
+std::vector<ZrLogEvt> ZrEventFile::NewOf(
+    const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged) const
 {
     struct Known
     {
@@ -101,6 +105,12 @@ void ZrEventFile::Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents
         if (!isBefore && !isHere)
             added.push_back(evt);
     }
+    return added;
+}
+
+void ZrEventFile::Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged)
+{
+    std::vector<ZrLogEvt> added = NewOf(found, merged);
     if (added.empty())
         return;
     // As if they had been added one by one: of equal times the one added last stands first.
@@ -186,21 +196,34 @@ bool ZrEventFile::Update(
         logPath, [&](ZrEventFile& file) { return !change(file) || file.Write(error); }, error);
 }
 
-bool ZrEventFile::TakeOver(
-    const QString& logPath, const std::vector<ZrLogEvt>& found, std::vector<ZrLogEvt>& events, QString* error)
+bool ZrEventFile::TakeOver(const QString& logPath, const std::vector<ZrLogEvt>& found,
+    std::vector<ZrLogEvt>& events, QString* error, std::size_t known)
 {
+    std::optional<std::vector<ZrLogEvt>> written;
+    if (!TakeOver(
+            logPath, found, known, [](ZrEventFile&) {}, written, error))
+        return false;
+    events = std::move(*written);
+    return true;
+}
+
+bool ZrEventFile::TakeOver(const QString& logPath, const std::vector<ZrLogEvt>& found, std::size_t known,
+    const std::function<void(ZrEventFile&)>& change, std::optional<std::vector<ZrLogEvt>>& written,
+    QString* error)
+{
+    written.reset();
     const auto work = [&](ZrEventFile& file) {
-        ZrMergedEvents merged = file.Merged();
-        const bool isKnown = merged.HasAll(found);
+        const bool isKept = file.Merged().HasAll(found);
+        ZrMergedEvents merged = file.Merged(found, known);
         file.Merge(found, merged);
+        file.isWanted = !found.empty(); // without it nothing counts as taken over
+        change(file);
         // What is taken over is kept when it is in the file: between the two nothing can be lost.
         if (!file.Write(error))
             return false;
+        written = file.events;
         merged.Add(found);
-        if (!isKnown && !merged.Write(logPath, error))
-            return false;
-        events = file.events;
-        return true;
+        return isKept || merged.Write(logPath, error);
     };
     return Locked(logPath, work, error);
 }

@@ -6,7 +6,9 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class ZrDataset;
@@ -48,14 +50,19 @@ public:
     /// Adds \p evt in front of events of the same time.
     void Add(const ZrLogEvt& evt);
 
-    /// Those of the log that this file, as it was read, has taken over already; none unless it is whole.
-    ZrMergedEvents Merged() const;
+    /// Those of the log that this file, as it was read, has taken over already; none unless it is whole. With
+    /// them the first \p known of \p found, of which that is known otherwise: by an index that was made of
+    /// them.
+    ZrMergedEvents Merged(const std::vector<ZrLogEvt>& found = {}, std::size_t known = 0) const;
 
     /// Adds those of \p found, the events that the log itself holds, in its order, which are neither among
     /// `events` nor among \p merged. Two are the same when their uids are, or, of two without, their times
     /// and texts; the one in the file stays, since it may have been edited. Of several equal ones as many are
     /// kept as the richer side has.
     void Merge(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged = ZrMergedEvents());
+
+    /// Those of \p found that `Merge` would add, in their order.
+    std::vector<ZrLogEvt> NewOf(const std::vector<ZrLogEvt>& found, const ZrMergedEvents& merged) const;
 
     /// Removes all events with \p uid; how many there were.
     int Remove(const QUuid& uid);
@@ -77,7 +84,13 @@ public:
     /// taken over, all under the same lock; \p events become those of the file. False with the reason in \p
     /// error, and \p events as they were, when a file cannot be locked or written.
     static bool TakeOver(const QString& logPath, const std::vector<ZrLogEvt>& found,
-        std::vector<ZrLogEvt>& events, QString* error);
+        std::vector<ZrLogEvt>& events, QString* error, std::size_t known = 0);
+
+    /// The same with a \p change of the list behind the merging, under that lock too. \p written is what the
+    /// file holds then: also when that returns false, since it could not be kept what was taken over.
+    static bool TakeOver(const QString& logPath, const std::vector<ZrLogEvt>& found, std::size_t known,
+        const std::function<void(ZrEventFile&)>& change, std::optional<std::vector<ZrLogEvt>>& written,
+        QString* error);
 
     /// Replaces the list of \p dataset by copies that know their records.
     void Fill(ZrDataset& dataset) const;

@@ -3,11 +3,13 @@
 #include "ZrKit/review/ZrEventFile.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -49,6 +51,10 @@ bool ZrEventList::Load(const QString& logPath, QString* error)
     m_logPath = logPath;
     m_entries.clear();
     m_saved.clear();
+    m_found.clear();
+    m_known = 0;
+    m_unsaved.clear();
+    m_isToSave = false;
     m_steps.clear();
     m_done = 0;
     ZrEventFile file;
@@ -95,27 +101,33 @@ void ZrEventList::Adopt(const std::vector<ZrLogEvt>& events)
         [](const Entry& a, const Entry& b) { return SortKey(a.evt) < SortKey(b.evt); });
     m_entries = std::move(entries);
     m_saved = m_entries;
+    m_unsaved.clear();
 }
 
-void ZrEventList::AddUnsaved(const std::vector<ZrLogEvt>& events)
+void ZrEventList::AddUnsaved(const std::vector<ZrLogEvt>& found, std::size_t known)
 {
-    std::vector<ZrLogEvt> known;
+    if (found.empty())
+        return;
+    m_found = found;
+    m_known = known;
+    ZrEventFile file;
+    file.Read(m_logPath);
+    const ZrMergedEvents merged = file.Merged(found, known);
+    file.events.clear();
     for (const Entry& entry : m_entries)
-        known.push_back(entry.evt);
-    // From the last one on: of equal times the one added last stands first.
-    for (auto evt = events.rbegin(); evt != events.rend(); ++evt) {
-        const auto there = Find(known, *evt);
-        if (there == known.end())
-            Put(++m_lastId, true, *evt, anywhere);
-        else
-            known.erase(there);
+        file.events.push_back(entry.evt);
+    for (const ZrLogEvt& evt : file.NewOf(found, merged)) {
+        m_unsaved.push_back({++m_lastId, evt});
+        Put(m_lastId, true, evt, anywhere);
     }
+    m_isToSave = m_isToSave || !m_unsaved.empty();
 }
 
 bool ZrEventList::IsChanged() const
 {
-    return !std::equal(m_entries.begin(), m_entries.end(), m_saved.begin(), m_saved.end(),
-        [](const Entry& a, const Entry& b) { return a.id == b.id && Same(a.evt, b.evt); });
+    return m_isToSave
+        || !std::equal(m_entries.begin(), m_entries.end(), m_saved.begin(), m_saved.end(),
+            [](const Entry& a, const Entry& b) { return a.id == b.id && Same(a.evt, b.evt); });
 }
 
 bool ZrEventList::Save(QString* error)
@@ -125,13 +137,14 @@ bool ZrEventList::Save(QString* error)
     QHash<u64, const ZrLogEvt*> now;
     for (const Entry& entry : m_entries)
         now.insert(entry.id, &entry.evt);
-    QHash<u64, const ZrLogEvt*> before;
-    for (const Entry& entry : m_saved)
-        before.insert(entry.id, &entry.evt);
+    std::vector<Entry> known = m_saved; // to the file, which takes over those of the log first
+    known.insert(known.end(), m_unsaved.begin(), m_unsaved.end());
+    QSet<u64> before;
+    for (const Entry& entry : known)
+        before.insert(entry.id);
 
-    std::vector<ZrLogEvt> written;
     const auto change = [&](ZrEventFile& file) {
-        for (const Entry& entry : m_saved) {
+        for (const Entry& entry : known) {
             const ZrLogEvt* const changed = now.value(entry.id);
             if (changed && Same(*changed, entry.evt))
                 continue;
@@ -151,19 +164,21 @@ bool ZrEventList::Save(QString* error)
             if (!before.contains(entry->id))
                 file.Add(entry->evt);
         }
-        written = file.events;
-        return true;
     };
-    QString reason;
-    if (m_logPath.isEmpty()) {
-        reason = tr("There is no recording to which the events belong");
-    } else if (ZrEventFile::Update(m_logPath, change, &reason)) {
-        Adopt(written);
-        return true;
+    QString reason = tr("There is no recording to which the events belong");
+    std::optional<std::vector<ZrLogEvt>> written;
+    const bool isSaved = !m_logPath.isEmpty()
+        && ZrEventFile::TakeOver(m_logPath, m_found, m_known, change, written, &reason);
+    if (written) {
+        Adopt(*written);
+        m_known = m_found.size();
+        m_isToSave = !isSaved;
     }
-    if (error)
+    if (isSaved)
+        m_found.clear();
+    else if (error)
         *error = reason;
-    return false;
+    return isSaved;
 }
 
 std::size_t ZrEventList::IndexOf(u64 id) const

@@ -43,12 +43,15 @@ public:
     /// of the damage was read, or cannot be read.
     bool Load(const QString& logPath, QString* error = nullptr);
 
-    /// Adds those of \p events that are not in the list, which the event file did not take: they are saved
-    /// with the next change, and cannot be undone.
-    void AddUnsaved(const std::vector<ZrLogEvt>& events);
+    /// Adds those of \p found, the events that the log itself holds, that the event file should have taken
+    /// over at `Load` (see `ZrEventFile::TakeOver`, also for \p known) and could not. They are saved with the
+    /// next change, unless they are in the file by then, and cannot be undone; those that were removed here
+    /// do not come back from the log either. Once after `Load`.
+    void AddUnsaved(const std::vector<ZrLogEvt>& found, std::size_t known = 0);
 
     /// Writes what was changed; see above. False, with a sentence in \p error (may be null) and the file as
-    /// it was, when it cannot be written. Nothing is written without changes.
+    /// it was, when it cannot be written; also when it alone could be, not which events of the log it has
+    /// taken over. Nothing is written without changes.
     bool Save(QString* error = nullptr);
 
     /// Whether there is something to save.
@@ -118,6 +121,10 @@ private:
     QString m_logPath;
     std::vector<Entry> m_entries;
     std::vector<Entry> m_saved; ///< what the file held when it was read or written last
+    std::vector<ZrLogEvt> m_found; ///< of the log, which the file did not take over
+    std::size_t m_known = 0; ///< the first of them, which it did after all
+    std::vector<Entry> m_unsaved; ///< those of them that were added to the list, as they were
+    bool m_isToSave = false; ///< whatever has become of them
     std::vector<Step> m_steps;
     std::size_t m_done = 0; ///< steps that are not undone
     u64 m_lastId = 0;

@@ -176,6 +176,12 @@ ZrExportRange::eResult ZrExportRange::Fail(const QString& error)
     return Failed;
 }
 
+/// There is no record in the part.
+ZrExportRange::eResult ZrExportRange::FailWithout()
+{
+    return Fail(tr("There is nothing to export"));
+}
+
 /// \p share of the work is done, 0 to 1.
 void ZrExportRange::Report(double share)
 {
@@ -191,8 +197,6 @@ ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expec
 {
     const auto fail = [&](const QString& reason) { return Fail(tr("Cannot write %1: %2").arg(out, reason)); };
     m_error.clear(); // what a sample of the records failed for, may be over
-    if (m_first == m_end)
-        return Fail(tr("There is nothing to export"));
     const QString refusal = Refusal(m_dataset.fileName, out);
     if (!refusal.isEmpty())
         return Fail(refusal);
@@ -213,6 +217,8 @@ ZrExportRange::eResult ZrExportRange::WriteFile(const QString& out, double expec
 ZrExportRange::eResult ZrExportRange::WriteTrack(const QString& out)
 {
     Begin();
+    if (m_first == m_end)
+        return FailWithout();
     std::vector<ZrTrackEvent> events;
     if (!TrackEvents(events))
         return Fail(m_error);
@@ -231,6 +237,8 @@ ZrExportRange::eResult ZrExportRange::WriteTrack(const QString& out)
 ZrExportRange::eResult ZrExportRange::WriteRecords(const QString& out)
 {
     Begin();
+    if (m_first == m_end)
+        return FailWithout();
     constexpr std::size_t linesAtOnce = 1000;
     constexpr double bytesPerLine = 90.0;
     m_items = m_end - m_first;
@@ -255,8 +263,10 @@ ZrExportRange::eResult ZrExportRange::WriteRecords(const QString& out)
 ZrExportRange::eResult ZrExportRange::WriteEvents(const QString& out)
 {
     Begin();
+    if (m_first == m_end && !takesAllEvents)
+        return FailWithout();
     std::vector<PlacedEvent> events;
-    if (!FindEvents(events))
+    if (!FindEvents(events, false))
         return Fail(m_error);
     constexpr double bytesPerLine = 100.0;
     m_items = events.size();

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -22,6 +23,7 @@ class ZrLogScan;
 class ZrLogWriter;
 class ZrRecordSource;
 class ZrSteadyTime;
+struct ZrLogItem;
 struct ZrLogRec;
 struct ZrTrackEvent;
 
@@ -69,6 +71,17 @@ public:
     /// then all records are gone through once, if there are events.
     const ZrSteadyTime* times = nullptr;
 
+    /// All events of the dataset are of the part; else those whose nearest record is. A table of them needs
+    /// no record then.
+    bool takesAllEvents = false;
+
+    /// \name Where a part with sonar outside of the records begins and ends
+    /// Positions in the log.
+    /// @{
+    u64 beginPos = 0; ///< `WriteLog` copies from here on what lies in front of the log's first record
+    u64 endPos = std::numeric_limits<u64>::max(); ///< and up to here, if the part's last record is before it
+    /// @}
+
     /// Records \p first ... \p end - 1, as far as there are any.
     ZrExportRange(const ZrDataset& dataset, std::size_t first, std::size_t end);
 
@@ -90,11 +103,12 @@ public:
     static QString BelongsToRecording(const QString& out);
 
     /// The items from the first record of the part up to the one behind it, byte for byte; from the first
-    /// record of the log on all items in front of it too, to its last one all behind it. In front stand, in
-    /// the order of the log, the latest items of the coordinate types before the part, so that views have a
-    /// state from its first moment on. Events of the part that the dataset holds go into an event file beside
-    /// \p out, and those that were removed do not come back there either (`ZrMergedEvents`); an index that
-    /// lies there is removed.
+    /// record of the log on all items in front of it too, to its last one all behind it, unless `beginPos`
+    /// and `endPos` say less. In front stand, in the order of the log, the latest items of the coordinate
+    /// types before the part, so that views have a state from its first moment on. The events of the part go
+    /// into an event file beside \p out, and are all that its readers show: those of the items count as taken
+    /// over (`ZrMergedEvents`), so that none comes back that was removed or changed. An index that lies there
+    /// is removed.
     ///
     /// Of a damaged log the items in front of the damage are written; see `Damage`.
     eResult WriteLog(const QString& out);
@@ -130,12 +144,15 @@ private:
     void Begin();
     bool ReadRecord(std::size_t record, ZrLogRec& rec);
     bool FailReading();
-    bool FindEvents(std::vector<PlacedEvent>& events);
+    bool FindEvents(std::vector<PlacedEvent>& events, bool arePlaced);
+    bool PlaceEvents(std::vector<PlacedEvent>& events);
     bool TrackEvents(std::vector<ZrTrackEvent>& events);
     eResult Fail(const QString& error);
+    eResult FailWithout();
     void Report(double share);
     eResult WriteFile(const QString& out, double expectedBytes, const Fill& fill);
     bool CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log);
+    void Hold(const ZrLogItem& item);
     bool CopyState(ZrLogScan& scan, QFile& in, ZrLogWriter& log, const ZrLogRec& first, u64 from);
     bool CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 from, u64 to);
     bool WriteEventFile(const QString& out, const std::vector<PlacedEvent>& found);
@@ -145,7 +162,8 @@ private:
     ZrRecordSource& m_records;
     std::size_t m_first;
     std::size_t m_end;
-    QByteArray m_item;
+    QByteArray m_item; ///< copied last
+    std::vector<ZrLogEvt> m_held; ///< events among the items copied
     QString m_error;
     QString m_damage;
     u64 m_items = 0;

@@ -25,20 +25,32 @@ bool ZrExportRange::ReadRecord(std::size_t record, ZrLogRec& rec)
     return true;
 }
 
-/// The events of the part, as `ZrDatasetTrack::IsIn` says. False when `cancel` was set or the records cannot
-/// be read.
-bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
+/// The events of the part: all, or as `ZrDatasetTrack::IsIn` says. With their nearest records if they are to
+/// be placed. False when `cancel` was set or the records cannot be read.
+bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events, bool arePlaced)
 {
-    if (m_first == m_end)
+    if (m_first == m_end && !takesAllEvents)
         return true;
     const std::size_t count = m_records.Count();
-    std::vector<PlacedEvent> all;
+    for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;)
+        events.push_back({m_dataset.events.GetNext(pos), count});
+    if ((arePlaced || !takesAllEvents) && !PlaceEvents(events))
+        return false;
+    const auto isOutside = [&](const PlacedEvent& placed) {
+        return !ZrDatasetTrack::IsIn(placed.record, count, m_first, m_end);
+    };
+    if (!takesAllEvents)
+        events.erase(std::remove_if(events.begin(), events.end(), isOutside), events.end());
+    return true;
+}
+
+/// Finds the records nearest to them.
+bool ZrExportRange::PlaceEvents(std::vector<PlacedEvent>& events)
+{
+    const std::size_t count = m_records.Count();
     std::vector<double> at;
-    for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;) {
-        const ZrLogEvt* const event = m_dataset.events.GetNext(pos);
-        all.push_back({event, count});
-        at.push_back(event->time);
-    }
+    for (const PlacedEvent& placed : events)
+        at.push_back(placed.event->time);
     ZrNearestRecords nearest(at);
     std::vector<ZrLogRec> records;
     for (const ZrRecordsAround::Range& range : ZrRecordsAround::Of(times, count, at)) {
@@ -51,11 +63,8 @@ bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
                 nearest.Add(i + k, records[k].time);
         }
     }
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        all[i].record = std::min(nearest.Of(i), count);
-        if (ZrDatasetTrack::IsIn(all[i].record, count, m_first, m_end))
-            events.push_back(all[i]);
-    }
+    for (std::size_t i = 0; i < events.size(); ++i)
+        events[i].record = std::min(nearest.Of(i), count);
     return true;
 }
 
@@ -63,7 +72,7 @@ bool ZrExportRange::FindEvents(std::vector<PlacedEvent>& events)
 bool ZrExportRange::TrackEvents(std::vector<ZrTrackEvent>& events)
 {
     std::vector<PlacedEvent> placed;
-    if (!FindEvents(placed))
+    if (!FindEvents(placed, true))
         return false;
     for (const PlacedEvent& at : placed) {
         const bool hasPlace = at.record < m_records.Count();

@@ -6,6 +6,7 @@
 #include "ZrKit/review/ZrIndexStamp.h"
 #include "ZrKit/review/ZrLogScan.h"
 #include "ZrKit/review/ZrRecordSource.h"
+#include "ZrKit/review/ZrUnpack.h"
 #include "ZrUtil/ZrDataset.h"
 #include "ZrUtil/ZrSameFile.h"
 
@@ -59,7 +60,23 @@ bool ZrExportRange::CopyItem(ZrLogScan& scan, QFile& in, ZrLogWriter& log)
         return false;
     }
     ++m_items;
+    Hold(item);
     return true;
+}
+
+/// Keeps the event that \p item, just copied, holds.
+void ZrExportRange::Hold(const ZrLogItem& item)
+{
+    if (item.RecType() != CRecType(rtEvent))
+        return;
+    QByteArray bytes;
+    QString error;
+    const zr::span<u8> stored = zr::bytes_of(m_item).subspan(ZrLogItem::Size, item.storedSize);
+    if (!zr::unpack_payload(item, stored, &bytes, &error))
+        return; // no reader understands it
+    ZrLogEvt evt;
+    evt.Load(bytes);
+    m_held.push_back(evt);
 }
 
 /// The latest items of the coordinate types in front of the position \p from.
@@ -105,35 +122,30 @@ bool ZrExportRange::CopyItems(ZrLogScan& scan, QFile& in, ZrLogWriter& log, u64 
     return true;
 }
 
-/// \p found beside \p out, in the place of those that lie there; and which were removed from the recording,
-/// since its items in \p out would bring them back.
+/// \p found beside \p out, in the place of those that lie there. All events that \p out holds count as taken
+/// over: what was removed, changed, or lies outside the part by an edit, would come back from it.
 bool ZrExportRange::WriteEventFile(const QString& out, const std::vector<PlacedEvent>& found)
 {
-    std::vector<ZrLogEvt> all;
-    for (ZrListPos* pos = m_dataset.events.GetHeadPos(); pos;)
-        all.push_back(*m_dataset.events.GetNext(pos));
-    ZrEventFile ofRecording;
-    ofRecording.Read(m_dataset.fileName);
-    const ZrMergedEvents removed = ofRecording.Merged().Without(all);
-    std::vector<ZrLogEvt> events;
-    for (const PlacedEvent& placed : found)
-        events.push_back(*placed.event);
+    ZrMergedEvents held;
+    held.Add(m_held);
     QFile::remove(ZrMergedEvents::PathOf(out)); // of the log before
-    if (events.empty() && removed.IsEmpty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
+    if (found.empty() && held.IsEmpty() && !QFileInfo::exists(ZrEventFile::PathOf(out)))
         return true;
     const auto replace = [&](ZrEventFile& file) {
-        file.events = events;
-        file.isWanted = !removed.IsEmpty();
+        file.events.clear();
+        for (const PlacedEvent& placed : found)
+            file.events.push_back(*placed.event);
+        file.isWanted = !held.IsEmpty();
         return true;
     };
-    return ZrEventFile::Update(out, replace, &m_error) && (removed.IsEmpty() || removed.Write(out, &m_error));
+    return ZrEventFile::Update(out, replace, &m_error) && (held.IsEmpty() || held.Write(out, &m_error));
 }
 
 ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
 {
     Begin();
     if (m_first == m_end)
-        return Fail(tr("There is nothing to export"));
+        return FailWithout();
     const QString refusal = Refusal(m_dataset.fileName, out);
     if (!refusal.isEmpty())
         return Fail(refusal);
@@ -144,21 +156,26 @@ ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
     if (!in.open(QIODevice::ReadOnly))
         return Fail(tr("Cannot read %1: %2").arg(m_dataset.fileName, in.errorString()));
     ZrLogRec first;
+    ZrLogRec last;
     ZrLogRec behind;
-    if (!ReadRecord(m_first, first) || (m_end < m_records.Count() && !ReadRecord(m_end, behind)))
+    if (!ReadRecord(m_first, first) || !ReadRecord(m_end - 1, last)
+        || (m_end < m_records.Count() && !ReadRecord(m_end, behind)))
         return Fail(m_error);
-    const u64 from = m_first == 0 ? scan.Pos() : first.pos;
-    const u64 to = m_end == m_records.Count() ? scan.FileSize() : behind.pos;
+    const u64 from = m_first == 0 ? std::max(scan.Pos(), std::min<u64>(beginPos, first.pos)) : first.pos;
+    u64 to = m_end == m_records.Count() ? scan.FileSize() : behind.pos;
+    if (endPos > last.pos)
+        to = std::min(to, endPos);
     if (from > to || to > scan.FileSize())
         return Fail(tr("%1 has changed since it was loaded").arg(m_dataset.fileName));
 
     std::vector<PlacedEvent> events;
-    if (!FindEvents(events))
+    if (!FindEvents(events, false))
         return Fail(m_error);
     const double created = first.time;
     ZrLogWriter log;
     if (!log.Open(out, std::isfinite(created) ? created : 0.0))
         return Fail(log.Error());
+    m_held.clear();
     if (!CopyState(scan, in, log, first, from) || !CopyItems(scan, in, log, from, to))
         return Fail(
             m_error.isEmpty() ? tr("Cannot read %1: %2").arg(m_dataset.fileName, scan.Error()) : m_error);

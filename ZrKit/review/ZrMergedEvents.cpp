@@ -110,15 +110,3 @@ void ZrMergedEvents::Add(const std::vector<ZrLogEvt>& found)
         count = std::max(count, it.value());
     }
 }
-
-ZrMergedEvents ZrMergedEvents::Without(const std::vector<ZrLogEvt>& events) const
-{
-    const QHash<QByteArray, int> there = CountsOf(events);
-    ZrMergedEvents rest;
-    for (auto it = m_counts.begin(); it != m_counts.end(); ++it) {
-        const int count = it.value() - there.value(it.key());
-        if (count > 0)
-            rest.m_counts.insert(it.key(), count);
-    }
-    return rest;
-}

@@ -42,9 +42,6 @@ public:
     /// Adds those of \p found that are not among them; of several equal ones as many as there are.
     void Add(const std::vector<ZrLogEvt>& found);
 
-    /// Those that are not in \p events, the list of today.
-    ZrMergedEvents Without(const std::vector<ZrLogEvt>& events) const;
-
 private:
     QHash<QByteArray, int> m_counts; ///< by digest of the identity
 };

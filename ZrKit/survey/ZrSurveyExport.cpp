@@ -2,7 +2,6 @@
 
 #include "ZrKit/review/ZrDatasetReader.h"
 #include "ZrKit/review/ZrEventFile.h"
-#include "ZrKit/review/ZrEventTable.h"
 #include "ZrKit/review/ZrExportRange.h"
 #include "ZrKit/review/ZrRecordSource.h"
 #include "ZrKit/review/ZrWorkStage.h"
@@ -13,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <tuple>
 
 ZrSurveyExport::Step::Step(ZrSurveyExport& part, std::atomic<bool>& cancel)
@@ -37,9 +37,14 @@ ZrSurveyExport::ZrSurveyExport(std::shared_ptr<const ZrSurveyRecording> recordin
 {
     if (std::isnan(from) || std::isnan(to)) // neither is less
         m_from = m_to = std::nan("");
+    const ZrSteadyTime& times = *m_recording->Times();
+    const bool isWhole = m_from <= times.Begin() && m_to >= times.End();
     const ZrEventList& list = m_recording->Events();
-    for (std::size_t i = 0; i < list.Count(); ++i)
-        m_events.push_back(list.At(i));
+    for (std::size_t i = 0; i < list.Count(); ++i) {
+        const double at = m_recording->TimeOf(list.At(i));
+        if (isWhole || (at >= m_from && at <= m_to)) // one without a time belongs to the whole
+            m_events.push_back(list.At(i));
+    }
     for (const ZrSonarTarget& target : m_recording->Targets()) {
         const double at = m_recording->Times()->FromLog(target.time);
         if (at >= m_from && at <= m_to)
@@ -175,18 +180,18 @@ std::shared_ptr<const ZrSteadyTime> ZrSurveyExport::TimesOf(ZrRecordSource& sour
     return times;
 }
 
-/// Those of a part without records, by their times.
-bool ZrSurveyExport::WriteEventsAlone(const QString& path)
+/// Where \p part, whose last record is \p last, begins and ends in the log if its sonar goes on outside of
+/// its records: with its first ping, and before the first one that is later.
+void ZrSurveyExport::SetSonarEnds(ZrExportRange& part, const ZrLogRec& last) const
 {
-    std::vector<ZrLogEvt> found;
-    for (const ZrLogEvt& evt : m_events) {
-        const double at = m_recording->TimeOf(evt);
-        if (at >= m_from && at <= m_to)
-            found.push_back(evt);
-    }
-    QString error;
-    m_items = found.size();
-    return ZrEventTable::Write(found, path, &error) || Fail(error);
+    constexpr u64 behindAll = std::numeric_limits<u64>::max();
+    const std::size_t count = m_recording->Pings().size();
+    const auto posOf = [&](std::size_t ping) { return ping < count ? m_recording->PosOf(ping) : behindAll; };
+    part.beginPos = m_firstPing > 0 ? posOf(m_firstPing) : 0;
+    std::size_t later = m_endPing;
+    while (posOf(later) <= last.pos) // a record may stand behind pings of its time
+        ++later;
+    part.endPos = posOf(later);
 }
 
 bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progress)
@@ -204,7 +209,7 @@ bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progr
     }
     if (!dataset)
         return Fail(reader.Error());
-    ZrEventFile list; // what is shown, saved or not
+    ZrEventFile list; // those of the part as they are shown, saved or not
     list.events = m_events;
     list.Fill(*dataset);
     ZrRecordSource& source = *reader.Records();
@@ -214,10 +219,17 @@ bool ZrSurveyExport::WritePart(int kind, const QString& path, IZrProgress* progr
         return false;
     const std::size_t first = ZrExportRange::FirstFrom(*times, m_from);
     const std::size_t end = ZrExportRange::EndAt(*times, m_to);
-    if (first >= end) // sonar alone, or less than from one record to the next
-        return kind == events ? WriteEventsAlone(path) : Fail(tr("There is no record in this part"));
+    if (first >= end && kind != events) // sonar alone, or less than from one record to the next
+        return Fail(tr("There is no record in this part"));
     ZrExportRange part(*dataset, source, first, end);
     part.times = times.get();
+    part.takesAllEvents = true;
+    if (kind == segment) {
+        std::vector<ZrLogRec> last;
+        if (!source.Read(end - 1, end, last) || last.empty())
+            return Fail(source.Error());
+        SetSonarEnds(part, last[0]);
+    }
     const Step step(*this, part.cancel);
     ZrWorkStage stage(progress, m_cancel, part.cancel, isFromIndex ? 0 : scanPercent, 100);
     part.progress = &stage;

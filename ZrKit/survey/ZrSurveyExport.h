@@ -19,10 +19,12 @@
 
 class IZrProgress;
 class QImage;
+class ZrExportRange;
 class ZrRecordSource;
 class ZrSonarLog;
 class ZrSteadyTime;
 class ZrSurveyRecording;
+struct ZrLogRec;
 
 /// Writes a part of a recording into a file: as a log of its own, track, tables, targets or pictures of the
 /// sonar.
@@ -84,7 +86,8 @@ public:
     double contrast = 1.0; ///< waterfall: times the automatic one
     /// @}
 
-    /// The part between two steady times of \p recording, in either order, ends included.
+    /// The part between two steady times of \p recording, in either order, ends included. Events and targets
+    /// are of it by their own times; from one end of the recording to the other events without a time too.
     ZrSurveyExport(std::shared_ptr<const ZrSurveyRecording> recording, double from, double to);
 
     ZrSurveyExport(const ZrSurveyExport&) = delete;
@@ -138,7 +141,7 @@ private:
     QString WhyNot(int kind, const QString& path) const;
     QString WhyNotFile(const QString& path) const;
     bool WritePart(int kind, const QString& path, IZrProgress* progress);
-    bool WriteEventsAlone(const QString& path);
+    void SetSonarEnds(ZrExportRange& part, const ZrLogRec& last) const;
     std::shared_ptr<const ZrSteadyTime> TimesOf(ZrRecordSource& source, bool isLogUnchanged);
     bool WriteTargets(const QString& path);
     bool OpenLog(ZrSonarLog& log);
@@ -151,7 +154,7 @@ private:
     double m_from;
     double m_to;
     ZrBottomLine m_bottom; ///< that of the recording may be corrected meanwhile
-    std::vector<ZrLogEvt> m_events; ///< all, likewise
+    std::vector<ZrLogEvt> m_events; ///< of the part, likewise
     std::vector<ZrSonarTarget> m_targets; ///< of the part
     std::size_t m_firstPing = 0;
     std::size_t m_endPing = 0; ///< behind the last one

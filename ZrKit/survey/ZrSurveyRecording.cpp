@@ -94,7 +94,7 @@ bool ZrSurveyRecording::Load(const QString& path)
     QString error;
     if (!m_events.Load(path, &error))
         m_remarks << error;
-    m_events.AddUnsaved(std::exchange(m_unsaved, {}));
+    m_events.AddUnsaved(std::exchange(m_logEvents, {}), m_knownEvents);
     LoadPlan();
     ReleaseMemory();
     if (progress)
@@ -102,7 +102,6 @@ bool ZrSurveyRecording::Load(const QString& path)
     return true;
 }
 
-/// In the log.
 u64 ZrSurveyRecording::PosOf(std::size_t ping) const
 {
     const ZrSonarChannel port = Pings().Side(ping, sidePort);
@@ -238,8 +237,8 @@ bool ZrSurveyRecording::LoadIndex()
         return Fail(reader.Error());
     if (!reader.WriteError().isEmpty()) {
         m_remarks << reader.WriteError();
-        for (ZrListPos* pos = dataset->events.GetHeadPos(); pos;)
-            m_unsaved.push_back(*dataset->events.GetNext(pos));
+        m_logEvents = reader.LogEvents();
+        m_knownEvents = reader.KnownEvents();
     }
     ZrRecordSource& records = *reader.Records();
     std::vector<ZrLogRec> record;

@@ -121,6 +121,8 @@ public:
     std::pair<std::size_t, std::size_t> PingsIn(double from, double to) const;
 
     double TimeOfPing(double ping) const; ///< steady; likewise
+
+    u64 PosOf(std::size_t ping) const; ///< in the log, of its first item
     /// @}
 
     /// Whether \p steady lies between the first and the last row, or within ten seconds of one of them:
@@ -142,7 +144,6 @@ private:
     double PingTime(std::size_t ping) const;
     std::size_t FirstPingFrom(double steady) const;
     std::size_t FirstPingBehind(double steady) const;
-    u64 PosOf(std::size_t ping) const;
     std::size_t FirstInside(std::size_t front) const;
     void LoadTimes();
     void LoadPingTimes(std::size_t first, std::size_t end);
@@ -160,7 +161,8 @@ private:
     bool m_isOfFixes = false; ///< without navigation records
     u64 m_firstRecord = 0; ///< its position in the log
     u64 m_lastRecord = std::numeric_limits<u64>::max();
-    std::vector<ZrLogEvt> m_unsaved; ///< events of the log that could not be put into the event file
+    std::vector<ZrLogEvt> m_logEvents; ///< that the log holds, if the event file may not have taken them
+    std::size_t m_knownEvents = 0; ///< see `ZrDatasetReader`
     std::shared_ptr<ZrSurveySeries> m_series = std::make_shared<ZrSurveySeries>();
     std::shared_ptr<const ZrSteadyTime> m_times;
     ZrEventList m_events;
