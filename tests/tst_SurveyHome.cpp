@@ -342,6 +342,15 @@ void tst_SurveyHome::tilesFollow()
     QCOMPARE(Tile(0)->Value(), QString());
     QCOMPARE(Tile(1)->Value(), S("Off"));
     QCOMPARE(Tile(2)->Value(), S("Off"));
+    // Sentences without a position, and then no more of them.
+    ZrSourceFacts heard;
+    heard.state = ZrSourceFacts::silent;
+    heard.age = 12.0;
+    m_view->Model().feed.Set(S("2 boat:1"), heard);
+    QCOMPARE(Tile(1)->Value(), S("Silent"));
+    QCOMPARE(Tile(1)->Unit(), S("12 s"));
+    m_view->Model().feed.Set(S("2 boat:1"), ZrSourceFacts());
+    QCOMPARE(Tile(1)->Value(), S("Off"));
     SurveyVehicle::Pose pose;
     m_view->Model().vehicle.Set(pose, S("Simulator"), true);
     QCOMPARE(Tile(0)->Value(), QString());

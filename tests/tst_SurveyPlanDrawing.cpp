@@ -10,6 +10,9 @@ private Q_SLOTS:
     void drawingIsNotForAnotherPlan();
     void undoTakesTheLastCorner();
     void cornerIsDragged();
+    void noGoIsEditedBesideTheList_data();
+    void noGoIsEditedBesideTheList();
+    void linesOverWhatWasNoGo();
     void twoCornersAreNoArea();
     void areaDeleted();
     void ringIsInTheDraft();
@@ -63,6 +66,97 @@ void tst_SurveyPlanDrawing::cornerIsDragged()
     QCOMPARE(Plan().Areas()[0].ring.size(), std::size_t(4));
     const QPointF corner = m_page->Map().m_camera.ToPixel(m_page->Chart().ToWorld(Plan().Areas()[0].ring[2]));
     QVERIFY((corner - QPointF(680, 540)).manhattanLength() < 3.0);
+}
+
+void tst_SurveyPlanDrawing::noGoIsEditedBesideTheList_data()
+{
+    QTest::addColumn<bool>("isFinding");
+    QTest::newRow("waypoint") << false;
+    QTest::newRow("finding") << true;
+}
+
+/// What is chosen in a list meanwhile is no other area: the one that is edited changes, and no other.
+void tst_SurveyPlanDrawing::noGoIsEditedBesideTheList()
+{
+    QFETCH(bool, isFinding);
+    AddRoute();
+    if (isFinding) {
+        Plan().History().Change(Wpt(1), QStringLiteral("turn radius"), [](ZrWpt& wpt) { wpt.r = 9000.0; });
+        Plan().Edited();
+    }
+    const auto place = [this](double x, double y) {
+        return m_page->Chart().ToGeo(m_page->Map().m_camera.ToWorld({x, y}));
+    };
+    ZrArea area;
+    area.name = QStringLiteral("A");
+    area.ring = {place(250, 120), place(350, 120), place(350, 200), place(250, 200)};
+    Plan().SetAreas({area});
+    ZrArea noGo;
+    noGo.name = QStringLiteral("N");
+    noGo.ring = {place(550, 480), place(650, 480), place(650, 560), place(550, 560)};
+    Plan().SetNoGo({noGo});
+    QTest::qWait(50);
+    Tap({600, 520});
+    Click("corners");
+    QCOMPARE(m_page->Mode(), PlanPage::modeArea);
+    QVERIFY(Button("keep_clear")->on);
+    ZrTouchList* list = m_page->findChild<PlanListPanel*>()->findChild<ZrTouchList*>();
+    if (isFinding) {
+        Click("tab_warning");
+        list = m_page->findChildren<ZrTouchList*>(QString(), Qt::FindDirectChildrenOnly).last();
+        QTRY_VERIFY(list->Count() > 0);
+    }
+    QVERIFY(list && list->isVisible());
+    int row = 0;
+    while (isFinding && row < list->Count()
+        && list->Item(row).title != QLatin1String("Turn longer than its leg"))
+        ++row;
+    QVERIFY(row < list->Count());
+    Q_EMIT list->Chosen(row);
+    QCOMPARE(m_page->Mode(), PlanPage::modeArea);
+    const QPoint corner = m_page->Map().m_camera.ToPixel(m_page->Chart().ToWorld(noGo.ring[2])).toPoint();
+    MouseDrag(corner, corner + QPoint(20, 10));
+    QCOMPARE(Plan().Sketch().edited, 0);
+    QVERIFY(Plan().Sketch().isEditedNoGo);
+    Click("done");
+    QCOMPARE(Plan().Areas().size(), std::size_t(1));
+    QCOMPARE(Plan().Areas()[0].name, QStringLiteral("A"));
+    QVERIFY(Plan().Areas()[0].ring == area.ring);
+    QCOMPARE(Plan().NoGo().size(), std::size_t(1));
+    QCOMPARE(Plan().NoGo()[0].name, QStringLiteral("N"));
+    QCOMPARE(Plan().NoGo()[0].ring.size(), std::size_t(4));
+    QVERIFY(Plan().NoGo()[0].ring != noGo.ring);
+}
+
+/// What was a no-go area is none any more, and gets the lines as the last of the areas.
+void tst_SurveyPlanDrawing::linesOverWhatWasNoGo()
+{
+    const auto place = [this](double x, double y) {
+        return m_page->Chart().ToGeo(m_page->Map().m_camera.ToWorld({x, y}));
+    };
+    const auto square = [&](const char* name, double x, double y) {
+        ZrArea area;
+        area.name = QString::fromLatin1(name);
+        area.ring = {place(x, y), place(x + 100, y), place(x + 100, y + 80), place(x, y + 80)};
+        return area;
+    };
+    AddRoute();
+    Plan().SetAreas({square("A", 250, 120)});
+    Plan().SetNoGo({square("N", 550, 480)});
+    const double between = place(450, 300).lng;
+    QTest::qWait(50);
+    Tap({600, 520});
+    Click("corners");
+    Q_EMIT m_page->findChild<PlanListPanel*>()->Chosen(0);
+    Click("keep_clear");
+    Click("tool_pattern");
+    QCOMPARE(m_page->Mode(), PlanPage::modePattern);
+    QVERIFY(Plan().NoGo().empty());
+    QCOMPARE(Plan().Areas().size(), std::size_t(2));
+    QCOMPARE(Plan().Areas()[1].name, QStringLiteral("N"));
+    auto* panel = m_page->findChild<PlanPatternPanel*>();
+    QTRY_VERIFY(panel->IsCurrent() && !panel->Waypoints().empty());
+    QVERIFY(panel->Waypoints().front().lng > between);
 }
 
 void tst_SurveyPlanDrawing::twoCornersAreNoArea()

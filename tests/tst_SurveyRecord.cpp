@@ -60,7 +60,8 @@ void tst_SurveyRecord::simulatorIsLive()
     QVERIFY(!m_view->Model().recording.IsOn());
 }
 
-/// The simulated vehicle runs the plan as it is, but for one that is being recorded.
+/// The simulated vehicle runs the plan as it is, but for one that is being recorded; the map shows what it
+/// runs.
 void tst_SurveyRecord::planThatChanges()
 {
     const auto plan = [this](double lat) {
@@ -68,8 +69,12 @@ void tst_SurveyRecord::planThatChanges()
         document.New();
         document.Route().linked = true;
         for (const double lng : {-4.0, -3.998})
-            document.Route().Add(lat, lng, eZrWptBlue, ZrWpts::eAddTail);
+            document.Route().Add(lat, lng, eZrWptBlue, ZrWpts::eAddTail)->name = QString::number(lat);
         document.Edited();
+    };
+    const auto shown = [this] {
+        const auto& labels = Page().Map().Names().Labels();
+        return labels.size() == 2 ? labels.front().text.toDouble() : 0.0;
     };
     const auto isNear = [this](double lat) {
         return HasPosition() && std::fabs(Page().Session().State().latitude.value - lat) < 0.01;
@@ -80,6 +85,7 @@ void tst_SurveyRecord::planThatChanges()
     plan(48.5);
     m_view->Show(QStringLiteral("Record"));
     QTRY_VERIFY(isNear(48.5));
+    QCOMPARE(shown(), 48.5);
     Touch(Button(QStringLiteral("Record")));
     QTRY_VERIFY(IsOn());
     m_view->Show(QStringLiteral("Home"));
@@ -89,9 +95,13 @@ void tst_SurveyRecord::planThatChanges()
     QTRY_VERIFY(Page().Session().Status().items > items + 200);
     QVERIFY(IsOn());
     QVERIFY(isNear(48.5));
+    QCOMPARE(shown(), 48.5);
+    plan(47.5); // in view
+    QCOMPARE(shown(), 48.5);
     Touch(Button(QStringLiteral("Stop")));
     QTRY_VERIFY(IsOff());
     QTRY_VERIFY(isNear(47.5));
+    QCOMPARE(shown(), 47.5);
     // The same plan is no reason to begin anew.
     const i64 trail = Page().Map().TrailCount();
     m_view->Show(QStringLiteral("Home"));

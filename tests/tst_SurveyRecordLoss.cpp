@@ -20,6 +20,7 @@ private Q_SLOTS:
     void receiverWithoutFix();
     void sourceThatHasEnded();
     void sourceThatSendsNothing();
+    void linesThatAreNoSentences();
     void portThatIsTaken();
     void anotherSourceThatSendsNothing();
 
@@ -206,6 +207,26 @@ void tst_SurveyRecordLoss::sourceThatSendsNothing()
     Touch(Button(QStringLiteral("Stop")));
     QTRY_VERIFY(IsOff());
     QTRY_VERIFY(!Banner()->isVisible());
+}
+
+/// As of a wrong speed of a line: no cable is to be looked at.
+void tst_SurveyRecordLoss::linesThatAreNoSentences()
+{
+    QTcpServer server;
+    QTcpSocket* socket = OpenServed(server);
+    QVERIFY(socket);
+    socket->write("x\xf0~\x9d\r\n\xe1\xe1g7\r\n$GPxx%\r\n");
+    const SurveyFeed& feed = m_view->Model().feed;
+    QTRY_COMPARE(feed.State(), ZrSourceFacts::unreadable);
+    QVERIFY(!Banner()->isVisible());
+    Touch(Button(QStringLiteral("Record")));
+    QTRY_VERIFY(IsOn());
+    QTRY_VERIFY(Banner()->isVisible());
+    QVERIFY2(
+        Banner()->Text().contains(QStringLiteral("no data from 127.0.0.1:")), qPrintable(Banner()->Text()));
+    QVERIFY2(Banner()->Advice().contains(QStringLiteral("cannot be read: check speed and kind")),
+        qPrintable(Banner()->Advice()));
+    QCOMPARE(feed.State(), ZrSourceFacts::unreadable);
 }
 
 void tst_SurveyRecordLoss::portThatIsTaken()

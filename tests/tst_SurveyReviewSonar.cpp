@@ -10,6 +10,7 @@
 #include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
+#include "apps/ZrSurvey/ReviewLook.h"
 #include "apps/ZrSurvey/ReviewMeasure.h"
 
 #include <QJsonArray>
@@ -30,7 +31,9 @@ private Q_SLOTS:
     void bottomIsDetected();
     void bottomOutlives();
     void bottomCannotBeSaved();
+    void toolKeysWithoutCtrl();
     void oneToolAtATime();
+    void toolAfterTheLook();
     void pulseIsDark();
     void pictureWithoutAltitude();
 
@@ -309,6 +312,37 @@ void tst_SurveyReviewSonar::bottomIsDetected()
     QTRY_COMPARE_WITH_TIMEOUT(tracked.size(), 2, patience);
 }
 
+/// Who copies does not throw away what was measured.
+void tst_SurveyReviewSonar::toolKeysWithoutCtrl()
+{
+    Open(m_log);
+    Page().GoTo(Rec().TimeOfPing(150.0));
+    WaitForLines();
+    MarkTarget(150, 500.0);
+    ReviewMeasure& measure = Page().Sonar().Measure();
+    const ZrBtn& shadow = measure.ShadowButton();
+    const bool wantsShadow = shadow.on;
+    QTest::keyClick(m_view.get(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(m_view.get(), Qt::Key_H, Qt::ControlModifier);
+    QVERIFY(measure.Target() && measure.Extent());
+    QCOMPARE(shadow.on, wantsShadow);
+    QTest::keyClick(m_view.get(), Qt::Key_H);
+    QCOMPARE(shadow.on, !wantsShadow);
+    QTest::keyClick(m_view.get(), Qt::Key_C);
+    QVERIFY(!measure.Target());
+
+    QTest::keyClick(m_view.get(), Qt::Key_K);
+    ReviewBottom& bottom = Page().Sonar().Bottom();
+    QVERIFY(bottom.IsOn());
+    const int sides = bottom.Sides();
+    QTest::keyClick(m_view.get(), Qt::Key_D, Qt::ControlModifier);
+    QVERIFY(!bottom.Editor().IsTracking());
+    QTest::keyClick(m_view.get(), Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(bottom.Sides(), sides);
+    QTest::keyClick(m_view.get(), Qt::Key_D, Qt::ShiftModifier);
+    QVERIFY(bottom.Sides() != sides);
+}
+
 void tst_SurveyReviewSonar::bottomOutlives()
 {
     Open(m_log);
@@ -426,6 +460,45 @@ void tst_SurveyReviewSonar::pictureWithoutAltitude()
     QCOMPARE(told(log), QStringLiteral("told.png was written, without the outgoing pulse"));
     QCOMPARE(told(m_log),
         QStringLiteral("told.png was written, corrected for slant range, with a dark water column"));
+}
+
+/// The tool for the bottom line has the room of the look that goes for it, and its hint lies on none of both.
+void tst_SurveyReviewSonar::toolAfterTheLook()
+{
+    Open(m_log);
+    for (const QSize size : {QSize(900, 600), QSize(1280, 800), QSize(1920, 1080)}) {
+        m_view->resize(size);
+        QTRY_COMPARE(Page().size(), size);
+        for (const bool isLarge : {false, true}) {
+            if (isLarge)
+                QTest::keyClick(m_view.get(), Qt::Key_2);
+            const QString name = QStringLiteral("%1 %2").arg(size.width()).arg(int(isLarge));
+            const ReviewBottom& tool = Page().Sonar().Bottom();
+            auto* toast = m_view->findChild<ZrToast*>();
+            QTest::keyClick(m_view.get(), Qt::Key_K);
+            const QRect place = tool.geometry();
+            const QRect hint = toast->geometry();
+            QVERIFY2(tool.isVisible() && toast->isVisible() && !hint.intersects(place), qPrintable(name));
+            QTest::keyClick(m_view.get(), Qt::Key_K);
+            toast->hide();
+            QTest::keyClick(m_view.get(), Qt::Key_P);
+            QTest::keyClick(m_view.get(), Qt::Key_K);
+            QVERIFY2(tool.isVisible() && !Page().Sonar().Look().isVisible(), qPrintable(name));
+            QVERIFY2(toast->isVisible(), qPrintable(name));
+            QCOMPARE(tool.geometry(), place);
+            QCOMPARE(toast->geometry(), hint);
+            // Nor do others when the look comes beside it.
+            QTest::keyClick(m_view.get(), Qt::Key_P);
+            m_view->Tell(QStringLiteral("Event added"), QStringLiteral("Undo"), [] {});
+            QVERIFY2(tool.isVisible() && Page().Sonar().Look().isVisible(), qPrintable(name));
+            QVERIFY2(!toast->geometry().intersects(tool.geometry()), qPrintable(name));
+            QVERIFY2(!toast->geometry().intersects(Page().Sonar().Look().geometry()), qPrintable(name));
+            QTest::keyClick(m_view.get(), Qt::Key_P);
+            QTest::keyClick(m_view.get(), Qt::Key_K);
+            if (isLarge)
+                QTest::keyClick(m_view.get(), Qt::Key_2);
+        }
+    }
 }
 
 GL_TEST_MAIN(tst_SurveyReviewSonar)

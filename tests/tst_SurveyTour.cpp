@@ -186,9 +186,6 @@ private Q_SLOTS:
     void goesAgain();
     void badOptions_data();
     void badOptions();
-    void badFolder_data();
-    void badFolder();
-    void noLine();
     void damagedLine();
 
 private:
@@ -429,52 +426,6 @@ void tst_SurveyTour::badOptions()
     QVERIFY2(
         m_errors.contains(arguments.front()) && m_errors.contains(S("with --tour")), qPrintable(m_errors));
     QVERIFY(!QFile::exists(folder));
-}
-
-void tst_SurveyTour::badFolder_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("said");
-    QTest::newRow("a file") << S("file") << S("is no folder");
-    QTest::newRow("below a file") << S("file/tour") << S("cannot be made");
-    QTest::newRow("not writable") << S("/proc/tour") << S("cannot be made");
-    QTest::newRow("of somebody else") << S("other") << S("not empty");
-    QTest::newRow("with a report of something else") << S("report") << S("not empty");
-    QTest::newRow("data elsewhere") << S("linked") << S("is a link");
-}
-
-void tst_SurveyTour::badFolder()
-{
-    QFETCH(QString, folder);
-    QFETCH(QString, said);
-    QTemporaryDir dir;
-    QFile file(dir.filePath(S("file")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(QDir(dir.path()).mkpath(S("other/data/kept")));
-    const auto write = [&dir](const QString& name, const char* text) {
-        QFile report(dir.filePath(name));
-        return report.open(QIODevice::WriteOnly) && report.write(text) >= 0;
-    };
-    QVERIFY(QDir(dir.path()).mkpath(S("report/exports")));
-    QVERIFY(write(S("report/tour.txt"), "Tuesday: down the river\n"));
-    QVERIFY(write(S("report/exports/mine.txt"), "mine"));
-    QVERIFY(QDir(dir.path()).mkpath(S("linked")));
-    QVERIFY(write(S("linked/tour.txt"), "ok   01 home\n"));
-    QVERIFY(QFile::link(dir.filePath(S("other/data")), dir.filePath(S("linked/data"))));
-    const QString path = folder.startsWith(QLatin1Char('/')) ? folder : dir.filePath(folder);
-    QCOMPARE(Start({S("--tour"), path}, 60000), 1);
-    QVERIFY2(m_errors.contains(said), qPrintable(m_errors));
-    QVERIFY(QDir(dir.filePath(S("other/data/kept"))).exists());
-    QVERIFY(QFile::exists(dir.filePath(S("report/exports/mine.txt"))));
-}
-
-void tst_SurveyTour::noLine()
-{
-    QTemporaryDir dir;
-    QCOMPARE(
-        Start({S("--tour"), dir.filePath(S("tour")), S("--tour-line"), dir.filePath(S("none.xtf"))}, 60000),
-        1);
-    QVERIFY2(m_errors.contains(S("none.xtf cannot be read")), qPrintable(m_errors));
 }
 
 /// A line that ends too early is told, with a picture of what there is.

@@ -27,7 +27,9 @@ public:
     ZrVehicleMap m_way;
     ZrGridLayer m_grid;
 
-    /// The way of a long one is drawn straight until it is measured, in a thread of its own.
+    /// The way of a long one, of more than 2,000 waypoints, is drawn straight until it is measured, in a
+    /// thread of its own, which reads the route meanwhile.
+    /// \param route not null; nobody changes it afterwards
     void SetPlan(std::shared_ptr<const ZrWpts> route);
     void LocatePlan(); ///< in its zone while there is no trail, and in view while nothing was
     void FitAll(); ///< shows plan and trail

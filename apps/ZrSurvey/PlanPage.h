@@ -229,6 +229,7 @@ private:
     int m_patternPlan = -1; ///< revision that lines are planned for; -1 while none are
     bool m_isPreview = false; ///< what is told of is the plan with these lines
     int m_editedArea = -1; ///< whose corners are being moved; -1 for a new one
+    bool m_isEditedNoGo = false; ///< of it, whatever is selected meanwhile
     int m_corner = -1; ///< that is dragged
     ZrGeoPoint m_dragStart;
     QPointF m_grab; ///< from the finger to the mark, world

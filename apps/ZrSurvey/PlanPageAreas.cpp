@@ -11,7 +11,7 @@ void PlanPage::KeepSketch()
     sketch.ring = m_drawing.Ring();
     sketch.isNoGo = m_keepClear->on;
     sketch.edited = m_editedArea;
-    sketch.isEditedNoGo = m_editedArea >= 0 && m_isNoGo;
+    sketch.isEditedNoGo = m_editedArea >= 0 && m_isEditedNoGo;
     Plan().SetSketch(sketch);
 }
 
@@ -23,7 +23,7 @@ void PlanPage::TakeSketch()
     SetMode(modeArea);
     const auto& areas = AreasOf(sketch.isEditedNoGo);
     m_editedArea = sketch.edited < static_cast<int>(areas.size()) ? sketch.edited : -1;
-    m_isNoGo = sketch.isEditedNoGo;
+    m_isEditedNoGo = sketch.isEditedNoGo;
     m_keepClear->on = sketch.isNoGo;
     m_drawing.SetRing(sketch.ring);
     ShowState();
@@ -102,7 +102,7 @@ void PlanPage::EditArea()
     const std::vector<ZrGeoPoint> ring = areas[static_cast<std::size_t>(index)].ring;
     SetMode(modeArea);
     m_editedArea = index;
-    m_isNoGo = isNoGo;
+    m_isEditedNoGo = isNoGo;
     m_keepClear->on = isNoGo;
     m_drawing.SetRing(ring);
     ShowState();

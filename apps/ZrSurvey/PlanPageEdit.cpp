@@ -101,6 +101,7 @@ void PlanPage::SetMode(eMode mode)
         FinishArea();
     m_drawing.Clear();
     m_editedArea = -1;
+    m_isEditedNoGo = false;
     m_keepClear->on = false;
     m_mode = mode;
     m_isPreview = false;
@@ -350,8 +351,10 @@ void PlanPage::StartPattern()
     }
     // What is being drawn becomes the area.
     const bool wasDrawing = m_mode == modeArea && m_drawing.Ring().size() >= 3;
-    const int drawn = m_editedArea >= 0 && !m_keepClear->on ? m_editedArea : -1;
-    const int chosen = m_isNoGo ? -1 : wasDrawing ? drawn : m_area;
+    const bool isStill = !m_keepClear->on && !m_isEditedNoGo; // where it was among the areas
+    const int drawn = isStill ? m_editedArea : -1;
+    const int selected = m_isNoGo ? -1 : m_area;
+    const int chosen = wasDrawing ? drawn : selected;
     SetMode(modeBrowse);
     const auto& areas = Plan().Areas();
     if (areas.empty()) {

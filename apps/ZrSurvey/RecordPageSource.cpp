@@ -61,15 +61,14 @@ void RecordPage::OpenSource()
 
 bool RecordPage::IsPlanNew() const
 {
-    const SurveySettings& settings = View().Model().settings;
-    return settings.source == SurveySource::simulator && m_openKey == SourceMaker::Key(settings)
-        && m_openPlan != ZrRouteKey::Of(SourceMaker::PlanOf(settings, View().Model().plan.Route()));
+    return m_opened.source == SurveySource::simulator
+        && m_openPlan != ZrRouteKey::Of(SourceMaker::PlanOf(m_opened, View().Model().plan.Route()));
 }
 
 /// The simulated vehicle begins anew, unless its way is being recorded.
 void RecordPage::UsePlan()
 {
-    if (!IsPlanNew())
+    if (m_openKey != SourceMaker::Key(View().Model().settings) || !IsPlanNew())
         return;
     if (m_session.Recording() == ZrRecordingSession::recordingOff)
         OpenSource();
@@ -87,18 +86,20 @@ void RecordPage::OnPlan()
     Changed();
 }
 
-/// The vehicle's plan, or that which the simulated one runs.
+/// The vehicle's plan, or that which the simulated one runs: while it is recorded that is the one before, of
+/// which the log tells as well.
 void RecordPage::ShowPlan()
 {
-    const SurveyModel& model = View().Model();
-    const bool isRun = model.settings.source == SurveySource::simulator;
-    if (m_shownPlan == model.plan.Revision() && m_isShownRun == isRun) {
+    const ZrPlanDocument& plan = View().Model().plan;
+    const bool isRun = m_opened.source == SurveySource::simulator;
+    const bool isShown = m_shownPlan == plan.Revision() && m_isShownRun == isRun;
+    if (isShown || (m_session.Recording() != ZrRecordingSession::recordingOff && IsPlanNew())) {
         m_map.LocatePlan();
         return;
     }
-    m_shownPlan = model.plan.Revision();
+    m_shownPlan = plan.Revision();
     m_isShownRun = isRun;
-    m_map.SetPlan(std::make_shared<const ZrWpts>(SourceMaker::PlanOf(model.settings, model.plan.Route())));
+    m_map.SetPlan(std::make_shared<const ZrWpts>(SourceMaker::PlanOf(m_opened, plan.Route())));
 }
 
 void RecordPage::ChooseSource()

@@ -290,7 +290,7 @@ bool ReviewPage::OnToolKey(int key, Qt::KeyboardModifiers modifiers)
         measure.Store();
         return true;
     }
-    if (measure.IsOn() && measure.Target() && (key == Qt::Key_H || key == Qt::Key_C)) {
+    if (measure.IsOn() && measure.Target() && !isCtrl && (key == Qt::Key_H || key == Qt::Key_C)) {
         if (key == Qt::Key_H)
             measure.ToggleShadow();
         else
@@ -310,6 +310,8 @@ bool ReviewPage::OnToolKey(int key, Qt::KeyboardModifiers modifiers)
             bottom.Undo();
         return true;
     case Qt::Key_D:
+        if (isCtrl)
+            return false;
         if (isShift)
             bottom.SetSides((bottom.Sides() + 1) % ReviewBottom::sidesCount);
         else

@@ -113,10 +113,12 @@ void ReviewBottom::SetOn(bool on)
     if (isOn)
         raise();
     Update();
-    if (isNew && isOn)
+    if (!isNew)
+        return;
+    Q_EMIT OnChanged();
+    // Once the page has its place, of which the hint keeps clear.
+    if (isOn)
         m_view.Tell(tr("Draw along the first echo of the sea floor, on either side"));
-    if (isNew)
-        Q_EMIT OnChanged();
 }
 
 void ReviewBottom::SetSides(int sides)

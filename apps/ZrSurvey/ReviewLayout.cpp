@@ -10,6 +10,7 @@
 #include "ZrKit/ui/ZrTimeBar.h"
 #include "ZrUtil/ZrBtn.h"
 #include "ZrUtil/ZrTheme.h"
+#include "apps/ZrSurvey/ReviewBottom.h"
 #include "apps/ZrSurvey/ReviewEvents.h"
 #include "apps/ZrSurvey/ReviewExport.h"
 #include "apps/ZrSurvey/ReviewLook.h"
@@ -162,13 +163,16 @@ void ReviewPage::OnColours()
 }
 
 /// The transport, the time line and what lies above it: messages leave the scales of map and waterfall in
-/// sight, where these reach down to them, and the panel of the waterfall's look.
+/// sight, where these reach down to them, and the panels of the waterfall's look and bottom line.
 int ReviewPage::FreeBelow() const
 {
     const bool isLook = m_sonar->Look().isVisibleTo(this);
     const int free = height() - (isLook ? m_sonar->Look().y() : m_bar->y());
-    const bool isScale = isLook || !m_plots->isVisibleTo(this);
-    return free + (isScale ? ZrTheme::DpI(ZrGridLayer::ScaleRoom) : 0);
+    if (!isLook && m_plots->isVisibleTo(this))
+        return free;
+    const ReviewBottom& tool = m_sonar->Bottom();
+    const int used = tool.isVisibleTo(this) ? height() - tool.y() : 0;
+    return std::max(free + ZrTheme::DpI(ZrGridLayer::ScaleRoom), used);
 }
 
 int ReviewPage::FreeRight() const

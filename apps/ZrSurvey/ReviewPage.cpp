@@ -83,6 +83,7 @@ ReviewPage::~ReviewPage()
 {
     // They are used by what the recording's end takes along.
     delete m_export;
+    m_sonar->disconnect(this); // a tool that goes off needs no room any more
     m_map->Show(nullptr);
     m_sonar->Show(nullptr);
     delete m_sonar;
@@ -136,7 +137,10 @@ void ReviewPage::Connect()
         View().SettingsEdited();
     });
     connect(m_correct, &ZrBtn::Clicked, this, [this] { m_sonar->Bottom().SetOn(!m_sonar->Bottom().IsOn()); });
-    connect(m_sonar, &ReviewSonar::ToolChanged, this, &ReviewPage::ShowState);
+    connect(m_sonar, &ReviewSonar::ToolChanged, this, [this] {
+        Place(); // the look may have gone for it
+        ShowState();
+    });
     connect(m_sonar, &ReviewSonar::BottomChanged, this, [this] { update(m_sonarHeader); });
     connect(m_slant, &ZrBtn::Clicked, this, [this] { Toggle(View().Model().settings.slant); });
     connect(m_bottom, &ZrBtn::Clicked, this, [this] { Toggle(View().Model().settings.bottom); });

@@ -13,8 +13,9 @@ QString speed_text(double metresPerSecond);
 QString angle_text(double degrees);
 QString position_text(double latitude, double longitude);
 
-/// "7.38 × 0.48 × 1.03 m": what is known of a target's length along the track, its width and its height, the
-/// others as a dash; without the last where it is not known. Empty when nothing is.
+/// "7.38 × 0.48 × 1.03 m", in the units in force: what is known of a target's length along the track, its
+/// width and its height, all in metres, NaN where one is not known, which is a dash; without the last where
+/// that is not known. Empty when nothing is.
 QString size_text(double length, double width, double height);
 
 /// Of marks over the waterfall, which at night is a dim red: as bright as the night allows, where

@@ -6,7 +6,17 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+
+namespace {
+
+bool IsSame(const ZrLogEvt& event, const ZrLogEvt& other)
+{
+    return event.uid.isNull() ? event.time == other.time && event.text == other.text : event.uid == other.uid;
+}
+
+} // namespace
 
 std::size_t UnsavedEvents::Count() const
 {
@@ -71,8 +81,20 @@ bool UnsavedEvents::Export(const QString& path, QString& error)
 void UnsavedEvents::Restore(std::vector<Group> groups)
 {
     for (Group& group : groups) {
-        if (Find(group.path) == m_groups.end()) // newer ones are more
+        const auto known = Find(group.path);
+        if (known == m_groups.end()) {
             m_groups.push_back(std::move(group));
+            continue;
+        }
+        // What came since stands, behind what only the one before has.
+        const std::vector<ZrLogEvt> newer = std::exchange(known->events, {});
+        const auto isThere = [&newer](const ZrLogEvt& event) {
+            return std::any_of(
+                newer.begin(), newer.end(), [&event](const ZrLogEvt& other) { return IsSame(event, other); });
+        };
+        std::remove_copy_if(
+            group.events.begin(), group.events.end(), std::back_inserter(known->events), isThere);
+        known->events.insert(known->events.end(), newer.begin(), newer.end());
     }
     Q_EMIT Changed();
 }

@@ -42,7 +42,7 @@ public:
 
     void Forget();
 
-    /// For who wants them back after `Forget`.
+    /// For who wants them back after `Forget`, beside those that came since.
     std::vector<Group> Groups() const { return m_groups; }
 
     void Restore(std::vector<Group> groups);

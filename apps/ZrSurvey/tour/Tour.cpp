@@ -17,15 +17,17 @@
 namespace {
 
 const char reportName[] = "tour.txt";
+const char unfinished[] = "ZrSurvey is on tour\n"; ///< the report until the end, and of one that was ended
 
-/// Of an earlier tour; empty of one that was ended.
+/// Of an earlier tour.
 bool IsReport(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     static const QRegularExpression station(QStringLiteral("^(ok |BAD)  [0-9]{2} "));
-    return file.size() == 0 || station.match(QString::fromUtf8(file.readLine(80))).hasMatch();
+    const QByteArray first = file.readLine(80);
+    return first == unfinished || station.match(QString::fromUtf8(first)).hasMatch();
 }
 
 /// Those that a tour has written: each has its notes beside it.
@@ -75,22 +77,25 @@ bool Tour::Prepare()
         return fail(tr("%1 is no folder").arg(m_folder));
     if (!dir.mkpath(QStringLiteral(".")))
         return fail(tr("The folder %1 cannot be made").arg(m_folder));
-    const bool isOurs = IsReport(dir.filePath(QString::fromLatin1(reportName)));
+    const QString reportPath = dir.filePath(QString::fromLatin1(reportName));
+    const bool isOurs = IsReport(reportPath);
     if (!isOurs && !dir.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
         return fail(tr("The folder %1 is not empty and not of an earlier tour").arg(m_folder));
+    for (const QString& part : {reportPath, DataDir(), Exports()}) {
+        // What lies behind a link is not the tour's.
+        if (QFileInfo(part).isSymLink())
+            return fail(tr("%1 is a link").arg(part));
+    }
     if (m_line.isEmpty())
         return fail(
             tr("The side-scan line that comes with the program is not found; name one with --tour-line"));
     if (!QFileInfo(m_line).isFile() || !QFileInfo(m_line).isReadable())
         return fail(tr("The side-scan line %1 cannot be read").arg(m_line));
-    QFile report(dir.filePath(QString::fromLatin1(reportName)));
-    if (!report.open(QIODevice::WriteOnly))
+    QFile report(reportPath);
+    if (!report.open(QIODevice::WriteOnly) || report.write(unfinished) < 0 || !report.flush())
         return fail(tr("The folder %1 cannot be written to. %2").arg(m_folder, report.errorString()));
     RemovePictures(dir);
     for (const QString& part : {DataDir(), Exports()}) {
-        // What lies behind a link is not the tour's.
-        if (QFileInfo(part).isSymLink())
-            return fail(tr("%1 is a link").arg(part));
         if (!QDir(part).removeRecursively() || !dir.mkpath(part))
             return fail(tr("The folder %1 cannot be made anew").arg(part));
     }

@@ -25,8 +25,9 @@ struct SurveyModel;
 /// \endcode
 ///
 /// The folder gets a picture of each station with its notes, "exports", "data" (settings, draft, recordings)
-/// and "tour.txt", what was printed. A folder that is neither empty nor of an earlier tour is refused. Of one
-/// of an earlier tour the pictures with their notes, "exports" and "data" are deleted, and nothing else.
+/// and "tour.txt", what was printed. A folder is refused when it is neither empty nor of an earlier tour, as
+/// its "tour.txt" tells, and when one of these three is a link. Of an earlier tour the pictures with their
+/// notes are deleted, "exports" and "data" with all that is in them, and nothing else.
 class Tour : public QObject
 {
     Q_OBJECT
