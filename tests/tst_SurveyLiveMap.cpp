@@ -28,8 +28,10 @@ private Q_SLOTS:
     void cleanup();
     void nameBelowTheVehicle();
     void textsBesideTheTrail();
+    void textsBesideTheWaypoints();
 
 private:
+    std::vector<QRectF> GridTexts() const;
     bool IsShown(const QString& name) const;
 
     std::unique_ptr<gl::Context> m_context;
@@ -77,6 +79,18 @@ bool tst_SurveyLiveMap::IsShown(const QString& name) const
     return false;
 }
 
+/// What those cover that tell of lines.
+std::vector<QRectF> tst_SurveyLiveMap::GridTexts() const
+{
+    std::vector<QRectF> boxes;
+    for (const QRectF& box : m_map->m_grid.Texts().Boxes()) {
+        if (!m_map->m_grid.ScaleBarRect(m_map->m_camera).intersects(box)
+            && !m_map->m_grid.NorthArrowRect(m_map->m_camera).intersects(box))
+            boxes.push_back(box);
+    }
+    return boxes;
+}
+
 /// It would be read in half.
 void tst_SurveyLiveMap::nameBelowTheVehicle()
 {
@@ -101,17 +115,7 @@ void tst_SurveyLiveMap::nameBelowTheVehicle()
 void tst_SurveyLiveMap::textsBesideTheTrail()
 {
     m_map->Render();
-    const ZrLabelLayer& texts = m_map->m_grid.Texts();
-    const auto grid = [&] {
-        std::vector<QRectF> boxes;
-        for (const QRectF& box : texts.Boxes()) {
-            if (!m_map->m_grid.ScaleBarRect(m_map->m_camera).intersects(box)
-                && !m_map->m_grid.NorthArrowRect(m_map->m_camera).intersects(box))
-                boxes.push_back(box);
-        }
-        return boxes;
-    };
-    const std::vector<QRectF> before = grid();
+    const std::vector<QRectF> before = GridTexts();
     QVERIFY(before.size() >= 2);
     ZrMapObstacles obstacles;
     obstacles.m_tracks = {&m_map->m_way.m_trail};
@@ -124,10 +128,36 @@ void tst_SurveyLiveMap::textsBesideTheTrail()
     }
     m_map->Render();
     obstacles.Look(m_map->m_camera, 1.0);
-    QVERIFY(!grid().empty());
-    QVERIFY(grid() != before);
-    for (const QRectF& box : grid())
+    QVERIFY(!GridTexts().empty());
+    QVERIFY(GridTexts() != before);
+    for (const QRectF& box : GridTexts())
         QVERIFY(!obstacles.HasLine(box));
+    QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
+}
+
+/// Plans of one waypoint have no line that would be kept clear of.
+void tst_SurveyLiveMap::textsBesideTheWaypoints()
+{
+    m_map->Render();
+    const ZrMapView camera = m_map->m_camera;
+    const std::vector<QRectF> before = GridTexts();
+    QVERIFY(before.size() >= 2);
+    for (const QRectF& box : before) {
+        const QPointF at = camera.ToWorld(box.center());
+        const double east = at.x();
+        const double north = at.y();
+        ZrWpts route;
+        ZrWpt& waypoint = *route.Add(lat, lng, eZrWptBlue, ZrWpts::eAddTail);
+        m_map->m_way.Grid()->ToLatLng({&east, 1}, {&north, 1}, {&waypoint.lat, 1}, {&waypoint.lng, 1});
+        m_map->SetPlan(std::make_shared<const ZrWpts>(route));
+        QCOMPARE(m_map->PlanCount(), i64(0));
+        m_map->m_camera = camera;
+        m_map->Render();
+        QVERIFY(!GridTexts().empty());
+        const QRectF mark(box.center() - QPointF(6, 6), QSizeF(12, 12));
+        for (const QRectF& text : GridTexts())
+            QVERIFY(!text.intersects(mark));
+    }
     QCOMPARE(m_context->TakeErrors(), GLenum(GL_NO_ERROR));
 }
 

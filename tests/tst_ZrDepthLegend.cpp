@@ -37,6 +37,7 @@ private Q_SLOTS:
     void wrongRanges();
     void textsHaveRoom_data();
     void textsHaveRoom();
+    void lowBar();
     void mouseGoesThrough();
 
 private:
@@ -193,6 +194,28 @@ void tst_ZrDepthLegend::textsHaveRoom()
     for (const ZrDepthLegend::Label& label : m_legend->Labels()) {
         QVERIFY2(metrics.horizontalAdvance(label.text) <= label.rect.width(), qPrintable(label.text));
         QVERIFY(label.rect.height() >= metrics.height());
+    }
+}
+
+/// A bar that is lower than a number has it at its top, a higher one within.
+void tst_ZrDepthLegend::lowBar()
+{
+    const int high = QFontMetrics(ZrLegible::Font(15)).height();
+    m_legend->SetRange(3.2, 7.9);
+    Fit();
+    const int around = m_legend->height() - m_legend->BarRect().height();
+    for (const int bar : {1, high / 2, high - 1, high, high + 7}) {
+        m_legend->resize(m_legend->width(), around + bar);
+        QCOMPARE(m_legend->BarRect().height(), bar);
+        QVERIFY(!m_legend->Labels().isEmpty());
+        for (const ZrDepthLegend::Label& label : m_legend->Labels()) {
+            if (bar <= high)
+                QCOMPARE(label.rect.top(), m_legend->BarRect().top());
+            else
+                QVERIFY(m_legend->BarRect().top() <= label.rect.top()
+                    && label.rect.bottom() <= m_legend->BarRect().bottom());
+            QCOMPARE(label.rect.height(), high);
+        }
     }
 }
 

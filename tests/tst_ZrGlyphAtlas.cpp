@@ -76,7 +76,6 @@ private Q_SLOTS:
     void widthIsThatOfTheFont();
     void placesAdvance();
     void blanksHaveNoCell();
-    void keptTexts();
     void kerning();
     void accentsCompose();
     void everyScriptHasGlyphs_data();
@@ -194,28 +193,6 @@ void tst_ZrGlyphAtlas::blanksHaveNoCell()
     QVERIFY(text.width > 15.0F);
     QVERIFY(atlas.Use(text));
     QCOMPARE(atlas.Revision(), 0);
-}
-
-/// Also beyond the number that is kept, and when the characters of the first call have become others.
-void tst_ZrGlyphAtlas::keptTexts()
-{
-    ZrGlyphAtlas atlas(FontOf(32));
-    const auto same = [&](const Text& a, const Text& b) {
-        return a.width == b.width && a.places.size() == b.places.size()
-            && std::equal(a.places.begin(), a.places.end(), b.places.begin(),
-                [](const auto& x, const auto& y) { return x.glyph == y.glyph && x.x == y.x && x.y == y.y; });
-    };
-    QString letters = QStringLiteral("Lot 7");
-    const Text first = atlas.Layout(QString::fromRawData(letters.constData(), letters.size()));
-    letters[4] = QLatin1Char('1');
-    letters[0] = QLatin1Char('i');
-    QVERIFY(same(atlas.Layout(QStringLiteral("Lot 7")), first));
-    const Text other = atlas.Layout(letters);
-    QVERIFY(!same(other, first));
-    const QString longText(ZrGlyphAtlas::LongestText - 10, QLatin1Char('m'));
-    for (int i = 0; i < ZrGlyphAtlas::MostKeptPlaces / longText.size() + 10; ++i)
-        QVERIFY(atlas.Layout(longText + QString::number(i)).width > 0.0F);
-    QVERIFY(same(atlas.Layout(QStringLiteral("Lot 7")), first));
 }
 
 void tst_ZrGlyphAtlas::kerning()

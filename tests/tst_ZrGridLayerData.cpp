@@ -20,6 +20,7 @@ private Q_SLOTS:
 
     void textsLeaveData_data();
     void textsLeaveData();
+    void allAreShown();
     void comeBack();
     void uploadsOnlyOnChange();
     void followTheTrack();
@@ -115,6 +116,29 @@ void tst_ZrGridLayerData::textsLeaveData()
     QVERIFY(isEver); // without it they would have lain there
 }
 
+/// However near to one another the lines are: a line whose text has no room has none.
+void tst_ZrGridLayerData::allAreShown()
+{
+    m_layer->SetSpacing(60.0);
+    m_layer->m_hasScaleBar = m_layer->m_hasNorthArrow = false;
+    double nearest = width;
+    for (int i = 0; i < 120; ++i) {
+        m_view.SetScale(0.4 * std::pow(1.01, i));
+        Paint();
+        const ZrLabelLayer& texts = m_layer->Texts();
+        QCOMPARE(texts.Boxes().size(), texts.Labels().size());
+        QVERIFY2(std::count(texts.Shown().begin(), texts.Shown().end(), false) == 0,
+            qPrintable(QString::number(m_view.Scale())));
+        for (const QRectF& a : texts.Boxes()) {
+            for (const QRectF& b : texts.Boxes()) {
+                if (a.left() < b.left() && a.top() < b.bottom() && b.top() < a.bottom())
+                    nearest = std::min(nearest, b.left() - a.right());
+            }
+        }
+    }
+    QVERIFY2(nearest < 2.0, qPrintable(QString::number(nearest))); // they came that near
+}
+
 void tst_ZrGridLayerData::comeBack()
 {
     m_track.m_track.Clear();
@@ -149,8 +173,13 @@ void tst_ZrGridLayerData::uploadsOnlyOnChange()
     m_track.m_track.Append(m_view.Centre().x(), m_view.Centre().y());
     m_track.m_track.Append(m_view.Centre().x() + 1.0, m_view.Centre().y());
     Paint();
-    const QString texts = QString::number(m_layer->Texts().Boxes().size());
-    QVERIFY2(IsClear(), qPrintable(texts));
+    QCOMPARE(recorder.uploadedBytes, qint64(0));
+    QVERIFY(IsClear());
+    // One that is in the way does.
+    AddWay();
+    Paint();
+    QVERIFY(recorder.uploadedBytes > 0);
+    QVERIFY(IsClear());
 }
 
 /// A trail grows into a text, which gives way.

@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -29,13 +31,16 @@ private Q_SLOTS:
     void init();
     void places();
     void placesWithoutRoom();
+    void placesAlongACurve();
     void nothingInTheWay();
     void otherSideOfTheLine();
+    void noRoomForOne();
     void nextLineIsLabelled();
     void otherEdge();
     void alongTheLine();
     void overTheLineAtLast();
     void neverOverMarks();
+    void besideOneAnother();
     void taken();
     void nothing();
 
@@ -170,6 +175,54 @@ void tst_ZrGridTexts::placesWithoutRoom()
     QVERIFY(ZrGridLines::Places({}, m_view, area, inset, size).empty());
 }
 
+/// Parallels far north bow away from the straight way between the edges: the texts are beside the line.
+void tst_ZrGridTexts::placesAlongACurve()
+{
+    ZrProj projection;
+    projection.SetupUTM(82.0, 15.0);
+    double east = 0.0;
+    double north = 0.0;
+    ZrUnits::LLToEN(ZrUnits::wgs84, projection, 82.0, 15.0, east, north);
+    m_view.SetCentre({east, north});
+    m_view.SetScale(900.0);
+    double mostBow = 0.0;
+    int count = 0;
+    for (const ZrGridLines::Line& line :
+        ZrGridLines::Geographic(m_view, 60.0, eGeoDeg, ZrUnits::wgs84, projection)) {
+        std::vector<QPointF> pixels;
+        for (const QPointF& point : line.points)
+            pixels.push_back(m_view.ToPixel(point));
+        std::vector<QPointF> feet;
+        for (const ZrGridLines::Place& place : ZrGridLines::Places(line, m_view, area, inset, size)) {
+            if (place.kind != ZrGridLines::alongLine)
+                continue;
+            const QPointF foot = place.label.position
+                - QPointF(place.label.alignX == ZrMapLabel::alignLeft ? inset : -inset,
+                    place.label.alignY == ZrMapLabel::alignTop ? inset : -inset);
+            double away = 1e9;
+            for (std::size_t i = 1; i < pixels.size(); ++i) {
+                for (int k = 0; k <= 1000; ++k) {
+                    const QPointF off = pixels[i - 1] + (pixels[i] - pixels[i - 1]) * (k / 1000.0) - foot;
+                    away = std::min(away, std::hypot(off.x(), off.y()));
+                }
+            }
+            QVERIFY2(away < 0.1, qPrintable(QString::number(away)));
+            feet.push_back(foot);
+            ++count;
+        }
+        // Of a parallel that goes from edge to edge: the middle, a quarter, three quarters, each on both
+        // sides.
+        if (line.isNorthSouth || feet.size() != 6)
+            continue;
+        QVERIFY(std::fabs(feet[0].x() - 300.0) < 1.0);
+        QVERIFY(std::fabs((feet[2].x() + feet[4].x()) / 2.0 - 300.0) < 1.0);
+        QVERIFY(std::fabs(feet[2].x() - feet[4].x()) > 280.0);
+        mostBow = std::max(mostBow, std::fabs(feet[0].y() - feet[2].y()));
+    }
+    QVERIFY2(mostBow > 10.0, qPrintable(QString::number(mostBow)));
+    QVERIFY(count > 20);
+}
+
 void tst_ZrGridTexts::nothingInTheWay()
 {
     QCOMPARE(Texts().size(), std::size_t(5));
@@ -191,15 +244,27 @@ void tst_ZrGridTexts::otherSideOfTheLine()
     QCOMPARE(BoxOf(m_lines[1].places[0].label.text), m_lines[1].places[0].box);
 }
 
+/// A line whose text has no room on either side goes without; the others stay where they are.
+void tst_ZrGridTexts::noRoomForOne()
+{
+    AddMark({100, 12}, 60.0);
+    QCOMPARE(Texts().size(), std::size_t(4));
+    QVERIFY(BoxOf(m_lines[0].places[0].label.text).isNull());
+    for (std::size_t i = 1; i < 5; ++i)
+        QCOMPARE(BoxOf(m_lines[i].places[0].label.text), m_lines[i].places[0].box);
+}
+
+/// Of two lines that have room for one text the second one has it where the first cannot.
 void tst_ZrGridTexts::nextLineIsLabelled()
 {
-    // Both sides of the first easting, and of the upper northing at the left edge.
-    AddMark({100, 12}, 60.0);
-    const std::vector<QString> texts = Texts();
-    QVERIFY(std::find(texts.begin(), texts.end(), m_lines[0].places[0].label.text) == texts.end());
-    QVERIFY(std::find(texts.begin(), texts.end(), m_lines[1].places[0].label.text) != texts.end());
-    QVERIFY(std::find(texts.begin(), texts.end(), m_lines[2].places[0].label.text) != texts.end());
-    QCOMPARE(texts.size(), std::size_t(4));
+    const ZrGridTexts::Line first = m_lines[0];
+    ZrGridTexts::Line next = m_lines[1];
+    for (ZrGridLines::Place& place : next.places)
+        place.box.moveLeft(first.places[0].box.left() + 40.0);
+    m_lines = {first, next};
+    QCOMPARE(Texts(), std::vector<QString>{first.places[0].label.text});
+    AddMark({50, 12}, 60.0);
+    QCOMPARE(Texts(), std::vector<QString>{next.places[0].label.text});
 }
 
 /// Where all of a kind are blocked one of them is at the other end of its line; the other kind stays.
@@ -238,6 +303,29 @@ void tst_ZrGridTexts::neverOverMarks()
 {
     AddMark({300, 200}, 400.0);
     QVERIFY(Texts().empty());
+}
+
+/// As far apart as labels are: one nearer would be chosen and not be shown.
+void tst_ZrGridTexts::besideOneAnother()
+{
+    ZrGridLines::Place place;
+    place.box = QRectF(100, 10, 80, 16);
+    const auto besideBy = [&](const QPointF& way) {
+        ZrGridLines::Place other = place;
+        other.box.translate(way);
+        m_lines = {{true, {place}}, {true, {other}}};
+        return Texts().size();
+    };
+    for (const double side : {-1.0, 1.0}) {
+        QCOMPARE(besideBy({side * 84.5, 0.0}), std::size_t(2));
+        QCOMPARE(besideBy({side * 83.5, 0.0}), std::size_t(1));
+        QCOMPARE(besideBy({0.0, side * 18.5}), std::size_t(2));
+        QCOMPARE(besideBy({0.0, side * 17.5}), std::size_t(1));
+    }
+    // From what else there is half of it.
+    m_lines = {{true, {place}}};
+    QCOMPARE(Texts({QRectF(182.5, 0, 20, 40)}).size(), std::size_t(1));
+    QCOMPARE(Texts({QRectF(181.5, 0, 20, 40)}).size(), std::size_t(0));
 }
 
 void tst_ZrGridTexts::taken()

@@ -2,6 +2,7 @@
 
 #include "CountedNew.h"
 #include "ZrKit/chart/ZrRecordingChart.h"
+#include "ZrKit/map/ZrMapObstacles.h"
 #include "ZrKit/map/ZrMapView.h"
 #include "ZrKit/planning/ZrPlanRecord.h"
 #include "ZrKit/survey/ZrSurveyRecording.h"
@@ -181,6 +182,16 @@ void tst_ZrRecordingChart::planWithItsTurns()
         qPrintable(QString::number(length)));
     // The arc passes 50 · (√2 − 1) m from the corner.
     QVERIFY2(std::fabs(nearest - 20.71) < 0.2, qPrintable(QString::number(nearest)));
+    // Texts keep clear of its waypoints, also of this one beside the way.
+    ZrMapView view;
+    view.SetSize(400, 400);
+    view.SetCentre(corner);
+    view.SetScale(1.0);
+    ZrMapObstacles obstacles;
+    obstacles.m_markers = chart.Marks();
+    obstacles.Look(view, 1.0);
+    QVERIFY(obstacles.HasMark(QRectF(198, 198, 4, 4)));
+    QVERIFY(!obstacles.HasMark(QRectF(218, 198, 4, 4)));
 }
 
 void tst_ZrRecordingChart::eventsAndFingers()

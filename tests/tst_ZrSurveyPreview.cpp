@@ -8,10 +8,17 @@
 #include "ZrKit/planning/ZrSurveyPreview.h"
 #include "ZrUtil/ZrWpt.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
+#include <QThread>
+#include <QTranslator>
 #include <QtTest>
 
+#include <atomic>
 #include <cmath>
+#include <functional>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -59,6 +66,42 @@ int Count(ZrPlanDocument& plan, ZrRouteFinding::eSeverity severity)
         [severity](const ZrRouteFinding& finding) { return finding.severity == severity; }));
 }
 
+/// Is asked for the text of each finding, in the thread of the check.
+class Texts : public QTranslator
+{
+public:
+    explicit Texts(std::function<void(const char* context)> asked)
+        : m_asked(std::move(asked))
+    {
+        QCoreApplication::installTranslator(this);
+    }
+
+    ~Texts() override { QCoreApplication::removeTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+
+    QString translate(
+        const char* context, const char* /*text*/, const char* /*disambiguation*/, int /*n*/) const override
+    {
+        m_asked(context);
+        return QString();
+    }
+
+private:
+    std::function<void(const char*)> m_asked;
+};
+
+/// A plan with something to say of each of many waypoints, and of each way between them.
+ZrSurveyPreview::Base Troubled()
+{
+    ZrSurveyPreview::Base base;
+    base.route.linked = true;
+    for (int i = 0; i < 2000; ++i)
+        base.route.Add(50.0, -4.0 + 0.001 * (i / 2), eZrWptBlue, ZrWpts::eAddTail);
+    base.check.noGo = {{QStringLiteral("Sea"), {{49.0, -5.0}, {49.0, -2.0}, {51.0, -2.0}, {51.0, -5.0}}}};
+    return base;
+}
+
 } // namespace
 
 class tst_ZrSurveyPreview : public QObject
@@ -75,6 +118,8 @@ private Q_SLOTS:
     void tooFarAway();
     void veryLong();
     void planner();
+    void cancelled();
+    void endsWhileItIsChecked();
 };
 
 void tst_ZrSurveyPreview::asApplied_data()
@@ -283,6 +328,62 @@ void tst_ZrSurveyPreview::planner()
     QVERIFY(!planner.Error().isEmpty());
     QCOMPARE(planner.Preview().whole.waypoints, 0);
     QVERIFY(planner.Preview().legs.empty());
+}
+
+/// Wherever the check is, it ends there.
+void tst_ZrSurveyPreview::cancelled()
+{
+    const ZrSurveyPlan lines = Pattern(10.0);
+    const std::vector<ZrWpt> made = lines.Waypoints();
+    std::atomic<bool> cancel{false};
+    ZrSurveyPreview::Base base = Troubled();
+    const ZrSurveyPreview whole = ZrSurveyPreview::Of(base, lines, made);
+    QVERIFY(whole.whole.warnings >= 1000 && whole.whole.errors >= 1000);
+    base.check.cancel = &cancel;
+    const ZrSurveyPreview same = ZrSurveyPreview::Of(base, lines, made);
+    QCOMPARE(same.whole.warnings, whole.whole.warnings);
+    QCOMPARE(same.whole.errors, whole.whole.errors);
+    QCOMPARE(same.legs.size(), whole.legs.size());
+    for (const char* where : {"ZrRouteCheck", "ZrAreaCheck"}) {
+        int asked = 0;
+        const Texts texts([&](const char* context) {
+            cancel = cancel || qstrcmp(context, where) == 0;
+            asked += cancel ? 1 : 0;
+        });
+        cancel = false;
+        const ZrSurveyPreview preview = ZrSurveyPreview::Of(base, lines, made);
+        QVERIFY(preview.legs.empty());
+        QCOMPARE(preview.whole.waypoints, 0);
+        // Of the waypoint, or the piece of way, that it was at.
+        QVERIFY2(asked > 0 && asked < 10, qPrintable(QString::number(asked)));
+    }
+    // Nothing is begun.
+    int asked = 0;
+    const Texts texts([&asked](const char* /*context*/) { ++asked; });
+    QVERIFY(ZrSurveyPreview::Of(base, lines, made).legs.empty());
+    QCOMPARE(asked, 0);
+}
+
+/// Who closes the window does not wait for the rest of the check.
+void tst_ZrSurveyPreview::endsWhileItIsChecked()
+{
+    QSemaphore begun;
+    std::atomic<int> asked{0};
+    const Texts texts([&](const char* context) {
+        if (qstrcmp(context, "ZrAreaCheck") == 0 && asked++ == 0) {
+            begun.release();
+            QThread::msleep(500); // until the planner is told to end
+        }
+    });
+    ZrSurveyPatternSettings settings;
+    settings.lineSpacing = 30.0;
+    {
+        ZrSurveyPlanner planner;
+        planner.SetBase(std::make_shared<const ZrSurveyPreview::Base>(Troubled()));
+        planner.Make(bay, settings);
+        QVERIFY(begun.tryAcquire(1, 60000));
+    }
+    QVERIFY2(asked < 10, qPrintable(QString::number(asked)));
 }
 
 QTEST_GUILESS_MAIN(tst_ZrSurveyPreview)

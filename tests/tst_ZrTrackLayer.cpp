@@ -71,6 +71,7 @@ private Q_SLOTS:
     void breaksAreNotJoined();
     void lonePosition();
     void casing();
+    void sizeFollowsTheScreen();
     void cursor_data();
     void cursor();
     void themeColours();
@@ -217,6 +218,31 @@ void tst_ZrTrackLayer::casing()
     QCOMPARE(recorder.draws.size(), std::size_t(2));
 }
 
+/// As wide on a screen of two device pixels for one, the casing too.
+void tst_ZrTrackLayer::sizeFollowsTheScreen()
+{
+    ZrTrackLayer layer;
+    layer.m_colour = red;
+    layer.m_futureColour = green;
+    layer.m_casing = blue;
+    layer.m_width = 4;
+    for (const int x : {-500, 0, 500})
+        layer.m_track.Append(origin.x() + x, origin.y());
+    layer.m_cursor = 1;
+    const ZrMapView view = map::ViewOf(m_size, origin, 1);
+    const auto counts = [&] {
+        const QImage image = Painted(layer, view);
+        const QImage past = image.copy(80, 0, 1, m_size.height());
+        const QImage future = image.copy(240, 0, 1, m_size.height());
+        return std::vector<int>{map::Count(past, red), map::Count(past, blue), map::Count(future, green)};
+    };
+    QCOMPARE(counts(), (std::vector<int>{4, 2, 3}));
+    m_stage->Surface().m_pixelFactor = 2;
+    QCOMPARE(counts(), (std::vector<int>{8, 4, 6}));
+    m_stage->Surface().m_pixelFactor = 1;
+    QCOMPARE(counts(), (std::vector<int>{4, 2, 3}));
+}
+
 void tst_ZrTrackLayer::cursor_data()
 {
     QTest::addColumn<int>("index");
@@ -342,14 +368,18 @@ void tst_ZrTrackLayer::narrowLinesKeepTheLimit()
     ZrTrackLayer layer;
     layer.m_colour = red;
     layer.m_casing = blue;
+    layer.m_vertexLimit = 12000;
     for (int i = 0; i < 200000; ++i)
         layer.m_track.Append(origin.x() + 140 * std::sin(i * 0.37), origin.y() + 90 * std::sin(i * 0.611));
     const ZrMapView view = map::ViewOf(m_size, origin, 1);
     const NarrowLines narrow;
-    const gl::Recorder recorder;
-    QVERIFY(map::Count(Painted(layer, view), red) > 1000);
-    QVERIFY2(recorder.vertices <= layer.m_vertexLimit, qPrintable(QString::number(recorder.vertices)));
-    QVERIFY(recorder.draws.size() > 10);
+    for (const int factor : {1, 2}) {
+        m_stage->Surface().m_pixelFactor = factor;
+        const gl::Recorder recorder;
+        QVERIFY(map::Count(Painted(layer, view), red) > 1000);
+        QVERIFY2(recorder.vertices <= layer.m_vertexLimit, qPrintable(QString::number(recorder.vertices)));
+        QVERIFY(recorder.draws.size() > 10);
+    }
 }
 
 void tst_ZrTrackLayer::nothingToDraw()

@@ -75,8 +75,10 @@ public:
     /// @}
 
     void SetAreas(const std::vector<ZrArea>& areas, const std::vector<ZrArea>& noGo);
-    void SetFindings(
-        const std::vector<ZrRouteFinding>& findings); ///< infos and those without place have no pin
+
+    /// Infos and those without place have no pin; until the next `Match` none has.
+    void SetFindings(const std::vector<ZrRouteFinding>& findings);
+
     void SetSelected(int waypoint, int leg);
     void SetFaint(bool isFaint); ///< behind something else that is drawn: pale lines, no arrows, no names
 

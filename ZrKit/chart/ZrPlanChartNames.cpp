@@ -48,6 +48,16 @@ double LengthInside(const std::vector<std::vector<QPointF>>& ways, const QRectF&
     return length;
 }
 
+/// What of a name is not to be seen there, design pixels: a pin hides more than any leg.
+double HiddenLength(
+    const std::vector<std::vector<QPointF>>& ways, const std::vector<QRectF>& pins, const QRectF& box)
+{
+    const QRectF room = box.marginsAdded(margins);
+    const bool isUnderPin
+        = std::any_of(pins.begin(), pins.end(), [&room](const QRectF& pin) { return pin.intersects(room); });
+    return LengthInside(ways, room) + (isUnderPin ? hidden : 0.0);
+}
+
 } // namespace
 
 /// Legs from \p first to before \p end, design pixels right and down from a place; those that may come within
@@ -79,7 +89,8 @@ QPointF ZrPlanChart::Turned(const QPointF& offset) const
         d.x() * std::cos(turn) - d.y() * std::sin(turn), -d.x() * std::sin(turn) - d.y() * std::cos(turn)};
 }
 
-/// The name of an area in the middle of it, or above or below the line that runs there.
+/// The name of an area in the middle of it, or above or below the line that runs or the pin that stands
+/// there.
 void ZrPlanChart::PutBetween(ZrMapLabel& label)
 {
     const QSizeF size = m_labelLayer.TextSize(label.text, label.size);
@@ -88,11 +99,12 @@ void ZrPlanChart::PutBetween(ZrMapLabel& label)
     const double reach = std::hypot(
         size.width() / 2.0 + nameMargin, (*std::rbegin(steps) + 1) * size.height() / 2.0 + nameMargin);
     const Ways ways = WaysFrom(label.position, reach, 0, m_legs.size());
+    const std::vector<QRectF> pins = PinsFrom(label.position, reach);
     double least = infinity;
     for (const int step : steps) {
         const double y = step * size.height() / 2.0;
         const QRectF box(QPointF(-size.width() / 2.0, y - size.height() / 2.0), size);
-        const double length = LengthInside(ways, box.marginsAdded(margins));
+        const double length = HiddenLength(ways, pins, box);
         if (!(length < least))
             continue;
         least = length;
@@ -125,11 +137,7 @@ void ZrPlanChart::PutBeside(ZrMapLabel& label, std::size_t waypoint, double dist
         };
         const QRectF box(
             QPointF(along(offset.x(), side.x, size.width()), along(offset.y(), side.y, size.height())), size);
-        // A pin hides more than any leg.
-        const QRectF room = box.marginsAdded(margins);
-        const bool isHidden = std::any_of(
-            pins.begin(), pins.end(), [&room](const QRectF& pin) { return pin.intersects(room); });
-        const double length = LengthInside(ways, room) + (isHidden ? hidden : 0.0);
+        const double length = HiddenLength(ways, pins, box);
         if (!(length < least))
             continue;
         least = length;

@@ -51,6 +51,8 @@ void ZrPlanChart::SetFindings(const std::vector<ZrRouteFinding>& findings)
 {
     m_findings.clear();
     m_findingOf.clear();
+    // They count findings of before.
+    m_pins = ZrPinGroups();
     const auto add = [&](ZrRouteFinding::eSeverity severity) {
         for (std::size_t i = 0; i < findings.size(); ++i) {
             if (findings[i].severity != severity || !findings[i].place.IsValid())

@@ -46,7 +46,7 @@ public:
 
     /// \name What texts of the map keep clear of, see `ZrGridLayer::KeepClearOf`
     /// @{
-    std::vector<const ZrMarkerLayer*> Marks() const { return {&m_events, &m_vehicle}; }
+    std::vector<const ZrMarkerLayer*> Marks() const { return {&m_waypointLayer, &m_events, &m_vehicle}; }
 
     std::vector<const ZrTrackLayer*> Lines() const { return {&m_track, &m_plan}; }
 

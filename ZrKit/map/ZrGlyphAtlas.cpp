@@ -24,6 +24,9 @@ int PowerOfTwo(int side)
     return power;
 }
 
+/// Of one that is kept, beside its characters and places: a node of the hash, what is before both in memory.
+constexpr int bytesOfText = 150;
+
 /// Of cells whose changes are told apart.
 constexpr std::size_t mostChanges = 256;
 
@@ -94,12 +97,13 @@ ZrGlyphAtlas::Text ZrGlyphAtlas::Layout(const QString& text)
     Text shaped = Shape(text);
     if (text.size() > LongestText)
         return shaped;
-    const int places = std::max(1, static_cast<int>(shaped.places.size()));
-    if (m_keptPlaces > MostKeptPlaces - places) {
+    const int bytes = bytesOfText + text.size() * static_cast<int>(sizeof(QChar))
+        + static_cast<int>(shaped.places.size() * sizeof(Place));
+    if (m_keptBytes > MostKeptBytes - bytes) {
         m_texts.clear();
-        m_keptPlaces = 0;
+        m_keptBytes = 0;
     }
-    m_keptPlaces += places;
+    m_keptBytes += bytes;
     // A copy of its own: the characters may belong to the caller.
     m_texts.insert(QString(text.constData(), text.size()), shaped);
     return shaped;
@@ -107,6 +111,7 @@ ZrGlyphAtlas::Text ZrGlyphAtlas::Layout(const QString& text)
 
 ZrGlyphAtlas::Text ZrGlyphAtlas::Shape(const QString& text)
 {
+    ++m_shaped;
     Text result;
     QTextLayout layout(Line(text), m_font);
     QTextOption option;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZrKit/ZrKitExport.h"
+#include "ZrUtil/ZrTypes.h"
 
 #include <QFont>
 #include <QHash>
@@ -45,7 +46,7 @@ public:
     static constexpr int LeastFont = 8; ///< pixels; smaller fonts are drawn from this size
     static constexpr int LargestFont = 96;
     static constexpr int LongestText = 200; ///< characters; a longer one is cut and ends in "…"
-    static constexpr int MostKeptPlaces = 1 << 20; ///< of glyphs in texts that are kept as they were shaped
+    static constexpr int MostKeptBytes = 20 << 20; ///< of texts that are kept as they were shaped
     static constexpr int MostPictures = 2048 * 2048; ///< texels of all pictures of a round
 
     struct Glyph
@@ -108,8 +109,12 @@ public:
     } ///< that occurred, with a cell or not
 
     /// Shapes \p text; control characters and line ends become blanks. What was shaped is kept for the next
-    /// time, up to `MostKeptPlaces` glyphs: shaping costs some 10 µs.
+    /// time, up to `MostKeptBytes`, about 200 bytes for a text of five characters: shaping costs some 10 µs.
     Text Layout(const QString& text);
+
+    i64 ShapedCount() const { return m_shaped; } ///< texts that `Layout` had to shape
+
+    int KeptBytes() const { return m_keptBytes; } ///< of texts as they were shaped, about
 
     void NextRound(); ///< nothing is used any longer
 
@@ -190,6 +195,7 @@ private:
     QHash<PictureKey, int> m_pictureIds;
     QHash<QPair<QRawFont, quint32>, int> m_ids;
     QHash<QString, Text> m_texts; ///< as they were shaped
-    int m_keptPlaces = 0; ///< of glyphs in `m_texts`, one at least for each of them
+    int m_keptBytes = 0; ///< of `m_texts`
+    i64 m_shaped = 0; ///< texts
     std::vector<Shelf> m_shelves;
 };

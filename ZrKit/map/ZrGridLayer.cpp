@@ -35,6 +35,9 @@ constexpr double barHeight = 10.0;
 constexpr double casing = 2.0;
 constexpr double arrowRadius = 34.0;
 
+// A text that was chosen is shown.
+static_assert(clear >= ZrLabelLayer::BesideText);
+
 static_assert(edge + barTextHeight + barHeight + 2.0 * casing == double(ZrGridLayer::ScaleRoom));
 
 constexpr int middleGrey = 128;

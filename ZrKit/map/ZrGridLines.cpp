@@ -156,13 +156,17 @@ enum class Edge
     right
 };
 
+bool IsSteep(const QPointF& way)
+{
+    return std::fabs(way.y()) > std::fabs(way.x());
+}
+
 struct Crossing
 {
     QPointF at;
     QPointF inward; ///< the way of the line into the area
     Edge edge;
-
-    bool IsSteep() const { return std::fabs(inward.y()) > std::fabs(inward.x()); }
+    double along; ///< from the begin of the line, pixels
 };
 
 Edge EdgeAt(const QPointF& p, const QRectF& area)
@@ -172,25 +176,46 @@ Edge EdgeAt(const QPointF& p, const QRectF& area)
     return static_cast<Edge>(std::min_element(distances, distances + 4) - distances);
 }
 
+/// A straight part of a line, pixels.
+struct Part
+{
+    QPointF from;
+    QPointF way;
+    double length;
+};
+
+/// Those that are finite.
+std::vector<Part> PartsOf(const ZrGridLines::Line& line, const ZrMapView& view)
+{
+    std::vector<Part> parts;
+    for (std::size_t i = 1; i < line.points.size(); ++i) {
+        const QPointF from = view.ToPixel(line.points[i - 1]);
+        const QPointF to = view.ToPixel(line.points[i]);
+        const double length = Distance(from, to);
+        if (std::isfinite(length))
+            parts.push_back({from, to - from, length});
+    }
+    return parts;
+}
+
 /// Where a line goes into \p area and out of it.
-std::vector<Crossing> Crossings(const ZrGridLines::Line& line, const ZrMapView& view, const QRectF& area)
+std::vector<Crossing> Crossings(const std::vector<Part>& parts, const QRectF& area)
 {
     std::vector<Crossing> crossings;
-    for (std::size_t i = 1; i < line.points.size(); ++i) {
-        const QPointF a = view.ToPixel(line.points[i - 1]);
-        const QPointF b = view.ToPixel(line.points[i]);
+    double along = 0.0;
+    for (const Part& part : parts) {
+        const double before = along;
+        along += part.length;
         double begin = 0.0;
         double end = 0.0;
-        const bool isFinite
-            = std::isfinite(a.x()) && std::isfinite(a.y()) && std::isfinite(b.x()) && std::isfinite(b.y());
-        if (!isFinite || !ZrSegmentClip::Of(a, b, area, begin, end))
+        if (!ZrSegmentClip::Of(part.from, part.from + part.way, area, begin, end))
             continue;
-        const QPointF from = a + (b - a) * begin;
-        const QPointF to = a + (b - a) * end;
+        const QPointF from = part.from + part.way * begin;
+        const QPointF to = part.from + part.way * end;
         if (begin > 0.0)
-            crossings.push_back({from, b - a, EdgeAt(from, area)});
+            crossings.push_back({from, part.way, EdgeAt(from, area), before + part.length * begin});
         if (end < 1.0)
-            crossings.push_back({to, a - b, EdgeAt(to, area)});
+            crossings.push_back({to, -part.way, EdgeAt(to, area), before + part.length * end});
     }
     return crossings;
 }
@@ -200,7 +225,7 @@ int Rank(const Crossing& crossing)
 {
     static constexpr int steep[] = {0, 1, 2, 3};
     static constexpr int flat[] = {2, 3, 0, 1};
-    return (crossing.IsSteep() ? steep : flat)[static_cast<int>(crossing.edge)];
+    return (IsSteep(crossing.inward) ? steep : flat)[static_cast<int>(crossing.edge)];
 }
 
 /// Whether a text of \p size goes after its position, to the right or down: \p isRather, unless it would
@@ -364,7 +389,8 @@ std::vector<ZrGridLines::Place> ZrGridLines::Places(
     std::vector<Place> places;
     if (area.isEmpty() || view.IsEmpty())
         return places;
-    std::vector<Crossing> crossings = Crossings(line, view, area);
+    const std::vector<Part> parts = PartsOf(line, view);
+    std::vector<Crossing> crossings = Crossings(parts, area);
     std::stable_sort(crossings.begin(), crossings.end(),
         [](const Crossing& a, const Crossing& b) { return Rank(a) < Rank(b); });
     const Placing placing(area, inset, size, line.text);
@@ -372,10 +398,17 @@ std::vector<ZrGridLines::Place> ZrGridLines::Places(
         placing.AddAt(crossings[i], i == 0 ? atEdge : atOtherEdge, places);
     if (crossings.size() < 2)
         return places;
-    const QPointF from = crossings.front().at;
-    const QPointF way = crossings.back().at - from;
-    for (const double share : {0.5, 0.25, 0.75})
-        placing.AddAlong(from + way * share, crossings.front().IsSteep(), places);
+    // A parallel bows away from what is straight between its ends.
+    const double from = crossings.front().along;
+    const double length = crossings.back().along - from;
+    for (const double share : {0.5, 0.25, 0.75}) {
+        double left = from + length * share;
+        auto part = parts.begin();
+        for (; part + 1 != parts.end() && left > part->length; ++part)
+            left -= part->length;
+        const double t = part->length > 0.0 ? left / part->length : 0.0;
+        placing.AddAlong(part->from + part->way * t, IsSteep(part->way), places);
+    }
     return places;
 }
 

@@ -26,7 +26,8 @@ public:
     };
 
     /// \param taken what else the texts leave free, pixels of the view
-    /// \param clear pixels between a text and what it keeps clear of
+    /// \param clear pixels between a text and what it keeps clear of; twice as many from one text to the next
+    /// beside it, as `ZrLabelLayer` wants it
     static std::vector<ZrMapLabel> Choose(const std::vector<Line>& lines, const std::vector<QRectF>& taken,
         const ZrMapObstacles& obstacles, double clear);
 };

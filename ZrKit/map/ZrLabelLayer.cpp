@@ -21,7 +21,6 @@ constexpr double farthest = 1e8;
 constexpr int atlasFont = 32;
 constexpr float standardSize = 18.0F;
 constexpr float widening = ZrTextRaster::Widening;
-constexpr double besideText = 2.0; ///< design pixels that stay free between labels
 
 /// Pixels of its text are those of the screen.
 bool IsLevel(const ZrMapLabel& label)
@@ -238,7 +237,7 @@ bool ZrLabelLayer::Declutter(const ZrMapView& view)
         const double scale = static_cast<double>(FontSize(label)) / static_cast<double>(m_atlas->FontSize());
         const QSizeF size(static_cast<double>(m_texts[i].glyphs.width),
             static_cast<double>(m_atlas->Ascent() + m_atlas->Descent()));
-        const double beside = besideText * m_look.pixel;
+        const double beside = BesideText * m_look.pixel;
         items[i] = {ZrLabelDeclutter::Box(label, size * scale, view, m_look.pixel)
                         .adjusted(-beside, 0.0, beside, 0.0),
             label.priority};

@@ -42,6 +42,7 @@ class ZR_KIT_EXPORT ZrLabelLayer : public ZrMapLayer
 public:
     static constexpr float LeastSize = 4.0F; ///< of a font, pixels on screen
     static constexpr float LargestSize = 400.0F;
+    static constexpr double BesideText = 2.0; ///< design pixels that each label keeps free left and right
 
     ZrLabelLayer();
 

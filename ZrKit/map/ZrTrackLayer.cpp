@@ -15,9 +15,9 @@
 
 namespace {
 
-float CasingWidth(float width)
+float CasingWidth(float width, float pixel)
 {
-    return width + 2.0F * ZrTheme::DpF(1.0F);
+    return width + 2.0F * pixel;
 }
 
 /// Where lines of the width \p widest are drawn to look like one of \p width: side by side, their middles in
@@ -69,6 +69,7 @@ void ZrTrackLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
         gl.glGetFloatv(GL_ALIASED_LINE_WIDTH_RANGE, range);
         m_widest = std::isfinite(range[1]) ? std::max(range[1], 1.0F) : 1.0F;
     }
+    m_pixel = ZrTheme::DpF(1.0F) * static_cast<float>(surface.m_pixelFactor);
     UpdatePictures(view);
     m_program.SetSplit(surface, ZrMapSplit(view));
     gl.glEnableVertexAttribArray(static_cast<GLuint>(position));
@@ -82,7 +83,7 @@ void ZrTrackLayer::OnPaint(ZrGlSurface& surface, const ZrMapView& view)
 /// Device pixels.
 float ZrTrackLayer::Width() const
 {
-    return std::isfinite(m_width) ? std::clamp(ZrTheme::DpF(m_width), 1.0F, widestLine) : 1.0F;
+    return std::isfinite(m_width) ? std::clamp(m_pixel * m_width, 1.0F, widestLine) : 1.0F;
 }
 
 void ZrTrackLayer::UpdatePictures(const ZrMapView& view)
@@ -91,7 +92,7 @@ void ZrTrackLayer::UpdatePictures(const ZrMapView& view)
     // Each vertex counts as often as it is drawn.
     const int lines = static_cast<int>(Shifts(Width(), m_widest).size());
     const int casings
-        = m_casing.isValid() ? static_cast<int>(Shifts(CasingWidth(Width()), m_widest).size()) : 0;
+        = m_casing.isValid() ? static_cast<int>(Shifts(CasingWidth(Width(), m_pixel), m_widest).size()) : 0;
     const ZrTrackPicture::Request request{std::max(vertices / (lines + casings), leastVertices),
         std::max(vertices / (lines + casings + (HasCursor() ? lines : 0)), leastVertices),
         static_cast<double>(Width())};
@@ -118,7 +119,7 @@ void ZrTrackLayer::DrawAll(ZrGlSurface& surface, const ZrMapView& view)
     if (!Upload(surface, m_picture, m_buffer) || (hasPast && !Upload(surface, m_pastPicture, m_pastBuffer)))
         return;
     if (m_casing.isValid())
-        Draw(surface, m_buffer, 0, m_buffer.count, m_casing, CasingWidth(width));
+        Draw(surface, m_buffer, 0, m_buffer.count, m_casing, CasingWidth(width, m_pixel));
     if (!HasCursor()) {
         Draw(surface, m_buffer, 0, m_buffer.count, past, width);
     } else if (hasPast) {

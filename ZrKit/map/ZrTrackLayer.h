@@ -81,6 +81,7 @@ private:
     int m_jointLine = -1;
     i64 m_jointCursor = -1;
     bool m_isFailureLogged = false;
+    float m_pixel = 1.0F; ///< pixels of a design pixel in the frame painted last
     float m_widest = 0.0F; ///< line of the driver, pixels; 0 until asked
     int m_height = 0; ///< of the view, pixels
     int m_widthPixels = 0; ///< of the view

@@ -67,10 +67,11 @@ bool ZrAreaCheck::Box::FitsPlane() const
         && north <= ZrRoutePath::MaxLatitude;
 }
 
-ZrAreaCheck::ZrAreaCheck(
-    const ZrWpts& route, const ZrRoutePath& path, double margin, std::vector<ZrRouteFinding>& findings)
+ZrAreaCheck::ZrAreaCheck(const ZrWpts& route, const ZrRoutePath& path, double margin,
+    std::vector<ZrRouteFinding>& findings, const std::atomic<bool>* cancel)
     : m_path(path)
     , m_margin(margin)
+    , m_cancel(cancel)
     , m_findings(findings)
     , m_pieces(path.Pieces())
 {
@@ -142,8 +143,11 @@ void ZrAreaCheck::Check(const ZrArea& area, int index, bool isFence)
         AddFarFence();
     if (isApart)
         return;
-    for (const ZrPathPiece& piece : m_pieces)
+    for (const ZrPathPiece& piece : m_pieces) {
+        if (m_cancel && *m_cancel)
+            return;
         CheckPiece(plane, piece);
+    }
 }
 
 bool ZrAreaCheck::HasCorners(const ZrArea& area)

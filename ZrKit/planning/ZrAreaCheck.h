@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <vector>
 
 class ZrPlaneArea;
@@ -19,9 +20,10 @@ class ZrWpts;
 class ZR_KIT_EXPORT ZrAreaCheck
 {
 public:
-    /// \p margin in metres; one that is negative or not finite is a finding and counts as 0.
-    ZrAreaCheck(
-        const ZrWpts& route, const ZrRoutePath& path, double margin, std::vector<ZrRouteFinding>& findings);
+    /// \p margin in metres; one that is negative or not finite is a finding and counts as 0. Once \p cancel
+    /// is true, no further piece of the path is looked at; it may be null.
+    ZrAreaCheck(const ZrWpts& route, const ZrRoutePath& path, double margin,
+        std::vector<ZrRouteFinding>& findings, const std::atomic<bool>* cancel = nullptr);
 
     /// The path must stay inside. \p index from 0, for the text where the area has no name.
     void CheckFence(const ZrArea& area, int index) { Check(area, index, true); }
@@ -59,6 +61,7 @@ private:
 
     const ZrRoutePath& m_path;
     double m_margin; ///< metres
+    const std::atomic<bool>* m_cancel;
     std::vector<ZrRouteFinding>& m_findings;
     std::vector<const ZrWpt*> m_wpts;
     std::vector<ZrPathPiece> m_pieces; ///< of the path, and those of length 0 for waypoints that none touches

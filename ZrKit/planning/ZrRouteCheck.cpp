@@ -49,11 +49,12 @@ class PointChecks
 {
 public:
     PointChecks(const ZrWpts& route, const ZrRoutePath& path, const ZrRouteSpeeds& speeds,
-        std::vector<ZrRouteFinding>& findings)
+        std::vector<ZrRouteFinding>& findings, const std::atomic<bool>* cancel)
         : m_route(route)
         , m_path(path)
         , m_speeds(speeds)
         , m_findings(findings)
+        , m_cancel(cancel)
     {
         for (ZrListPos* pos = route.GetHeadPos(); pos;)
             m_wpts.push_back(route.GetNext(pos));
@@ -64,12 +65,17 @@ public:
         CheckRoute();
         CheckRouteSpeed();
         for (std::size_t i = 0; i < m_wpts.size(); ++i) {
+            if (m_cancel && *m_cancel)
+                return;
             CheckPosition(i);
             CheckSpeed(i);
             CheckTurn(i);
         }
-        for (const ZrRouteLeg& leg : m_path.Legs())
+        for (const ZrRouteLeg& leg : m_path.Legs()) {
+            if (m_cancel && *m_cancel)
+                return;
             CheckLeg(leg);
+        }
     }
 
 private:
@@ -264,6 +270,7 @@ private:
     const ZrRoutePath& m_path;
     ZrRouteSpeeds m_speeds;
     std::vector<ZrRouteFinding>& m_findings;
+    const std::atomic<bool>* m_cancel;
     std::vector<const ZrWpt*> m_wpts;
 };
 
@@ -275,12 +282,13 @@ std::vector<ZrRouteFinding> ZrRouteCheck::Run(const ZrWpts& route, const Options
     // Those of the process are not even looked at where others are given: another thread may change them.
     const ZrRouteSpeeds speeds = options.speeds ? *options.speeds : ZrRouteSpeeds();
     const ZrRoutePath path(route, speeds);
-    PointChecks(route, path, speeds, findings).Run();
+    PointChecks(route, path, speeds, findings, options.cancel).Run();
 
-    ZrAreaCheck areas(route, path, options.margin, findings);
-    for (std::size_t i = 0; i < options.fences.size(); ++i)
+    ZrAreaCheck areas(route, path, options.margin, findings, options.cancel);
+    const auto isCancelled = [&options] { return options.cancel && *options.cancel; };
+    for (std::size_t i = 0; i < options.fences.size() && !isCancelled(); ++i)
         areas.CheckFence(options.fences[i], static_cast<int>(i));
-    for (std::size_t i = 0; i < options.noGo.size(); ++i)
+    for (std::size_t i = 0; i < options.noGo.size() && !isCancelled(); ++i)
         areas.CheckNoGo(options.noGo[i], static_cast<int>(i));
 
     std::stable_sort(findings.begin(), findings.end(),

@@ -5,6 +5,7 @@
 #include "ZrKit/planning/ZrRouteFinding.h"
 #include "ZrKit/planning/ZrRouteSpeeds.h"
 
+#include <atomic>
 #include <optional>
 #include <vector>
 
@@ -38,6 +39,8 @@ public:
         std::vector<ZrArea> noGo; ///< the path must stay outside all of them
         std::optional<ZrRouteSpeeds> speeds; ///< without them those of the process at the time of the check
         double margin = 0.0; ///< metres that the path must keep from the borders of both
+        /// Ends the check soon once it is true: what was found until then is all there is. May be null.
+        const std::atomic<bool>* cancel = nullptr;
     };
 
     static std::vector<ZrRouteFinding> Run(const ZrWpts& route, const Options& options);

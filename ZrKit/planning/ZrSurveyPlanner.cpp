@@ -32,6 +32,7 @@ struct ZrSurveyPlanner::Job
             return;
         ZrSurveyPreview::Base now = base;
         now.check.speeds = speeds;
+        now.check.cancel = &cancel;
         preview = ZrSurveyPreview::Of(now, plan, waypoints);
     }
 };

@@ -38,6 +38,9 @@ ZrSurveyPreview ZrSurveyPreview::Of(
     const int first = std::clamp(base.index, 0, route.GetCount());
     const int end = first + static_cast<int>(waypoints.size());
     Insert(route, first, waypoints);
+    const auto isCancelled = [&base] { return base.check.cancel && *base.check.cancel; };
+    if (isCancelled())
+        return {};
 
     ZrSurveyPreview preview;
     const ZrRoutePath path(route, base.check.speeds ? *base.check.speeds : ZrRouteSpeeds());
@@ -60,11 +63,15 @@ ZrSurveyPreview ZrSurveyPreview::Of(
     whole.length = path.Length();
     whole.duration = path.Duration();
     whole.isChecked = whole.waypoints <= MostChecked;
+    if (isCancelled())
+        return {};
     if (!whole.isChecked)
         return preview;
     for (const ZrRouteFinding& finding : ZrRouteCheck::Run(route, base.check)) {
         whole.errors += finding.severity == ZrRouteFinding::eError ? 1 : 0;
         whole.warnings += finding.severity == ZrRouteFinding::eWarning ? 1 : 0;
     }
+    if (isCancelled())
+        return {};
     return preview;
 }

@@ -25,7 +25,7 @@ struct ZR_KIT_EXPORT ZrSurveyPreview
     {
         ZrWpts route;
         int index = 0; ///< of the waypoint before which they go; the number of waypoints for the end
-        ZrRouteCheck::Options check; ///< what the plan is checked against
+        ZrRouteCheck::Options check; ///< what the plan is checked against; its `cancel` ends the whole work
     };
 
     struct Leg
@@ -39,6 +39,7 @@ struct ZR_KIT_EXPORT ZrSurveyPreview
         = 0.0; ///< metres from the first waypoint of the lines to the last; NaN when it is not known
     ZrPlanTotals whole; ///< the plan with the lines
 
+    /// Empty when it was cancelled.
     /// \param waypoints those of \p lines, as the route gets them
     static ZrSurveyPreview Of(
         const Base& base, const ZrSurveyPlan& lines, const std::vector<ZrWpt>& waypoints);

@@ -63,19 +63,13 @@ QString UnitOf(int quantity)
     }
 }
 
-double Turned(double degrees)
+/// By the compass, as \p text makes it of degrees from 0 up to below 360.
+template <class Function> QString CompassText(double degrees, Function text)
 {
     const double turned = std::fmod(degrees, turn);
-    return turned < 0.0 ? turned + turn : turned;
-}
-
-/// Whole turns that the numbers of an axis go without. All of them the same: a number that began anew at
-/// north would stand above larger ones. The middle of what is visible is between 0 and 360 then.
-double TurnsLess(const ZrPlotSeries::Extent& extent)
-{
-    const double low = static_cast<double>(extent.min);
-    const double span = std::min(static_cast<double>(extent.max) - low, turn);
-    return turn * std::floor((low + span / 2.0) / turn);
+    const QString shown = text(turned < 0.0 ? turned + turn : turned);
+    // The last of it before north rounds up.
+    return shown == text(turn) ? text(0.0) : shown;
 }
 
 QPen PenOf(const ZrPlotPanel::Curve& curve)
@@ -170,12 +164,13 @@ QString ZrPlotPanel::ValueText(int plot, int curve) const
     if (plot < 0 || plot >= m_plots.size() || curve < 0 || curve >= m_plots[plot].curves.size())
         return {};
     const int quantity = m_plots[plot].quantity;
-    double value = static_cast<double>(m_plots[plot].curves[curve].series->ValueAt(m_cursor));
+    const auto value = static_cast<double>(m_plots[plot].curves[curve].series->ValueAt(m_cursor));
     if (std::isnan(value))
         return QStringLiteral("–");
-    if (quantity == angle)
-        value = Turned(value);
-    const QString text = QString::number(value * ScaleOf(quantity), 'f', quantity == speed ? 2 : 1);
+    const auto textOf = [quantity](double shown) {
+        return QString::number(shown * ScaleOf(quantity), 'f', quantity == speed ? 2 : 1);
+    };
+    const QString text = quantity == angle ? CompassText(value, textOf) : textOf(value);
     const QString unit = UnitOf(quantity);
     const bool isApart = !unit.isEmpty() && quantity != angle && quantity != tilt;
     return text + (isApart ? QStringLiteral(" ") : QString()) + unit;
@@ -323,10 +318,11 @@ QVector<ZrPlotPanel::Label> ZrPlotPanel::Labels(int plot) const
     const QRect rect = PlotRect(plot);
     const int high = QFontMetrics(SmallFont()).height();
     const int left = Area(plot % Columns()).x() - Area(0).x();
-    const double less = m_plots[plot].quantity == angle ? TurnsLess(extent) : 0.0;
+    const auto text = [&ticks](double value) { return ticks.Label(value); };
+    const bool isCompass = m_plots[plot].quantity == angle;
     const auto label = [&](double value, int y) {
         return Label{value, QRect(left, y - high / 2, rect.x() - ZrTheme::DpI(6) - left, high),
-            ticks.Label(value - less)};
+            isCompass ? CompassText(value, text) : text(value)};
     };
     QVector<Label> labels;
     for (const double value : ticks.Values()) {

@@ -41,7 +41,9 @@ public:
         number, ///< as it is
         length, ///< metres, shown in the short unit
         speed, ///< metres per second
-        angle, ///< degrees without leaps; values are shown as 0 to 360, axes have the quarters of a turn
+        /// Degrees without leaps; values and the numbers of axes are those of the compass, from 0 up to below
+        /// 360: above 350 an axis goes on with 0. Axes have the quarters of a turn.
+        angle,
         tilt ///< degrees, as they are
     };
 

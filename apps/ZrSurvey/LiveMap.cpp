@@ -46,7 +46,7 @@ LiveMap::LiveMap()
     m_planLine.m_width = 2.0F;
     m_names.SetDeclutter(true);
     m_grid.KeepClearOf(&m_names);
-    m_grid.KeepClearOf({&m_way.m_vehicle}, {&m_way.m_trail, &m_planLine});
+    m_grid.KeepClearOf({&m_waypoints, &m_way.m_vehicle}, {&m_way.m_trail, &m_planLine});
     SetGridShown(false); // of nowhere it would say nothing
     m_way.m_zoneChanged = [this] {
         SetGridShown(true);
