@@ -196,13 +196,14 @@ void tst_ZrAppViewScreen::drag()
         QTRY_COMPARE(m_view->pos(), QPoint(120, 90) + by * i);
     }
     // Without the button nothing moves, nor after its release.
-    const QPoint end = m_view->pos();
+    const QPoint end = QPoint(120, 90) + by * 3;
     cursor += by;
     send(QEvent::MouseMove, Qt::NoButton, Qt::NoButton);
     send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
     send(QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
     Settle();
-    QCOMPARE(m_view->pos(), end);
+    // What the window manager tells of the step before may come as late as this, its last word after it.
+    QTRY_COMPARE(m_view->pos(), end);
 }
 
 /// The frame that the window manager draws goes where the cursor says.
