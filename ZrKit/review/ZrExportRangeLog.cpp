@@ -161,7 +161,8 @@ ZrExportRange::eResult ZrExportRange::WriteLog(const QString& out)
     if (!ReadRecord(m_first, first) || !ReadRecord(m_end - 1, last)
         || (m_end < m_records.Count() && !ReadRecord(m_end, behind)))
         return Fail(m_error);
-    const u64 from = m_first == 0 ? std::max(scan.Pos(), std::min<u64>(beginPos, first.pos)) : first.pos;
+    const u64 firstPos = first.pos; // records are packed, no reference may go there
+    const u64 from = m_first == 0 ? std::max(scan.Pos(), std::min(beginPos, firstPos)) : firstPos;
     u64 to = m_end == m_records.Count() ? scan.FileSize() : behind.pos;
     if (endPos > last.pos)
         to = std::min(to, endPos);
