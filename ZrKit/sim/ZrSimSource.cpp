@@ -185,8 +185,7 @@ bool ZrSimSource::Start(QString* error)
     m_worker->paused = m_paused;
     m_worker->factor = m_factor;
     Worker* const worker = m_worker.get();
-    const auto post
-        = [this] { QMetaObject::invokeMethod(this, "Deliver", Qt::QueuedConnection); };
+    const auto post = [this] { QMetaObject::invokeMethod(this, "Deliver", Qt::QueuedConnection); };
     try {
         worker->thread = std::thread([worker, post] { worker->Run(post); });
     } catch (const std::system_error& failure) {
